@@ -1,0 +1,38 @@
+# What every target of the project shares: language level, warnings, where programs land, and the functions that declare
+# a folder's library and a test program.
+
+option(QN_BENCH "Build the benchmarks" OFF)
+option(QN_FUZZ "Build the fuzz targets (needs clang)" OFF)
+
+set(CMAKE_CXX_STANDARD 20)
+set(CMAKE_CXX_STANDARD_REQUIRED ON)
+set(CMAKE_CXX_EXTENSIONS OFF)
+set(CMAKE_POSITION_INDEPENDENT_CODE ON)
+set(CMAKE_EXPORT_COMPILE_COMMANDS ON)
+set(CMAKE_RUNTIME_OUTPUT_DIRECTORY ${CMAKE_BINARY_DIR}/bin)
+
+find_program(QN_CCACHE ccache)
+if(QN_CCACHE)
+  set(CMAKE_CXX_COMPILER_LAUNCHER ${QN_CCACHE})
+endif()
+
+add_library(qn_build_flags INTERFACE)
+target_compile_options(qn_build_flags INTERFACE -Wall -Wextra -Wpedantic -Wconversion -Wshadow -Wnon-virtual-dtor
+                                                -Woverloaded-virtual -Werror)
+
+# qn_library(NAME SOURCES … LINKS … PRIVATE_LINKS …): the library of the folder that calls it. Its public headers stand
+# under include/FOLDER/, so a target that does not link it cannot include it.
+function(qn_library name)
+  cmake_parse_arguments(ARG "" "" "SOURCES;LINKS;PRIVATE_LINKS" ${ARGN})
+  add_library(${name} STATIC ${ARG_SOURCES})
+  target_include_directories(${name} PUBLIC ${CMAKE_CURRENT_SOURCE_DIR}/include PRIVATE ${CMAKE_CURRENT_SOURCE_DIR})
+  target_link_libraries(${name} PUBLIC ${ARG_LINKS} PRIVATE ${ARG_PRIVATE_LINKS} $<BUILD_INTERFACE:qn_build_flags>)
+endfunction()
+
+# qn_test(NAME SOURCES … LINKS … [LABELS …]): a GoogleTest program whose cases ctest runs one by one.
+function(qn_test name)
+  cmake_parse_arguments(ARG "" "" "SOURCES;LINKS;LABELS" ${ARGN})
+  add_executable(${name} ${ARG_SOURCES})
+  target_link_libraries(${name} PRIVATE ${ARG_LINKS} GTest::gmock_main qn_build_flags)
+  gtest_discover_tests(${name} PROPERTIES LABELS "${ARG_LABELS}" TIMEOUT 60 DISCOVERY_TIMEOUT 60)
+endfunction()
