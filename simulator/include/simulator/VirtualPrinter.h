@@ -1,0 +1,80 @@
+// A label printer that runs inside the calling program: a line, a console, the language, storage
+// and a label.
+#pragma once
+
+#include "simulator/Options.h"
+
+#include <cstddef>
+#include <memory>
+#include <optional>
+#include <string>
+#include <string_view>
+
+namespace qnsim {
+
+/// The printer at the other end of a line. It owns no thread and no clock and sleeps nowhere: the
+/// caller hands in bytes and the time, asks when there is work again, and takes bytes out. Times
+/// are the caller's monotonic microseconds and never run backwards. It touches files only in the
+/// folders that its options name (state, labels).
+///
+/// A caller's loop: FromHost with what was written, Advance, ToHost, then sleep until NextDue or
+/// more input. Nothing here throws.
+class VirtualPrinter {
+  public:
+    /// Options as ParseAddress accepts them. The printer is on and at its prompt.
+    explicit VirtualPrinter(Options options);
+    ~VirtualPrinter();
+    VirtualPrinter(const VirtualPrinter&) = delete;
+    VirtualPrinter& operator=(const VirtualPrinter&) = delete;
+
+    /// A host opened or closed its end. While no host is there, what the printer sends is lost.
+    void HostOpened(Micros now);
+    void HostClosed(Micros now);
+
+    /// The host's line settings as far as the endpoint carries them; at the start none are carried.
+    void SetHostFormat(const LineFormat& format, Micros now);
+
+    /// The host's modem lines; CTS at the printer follows RTS (output waits when RTS/CTS is enabled
+    /// in the setup).
+    void SetHostLines(bool dtr, bool rts, Micros now);
+
+    /// A break condition on the line: stops the running program.
+    void Break(Micros now);
+
+    /// Bytes that the host has written, to the printer.
+    void FromHost(std::string_view bytes, Micros now);
+
+    /// Takes at most max of the bytes that have left the line for the host by now (runs a slice of
+    /// work first).
+    std::string ToHost(Micros now, std::size_t max);
+
+    /// Host bytes still on the wire: 0 unless the line is paced.
+    std::size_t PendingFromHost(Micros now) const;
+
+    /// Host bytes that the printer has not consumed yet, on the wire or waiting behind a running
+    /// program. A caller that reads from a socket stops reading while this is large.
+    std::size_t Backlog() const;
+
+    /// Drops bytes that are on the way, as a host's flush does.
+    void DiscardFromHost(Micros now);
+    void DiscardToHost(Micros now);
+
+    /// When Advance (or ToHost) has work again, absolute: a time not after the last one given =
+    /// busy, absent = only new input wakes the printer.
+    std::optional<Micros> NextDue() const;
+
+    /// Runs a bounded slice of work: bytes that arrived, statements of a running program, the end
+    /// of a restart.
+    void Advance(Micros now);
+
+    /// DSR and CTS as the host sees them, and whether the line has been cut for good.
+    bool Dsr() const;
+    bool Cts() const;
+    bool LineCut() const;
+
+  private:
+    class Impl;
+    std::unique_ptr<Impl> mImpl;
+};
+
+} // namespace qnsim
