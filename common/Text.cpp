@@ -1,0 +1,121 @@
+#include "common/Text.h"
+
+#include <algorithm>
+#include <filesystem>
+
+namespace qncomm {
+namespace {
+
+char Upper(char c) {
+    return c >= 'a' && c <= 'z' ? static_cast<char>(c - 'a' + 'A') : c;
+}
+char Lower(char c) {
+    return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c;
+}
+
+template <class Convert>
+std::string Mapped(std::string_view text, Convert convert) {
+    std::string mapped(text);
+    std::transform(mapped.begin(), mapped.end(), mapped.begin(), convert);
+    return mapped;
+}
+
+} // namespace
+
+std::string UpperCase(std::string_view sText) {
+    return Mapped(sText, Upper);
+}
+std::string LowerCase(std::string_view sText) {
+    return Mapped(sText, Lower);
+}
+
+bool EqualNoCase(std::string_view sLeft, std::string_view sRight) {
+    return std::equal(sLeft.begin(), sLeft.end(), sRight.begin(), sRight.end(),
+                      [](char l, char r) { return Lower(l) == Lower(r); });
+}
+
+std::string Trim(std::string_view sText) {
+    const std::size_t first = sText.find_first_not_of(' ');
+    if (first == std::string_view::npos) return {};
+    return std::string(sText.substr(first, sText.find_last_not_of(' ') - first + 1));
+}
+
+std::string ReplaceAll(std::string_view sText, std::string_view sWhat, std::string_view sBy) {
+    std::string result;
+    std::size_t from = 0;
+    for (std::size_t at = sText.find(sWhat); at != std::string_view::npos;
+         at = sText.find(sWhat, from)) {
+        result.append(sText, from, at - from).append(sBy);
+        from = at + sWhat.size();
+    }
+    return result.append(sText, from);
+}
+
+std::vector<std::string> SplitKeepEmpty(std::string_view sText, std::string_view sSeparator) {
+    std::vector<std::string> pieces;
+    if (sText.empty()) return pieces;
+    std::size_t from = 0;
+    for (std::size_t at = sText.find(sSeparator); at != std::string_view::npos;
+         at = sText.find(sSeparator, from)) {
+        pieces.emplace_back(sText.substr(from, at - from));
+        from = at + sSeparator.size();
+    }
+    pieces.emplace_back(sText.substr(from));
+    return pieces;
+}
+
+std::vector<std::string> SplitNonEmpty(std::string_view sText, std::string_view sSeparator) {
+    std::vector<std::string> pieces = SplitKeepEmpty(sText, sSeparator);
+    std::erase_if(pieces, [](const std::string& piece) { return piece.empty(); });
+    return pieces;
+}
+
+std::vector<std::string> SplitAtBlankRuns(std::string_view sText, std::size_t lMost) {
+    std::vector<std::string> pieces;
+    std::size_t from = 0;
+    while (pieces.size() + 1 < lMost) {
+        const std::size_t run = sText.find("  ", from);
+        if (run == std::string_view::npos) break;
+        pieces.emplace_back(sText.substr(from, run - from));
+        from = std::min(sText.find_first_not_of(' ', run), sText.size());
+    }
+    pieces.emplace_back(sText.substr(from));
+    return pieces;
+}
+
+std::string CollapseSpaces(std::string_view sText) {
+    std::string collapsed;
+    for (const char c : sText)
+        if (c != ' ' || !collapsed.ends_with(' ')) collapsed += c;
+    return collapsed;
+}
+
+std::string NormalizeLineEnds(std::string_view sText) {
+    std::string normalized;
+    normalized.reserve(sText.size() + sText.size() / 16);
+    for (std::size_t at = 0; at < sText.size(); ++at) {
+        const auto isEnd = [&](std::size_t i) { return sText[i] == '\r' || sText[i] == '\n'; };
+        if (!isEnd(at)) {
+            normalized += sText[at];
+            continue;
+        }
+        normalized += CrLf;
+        if (at + 1 < sText.size() && isEnd(at + 1)) ++at;
+    }
+    return normalized;
+}
+
+std::string Strip8thBit(std::string_view sText) {
+    return Mapped(sText, [](char c) { return static_cast<char>(c & 0x7F); });
+}
+
+std::string FileNameOf(std::string_view sPath) {
+    return std::string(sPath.substr(sPath.find_last_of('/') + 1));
+}
+
+bool FileExists(const std::string& sPath) {
+    std::error_code ignored;
+    return std::filesystem::is_regular_file(sPath, ignored);
+}
+
+} // namespace qncomm

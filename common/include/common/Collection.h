@@ -1,0 +1,105 @@
+#pragma once
+
+#include "common/RuntimeErrors.h"
+#include "common/Text.h"
+
+#include <cstddef>
+#include <string>
+#include <string_view>
+#include <unordered_map>
+#include <utility>
+#include <vector>
+
+namespace qncomm {
+
+/// An ordered collection of items, each with an optional key. Positions count from 1; keys are
+/// compared without regard to case. Raises 5 for a key that is not there, 9 for a position that is
+/// not there and 457 for a key that is taken.
+template <class T>
+class Collection {
+  public:
+    /// Appends an item; an empty key means none.
+    void Add(T item, std::string_view sKey = {}) { Insert(mEntries.size(), std::move(item), sKey); }
+
+    /// Puts an item before the one at lBefore.
+    void AddBefore(std::size_t lBefore, T item, std::string_view sKey = {}) {
+        Insert(Place(lBefore), std::move(item), sKey);
+    }
+
+    std::size_t Count() const noexcept { return mEntries.size(); }
+    bool IsEmpty() const noexcept { return mEntries.empty(); }
+    bool Contains(std::string_view sKey) const { return mPlaces.contains(LowerCase(sKey)); }
+
+    const T& Item(std::size_t lIndex) const { return mEntries[Place(lIndex)].item; }
+    T& Item(std::size_t lIndex) { return mEntries[Place(lIndex)].item; }
+    const T& Item(std::string_view sKey) const { return mEntries[Place(sKey)].item; }
+    T& Item(std::string_view sKey) { return mEntries[Place(sKey)].item; }
+
+    void Remove(std::size_t lIndex) { Erase(Place(lIndex)); }
+    void Remove(std::string_view sKey) { Erase(Place(sKey)); }
+
+    void Clear() {
+        mEntries.clear();
+        mPlaces.clear();
+    }
+
+    /// Walks over the items in their order.
+    class ConstIterator {
+      public:
+        explicit ConstIterator(const Collection& of, std::size_t at) : mOf(&of), mAt(at) {}
+        const T& operator*() const { return mOf->mEntries[mAt].item; }
+        ConstIterator& operator++() {
+            ++mAt;
+            return *this;
+        }
+        bool operator==(const ConstIterator&) const = default;
+
+      private:
+        const Collection* mOf;
+        std::size_t mAt;
+    };
+
+    ConstIterator begin() const { return ConstIterator(*this, 0); }
+    ConstIterator end() const { return ConstIterator(*this, mEntries.size()); }
+
+  private:
+    struct Entry {
+        T item;
+        std::string key; // lower case
+    };
+
+    std::size_t Place(std::size_t lIndex) const {
+        if (lIndex < 1 || lIndex > mEntries.size()) RaiseRuntimeError(RtSubscript);
+        return lIndex - 1;
+    }
+
+    std::size_t Place(std::string_view sKey) const {
+        const auto found = mPlaces.find(LowerCase(sKey));
+        if (found == mPlaces.end()) RaiseRuntimeError(RtInvalidCall);
+        return found->second;
+    }
+
+    void Insert(std::size_t place, T item, std::string_view sKey) {
+        Entry entry{std::move(item), LowerCase(sKey)};
+        if (!entry.key.empty() && !mPlaces.emplace(entry.key, place).second)
+            RaiseRuntimeError(RtDuplicateKey);
+        mEntries.insert(mEntries.begin() + static_cast<std::ptrdiff_t>(place), std::move(entry));
+        NumberFrom(place + 1);
+    }
+
+    void Erase(std::size_t place) {
+        mPlaces.erase(mEntries[place].key);
+        mEntries.erase(mEntries.begin() + static_cast<std::ptrdiff_t>(place));
+        NumberFrom(place);
+    }
+
+    void NumberFrom(std::size_t place) {
+        for (; place < mEntries.size(); ++place)
+            if (!mEntries[place].key.empty()) mPlaces[mEntries[place].key] = place;
+    }
+
+    std::vector<Entry> mEntries;
+    std::unordered_map<std::string, std::size_t> mPlaces;
+};
+
+} // namespace qncomm

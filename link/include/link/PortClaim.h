@@ -1,0 +1,44 @@
+#pragma once
+
+#include <cstdint>
+
+namespace qncomm {
+
+class clsDataLink;
+
+/// A counted use of the port, given back when the object ends. It knows its depth (the use count it
+/// produced) and gives back only what is still its own: an error that already gave it back leaves
+/// nothing to do, and however claims nest the count returns to what it was. Ends before the link
+/// does.
+class PortClaim {
+  public:
+    /// A refused claim.
+    PortClaim() = default;
+    PortClaim(PortClaim&& other) noexcept;
+    PortClaim& operator=(PortClaim&& other) = delete;
+
+    /// Gives the claim back; an error of an event handler on the way is dropped, since the
+    /// destructor may be running because of another one. Release reports it.
+    ~PortClaim();
+
+    /// Whether the claim was granted (it may have been given back since).
+    explicit operator bool() const { return mLink != nullptr; }
+
+    /// Gives the claim back now; later calls do nothing. Passes on what a handler of PortStateEvent
+    /// raises.
+    void Release();
+
+    /// Leaves the port claimed beyond this object's life; someone calls clsDataLink::ReleasePort.
+    void Detach();
+
+  private:
+    friend class clsDataLink;
+    PortClaim(clsDataLink& link, std::int32_t depth, bool exclusive);
+
+    clsDataLink* mLink = nullptr;
+    PortClaim* mOuter = nullptr;
+    std::int32_t mDepth = 0;
+    bool mExclusive = false;
+};
+
+} // namespace qncomm

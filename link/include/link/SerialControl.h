@@ -1,0 +1,135 @@
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <functional>
+#include <string>
+#include <string_view>
+
+namespace qncomm {
+
+/// What a serial control reports through its event sink. The link takes no action on the line
+/// errors.
+enum SerialEvent : std::int16_t {
+    SerialEventSend = 1,
+    SerialEventReceive = 2,
+    SerialEventTransfer = 100,
+    SerialEventFrame = 1004,
+    SerialEventOverrun = 1006,
+    SerialEventReceiveOverflow = 1008,
+    SerialEventParity = 1009,
+    /// The device went away while it was open; the control has closed the port.
+    SerialEventPortLost = 2000,
+};
+
+/// Where received text goes.
+enum ReceiveModeValue : std::int16_t { ReceiveToLink = 0, ReceiveToTerminal = 2 };
+
+/// The serial control's own error numbers, raised as QNError with source "PDQComm".
+enum SerialErrorNumber : std::int32_t {
+    SerialErrNoSuchPort =
+        8002,                 ///< the port number is bound to nothing, or its device does not exist
+    SerialErrPortBusy = 8005, ///< the port is held by another program
+    SerialErrDevice = 8012, ///< the device is there and refuses: permission, settings, input/output
+};
+
+/// The serial control that the link drives: one port, opened and closed, with a receive path, a
+/// transmit queue, an event sink and a tag. Single-threaded; the control calls the sink only from
+/// within MessageLoop::Yield.
+///
+/// Members raise QNError with the numbers above, or 5 for a settings text that does not parse;
+/// reading and writing on a closed port does nothing and returns what an empty port would.
+class SerialControl {
+  public:
+    virtual ~SerialControl() = default;
+
+    /// False for a stand-in that only carries properties (a form at design time): the link leaves
+    /// it unconfigured.
+    virtual bool IsFunctional() const = 0;
+
+    // -- Settings. On an open port they take effect at once.
+
+    /// 0 to 16; what a number is bound to is the control's business.
+    virtual std::int16_t PortNumber() const = 0;
+    virtual void SetPortNumber(std::int16_t iPort) = 0;
+
+    /// Baud rate, parity letter (either case), data bits, stop bits, such as "9600,N,8,1".
+    virtual std::string PortSettings() const = 0;
+    virtual void SetPortSettings(const std::string& sSettings) = 0;
+
+    /// Bit 0: Xon/Xoff, bit 1: RTS/CTS.
+    virtual std::int16_t Handshaking() const = 0;
+    virtual void SetHandshaking(std::int16_t iMode) = 0;
+
+    // -- Opening
+
+    virtual bool PortOpen() const = 0;
+
+    /// Opening an open port or closing a closed one does nothing. Closing discards what has not
+    /// been sent: a close never waits for the line.
+    virtual void SetPortOpen(bool bOpen) = 0;
+
+    /// Whether port iPort could be opened now. Opens nothing that another holds and leaves nothing
+    /// open.
+    virtual bool ProbePort(std::int16_t iPort) = 0;
+
+    /// Whether the open port holds DSR. A line without modem lines reads as held.
+    virtual bool DSRState() const = 0;
+
+    // -- Receiving and sending
+
+    /// Bytes that must wait before a receive event fires; 0 turns the events off. Reading works in
+    /// either case.
+    virtual std::int16_t ReceiveThreshold() const = 0;
+    virtual void SetReceiveThreshold(std::int16_t iBytes) = 0;
+
+    /// Sizes of the receive and transmit buffers in bytes.
+    virtual void SetBufferSizes(std::int32_t lReceive, std::int32_t lTransmit) = 0;
+    virtual std::int32_t TransmitBufferSize() const = 0;
+
+    /// Bytes received and not read yet; bytes given to Write that have not left for the line.
+    virtual std::int32_t ReceiveCount() const = 0;
+    virtual std::int32_t TransmitCount() const = 0;
+
+    /// Sets the counts to 0: what waits is thrown away.
+    virtual void FlushReceive() = 0;
+    virtual void FlushTransmit() = 0;
+
+    /// Takes everything that waits, at most the receive buffer's size.
+    virtual std::string Read() = 0;
+
+    /// Takes one line and returns it without its line end, waiting up to lTimeout ms for it without
+    /// dispatching anything; on a time-out what has come so far.
+    virtual std::string ReadLine(std::int32_t lTimeout) = 0;
+
+    /// Sleeps until bytes wait or lTimeout ms have passed, without dispatching anything. Returns
+    /// whether bytes wait.
+    virtual bool WaitForReceive(std::int32_t lTimeout) = 0;
+
+    /// Queues bytes for the line. The caller keeps to the free space (TransmitBufferSize less
+    /// TransmitCount).
+    virtual void Write(std::string_view sBytes) = 0;
+
+    // -- Routing
+
+    /// A ReceiveModeValue; what the link does with received text follows it.
+    virtual std::int16_t ReceiveMode() const = 0;
+    virtual void SetReceiveMode(std::int16_t iMode) = 0;
+
+    /// A stored value without effect, kept for hosts that set it.
+    virtual void SetReserved(std::int16_t iValue) = 0;
+
+    /// Writes text to the control's terminal.
+    virtual void WriteTerminal(std::string_view sText) = 0;
+
+    /// Free text of whoever uses the control; the link's mark for exclusive use stands here.
+    virtual const std::string& Tag() const = 0;
+    virtual void SetTag(std::string_view sTag) = 0;
+
+    /// Who receives the events; an empty function detaches. Attaching with bytes waiting fires on
+    /// the next Yield.
+    using EventSink = std::function<void(SerialEvent)>;
+    virtual void SetEventSink(EventSink sink) = 0;
+};
+
+} // namespace qncomm

@@ -1,0 +1,261 @@
+#pragma once
+
+#include "common/Collection.h"
+#include "common/Desktop.h"
+#include "common/Event.h"
+#include "common/MessageLoop.h"
+#include "common/RegSettings.h"
+#include "common/StopWatch.h"
+#include "link/LinkDialogs.h"
+#include "link/PortClaim.h"
+#include "link/SerialControl.h"
+
+#include <cstddef>
+#include <cstdint>
+#include <memory>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace qncomm {
+
+enum enumFlowControl : std::int16_t {
+    No_Flowcontrol = 0,
+    Software_Flowcontrol = 1,
+    Hardware_Flowcontrol = 2,
+    SW_And_HW_Flowcontrol = 3,
+};
+
+/// What a link needs of where it runs; all outlive it.
+struct LinkHost {
+    MessageLoop& loop;
+    Desktop& desktop;
+    LinkDialogs& dialogs;
+};
+
+/// Owns the one serial port through which the system talks to one printer: its settings, counted
+/// use, the exchange of command lines for replies, the search for the printer, its identity and its
+/// reboot.
+///
+/// Single-threaded. All waits yield to the host's message loop, WaitForOk and WaitForEchoLine
+/// excepted. While the link is inside such a wait or inside one of its events, a new claim or
+/// search from there is refused quietly.
+///
+/// Any member that needs the serial control raises 91 before SerialPort is set and after TearDown.
+class clsDataLink {
+  public:
+    explicit clsDataLink(const LinkHost& host);
+    ~clsDataLink();
+    clsDataLink(const clsDataLink&) = delete;
+    clsDataLink& operator=(const clsDataLink&) = delete;
+
+    // -- Events
+
+    /// sStatusMsg, iProgressPerc, bCancel: progress of a long operation; a handler that sets
+    /// bCancel asks it to stop.
+    Event<std::string&, std::int16_t&, bool&> StatusEvent;
+    /// bPortOpen: the first claim opened the port, or the last one closed it.
+    Event<bool&> PortStateEvent;
+
+    // -- Life
+
+    /// Takes the serial control (not owned; it outlives the link or TearDown is called first),
+    /// configures it, connects to its events and fills FrameFormats.
+    void SetSerialPort(SerialControl* serial);
+
+    const std::shared_ptr<qncomm::RegSettings>& RegSettings() const { return mRegSettings; }
+    /// Setting an object loads the settings from it at once; setting none keeps them.
+    void SetRegSettings(std::shared_ptr<qncomm::RegSettings> settings);
+
+    /// Closes the port without an event and lets go of the serial control, the settings object's
+    /// lists and the events. Harmless when repeated.
+    void TearDown();
+
+    // -- Settings, as texts, exactly as they are stored and given to the port. A let normalises its
+    // text, validates it
+    //    (raising 1001 to 1005 with source "DataLink:Let …"), stores it and applies all settings to
+    //    the port.
+
+    const std::string& Baudrate() const { return mBaudrate; }
+    void SetBaudrate(std::string_view sValue);
+    const std::string& Parity() const { return mParity; }
+    void SetParity(std::string_view sValue);
+    const std::string& Databits() const { return mDatabits; }
+    void SetDatabits(std::string_view sValue);
+    const std::string& Stopbits() const { return mStopbits; }
+    void SetStopbits(std::string_view sValue);
+    /// "0" to "3", an enumFlowControl; of any number the two low bits are taken.
+    const std::string& Flowcontrol() const { return mFlowcontrol; }
+    void SetFlowcontrol(std::string_view sValue);
+    /// The port number as text. A number below 1 becomes the first valid port of 0 to 16. Not
+    /// applied to the port before ApplyCommSettings. Raises 6 for a number that is no 16-bit one.
+    const std::string& Commport() const { return mCommport; }
+    void SetCommport(std::string_view sValue);
+    bool DSRDetectActive() const { return mDSRDetectActive; }
+    void SetDSRDetectActive(bool bValue) { mDSRDetectActive = bValue; }
+
+    /// Such as "9600,N,8,1".
+    std::string SettingsText() const;
+    /// Whether the open port's DSR line is held.
+    bool IsDSRActive();
+    /// Whether port iPortNumber could be used: it is this link's own open port, or it opens.
+    bool IsValidPort(std::int16_t iPortNumber);
+
+    /// Gives the settings to the port, reopening it when it is open, and drops ImmediateMode. A
+    /// busy port asks the person; other errors skip their step.
+    void ApplyCommSettings();
+    /// Writes the settings and the order of baud rates to the store; raises 91 without one.
+    void SaveCommSettings();
+    /// The setup dialog's result, 1 when accepted; 0 when an exclusive operation is already
+    /// running.
+    std::int16_t ShowSettingsDlg();
+
+    /// The baud rates of the search, best first; keyed by themselves.
+    const Collection<std::string>& AutoConnectBaudrates() const { return mAutoConnectBaudrates; }
+    /// The formats of the search ("n,8,2"), best first; keyed by themselves.
+    const Collection<std::string>& FrameFormats() const { return mFrameFormats; }
+
+    // -- Counted use of the port
+
+    /// Claims the port: opens it on the first claim, finds the printer while ImmediateMode is False
+    /// and puts it into the mode that the exchange relies on. A refused claim tests False; the port
+    /// is then as it was. Raises what the handshake raises (1007, 1008, 1024, printer errors), with
+    /// the claim given back.
+    [[nodiscard]] PortClaim AcquirePort(bool bExclusive = false);
+    /// Gives one claim back. For claims that were detached; all others give themselves back.
+    void ReleasePort(bool bClearTag = false, bool bForce = false);
+    std::int32_t UseCount() const { return mUseCount; }
+
+    /// Whether the terminal is shown: True keeps the port open for it and routes received text
+    /// there, sending nothing. A change during an exclusive operation or an exchange takes effect
+    /// when that ends.
+    bool TerminalActive() const { return mTerminalActive; }
+    void SetTerminalActive(bool bValue);
+
+    // -- The exchange
+
+    /// Sends sText and waits until it has left. sText is emptied as far as it was sent. With
+    /// bWaitForEcho also waits up to 500 ms for the echoed line. Raises 1007 (no progress for 5000
+    /// ms, not drained in 10000 ms) and 1024 (port closed), source "Datalink:OutputText", with the
+    /// innermost claim given back.
+    void OutputText(std::string& sText, bool bWaitForEcho = false);
+    void OutputText(std::string&& sText, bool bWaitForEcho = false) {
+        OutputText(sText, bWaitForEcho);
+    }
+
+    /// Waits for a reply that holds "Ok" CR LF and fills sInputLines with its non-empty lines: the
+    /// echo first, "Ok" last. Returns their count. Raises 1008 when nothing came for lTimeout ms,
+    /// 1000 for a reply beyond 16 MiB, 1024 (port closed), source "Datalink:InputText", and, unless
+    /// bNoQNErrorCheck, the printer's error in the line before the last as 60000 + n, source
+    /// "clsDatalink:GetPrinterError"; each with the innermost claim given back.
+    std::int32_t InputText(std::vector<std::string>& sInputLines, bool bNoQNErrorCheck = false,
+                           std::int32_t lTimeout = 1000);
+
+    /// Whether the next received line, with CR LF, equals sEcho. Takes it off the port; does not
+    /// yield.
+    bool WaitForEchoLine(std::string_view sEcho, std::int32_t lTimeout = 500);
+    /// Whether "Ok" CR LF arrives before lTimeout ms pass without received text. Takes it off the
+    /// port; does not yield.
+    bool WaitForOk(std::int32_t lTimeout = 500);
+    /// Empties the port's two buffers and the link's receive buffer.
+    void PurgePort();
+    /// Yields until lMilliseconds have passed.
+    void Delay(std::int32_t lMilliseconds);
+
+    /// True once the printer was found and switched to immediate mode. Setting it False forgets the
+    /// printer's identity.
+    bool ImmediateMode() const { return mImmediateMode; }
+    void SetImmediateMode(bool bValue);
+    /// The printer's serial channel that the host is wired to, 1 until found.
+    std::int16_t Stdio() const { return mStdio == 0 ? std::int16_t{1} : mStdio; }
+
+    // -- Finding, identifying, rebooting
+
+    /// Searches for the printer on port iPort over all baud rates and formats, learns its settings
+    /// and saves them. True when found. Refused (False, no event) while another exclusive operation
+    /// runs, unless bExclusive. Raises nothing.
+    bool AutoConnect(std::int16_t iPort, bool bExclusive = false);
+
+    /// The model code and the firmware version, asked of the printer when not known: empty when the
+    /// port is refused. Raise 1000, source "Datalink:GetVersion", for a reply that is none, and
+    /// what the exchange raises.
+    const std::string& ModelText();
+    const std::string& VersionText();
+    /// What the last handshake read before it set the two variables.
+    std::int16_t PreviousSysvar18() const { return mPreviousSysvar18; }
+    std::int16_t PreviousSysvar19() const { return mPreviousSysvar19; }
+
+    /// Restarts the printer and waits, without limit, until it answers again. Does nothing when the
+    /// port is refused.
+    void Reboot();
+
+  private:
+    friend class PortClaim;
+    friend class AutoConnectSearch;
+    friend class HostCall;
+    friend class DetachedSink;
+
+    SerialControl& Serial() const;
+    void AttachSink();
+    void OnSerialEvent(SerialEvent event);
+    void OnReceive();
+    void OnPortLost();
+
+    void LoadCommSettings();
+    bool AskBusyPort();
+    void StoreSetting(std::string& member, std::string_view value);
+
+    bool IsExclusive() const;
+    void OpenPort();
+    void ClosePort();
+    void RaisePortState(bool open);
+    void SettleTerminal();
+    void EndClaim(PortClaim& claim);
+    /// Gives the innermost claim back before an error is raised, clears the mark and what was
+    /// received.
+    void ReleaseBeforeRaise();
+    [[noreturn]] void Fail(std::int32_t number, std::string_view source);
+
+    void Yield(std::int32_t limit);
+    /// Raises StatusEvent; True when a handler cancels.
+    bool ReportStatus(std::string message, std::int16_t progress);
+    void Handshake();
+    void GetPrinterError(std::string_view line);
+    void GetVersion();
+
+    LinkHost mHost;
+    SerialControl* mSerial = nullptr;
+    std::shared_ptr<qncomm::RegSettings> mRegSettings;
+
+    std::string mCommport;
+    std::string mBaudrate;
+    std::string mParity;
+    std::string mDatabits;
+    std::string mStopbits;
+    std::string mFlowcontrol;
+    bool mDSRDetectActive = false;
+    Collection<std::string> mAutoConnectBaudrates;
+    Collection<std::string> mFrameFormats;
+
+    std::int32_t mUseCount = 0;
+    bool mTerminalActive = false; ///< what the host asked for
+    bool mTerminalHeld = false;   ///< whether one of the counted uses is the terminal's
+    bool mPortLost = false; ///< the device went away under a claim; the next claim opens it again
+    PortClaim* mInnermost = nullptr;
+    std::int32_t mHostCalls = 0; ///< how deep the link is in code of the host
+
+    std::string mReceived; ///< received text with CR LF line ends, in receive mode 0
+    bool mReceiveOverflow = false;
+    bool mEndedInCr = false; ///< the text delivered last ended in a CR of its own
+    StopWatch mReceiveWatch;
+
+    bool mImmediateMode = false;
+    std::int16_t mStdio = 0;
+    std::string mVersionText;
+    std::string mModelText;
+    std::int16_t mPreviousSysvar18 = 0;
+    std::int16_t mPreviousSysvar19 = 0;
+};
+
+} // namespace qncomm
