@@ -1,0 +1,119 @@
+#include "IncludeRules.h"
+
+#include <algorithm>
+#include <array>
+#include <optional>
+#include <regex>
+#include <span>
+
+namespace layers {
+namespace {
+
+using Names = std::span<const std::string_view>;
+
+/// One row of the house's table. A name that ends in ".h" stands for that header alone.
+struct Rule {
+    std::string_view folder;
+    Names mayInclude;
+    bool standardLibraryOnly;
+};
+
+constexpr std::array<std::string_view, 1> Common{"common"};
+constexpr std::array<std::string_view, 2> LinkCommon{"link", "common"};
+constexpr std::array<std::string_view, 4> BelowControl{"printer", "link", "dialogs", "common"};
+constexpr std::array<std::string_view, 3> BelowSerial{"common", "platform", "link/SerialControl.h"};
+constexpr std::array<std::string_view, 6> BelowFaces{"control", "printer", "link",
+                                                     "dialogs", "common",  "platform"};
+
+constexpr std::array Rules{
+    Rule{"common", {}, true},
+    Rule{"link", Common, true},
+    Rule{"printer", LinkCommon, true},
+    Rule{"dialogs", LinkCommon, true},
+    Rule{"control", BelowControl, true},
+    Rule{"platform", Common, false},
+    Rule{"serial", BelowSerial, false},
+    Rule{"simulator", {}, false},
+    Rule{"faces/console", BelowFaces, false},
+    Rule{"faces/qt", BelowFaces, false},
+};
+
+/// The one file that may reach beyond its folder's row.
+constexpr std::string_view VirtualPrinterChannel = "serial/VirtualPrinterChannel.cpp";
+
+/// The project's folders as they stand at the start of an include.
+constexpr std::array<std::string_view, 14> ProjectFolders{
+    "common",    "link",  "printer", "dialogs", "control", "platform", "serial",
+    "simulator", "faces", "console", "qt",      "apps",    "bindings", "tests"};
+
+const std::regex& StandardHeader() {
+    // Standard headers have neither a folder nor an extension; their C forms (<stdio.h>) are not
+    // used here.
+    static const std::regex pattern("[a-z0-9_]+");
+    return pattern;
+}
+
+std::string_view FirstFolder(std::string_view path) {
+    const std::size_t slash = path.find('/');
+    return slash == std::string_view::npos ? std::string_view{} : path.substr(0, slash);
+}
+
+const Rule* RuleFor(std::string_view file) {
+    const auto found = std::find_if(Rules.begin(), Rules.end(), [&](const Rule& rule) {
+        return file.starts_with(rule.folder) && file.substr(rule.folder.size()).starts_with('/');
+    });
+    return found != Rules.end() ? &*found : nullptr;
+}
+
+bool Allows(const Rule& rule, std::string_view include) {
+    const std::string_view folder = FirstFolder(include);
+    const std::string_view own = rule.folder.substr(rule.folder.find('/') + 1);
+    return folder == own || std::ranges::any_of(rule.mayInclude, [&](std::string_view allowed) {
+               return allowed.ends_with(".h") ? allowed == include : allowed == folder;
+           });
+}
+
+std::optional<std::string> Objection(const Rule& rule, std::string_view file,
+                                     const Include& include) {
+    if (include.path.find("..") != std::string::npos) return "leaves its folder by a relative path";
+    const std::string_view folder = FirstFolder(include.path);
+    if (std::ranges::find(ProjectFolders, folder) != ProjectFolders.end()) {
+        if (Allows(rule, include.path)) return std::nullopt;
+        if (file == VirtualPrinterChannel && folder == "simulator") return std::nullopt;
+        return "is not in the row of " + std::string(rule.folder) + "/";
+    }
+    if (!include.quoted && rule.standardLibraryOnly
+        && !std::regex_match(include.path, StandardHeader()))
+        return "is not of the standard library";
+    return std::nullopt;
+}
+
+} // namespace
+
+std::vector<Include> IncludesOf(std::string_view sText) {
+    static const std::regex line(R"re((?:^|\n)[ \t]*#[ \t]*include[ \t]*([<"])([^>"\n]+)[>"])re");
+    std::vector<Include> includes;
+    using Iterator = std::regex_iterator<std::string_view::const_iterator>;
+    for (Iterator match(sText.begin(), sText.end(), line); match != Iterator(); ++match)
+        includes.push_back({(*match)[2].str(), (*match)[1].str() == "\""});
+    return includes;
+}
+
+std::vector<std::string> StrayIncludes(std::string_view sFile, std::string_view sText) {
+    const Rule* rule = RuleFor(sFile);
+    if (rule == nullptr) return {};
+    std::vector<std::string> stray;
+    for (const Include& include : IncludesOf(sText))
+        if (const auto objection = Objection(*rule, sFile, include))
+            stray.push_back(std::string(sFile) + ": \"" + include.path + "\" " + *objection);
+    return stray;
+}
+
+std::vector<std::string_view> RuledFolders() {
+    std::vector<std::string_view> folders;
+    for (const Rule& rule : Rules)
+        folders.push_back(rule.folder);
+    return folders;
+}
+
+} // namespace layers
