@@ -1,0 +1,155 @@
+#include "platform/FileSettings.h"
+
+#include "SettingsFile.h"
+#include "common/QNError.h"
+#include "common/RuntimeErrors.h"
+
+#include <array>
+#include <cerrno>
+#include <cstdlib>
+#include <filesystem>
+#include <system_error>
+#include <utility>
+
+#include <pwd.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+namespace qncomm {
+namespace {
+
+constexpr std::int32_t LockTimeoutMs = 5000;
+
+std::string Reason(const FileResult& failure) {
+    if (failure.error == EWOULDBLOCK) return failure.path + ": another program holds the lock";
+    return failure.path + ": " + std::generic_category().message(failure.error);
+}
+
+std::int32_t RuntimeNumber(int systemError) {
+    static constexpr std::array<std::pair<int, std::int32_t>, 7> table{{
+        {EACCES, RtPermissionDenied},
+        {EPERM, RtPermissionDenied},
+        {EROFS, RtPermissionDenied},
+        {EWOULDBLOCK, RtPermissionDenied},
+        {ENOSPC, RtDiskFull},
+        {EDQUOT, RtDiskFull},
+        {EFBIG, RtDiskFull},
+    }};
+    for (const auto& [error, number] : table)
+        if (error == systemError) return number;
+    return RtPathFileAccess;
+}
+
+void RaiseUnless(const FileResult& result) {
+    if (result) return;
+    const std::int32_t number = RuntimeNumber(result.error);
+    throw QNError(number, "FileSettings:WriteValue",
+                  RuntimeErrorText(number) + " (" + Reason(result) + ")");
+}
+
+std::string HomeFolder() {
+    const char* home = std::getenv("HOME"); // NOLINT(concurrency-mt-unsafe)
+    if (home != nullptr && *home != '\0') return home;
+    const passwd* entry = ::getpwuid(::getuid()); // NOLINT(concurrency-mt-unsafe)
+    return entry != nullptr ? entry->pw_dir : "/";
+}
+
+} // namespace
+
+FileSettings::FileSettings(std::string sPath, Warning warn)
+    : mPath(std::move(sPath)), mWarn(std::move(warn)) {
+    // A link to the file stays a link: what it points at is replaced, not the link itself.
+    std::error_code ignored;
+    const auto target = std::filesystem::canonical(mPath, ignored);
+    if (!ignored) mPath = target.string();
+}
+
+std::string FileSettings::DefaultPath() {
+    const char* config = std::getenv("XDG_CONFIG_HOME"); // NOLINT(concurrency-mt-unsafe)
+    // A relative path in this variable is to be ignored.
+    const bool usable = config != nullptr && *config == '/';
+    return (usable ? std::string(config) : HomeFolder() + "/.config") + "/qncomm/settings.ini";
+}
+
+std::string FileSettings::ReadValue(std::string_view sSection, std::string_view sKey,
+                                    std::string_view sDefault) const {
+    Refresh();
+    if (mDamaged) {
+        MoveDamagedAside();
+        Refresh();
+    }
+    return mDocument.Value(sSection, sKey).value_or(std::string(sDefault));
+}
+
+void FileSettings::WriteValue(std::string_view sSection, std::string_view sKey,
+                              std::string_view sValue) {
+    RaiseUnless(MakeFoldersFor(mPath));
+    std::string movedTo;
+    {
+        const FileLock lock(mPath, LockTimeoutMs);
+        RaiseUnless(lock.Result());
+        std::string text;
+        RaiseUnless(ReadWholeFile(mPath, text));
+        auto document = SettingsDocument::Parse(text);
+        if (!document) {
+            RaiseUnless(MoveAside(mPath, movedTo));
+            document.emplace();
+        }
+        if (document->Value(sSection, sKey) != sValue) {
+            document->SetValue(sSection, sKey, sValue);
+            RaiseUnless(ReplaceFile(mPath, document->Text()));
+        }
+    }
+    if (!movedTo.empty()) Warn("The settings in " + mPath + " were damaged; kept as " + movedTo);
+}
+
+FileSettings::Version FileSettings::VersionOf(const std::string& path) {
+    struct ::stat now {};
+    if (::stat(path.c_str(), &now) != 0) return {};
+    return {now.st_dev, now.st_ino, now.st_size,
+            now.st_mtim.tv_sec * std::int64_t{1'000'000'000} + now.st_mtim.tv_nsec};
+}
+
+void FileSettings::Refresh() const {
+    const Version now = VersionOf(mPath);
+    if (now == mVersion) return;
+    mVersion = now;
+    Read();
+}
+
+void FileSettings::Read() const {
+    mDocument = {};
+    mDamaged = false;
+    std::string text;
+    if (const FileResult result = ReadWholeFile(mPath, text); !result) {
+        Warn("The settings cannot be read: " + Reason(result));
+        return;
+    }
+    auto document = SettingsDocument::Parse(text);
+    mDamaged = !document;
+    if (document) mDocument = std::move(*document);
+}
+
+void FileSettings::MoveDamagedAside() const {
+    mDamaged = false;
+    std::string movedTo;
+    FileResult result;
+    {
+        const FileLock lock(mPath, LockTimeoutMs);
+        result = lock.Result();
+        std::string text;
+        if (result) result = ReadWholeFile(mPath, text);
+        if (result && !SettingsDocument::Parse(text)) result = MoveAside(mPath, movedTo);
+    }
+    if (!result)
+        Warn("The settings in " + mPath + " are damaged and stay: " + Reason(result));
+    else if (!movedTo.empty())
+        Warn("The settings in " + mPath + " were damaged; kept as " + movedTo);
+}
+
+void FileSettings::Warn(const std::string& line) const {
+    if (mWarn && line != mLastWarning) mWarn(line);
+    mLastWarning = line;
+}
+
+} // namespace qncomm
