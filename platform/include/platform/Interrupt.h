@@ -1,0 +1,43 @@
+#pragma once
+
+#include "platform/Fd.h"
+
+#include <csignal>
+#include <cstdint>
+
+namespace qncomm {
+
+/// Turns SIGINT, SIGTERM and SIGHUP into a flag while it lives: they no longer end the program but
+/// wake the loop that was given this object. One per program, made before other threads start.
+class Interrupt {
+  public:
+    Interrupt();
+    /// Puts the former signal handling back; a signal that was not collected is dropped.
+    ~Interrupt();
+    Interrupt(const Interrupt&) = delete;
+    Interrupt& operator=(const Interrupt&) = delete;
+
+    /// Whether a signal has come since the last Clear. This is what a handler of StatusEvent passes
+    /// on as its cancel flag.
+    bool Raised();
+
+    /// How many signals have come since the last Clear, and the latest one's number (0 = none).
+    std::int32_t Count();
+    int Signal() const { return mSignal; }
+
+    /// Forgets what has come, for a program that goes on after a cancelled operation.
+    void Clear();
+
+    /// Readable while a signal waits to be collected.
+    int Handle() const { return mHandle.Get(); }
+
+  private:
+    void Collect();
+
+    sigset_t mFormer{};
+    Fd mHandle;
+    std::int32_t mCount = 0;
+    int mSignal = 0;
+};
+
+} // namespace qncomm

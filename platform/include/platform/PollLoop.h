@@ -1,0 +1,68 @@
+#pragma once
+
+#include "platform/Reactor.h"
+
+#include <cstddef>
+#include <cstdint>
+#include <functional>
+#include <memory>
+#include <vector>
+
+struct pollfd;
+
+namespace qncomm {
+
+class Interrupt;
+
+/// The loop of a program without a toolkit: sleeps in the kernel until a descriptor is ready, an
+/// alarm or timer is due, a signal came or the limit has passed, and wakes for nothing else. One
+/// system call for each Yield.
+///
+/// With an Interrupt (not owned, outlives the loop) Yield returns early when a signal comes, so
+/// that the running operation can see the flag and end by itself. It throws OperationCancelled when
+/// the flag is still up after the grace period, or at once for a second signal; then not again
+/// until a further signal, so that what unwinds can still yield.
+class PollLoop final : public Reactor {
+  public:
+    static constexpr std::int32_t GraceMs = 500;
+
+    explicit PollLoop(Interrupt* interrupt = nullptr, std::int32_t lGraceMs = GraceMs);
+    ~PollLoop() override;
+    PollLoop(const PollLoop&) = delete;
+    PollLoop& operator=(const PollLoop&) = delete;
+
+    std::int64_t NowUs() const override;
+    void Yield(std::int32_t lLimit) override;
+    [[nodiscard]] std::unique_ptr<RunningTimer> StartTimer(std::int32_t lInterval,
+                                                           std::function<void()> handler) override;
+    [[nodiscard]] std::unique_ptr<FdWatch> Watch(int fd, FdEvents events,
+                                                 std::function<void(FdEvents)> handler) override;
+    [[nodiscard]] std::unique_ptr<Alarm> CreateAlarm(std::function<void()> handler) override;
+    FdEvents WaitFor(int fd, FdEvents events, std::int64_t lLimitUs) override;
+
+  private:
+    class WatchSlot;
+    class AlarmSlot;
+    class IntervalTimer;
+    friend class WatchSlot;
+    friend class AlarmSlot;
+
+    using FdHandler = std::shared_ptr<const std::function<void(FdEvents)>>;
+
+    bool RunAlarms(std::int64_t now);
+    bool RunWatches();
+    std::int64_t NextDue() const;
+    void CheckInterrupt(std::int64_t now);
+    std::size_t FreeSlot();
+
+    std::vector<pollfd> mPoll; ///< one entry for each watch; the first is the interrupt's
+    std::vector<FdHandler> mHandlers;
+    std::vector<AlarmSlot*> mAlarms;
+    std::vector<AlarmSlot*> mDue; ///< those that the running round still has to call
+    Interrupt* mInterrupt;
+    std::int64_t mGraceUs;
+    std::int64_t mCancelAt;          ///< when a raised interrupt ends the running operation
+    std::int32_t mSignalsThrown = 0; ///< how many signals had come when Yield threw last
+};
+
+} // namespace qncomm

@@ -1,0 +1,139 @@
+#pragma once
+
+#include "link/SerialControl.h"
+#include "platform/Reactor.h"
+#include "serial/ByteChannel.h"
+#include "serial/LineSettings.h"
+#include "serial/PortBindings.h"
+#include "serial/TraceSink.h"
+
+#include <cstdint>
+#include <functional>
+#include <map>
+#include <memory>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace qncomm {
+
+class ReceivePath;
+class TransmitQueue;
+
+/// Why a port did not open, or went away.
+struct PortFailure {
+    std::int32_t number = 0; ///< a SerialErrorNumber
+    IoResult reason;
+    std::string description; ///< names the port, its address, the reason and a holder
+};
+
+/// The serial control: one port of this machine, a socket or the virtual printer, behind the
+/// interface that the link drives. Errors are raised with source "PDQComm".
+///
+/// A channel that has been used is kept, closed, so that the virtual printer keeps its state and a
+/// socket can be used again at once.
+class PDQComm final : public SerialControl {
+  public:
+    /// The reactor, and the trace if there is one, outlive the control.
+    PDQComm(Reactor& reactor, PortBindings bindings, TraceSink* trace = nullptr,
+            ChannelFactory factory = MakeChannel);
+    ~PDQComm() override;
+    PDQComm(const PDQComm&) = delete;
+    PDQComm& operator=(const PDQComm&) = delete;
+
+    // -- What the link drives
+
+    bool IsFunctional() const override { return true; }
+    std::int16_t PortNumber() const override { return mPortNumber; }
+    void SetPortNumber(std::int16_t iPort) override;
+    std::string PortSettings() const override { return mSettingsText; }
+    void SetPortSettings(const std::string& sSettings) override;
+    std::int16_t Handshaking() const override;
+    void SetHandshaking(std::int16_t iMode) override;
+    bool PortOpen() const override { return mOpen != nullptr; }
+    void SetPortOpen(bool bOpen) override;
+    bool ProbePort(std::int16_t iPort) override;
+    bool DSRState() const override;
+    std::int16_t ReceiveThreshold() const override;
+    void SetReceiveThreshold(std::int16_t iBytes) override;
+    void SetBufferSizes(std::int32_t lReceive, std::int32_t lTransmit) override;
+    std::int32_t TransmitBufferSize() const override;
+    std::int32_t ReceiveCount() const override;
+    std::int32_t TransmitCount() const override;
+    void FlushReceive() override;
+    void FlushTransmit() override;
+    std::string Read() override;
+    std::string ReadLine(std::int32_t lTimeout) override;
+    bool WaitForReceive(std::int32_t lTimeout) override;
+    void Write(std::string_view sBytes) override;
+    std::int16_t ReceiveMode() const override { return mReceiveMode; }
+    void SetReceiveMode(std::int16_t iMode) override { mReceiveMode = iMode; }
+    void SetReserved(std::int16_t iValue) override { mReserved = iValue; }
+    void WriteTerminal(std::string_view sText) override;
+    const std::string& Tag() const override { return mTag; }
+    void SetTag(std::string_view sTag) override { mTag = sTag; }
+    void SetEventSink(EventSink sink) override;
+
+    // -- For the host
+
+    /// Which address each port number stands for. A change counts from the next opening.
+    PortBindings& Bindings() { return mBindings; }
+    const PortBindings& Bindings() const { return mBindings; }
+
+    /// Why the last opening failed or the open port went away; nothing after an opening that went
+    /// well. It stays readable after the link has dropped the error.
+    const std::optional<PortFailure>& LastFailure() const { return mLastFailure; }
+
+    /// Such as "COM3 (/dev/ttyUSB0)".
+    std::string PortName() const;
+
+    /// Who shows text of the terminal; an empty function shows none.
+    using TerminalSink = std::function<void(std::string_view sText)>;
+    void SetTerminalSink(TerminalSink sink) { mTerminal = std::move(sink); }
+
+    /// Keys typed at the terminal, to the line. Takes as many bytes as there is space for and
+    /// returns how many; none while the port is closed.
+    std::size_t TypeKeys(std::string_view sKeys);
+
+  private:
+    void Open();
+    void Close();
+    ByteChannel& ChannelFor(const PortAddress& address);
+    [[noreturn]] void Refuse(IoResult reason);
+    void Configure(const LineSettings& settings);
+
+    void OnChannel(FdEvents events);
+    /// Takes from the channel what the receive buffer has space for.
+    void Receive();
+    void Send();
+    void WantEvents();
+    /// Fires what is due; called only from the reactor.
+    void FireEvents();
+    void Lost(const IoResult& reason);
+    void Trace(TraceKind kind, std::string_view bytes) const;
+
+    Reactor& mReactor;
+    PortBindings mBindings;
+    TraceSink* mTrace;
+    ChannelFactory mFactory;
+    std::map<std::string, std::unique_ptr<ByteChannel>> mChannels; ///< by address
+    ByteChannel* mOpen = nullptr;                                  ///< the open one
+    std::unique_ptr<ReceivePath> mReceive;
+    std::unique_ptr<TransmitQueue> mTransmit;
+    std::unique_ptr<Alarm> mFire;  ///< an event waits for the next Yield
+    std::unique_ptr<Alarm> mDrain; ///< wakes a waiting link when what was sent has left
+
+    std::int16_t mPortNumber = 1;
+    std::string mSettingsText = "9600,N,8,1";
+    LineSettings mSettings;
+    std::int16_t mReceiveMode = ReceiveToLink;
+    std::int16_t mReserved = 0;
+    std::string mTag;
+    std::shared_ptr<const EventSink> mSink;
+    TerminalSink mTerminal;
+    bool mLostWaits = false; ///< the loss of the port is still to be reported
+    std::optional<PortFailure> mLastFailure;
+};
+
+} // namespace qncomm

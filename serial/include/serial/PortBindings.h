@@ -1,0 +1,56 @@
+#pragma once
+
+#include "common/RegSettings.h"
+#include "serial/PortAddress.h"
+#include "serial/SerialDevices.h"
+
+#include <array>
+#include <cstdint>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace qncomm {
+
+/// Who bound a port number to its address, strongest first.
+enum class BindingSource { Given, Settings, Machine };
+
+struct PortBinding {
+    std::int16_t number = 0;
+    PortAddress address;
+    BindingSource source = BindingSource::Given;
+    std::string description; ///< what the device calls itself; may be empty
+};
+
+/// Which address each of the port numbers 0 to 16 stands for. A number keeps the strongest binding
+/// that it was given, in whatever order they came.
+class PortBindings {
+  public:
+    static constexpr std::int16_t Highest = 16;
+
+    /// Binds a number on behalf of the host or the command line. Returns an empty text, or why not.
+    std::string Give(std::int16_t iPort, std::string_view sAddress);
+
+    /// Binds what section "Ports" of the store holds under "COM0" to "COM16". Returns a line for
+    /// each entry that is no address.
+    std::vector<std::string> AddSettings(const RegSettings& settings);
+
+    /// Binds devices to the numbers from 1 on that are still free, in their order; a device that
+    /// already has a number gets no second one. Call it last.
+    void AddDevices(const std::vector<SerialDevice>& devices);
+
+    /// The binding of a number, nothing when it has none.
+    const PortBinding* Find(std::int16_t iPort) const;
+    /// The number of an address, lowest first.
+    std::optional<std::int16_t> NumberOf(std::string_view sAddress) const;
+    /// All bindings by number.
+    std::vector<PortBinding> List() const;
+
+  private:
+    bool Bind(PortBinding binding);
+
+    std::array<std::optional<PortBinding>, Highest + 1> mBindings;
+};
+
+} // namespace qncomm

@@ -1,0 +1,32 @@
+#pragma once
+
+#include "serial/PortBindings.h"
+
+#include <string>
+#include <vector>
+
+namespace qncomm {
+
+enum class PortState {
+    Free,
+    Busy,      ///< another program holds it
+    Missing,   ///< the device is not there
+    Unusable,  ///< it is there and does not open: permission, no hardware
+    Unchecked, ///< telling would take a connection
+};
+
+/// One row of a list of ports.
+struct PortListing {
+    PortBinding binding;
+    PortState state = PortState::Free;
+    std::string detail; ///< who holds it, or why it does not open; empty when free
+};
+
+/// The bound ports with their states. Opens and closes ttys that are free, connects to nothing.
+std::vector<PortListing> ListPorts(const PortBindings& bindings);
+
+/// "free", "busy"… and "given", "settings", "machine", for listings and JSON.
+const char* NameOf(PortState state);
+const char* NameOf(BindingSource source);
+
+} // namespace qncomm

@@ -1,0 +1,19 @@
+#pragma once
+
+#include <cstdint>
+#include <string_view>
+
+namespace qncomm {
+
+enum class TraceKind { Sent, Received, Event };
+
+/// Receives everything that travels on the line and what happens to the port.
+class TraceSink {
+  public:
+    virtual ~TraceSink() = default;
+
+    /// lMs counts from the loop's own start. sBytes are the bytes of the line, or an event's text.
+    virtual void Record(std::int64_t lMs, TraceKind kind, std::string_view sBytes) = 0;
+};
+
+} // namespace qncomm
