@@ -2,8 +2,15 @@
 
 #include <string>
 #include <string_view>
+#include <vector>
 
 namespace qncomm {
+
+struct SettingValue {
+    std::string section;
+    std::string key;
+    std::string value;
+};
 
 /// The per-user settings store as the system sees it. Sections and keys are compared without regard
 /// to case. Values are texts of any bytes.
@@ -18,6 +25,13 @@ class RegSettings {
     /// Stores a value. Raises 70, 61 or 75 when it cannot be kept.
     virtual void WriteValue(std::string_view sSection, std::string_view sKey,
                             std::string_view sValue) = 0;
+
+    /// Stores several values at once: a store that lives in a file writes it once. Raises as
+    /// WriteValue.
+    virtual void WriteValues(const std::vector<SettingValue>& values) {
+        for (const SettingValue& entry : values)
+            WriteValue(entry.section, entry.key, entry.value);
+    }
 };
 
 } // namespace qncomm

@@ -5,20 +5,21 @@
 #include "common/Event.h"
 #include "common/MessageLoop.h"
 #include "common/RegSettings.h"
-#include "common/StopWatch.h"
 #include "link/LinkDialogs.h"
 #include "link/PortClaim.h"
 #include "link/SerialControl.h"
 
 #include <cstddef>
 #include <cstdint>
+#include <functional>
 #include <memory>
-#include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
 
 namespace qncomm {
+
+class DetachedSink;
 
 enum enumFlowControl : std::int16_t {
     No_Flowcontrol = 0,
@@ -200,17 +201,29 @@ class clsDataLink {
     void AttachSink();
     void OnSerialEvent(SerialEvent event);
     void OnReceive();
+    void Deliver(const std::string& text);
+    void ClearReceived();
     void OnPortLost();
 
     void LoadCommSettings();
+    /// Runs one step of applying settings, asking the person while the port is busy; False to leave
+    /// the rest.
+    bool RunSettingsStep(const std::function<void()>& step);
     bool AskBusyPort();
-    void StoreSetting(std::string& member, std::string_view value);
 
     bool IsExclusive() const;
     void OpenPort();
     void ClosePort();
     void RaisePortState(bool open);
-    void SettleTerminal();
+    void ReopenForTerminal();
+    /// Does what had to wait for the end of an exchange or of an exclusive operation: owed
+    /// releases, and taking or giving back the terminal's claim.
+    void Settle();
+    void ReleaseTerminal();
+    /// Puts back the tag that stood before an exclusive operation and settles what waited for its
+    /// end.
+    void EndExclusive(std::string_view formerTag);
+    bool FindPrinter(bool exclusive);
     void EndClaim(PortClaim& claim);
     /// Gives the innermost claim back before an error is raised, clears the mark and what was
     /// received.
@@ -221,8 +234,10 @@ class clsDataLink {
     /// Raises StatusEvent; True when a handler cancels.
     bool ReportStatus(std::string message, std::int16_t progress);
     void Handshake();
+    void WaitForEcho();
     void GetPrinterError(std::string_view line);
     void GetVersion();
+    void WaitForBoot(DetachedSink& detached);
 
     LinkHost mHost;
     SerialControl* mSerial = nullptr;
@@ -243,12 +258,13 @@ class clsDataLink {
     bool mTerminalHeld = false;   ///< whether one of the counted uses is the terminal's
     bool mPortLost = false; ///< the device went away under a claim; the next claim opens it again
     PortClaim* mInnermost = nullptr;
-    std::int32_t mHostCalls = 0; ///< how deep the link is in code of the host
+    std::int32_t mHostCalls = 0;                ///< how deep the link is in code of the host
+    std::int32_t mOwedReleases = 0;             ///< releases that came while another held the mark
+    std::unique_ptr<RunningTimer> mReopenTimer; ///< runs while the terminal's device is away
 
     std::string mReceived; ///< received text with CR LF line ends, in receive mode 0
     bool mReceiveOverflow = false;
     bool mEndedInCr = false; ///< the text delivered last ended in a CR of its own
-    StopWatch mReceiveWatch;
 
     bool mImmediateMode = false;
     std::int16_t mStdio = 0;

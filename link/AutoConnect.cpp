@@ -1,0 +1,288 @@
+// The search for the printer over all baud rates and frame formats.
+
+#include "AutoConnectSearch.h"
+#include "common/Numbers.h"
+#include "common/Text.h"
+#include "link/clsDataLink.h"
+
+#include <array>
+#include <utility>
+
+namespace qncomm {
+namespace {
+
+constexpr std::int32_t LineSilence = 100;
+constexpr std::int32_t LongestSilenceWait = 3000;
+constexpr std::int32_t ProbeDrain = 50;
+constexpr std::int32_t ProbeSilence = 50;
+constexpr std::int32_t SetupDrain = 100;
+constexpr std::int32_t SetupSilence = 200;
+constexpr std::int32_t LongestReply = 3000; ///< a device that never stops talking is no printer
+
+constexpr std::string_view Probe = "\x11\rIMMEDIATE ON:SYSVAR(18)=-1:PRINT\"HELLO\"\r";
+constexpr std::array<std::int16_t, 3> Channels = {1, 2, 3};
+constexpr std::int16_t ProgressStep = 3;
+constexpr std::int16_t ProgressDone = 100;
+
+bool HasThen(const std::string& text, std::string_view first, std::string_view then) {
+    const std::size_t at = text.find(first);
+    return at != std::string::npos && text.find(then, at + first.size()) != std::string::npos;
+}
+
+std::string ChannelLine(std::int16_t channel) {
+    const std::string number = ToText(std::int32_t{channel});
+    return "\rOPEN\"UART" + number + ":\" FOR OUTPUT AS #68:PRINT#68,CHR$(61)+\"" + number
+           + "\":CLOSE68\r";
+}
+
+std::int16_t ChannelOf(const std::string& reply) {
+    for (const std::int16_t channel : Channels)
+        if (reply.find("=" + ToText(std::int32_t{channel})) != std::string::npos) return channel;
+    return Channels.front();
+}
+
+} // namespace
+
+bool clsDataLink::AutoConnect(std::int16_t iPort, bool bExclusive) {
+    if (mHostCalls > 0 || (IsExclusive() && !bExclusive)) return false;
+    return AutoConnectSearch(*this, iPort).Run();
+}
+
+AutoConnectSearch::AutoConnectSearch(clsDataLink& link, std::int16_t port)
+    : mLink(link),
+      mPort(port),
+      mFormerTag(Serial().Tag()),
+      mFormerPort(Serial().PortNumber()),
+      mFormerSettings(Serial().PortSettings()),
+      mFormerHandshaking(Serial().Handshaking()),
+      mFormerMode(Serial().ReceiveMode()),
+      mWasOpen(Serial().PortOpen()) {
+    Serial().SetTag(ExclusiveMark);
+}
+
+AutoConnectSearch::~AutoConnectSearch() {
+    try {
+        End();
+    } catch (...) { // NOLINT(bugprone-empty-catch): an event handler's error, and the search raises
+                    // nothing
+    }
+}
+
+bool AutoConnectSearch::Run() {
+    bool found = false;
+    try {
+        found = Search();
+    } catch (const QNError&) { // the outcome is the result; what failed shows in the status
+        Quietly([this] { GiveUp(); });
+    } catch (...) {
+        Quietly([this] { PutBackSettings(); });
+        throw;
+    }
+    Quietly([this] { mLink.Yield(0); });
+    return found;
+}
+
+bool AutoConnectSearch::Search() {
+    if (mLink.ReportStatus("AutoConnect initiate", 0)) return false;
+    Serial().SetPortOpen(false);
+    mSink.emplace(mLink);
+    mLink.Yield(0);
+    Serial().SetReceiveMode(ReceiveToLink);
+    Serial().SetHandshaking(static_cast<std::int16_t>(mFormerHandshaking & Hardware_Flowcontrol));
+    Serial().SetPortNumber(mPort);
+    if (FindLine() && FindPrinter() && FindChannel() && ReadSetup()) return true;
+    GiveUp();
+    return false;
+}
+
+bool AutoConnectSearch::FindLine() {
+    const bool open = TryOpen();
+    if (mLink.mDSRDetectActive && !mLink.IsDSRActive()) {
+        Serial().SetPortOpen(false);
+        return false;
+    }
+    if (open) WaitForSilence(); // a port that refuses these settings may take others
+    Serial().SetPortOpen(false);
+    return true;
+}
+
+void AutoConnectSearch::WaitForSilence() {
+    const StopWatch whole(mLink.mHost.loop);
+    StopWatch silence(mLink.mHost.loop);
+    while (whole.ElapsedMs() <= LongestSilenceWait) {
+        if (Serial().ReceiveCount() > 0 || Serial().TransmitCount() > 0) {
+            Flush();
+            silence.Restart();
+        }
+        const std::int32_t left = LineSilence - silence.ElapsedMs();
+        if (left <= 0) return;
+        mLink.Yield(left);
+    }
+}
+
+bool AutoConnectSearch::FindPrinter() {
+    const auto rates = mLink.mAutoConnectBaudrates; // a status handler may load others meanwhile
+    const auto formats = mLink.mFrameFormats;
+    for (const std::string& rate : rates) {
+        for (const std::string& format : formats) {
+            const Outcome outcome = TryCombination(rate, format);
+            if (outcome != Outcome::Silent) return outcome == Outcome::Answered;
+        }
+    }
+    return false;
+}
+
+AutoConnectSearch::Outcome AutoConnectSearch::TryCombination(const std::string& rate,
+                                                             const std::string& format) {
+    const std::string settings = rate + "," + format;
+    mProgress = static_cast<std::int16_t>(mProgress + ProgressStep);
+    if (mLink.ReportStatus("Searching... " + settings, mProgress)) return Outcome::Cancelled;
+    if (!TryOpen(settings)) return Outcome::Silent;
+    Flush();
+    Serial().Write(Probe);
+    WaitForDrain(ProbeDrain);
+    if (Collect(ProbeSilence, "HELLO").complete) {
+        mRate = rate;
+        mFormat = format;
+        return Outcome::Answered;
+    }
+    Serial().SetPortOpen(false);
+    return Outcome::Silent;
+}
+
+bool AutoConnectSearch::FindChannel() {
+    std::string reply;
+    for (const std::int16_t channel : Channels) {
+        Serial().Write(ChannelLine(channel));
+        WaitForDrain(ProbeDrain);
+        const Reply collected = Collect(ProbeSilence, "=");
+        reply += collected.text;
+        if (collected.complete) break;
+    }
+    mLink.mStdio = ChannelOf(reply);
+    return true;
+}
+
+bool AutoConnectSearch::ReadSetup() {
+    if (mLink.ReportStatus("Reading Printer Setup", mProgress)) return false;
+    Flush();
+    Serial().Write("SYSVAR(19)=2:SETUP WRITE \"UART" + ToText(std::int32_t{mLink.Stdio()})
+                   + ":\"\r");
+    WaitForDrain(SetupDrain);
+    const Reply reply = Collect(SetupSilence, {});
+    Serial().SetPortOpen(false);
+    const auto setup = ParseSetupReply(reply.text, mLink.Stdio());
+    if (!setup) return false;
+    Learn(*setup);
+    return true;
+}
+
+void AutoConnectSearch::Learn(const SetupReply& setup) {
+    mLink.SetBaudrate(setup.baudrate);
+    mLink.SetParity(setup.parity);
+    mLink.SetDatabits(setup.databits);
+    mLink.SetStopbits(setup.stopbits);
+    mLink.SetFlowcontrol(ToText(setup.flowcontrol));
+    MoveToFront(mLink.mAutoConnectBaudrates, mRate);
+    MoveToFront(mLink.mFrameFormats, mFormat);
+    constexpr std::array flowTexts = {", No Flowcontrol", ", Xon/Xoff", ", RTS/CTS",
+                                      ", RTS/CTS, Xon/Xoff"};
+    mLink.ReportStatus("Printer connected through UART" + ToText(std::int32_t{mLink.Stdio()})
+                           + ": at " + mLink.mBaudrate + ", " + mLink.mParity + ", "
+                           + mLink.mDatabits + ", " + mLink.mStopbits
+                           + flowTexts[static_cast<std::size_t>(setup.flowcontrol)],
+                       ProgressDone);
+    mLink.SetImmediateMode(true);
+}
+
+void AutoConnectSearch::MoveToFront(Collection<std::string>& collection, const std::string& item) {
+    if (!collection.Contains(item)) return;
+    collection.Remove(item);
+    if (collection.IsEmpty())
+        collection.Add(item, item);
+    else
+        collection.AddBefore(1, item, item);
+}
+
+AutoConnectSearch::Reply AutoConnectSearch::Collect(std::int32_t silence, std::string_view marker) {
+    Reply reply;
+    const StopWatch whole(mLink.mHost.loop);
+    StopWatch watch(mLink.mHost.loop);
+    while (whole.ElapsedMs() <= LongestReply) {
+        const std::string chunk = Serial().Read();
+        if (!chunk.empty()) {
+            reply.text += NormalizeLineEnds(Strip8thBit(chunk));
+            reply.complete = HasThen(reply.text, marker, "Ok\r\n");
+            if (reply.complete) break;
+            watch.Restart();
+        }
+        const std::int32_t left = watch.UntilExceeds(silence);
+        if (left == 0) break;
+        mLink.Yield(left);
+    }
+    return reply;
+}
+
+void AutoConnectSearch::WaitForDrain(std::int32_t limit) {
+    const StopWatch watch(mLink.mHost.loop);
+    while (Serial().TransmitCount() > 0) {
+        const std::int32_t left = limit - watch.ElapsedMs();
+        if (left <= 0) return;
+        mLink.Yield(left);
+    }
+}
+
+void AutoConnectSearch::Flush() {
+    Serial().FlushTransmit();
+    Serial().FlushReceive();
+}
+
+bool AutoConnectSearch::TryOpen(const std::string& settings) {
+    try {
+        if (!settings.empty()) Serial().SetPortSettings(settings);
+        Serial().SetPortOpen(true);
+    } catch (const QNError& error) {
+        if (mPort != mLoggedPort) mLink.mHost.desktop.Log(error.Description());
+        mLoggedPort = mPort;
+        return false;
+    }
+    return Serial().PortOpen();
+}
+
+void AutoConnectSearch::GiveUp() {
+    PutBackSettings();
+    mLink.SetImmediateMode(false);
+    mLink.ReportStatus("No Printer found", ProgressDone);
+}
+
+void AutoConnectSearch::PutBackSettings() {
+    Serial().SetPortOpen(false);
+    Serial().SetPortNumber(mFormerPort);
+    Serial().SetPortSettings(mFormerSettings);
+    Serial().SetHandshaking(mFormerHandshaking);
+}
+
+void AutoConnectSearch::End() {
+    if (mLink.mSerial == nullptr) return; // torn down from a handler
+    mSink.reset();
+    Serial().SetReceiveMode(mFormerMode);
+    mLink.ClearReceived();
+    Quietly([this] {
+        if (mWasOpen || mLink.mUseCount > 0) Serial().SetPortOpen(true);
+    });
+    mBusy.reset();
+    Quietly([this] {
+        if (mLink.mRegSettings) mLink.SaveCommSettings();
+    });
+    mLink.EndExclusive(mFormerTag);
+}
+
+void AutoConnectSearch::Quietly(const std::function<void()>& step) {
+    try {
+        step();
+    } catch (const QNError& error) {
+        mLink.mHost.desktop.Log(error.Description());
+    }
+}
+
+} // namespace qncomm

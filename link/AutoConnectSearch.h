@@ -1,0 +1,77 @@
+#pragma once
+
+#include "HostCall.h"
+#include "SetupReply.h"
+#include "common/Pointer.h"
+#include "common/QNError.h"
+#include "common/StopWatch.h"
+
+#include <cstdint>
+#include <functional>
+#include <optional>
+#include <string>
+#include <string_view>
+
+namespace qncomm {
+
+/// One search for the printer on one port. It has the line to itself from its construction (the
+/// mark is set, the pointer is busy) to its end, which puts everything back that the search
+/// has not learned.
+class AutoConnectSearch {
+  public:
+    AutoConnectSearch(clsDataLink& link, std::int16_t port);
+    ~AutoConnectSearch();
+    AutoConnectSearch(const AutoConnectSearch&) = delete;
+    AutoConnectSearch& operator=(const AutoConnectSearch&) = delete;
+
+    /// True when a printer was found. Raises nothing but what ends the whole program's wait.
+    bool Run();
+
+  private:
+    enum class Outcome { Cancelled, Silent, Answered };
+    struct Reply {
+        std::string text;
+        bool complete = false; ///< it held the marker and, after it, "Ok"
+    };
+
+    SerialControl& Serial() const { return mLink.Serial(); }
+
+    bool Search();
+    bool FindLine();
+    void WaitForSilence();
+    bool FindPrinter();
+    Outcome TryCombination(const std::string& rate, const std::string& format);
+    bool FindChannel();
+    bool ReadSetup();
+    void Learn(const SetupReply& setup);
+    static void MoveToFront(Collection<std::string>& collection, const std::string& item);
+
+    /// Reads until the reply is complete or nothing came for silence ms.
+    Reply Collect(std::int32_t silence, std::string_view marker);
+    void WaitForDrain(std::int32_t limit);
+    void Flush();
+    /// Opens the port with the given settings, with those it has when empty.
+    bool TryOpen(const std::string& settings = {});
+
+    void GiveUp();
+    void PutBackSettings();
+    void End();
+    void Quietly(const std::function<void()>& step);
+
+    clsDataLink& mLink;
+    std::int16_t mPort;
+    std::optional<BusyPointer> mBusy{std::in_place};
+    std::string mFormerTag;
+    std::int16_t mFormerPort;
+    std::string mFormerSettings;
+    std::int16_t mFormerHandshaking;
+    std::int16_t mFormerMode;
+    bool mWasOpen;
+    std::optional<DetachedSink> mSink;
+    std::int16_t mProgress = 0;
+    std::int16_t mLoggedPort = -1;
+    std::string mRate;
+    std::string mFormat;
+};
+
+} // namespace qncomm

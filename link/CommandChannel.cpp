@@ -1,0 +1,188 @@
+// The exchange: a command line goes out, its reply comes back, an error in it is raised.
+
+#include "HostCall.h"
+#include "common/Numbers.h"
+#include "common/QNError.h"
+#include "common/Text.h"
+#include "common/modErrorHandling.h"
+#include "link/clsDataLink.h"
+
+#include <algorithm>
+
+namespace qncomm {
+namespace {
+
+constexpr std::int32_t SendTimeout = 5000;
+constexpr std::int32_t DrainTimeout = 10000;
+constexpr std::int32_t EchoTimeout = 500;
+constexpr std::string_view EndOfReply = "Ok\r\n";
+constexpr std::string_view OutputSource = "Datalink:OutputText";
+constexpr std::string_view InputSource = "Datalink:InputText";
+
+/// Erases what was sent from the caller's text, also when an error ends the sending.
+class SentPrefix {
+  public:
+    explicit SentPrefix(std::string& text) : mText(text) {}
+    ~SentPrefix() { mText.erase(0, mSent); }
+    SentPrefix(const SentPrefix&) = delete;
+    SentPrefix& operator=(const SentPrefix&) = delete;
+
+    std::string_view Left() const { return std::string_view(mText).substr(mSent); }
+    void Advance(std::size_t bytes) { mSent += bytes; }
+
+  private:
+    std::string& mText;
+    std::size_t mSent = 0;
+};
+
+/// An error that the printer reported in a reply line.
+struct PrinterError {
+    std::int32_t number = 0; ///< 0: the line reports none
+    std::string description;
+};
+
+std::int32_t ListLine(std::string_view line) {
+    constexpr std::string_view marker = "in line";
+    const std::size_t at = line.find(marker);
+    const std::size_t colon = line.find(':');
+    if (at == std::string_view::npos) return 0;
+    const std::size_t from = at + marker.size() + 1;
+    if (colon == std::string_view::npos || colon < from) return 0;
+    return ToInt32(Val(line.substr(from, colon - from)));
+}
+
+PrinterError ParsePrinterError(std::string_view line) {
+    constexpr std::string_view marker = "Error";
+    const std::size_t at = line.find(marker);
+    if (at == std::string_view::npos) return {};
+    const std::size_t from = at + marker.size();
+    const std::size_t colon = line.find(':', from + 1);
+    if (colon == std::string_view::npos) return {};
+    PrinterError error;
+    error.number = ToInt32(Val(Trim(line.substr(from, colon - from))));
+    error.description = Trim(line.substr(colon + 1));
+    const std::int32_t listLine = ListLine(line);
+    if (listLine >= 1) error.description += " (List line " + ToText(listLine) + ")";
+    return error;
+}
+
+} // namespace
+
+void clsDataLink::OutputText(std::string& sText, bool bWaitForEcho) {
+    SentPrefix sent(sText);
+    StopWatch watch(mHost.loop);
+    const auto requireOpen = [this] {
+        if (!Serial().PortOpen()) Fail(ErrPortNotOpen, OutputSource);
+    };
+    const auto wait = [&](std::int32_t limit) {
+        const std::int32_t left = watch.UntilExceeds(limit);
+        if (left == 0) Fail(ErrOutputTimeout, OutputSource);
+        Yield(left);
+        requireOpen();
+    };
+    requireOpen();
+    while (!sent.Left().empty()) {
+        const std::int32_t space = Serial().TransmitBufferSize() - Serial().TransmitCount();
+        if (space > 0) {
+            const std::string_view piece = sent.Left().substr(0, static_cast<std::size_t>(space));
+            Serial().Write(piece);
+            sent.Advance(piece.size());
+            watch.Restart();
+        } else {
+            wait(SendTimeout);
+        }
+    }
+    watch.Restart();
+    while (Serial().TransmitCount() > 0)
+        wait(DrainTimeout);
+    if (bWaitForEcho) WaitForEcho();
+}
+
+void clsDataLink::WaitForEcho() {
+    if (Serial().ReceiveThreshold() == 0) {
+        WaitForEchoLine({}, EchoTimeout);
+        return;
+    }
+    // The line stays in the receive buffer: it is index 0 of the reply.
+    const StopWatch watch(mHost.loop);
+    while (mReceived.find(CrLf) == std::string::npos && Serial().PortOpen()) {
+        const std::int32_t left = watch.UntilExceeds(EchoTimeout);
+        if (left == 0) return;
+        Yield(left);
+    }
+}
+
+std::int32_t clsDataLink::InputText(std::vector<std::string>& sInputLines, bool bNoQNErrorCheck,
+                                    std::int32_t lTimeout) {
+    StopWatch watch(mHost.loop);
+    std::size_t seen = 0;
+    for (;;) {
+        const std::size_t searchFrom = seen - std::min(seen, EndOfReply.size() - 1);
+        if (mReceived.find(EndOfReply, searchFrom) != std::string::npos) break;
+        if (mReceiveOverflow) Fail(ErrProtocol, InputSource);
+        if (!Serial().PortOpen()) Fail(ErrPortNotOpen, InputSource);
+        if (mReceived.size() != seen) {
+            seen = mReceived.size();
+            watch.Restart();
+        }
+        const std::int32_t left = watch.UntilExceeds(lTimeout);
+        if (left == 0) Fail(ErrInputTimeout, InputSource);
+        Yield(left);
+    }
+    sInputLines = SplitNonEmpty(mReceived, CrLf);
+    ClearReceived();
+    const auto count = static_cast<std::int32_t>(sInputLines.size());
+    if (!bNoQNErrorCheck && count >= 2)
+        GetPrinterError(sInputLines[static_cast<std::size_t>(count - 2)]);
+    return count;
+}
+
+void clsDataLink::GetPrinterError(std::string_view line) {
+    const PrinterError error = ParsePrinterError(line);
+    if (error.number == 0) return;
+    ReleaseBeforeRaise();
+    RaisePrinterError(error.number, "clsDatalink:GetPrinterError", error.description);
+}
+
+bool clsDataLink::WaitForEchoLine(std::string_view sEcho, std::int32_t lTimeout) {
+    return Serial().ReadLine(lTimeout).append(CrLf) == sEcho;
+}
+
+bool clsDataLink::WaitForOk(std::int32_t lTimeout) {
+    std::string text;
+    StopWatch watch(mHost.loop);
+    for (;;) {
+        const std::string chunk = Serial().Read();
+        if (!chunk.empty()) {
+            const std::size_t searchFrom =
+                text.size() - std::min(text.size(), EndOfReply.size() - 1);
+            text += NormalizeLineEnds(chunk);
+            if (text.find(EndOfReply, searchFrom) != std::string::npos) return true;
+            watch.Restart();
+        }
+        const std::int32_t left = watch.UntilExceeds(lTimeout);
+        if (left == 0) return false;
+        Serial().WaitForReceive(left);
+    }
+}
+
+void clsDataLink::PurgePort() {
+    Serial().FlushTransmit();
+    Serial().FlushReceive();
+    ClearReceived();
+}
+
+void clsDataLink::ClearReceived() {
+    mReceived.clear();
+    mReceiveOverflow = false;
+    mEndedInCr = false;
+}
+
+void clsDataLink::SetImmediateMode(bool bValue) {
+    mImmediateMode = bValue;
+    if (bValue) return;
+    mVersionText.clear();
+    mModelText.clear();
+}
+
+} // namespace qncomm

@@ -1,0 +1,65 @@
+// Who the printer is, and the modes that every claim puts it into.
+
+#include "common/Numbers.h"
+#include "common/Text.h"
+#include "common/modErrorHandling.h"
+#include "link/clsDataLink.h"
+
+namespace qncomm {
+namespace {
+
+constexpr std::size_t VersionReplyLines = 4;
+constexpr std::string_view AlternativeModePrefix = "Tavrel Protocol ";
+
+std::int16_t WholeNumberOrZero(std::string_view line) {
+    const double value = Val(line);
+    return value >= -32768 && value <= 32767 ? ToInt16(value) : std::int16_t{0};
+}
+
+/// The firmware text as it is kept: a "V" on this model marks the command mode that runs no
+/// programs.
+std::string FirmwareText(std::string text, const std::string& model) {
+    const bool marked = text.starts_with('V') || text.starts_with('v');
+    if (marked && model.find("R7C") != std::string::npos) text.insert(0, AlternativeModePrefix);
+    return text;
+}
+
+} // namespace
+
+const std::string& clsDataLink::ModelText() {
+    if (mModelText.empty()) GetVersion();
+    return mModelText;
+}
+
+const std::string& clsDataLink::VersionText() {
+    if (mVersionText.empty()) GetVersion();
+    return mVersionText;
+}
+
+void clsDataLink::GetVersion() {
+    PortClaim claim = AcquirePort();
+    if (!claim) return;
+    OutputText("PRINT VERSION$(0):PRINT VERSION$(1)\r\n", true);
+    std::vector<std::string> lines;
+    InputText(lines);
+    claim.Release();
+    if (lines.size() != VersionReplyLines || lines.back() != "Ok") {
+        SetImmediateMode(false);
+        RaiseError(ErrProtocol, "Datalink:GetVersion");
+    }
+    mModelText = Trim(CollapseSpaces(lines[2]));
+    mVersionText = FirmwareText(Trim(CollapseSpaces(lines[1])), mModelText);
+}
+
+void clsDataLink::Handshake() {
+    OutputText("PRINT SYSVAR(18):PRINT SYSVAR(19):SYSVAR(18)=-1:SYSVAR(19)=2\r\n");
+    std::vector<std::string> lines;
+    const auto count = static_cast<std::size_t>(InputText(lines));
+    // The previous values stand one line further up in the replies of today's printers, so what is
+    // kept here is 0; hosts rely on these indexes.
+    if (count < 3 || lines[count - 2] != "Ok") return;
+    mPreviousSysvar19 = WholeNumberOrZero(lines[count - 3]);
+    mPreviousSysvar18 = WholeNumberOrZero(lines[count - 2]);
+}
+
+} // namespace qncomm

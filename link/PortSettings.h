@@ -1,0 +1,16 @@
+#pragma once
+
+#include <optional>
+#include <string>
+#include <string_view>
+
+namespace qncomm {
+
+// What a settings let stores for a text, nothing when the setting does not accept it.
+
+std::optional<std::string> NormalBaudrate(std::string_view value);
+std::optional<std::string> NormalParity(std::string_view value);
+std::optional<std::string> NormalDatabits(std::string_view value);
+std::optional<std::string> NormalStopbits(std::string_view value);
+
+} // namespace qncomm
