@@ -1,6 +1,7 @@
 // The search for the printer over all baud rates and frame formats.
 
 #include "AutoConnectSearch.h"
+#include "ExclusiveMark.h"
 #include "common/Numbers.h"
 #include "common/Text.h"
 #include "link/clsDataLink.h"

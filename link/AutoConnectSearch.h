@@ -1,6 +1,6 @@
 #pragma once
 
-#include "HostCall.h"
+#include "DetachedSink.h"
 #include "SetupReply.h"
 #include "common/Pointer.h"
 #include "common/QNError.h"

@@ -1,6 +1,5 @@
 // The exchange: a command line goes out, its reply comes back, an error in it is raised.
 
-#include "HostCall.h"
 #include "common/Numbers.h"
 #include "common/QNError.h"
 #include "common/Text.h"
@@ -114,27 +113,53 @@ void clsDataLink::WaitForEcho() {
 
 std::int32_t clsDataLink::InputText(std::vector<std::string>& sInputLines, bool bNoQNErrorCheck,
                                     std::int32_t lTimeout) {
+    AwaitReply(lTimeout);
+    const std::int32_t count = TakeReceivedLines(sInputLines);
+    if (!bNoQNErrorCheck && count >= 2)
+        GetPrinterError(sInputLines[static_cast<std::size_t>(count - 2)]);
+    return count;
+}
+
+std::int32_t clsDataLink::InputTextUntilQuiet(std::vector<std::string>& sInputLines,
+                                              std::int32_t lTimeout, std::int32_t lQuiet) {
+    AwaitReply(lTimeout);
+    StopWatch watch(mHost.loop);
+    std::size_t seen = mReceived.size();
+    while (const std::int32_t left = watch.UntilExceeds(lQuiet)) {
+        Yield(left);
+        RequireReadable();
+        if (mReceived.size() != seen) watch.Restart();
+        seen = mReceived.size();
+    }
+    return TakeReceivedLines(sInputLines);
+}
+
+void clsDataLink::AwaitReply(std::int32_t timeout) {
     StopWatch watch(mHost.loop);
     std::size_t seen = 0;
     for (;;) {
         const std::size_t searchFrom = seen - std::min(seen, EndOfReply.size() - 1);
-        if (mReceived.find(EndOfReply, searchFrom) != std::string::npos) break;
-        if (mReceiveOverflow) Fail(ErrProtocol, InputSource);
-        if (!Serial().PortOpen()) Fail(ErrPortNotOpen, InputSource);
+        if (mReceived.find(EndOfReply, searchFrom) != std::string::npos) return;
+        RequireReadable();
         if (mReceived.size() != seen) {
             seen = mReceived.size();
             watch.Restart();
         }
-        const std::int32_t left = watch.UntilExceeds(lTimeout);
+        const std::int32_t left = watch.UntilExceeds(timeout);
         if (left == 0) Fail(ErrInputTimeout, InputSource);
         Yield(left);
     }
-    sInputLines = SplitNonEmpty(mReceived, CrLf);
+}
+
+void clsDataLink::RequireReadable() {
+    if (mReceiveOverflow) Fail(ErrProtocol, InputSource);
+    if (!Serial().PortOpen()) Fail(ErrPortNotOpen, InputSource);
+}
+
+std::int32_t clsDataLink::TakeReceivedLines(std::vector<std::string>& lines) {
+    lines = SplitNonEmpty(mReceived, CrLf);
     ClearReceived();
-    const auto count = static_cast<std::int32_t>(sInputLines.size());
-    if (!bNoQNErrorCheck && count >= 2)
-        GetPrinterError(sInputLines[static_cast<std::size_t>(count - 2)]);
-    return count;
+    return static_cast<std::int32_t>(lines.size());
 }
 
 void clsDataLink::GetPrinterError(std::string_view line) {

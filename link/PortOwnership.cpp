@@ -1,9 +1,10 @@
 // Counted use of the port: claims, the terminal's standing claim, and the mark of an operation that
 // must be alone.
 
-#include "HostCall.h"
+#include "ExclusiveMark.h"
 #include "common/Numbers.h"
 #include "common/QNError.h"
+#include "link/HostCall.h"
 #include "link/clsDataLink.h"
 
 #include <utility>

@@ -2,12 +2,13 @@
 
 #include "PortSettings.h"
 
-#include "HostCall.h"
+#include "ExclusiveMark.h"
 #include "common/Numbers.h"
 #include "common/QNError.h"
 #include "common/RuntimeErrors.h"
 #include "common/Text.h"
 #include "common/modErrorHandling.h"
+#include "link/HostCall.h"
 #include "link/clsDataLink.h"
 
 #include <algorithm>

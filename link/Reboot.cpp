@@ -1,6 +1,6 @@
 // Restarting the printer and waiting until it answers again.
 
-#include "HostCall.h"
+#include "DetachedSink.h"
 #include "common/Numbers.h"
 #include "link/clsDataLink.h"
 

@@ -1,9 +1,9 @@
 #include "link/clsDataLink.h"
 
-#include "HostCall.h"
 #include "common/QNError.h"
 #include "common/RuntimeErrors.h"
 #include "common/modErrorHandling.h"
+#include "link/HostCall.h"
 
 #include <array>
 #include <utility>

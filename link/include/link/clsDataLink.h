@@ -153,6 +153,11 @@ class clsDataLink {
     std::int32_t InputText(std::vector<std::string>& sInputLines, bool bNoQNErrorCheck = false,
                            std::int32_t lTimeout = 1000);
 
+    /// Like InputText without the error check, but goes on after the first "Ok" until nothing has
+    /// come for lQuiet ms: for commands that may be answered by more than one "Ok".
+    std::int32_t InputTextUntilQuiet(std::vector<std::string>& sInputLines, std::int32_t lTimeout,
+                                     std::int32_t lQuiet);
+
     /// Whether the next received line, with CR LF, equals sEcho. Takes it off the port; does not
     /// yield.
     bool WaitForEchoLine(std::string_view sEcho, std::int32_t lTimeout = 500);
@@ -235,6 +240,11 @@ class clsDataLink {
     bool ReportStatus(std::string message, std::int16_t progress);
     void Handshake();
     void WaitForEcho();
+    /// Waits until the received text holds "Ok" CR LF; raises what InputText raises for none.
+    void AwaitReply(std::int32_t timeout);
+    /// Raises 1000 after an overflow of the received text and 1024 when the port is closed.
+    void RequireReadable();
+    std::int32_t TakeReceivedLines(std::vector<std::string>& lines);
     void GetPrinterError(std::string_view line);
     void GetVersion();
     void WaitForBoot(DetachedSink& detached);

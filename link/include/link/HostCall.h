@@ -1,0 +1,21 @@
+#pragma once
+
+#include "link/clsDataLink.h"
+
+namespace qncomm {
+
+/// Marks the link as being in code of the host, a yield or an event handler, while it lives: claims
+/// and searches from there are refused, since they would put their bytes into the middle of the
+/// running exchange. Whoever raises an event of its own during an exchange holds one.
+class HostCall {
+  public:
+    explicit HostCall(clsDataLink& link) : mLink(link) { ++mLink.mHostCalls; }
+    ~HostCall() { --mLink.mHostCalls; }
+    HostCall(const HostCall&) = delete;
+    HostCall& operator=(const HostCall&) = delete;
+
+  private:
+    clsDataLink& mLink;
+};
+
+} // namespace qncomm
