@@ -1,0 +1,201 @@
+#include "Console.h"
+
+#include "Text.h"
+
+namespace qnsim {
+namespace {
+
+constexpr char breakCharacter = '\x03';
+constexpr char backspace = '\b';
+constexpr char rubout = '\x7F';
+constexpr std::string_view newLine = "\r\n";
+constexpr std::size_t inputKept = 64UL * 1024;
+
+bool IsControl(char c) {
+    return static_cast<unsigned char>(c) < ' ' && c != '\t';
+}
+
+} // namespace
+
+Console::Console(Machine& machine, const Faults& faults)
+    : mMachine(machine),
+      mInterpreter(machine),
+      mEchoes(!faults.noEcho),
+      mErrorOnCommand(faults.errorOnCommand) {}
+
+bool Console::Busy() const {
+    return mInterpreter.Current() == Interpreter::State::Running || Waiting() != 0;
+}
+
+void Console::Work(int statements) {
+    using State = Interpreter::State;
+    int slices = statements;
+    while (slices-- > 0) {
+        switch (mInterpreter.Current()) {
+        case State::Running:
+            mInterpreter.Run(statements);
+            Settle();
+            if (mInterpreter.Current() != State::Running) break;
+            LookForBreak();
+            return;
+        case State::NeedsData:
+            if (Waiting() == 0) return;
+            mRead += mInterpreter.TakeData(std::string_view(mInput).substr(mRead));
+            Settle();
+            break;
+        default:
+            if (!ReadLine()) return;
+            Execute();
+        }
+    }
+}
+
+void Console::LookForBreak() {
+    const auto at = mInput.find(breakCharacter, mRead);
+    if (at == std::string::npos) return;
+    mRead = at + 1;
+    mInterpreter.Break();
+    Settle();
+}
+
+void Console::Break() {
+    mInput.clear();
+    mRead = 0;
+    mLine.clear();
+    mLineTooLong = false;
+    if (mInterpreter.Current() == Interpreter::State::Idle) return;
+    mInterpreter.Break();
+    Settle();
+}
+
+void Console::DataTimedOut() {
+    mInterpreter.DataTimedOut();
+    Settle();
+}
+
+bool Console::ReadLine() {
+    while (mRead < mInput.size()) {
+        const char c = mInput[mRead++];
+        const bool ends = c == '\r' || (c == '\n' && !mAfterReturn);
+        mAfterReturn = c == '\r';
+        if (ends) {
+            Echo(newLine);
+            return true;
+        }
+        if (c == breakCharacter && mInterpreter.Current() == Interpreter::State::NeedsLine) {
+            mInterpreter.Break();
+            Settle();
+        } else if (c != '\n') {
+            ReadCharacter(c);
+        }
+    }
+    mInput.clear();
+    mRead = 0;
+    return false;
+}
+
+void Console::ReadCharacter(char c) {
+    if (c == backspace || c == rubout) return Erase();
+    if (c == breakCharacter) mLine.clear();
+    if (IsControl(c)) return;
+    if (mLine.size() >= longestLine) {
+        mLineTooLong = true;
+        return;
+    }
+    mLine += c;
+    Echo(std::string_view(&c, 1));
+}
+
+void Console::Erase() {
+    if (mLine.empty()) return;
+    mLine.pop_back();
+    Echo("\b \b");
+}
+
+void Console::Echo(std::string_view bytes) {
+    if (mEchoes && mMachine.system.Echoes()) mMachine.out += bytes;
+}
+
+void Console::Execute() {
+    // Room is made now and then, not with each line: a long queue of lines is read in linear time.
+    if (mRead > inputKept) {
+        mInput.erase(0, mRead);
+        mRead = 0;
+    }
+    std::string line;
+    line.swap(mLine);
+    const bool tooLong = mLineTooLong;
+    mLineTooLong = false;
+    if (mInterpreter.Current() == Interpreter::State::NeedsLine) {
+        mInterpreter.GiveLine(line);
+        Settle();
+        return;
+    }
+    if (!mMachine.immediate) ++mModuleLine;
+    const std::string_view text = Trim(line);
+    if (text.empty()) return;
+    if (++mCommands == mErrorOnCommand) {
+        ErrorLine(Error::PrintHead, noLine);
+        Prompt();
+    } else if (tooLong) {
+        ErrorLine(Error::LineTooLong, mMachine.immediate ? noLine : mModuleLine);
+        if (mMachine.immediate) Prompt();
+    } else {
+        Type(text);
+    }
+}
+
+bool Console::BeginsWithImmediate(std::string_view text) const {
+    constexpr std::string_view word = "IMMEDIATE";
+    return Upper(text.substr(0, word.size())) == word;
+}
+
+void Console::Type(std::string_view text) {
+    const bool numbered = text.front() >= '0' && text.front() <= '9';
+    if (numbered || (!mMachine.immediate && !BeginsWithImmediate(text))) return StoreLine(text);
+    const Error error = mInterpreter.Begin(text);
+    if (error == Error::None) return;
+    ErrorLine(error, noLine);
+    Prompt();
+}
+
+void Console::StoreLine(std::string_view text) {
+    int number = TakeLineNumber(text);
+    if (number < 0) number = mInterpreter.NextLineNumber();
+    const Error error = mInterpreter.StoreLine(number, text);
+    if (error == Error::None) return;
+    ErrorLine(error, mMachine.immediate ? number : mModuleLine);
+    if (mMachine.immediate) Prompt();
+}
+
+void Console::ErrorLine(Error error, int line) {
+    if (!mMachine.system.ShowsErrors()) return;
+    mMachine.out += "Error " + std::to_string(static_cast<int>(error));
+    if (mMachine.system.NamesErrors()) {
+        if (line != noLine) mMachine.out += " in line " + std::to_string(line);
+        mMachine.out += ": " + std::string(ErrorText(error));
+    }
+    mMachine.out += newLine;
+}
+
+void Console::Settle() {
+    // A command has ended when nothing runs and nothing is awaited.
+    if (const auto report = mInterpreter.TakeReport()) {
+        if (report->error != Error::None) {
+            ErrorLine(report->error, report->line);
+        } else {
+            mMachine.out += "Break";
+            if (report->line != noLine) mMachine.out += " in line " + std::to_string(report->line);
+            mMachine.out += newLine;
+        }
+    }
+    if (mInterpreter.Current() != Interpreter::State::Idle || mMachine.restartWanted) return;
+    if (mMachine.immediate) mModuleLine = 0;
+    Prompt();
+}
+
+void Console::Prompt() {
+    if (mMachine.system.Prompts()) mMachine.out += "Ok\r\n";
+}
+
+} // namespace qnsim

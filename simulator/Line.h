@@ -1,0 +1,99 @@
+// The serial line between host and printer: settings on both sides, time on the wire, and faults.
+#pragma once
+
+#include "Setup.h"
+#include "simulator/Options.h"
+
+#include <cstddef>
+#include <deque>
+#include <optional>
+#include <random>
+#include <string>
+#include <string_view>
+
+namespace qnsim {
+
+/// One direction of the line: bytes go in at one end and come out when they have passed.
+class Wire {
+  public:
+    /// Puts bytes on the wire; each takes perByte nanoseconds after the one before it (0 = none).
+    void Put(std::string_view bytes, std::int64_t perByteNs, Micros now);
+    /// Takes at most max of the bytes that have passed by now.
+    std::string Take(Micros now, std::size_t max);
+    /// Bytes that have not passed by now.
+    std::size_t OnTheWay(Micros now) const;
+    /// Bytes in it, passed or not.
+    std::size_t Size() const { return mSize; }
+    /// When the next byte will have passed.
+    std::optional<Micros> NextDue() const;
+    /// Nothing passes before that time.
+    void HoldUntil(Micros time);
+    void Clear();
+
+  private:
+    struct Chunk {
+        std::string bytes;
+        std::size_t taken = 0;
+        std::int64_t startNs = 0; // when its first bit begins
+        std::int64_t perByteNs = 0;
+        std::int64_t DueNs(std::size_t index) const;
+    };
+    std::size_t Passed(const Chunk& chunk, std::int64_t nowNs) const;
+
+    std::deque<Chunk> mChunks;
+    std::size_t mSize = 0;
+    std::int64_t mFreeNs = 0; // when the last byte put will have passed
+};
+
+class Line {
+  public:
+    Line(const Uart& uart, const Options& options);
+
+    void SetUart(const Uart& uart) { mUart = uart; }
+    const Uart& CurrentUart() const { return mUart; }
+    void SetHostFormat(const LineFormat& format) { mHost = format; }
+
+    /// The host's bytes as the printer's side will receive them.
+    void HostSends(std::string_view bytes, Micros now);
+    /// The printer's bytes as the host will receive them.
+    void PrinterSends(std::string_view bytes, Micros now);
+
+    Wire& ToPrinter() { return mToPrinter; }
+    const Wire& ToPrinter() const { return mToPrinter; }
+    Wire& ToHost() { return mToHost; }
+    const Wire& ToHost() const { return mToHost; }
+
+    bool IsCut() const { return mCut; }
+
+    /// Every item that the endpoint carries is the same on both sides.
+    bool Matches() const;
+
+  private:
+    struct FaultDie {
+        double rate;
+        std::mt19937_64 source;
+        bool Strikes();
+    };
+    std::string Garble(std::string_view bytes, int fromBaud, int toBaud);
+    void Damage(std::string& bytes);
+    void StripToSevenBits(std::string& bytes) const;
+    std::size_t UntilCut(std::size_t bytes);
+    std::int64_t ByteTimeNs(bool fromHost) const;
+
+    Uart mUart;
+    LineFormat mHost;
+    bool mPaced;
+    Wire mToPrinter;
+    Wire mToHost;
+    FaultDie mLost;
+    FaultDie mDoubled;
+    FaultDie mFlipped;
+    FaultDie mStall;
+    int mStallMs;
+    std::optional<std::size_t> mCutAfter;
+    std::size_t mSentToHost = 0;
+    std::mt19937_64 mNoise{1};
+    bool mCut = false;
+};
+
+} // namespace qnsim

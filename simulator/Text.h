@@ -1,0 +1,27 @@
+// Small text helpers that the simulator's parts share. ASCII only: the printer's bytes above 127
+// are left alone.
+#pragma once
+
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace qnsim {
+
+char UpperChar(char c);
+std::string Upper(std::string_view text);
+std::string Lower(std::string_view text);
+
+/// Without the blanks and tabs at both ends.
+std::string_view Trim(std::string_view text);
+
+/// The pieces between the separators, empty ones included.
+std::vector<std::string_view> Split(std::string_view text, char separator);
+
+/// A number as the printer prints it: whole numbers plain, others with up to nine digits.
+std::string NumberText(double value);
+
+/// The number at the start of a text (leading blanks skipped), 0 when there is none.
+double TextNumber(std::string_view text);
+
+} // namespace qnsim

@@ -1,0 +1,266 @@
+#include "simulator/VirtualPrinter.h"
+
+#include "Console.h"
+#include "Line.h"
+
+#include <algorithm>
+
+namespace qnsim {
+namespace {
+
+constexpr Micros microsPerMilli = 1000;
+constexpr Micros dataTimeout = 5'000'000; // a load waits so long for its next byte
+constexpr int statementsPerSlice = 5000;
+constexpr std::size_t bytesPerSlice = 64UL * 1024;
+constexpr std::size_t outputLimit =
+    256UL * 1024;                        // a host that does not read stops the printer here
+constexpr std::size_t stopHostAt = 3072; // of a receive buffer of 4096 bytes
+constexpr std::size_t resumeHostAt = 1024;
+constexpr char xon = '\x11';
+constexpr char xoff = '\x13';
+
+const Model& ModelOf(const Options& options) {
+    const Model* model = FindModel(options.model);
+    return model != nullptr ? *model : AllModels().front();
+}
+
+} // namespace
+
+class VirtualPrinter::Impl {
+  public:
+    explicit Impl(const Options& options);
+
+    void HostOpened() { mHostOpen = true; }
+    void HostClosed();
+    void SetHostLines(bool rts) { mHostReady = rts; }
+    void Break();
+    void Advance(Micros now);
+    std::string ToHost(Micros now, std::size_t max);
+    std::optional<Micros> NextDue() const;
+    bool Dsr() const { return !mFaults.dsrDropped && !mBootEnd && !mLine.IsCut(); }
+    bool Cts() const { return Dsr() && !(mLine.CurrentUart().rtsCts && mHostStopped); }
+    std::size_t Backlog() const { return mLine.ToPrinter().Size() + mConsole->Waiting(); }
+    Line& Wire() { return mLine; }
+    const Line& Wire() const { return mLine; }
+
+  private:
+    void Receive();
+    std::string Accept(std::string bytes);
+    void GovernHost();
+    void Send();
+    void Restart();
+    void EndBoot();
+    bool OutputBlocked() const;
+    bool CanWork() const { return !mBootEnd && !mLine.IsCut() && !OutputBlocked(); }
+
+    Faults mFaults;
+    int mBootMs;
+    Machine mMachine;
+    std::unique_ptr<Console> mConsole;
+    Line mLine;
+    Micros mNow = 0;
+    std::optional<Micros> mBootEnd;
+    Micros mLastData = 0;
+    bool mHostOpen = false;
+    bool mHostReady = true;    // RTS
+    bool mHeld = false;        // an Xoff came from the host
+    bool mHostStopped = false; // the host was told to stop
+};
+
+VirtualPrinter::Impl::Impl(const Options& options)
+    : mFaults(options.faults),
+      mBootMs(options.bootMs),
+      mMachine{ModelOf(options),
+               options.version.empty() ? std::string(ModelOf(options).version) : options.version,
+               options.uart,
+               SetupTree(ModelOf(options), options),
+               Storage(ModelOf(options), options.capacity),
+               {},
+               true,
+               false,
+               false,
+               {}},
+      mConsole(std::make_unique<Console>(mMachine, mFaults)),
+      mLine(mMachine.setup.Channel(options.uart), options) {}
+
+void VirtualPrinter::Impl::HostClosed() {
+    mHostOpen = false;
+    mLine.ToHost().Clear();
+}
+
+void VirtualPrinter::Impl::Break() {
+    if (mBootEnd) return;
+    mConsole->Break();
+    Send();
+}
+
+bool VirtualPrinter::Impl::OutputBlocked() const {
+    return (mLine.CurrentUart().obeysXon && mHeld) || (mLine.CurrentUart().rtsCts && !mHostReady)
+           || mLine.ToHost().Size() > outputLimit;
+}
+
+void VirtualPrinter::Impl::Advance(Micros now) {
+    mNow = std::max(mNow, now);
+    if (mBootEnd && mNow >= *mBootEnd) EndBoot();
+    Receive();
+    if (!CanWork()) return;
+    mConsole->Work(statementsPerSlice);
+    if (mConsole->AwaitsData() && mNow - mLastData >= dataTimeout) mConsole->DataTimedOut();
+    Send();
+    if (mMachine.restartWanted) Restart();
+    GovernHost();
+}
+
+void VirtualPrinter::Impl::Receive() {
+    if (mConsole->Waiting() >= bytesPerSlice) return;
+    std::string bytes = mLine.ToPrinter().Take(mNow, bytesPerSlice);
+    if (bytes.empty()) {
+        if (!mConsole->AwaitsData()) mLastData = mNow;
+        return;
+    }
+    mLastData = mNow;
+    // A printer that is starting hears nothing.
+    if (!mBootEnd) mConsole->Receive(Accept(std::move(bytes)));
+}
+
+std::string VirtualPrinter::Impl::Accept(std::string bytes) {
+    if (!mLine.CurrentUart().obeysXon) return bytes;
+    const auto control = [](char c) { return c == xon || c == xoff; };
+    const auto last = std::find_if(bytes.rbegin(), bytes.rend(), control);
+    if (last == bytes.rend()) return bytes;
+    mHeld = *last == xoff;
+    bytes.erase(std::remove_if(bytes.begin(), bytes.end(), control), bytes.end());
+    return bytes;
+}
+
+void VirtualPrinter::Impl::GovernHost() {
+    const std::size_t waiting = mConsole->Waiting();
+    const bool stop = waiting > (mHostStopped ? resumeHostAt : stopHostAt);
+    if (stop == mHostStopped) return;
+    mHostStopped = stop;
+    if (!mLine.CurrentUart().sendsXon || !mHostOpen) return;
+    mLine.PrinterSends(std::string_view(stop ? &xoff : &xon, 1), mNow);
+}
+
+void VirtualPrinter::Impl::Send() {
+    if (!mMachine.out.empty()) {
+        if (mHostOpen) mLine.PrinterSends(mMachine.out, mNow);
+        mMachine.out.clear();
+    }
+    if (!mMachine.setupChanged) return;
+    // The reply has gone out under the old settings.
+    mMachine.setupChanged = false;
+    mLine.SetUart(mMachine.setup.Channel(mMachine.wiredUart));
+}
+
+void VirtualPrinter::Impl::Restart() {
+    mBootEnd = mNow + mBootMs * microsPerMilli;
+    mMachine.restartWanted = false;
+    mMachine.immediate = true;
+    mMachine.system.Reset();
+    mMachine.storage.Restart();
+    mConsole = std::make_unique<Console>(mMachine, mFaults);
+    mHeld = false;
+    mHostStopped = false;
+}
+
+void VirtualPrinter::Impl::EndBoot() {
+    mBootEnd.reset();
+    mLine.ToPrinter().Take(mNow, static_cast<std::size_t>(-1));
+    mMachine.out =
+        "\r\n" + mMachine.version + "\r\n" + std::string(mMachine.model.code) + "\r\nOk\r\n";
+    Send();
+}
+
+std::string VirtualPrinter::Impl::ToHost(Micros now, std::size_t max) {
+    Advance(now);
+    return mLine.ToHost().Take(mNow, max);
+}
+
+std::optional<Micros> VirtualPrinter::Impl::NextDue() const {
+    std::optional<Micros> due = mLine.ToHost().NextDue();
+    const auto sooner = [&due](std::optional<Micros> time) {
+        if (time && (!due || *time < *due)) due = time;
+    };
+    if (mLine.IsCut()) return due;
+    sooner(mBootEnd);
+    if (mConsole->Waiting() < bytesPerSlice) sooner(mLine.ToPrinter().NextDue());
+    if (CanWork() && mConsole->Busy()) sooner(mNow);
+    if (CanWork() && mConsole->AwaitsData()) sooner(mLastData + dataTimeout);
+    return due;
+}
+
+VirtualPrinter::VirtualPrinter(Options options) : mImpl(std::make_unique<Impl>(options)) {}
+
+VirtualPrinter::~VirtualPrinter() = default;
+
+void VirtualPrinter::HostOpened(Micros now) {
+    mImpl->Advance(now);
+    mImpl->HostOpened();
+}
+
+void VirtualPrinter::HostClosed(Micros now) {
+    mImpl->Advance(now);
+    mImpl->HostClosed();
+}
+
+void VirtualPrinter::SetHostFormat(const LineFormat& format, Micros now) {
+    mImpl->Advance(now);
+    mImpl->Wire().SetHostFormat(format);
+}
+
+void VirtualPrinter::SetHostLines(bool /*dtr*/, bool rts, Micros now) {
+    mImpl->SetHostLines(rts);
+    mImpl->Advance(now);
+}
+
+void VirtualPrinter::Break(Micros now) {
+    mImpl->Advance(now);
+    mImpl->Break();
+}
+
+void VirtualPrinter::FromHost(std::string_view bytes, Micros now) {
+    mImpl->Wire().HostSends(bytes, now);
+}
+
+std::string VirtualPrinter::ToHost(Micros now, std::size_t max) {
+    return mImpl->ToHost(now, max);
+}
+
+std::size_t VirtualPrinter::PendingFromHost(Micros now) const {
+    return mImpl->Wire().ToPrinter().OnTheWay(now);
+}
+
+std::size_t VirtualPrinter::Backlog() const {
+    return mImpl->Backlog();
+}
+
+void VirtualPrinter::DiscardFromHost(Micros /*now*/) {
+    mImpl->Wire().ToPrinter().Clear();
+}
+
+void VirtualPrinter::DiscardToHost(Micros /*now*/) {
+    mImpl->Wire().ToHost().Clear();
+}
+
+std::optional<Micros> VirtualPrinter::NextDue() const {
+    return mImpl->NextDue();
+}
+
+void VirtualPrinter::Advance(Micros now) {
+    mImpl->Advance(now);
+}
+
+bool VirtualPrinter::Dsr() const {
+    return mImpl->Dsr();
+}
+
+bool VirtualPrinter::Cts() const {
+    return mImpl->Cts();
+}
+
+bool VirtualPrinter::LineCut() const {
+    return mImpl->Wire().IsCut();
+}
+
+} // namespace qnsim

@@ -1,0 +1,145 @@
+#include "language/Interpreter.h"
+
+#include "language/Words.h"
+
+#include <algorithm>
+
+namespace qnsim {
+
+Interpreter::Interpreter(Machine& machine)
+    : mMachine(machine), mEvaluator(machine, mVariables), mFiles(machine) {}
+
+Error Interpreter::Begin(std::string_view text) {
+    mTypedCode.clear();
+    const Error error = Parser(text, noLine, mVariables).Read(mTypedCode);
+    if (error != Error::None) return error;
+    mLoops.clear();
+    mCalls.clear();
+    mWhiles.clear();
+    mTrap = {};
+    mCode = &mTypedCode;
+    mAt = 0;
+    mState = State::Running;
+    return Error::None;
+}
+
+Error Interpreter::StoreLine(int number, std::string_view text) {
+    if (!mMachine.model.programmable) return Error::NotProgrammable;
+    if (number <= 0 || number > largestLineNumber) return Error::LineNumber;
+    if (text.size() + mProgram.Bytes() + mVariables.Bytes() >= mMachine.model.memory)
+        return Error::OutOfMemory;
+    mProgram.Store(number, text);
+    mEvaluator.SetProgramBytes(mProgram.Bytes());
+    mLinked = false;
+    Code checked;
+    return Parser(text, number, mVariables).Read(checked);
+}
+
+void Interpreter::Run(int statements) {
+    while (mState == State::Running && statements-- > 0) {
+        if (mAt >= mCode->size()) {
+            Finish();
+            return;
+        }
+        const std::size_t at = mAt++;
+        const Code* code = mCode;
+        (this->*StatementAt((*code)[at].row).run)((*code)[at]);
+        if (mEvaluator.Failure() != Error::None) HandleFailure((*code)[at], at);
+    }
+}
+
+void Interpreter::HandleFailure(const Statement& statement, std::size_t at) {
+    const Error error = mEvaluator.TakeFailure();
+    mEvaluator.SetLastError(error, statement.line);
+    if (mTrap.line != noLine && !mTrap.active && InProgram()) {
+        mTrap.active = true;
+        mTrap.failedAt = at;
+        mState = State::Running;
+        JumpToLine(mTrap.line);
+        if (mEvaluator.Failure() == Error::None) return;
+        mEvaluator.TakeFailure();
+    }
+    mReport = Report{error, statement.line};
+    Finish();
+}
+
+void Interpreter::Finish() {
+    // What was typed may leave files open for the next line; a program that ends closes its own.
+    if (InProgram()) mFiles.CloseAll();
+    mState = State::Idle;
+}
+
+void Interpreter::Break() {
+    if (mState == State::Idle) return;
+    // A running program stops before its next statement, a waiting one in the statement that waits.
+    const std::size_t at = mState == State::Running ? mAt : mAt - 1;
+    mReport = Report{Error::None, at < mCode->size() ? (*mCode)[at].line : noLine};
+    mData = {};
+    Finish();
+}
+
+std::optional<Interpreter::Report> Interpreter::TakeReport() {
+    std::optional<Report> report;
+    report.swap(mReport);
+    return report;
+}
+
+Error Interpreter::Link() {
+    if (mLinked) return Error::None;
+    mProgramCode.clear();
+    mLineStarts.clear();
+    for (const auto& [number, text] : mProgram.All()) {
+        mLineStarts.emplace(number, mProgramCode.size());
+        const Error error = Parser(text, number, mVariables).Read(mProgramCode);
+        if (error != Error::None) {
+            mReport = Report{error, number};
+            return error;
+        }
+    }
+    for (Statement& statement : mProgramCode) {
+        if (ResolveTargets(statement)) continue;
+        mReport = Report{Error::UndefinedLine, statement.line};
+        return Error::UndefinedLine;
+    }
+    mLinked = true;
+    return Error::None;
+}
+
+bool Interpreter::ResolveTargets(Statement& statement) {
+    const auto known = [this](int line) { return mLineStarts.count(line) != 0; };
+    if (statement.row == GotoRow() || statement.row == FindStatement("GOSUB", "")) {
+        if (!known(statement.number)) return false;
+        statement.jump = mLineStarts.at(statement.number);
+    }
+    return std::all_of(statement.lines.begin(), statement.lines.end(), known);
+}
+
+void Interpreter::JumpToLine(int line) {
+    if (!mLinked && Link() != Error::None) {
+        Finish();
+        return;
+    }
+    const auto start = mLineStarts.find(line);
+    if (start == mLineStarts.end()) return Fail(Error::UndefinedLine);
+    mCode = &mProgramCode;
+    mAt = start->second;
+}
+
+void Interpreter::StartProgram(int line) {
+    if (!mMachine.model.programmable) return Fail(Error::NotProgrammable);
+    if (Link() != Error::None) {
+        Finish();
+        return;
+    }
+    mFiles.CloseAll();
+    mVariables.Clear();
+    mLoops.clear();
+    mCalls.clear();
+    mWhiles.clear();
+    mTrap = {};
+    mCode = &mProgramCode;
+    mAt = 0;
+    if (line != noLine) JumpToLine(line);
+}
+
+} // namespace qnsim

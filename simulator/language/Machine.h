@@ -1,0 +1,56 @@
+// What a program can reach of the printer it runs on.
+#pragma once
+
+#include "Model.h"
+#include "Setup.h"
+#include "Storage.h"
+
+#include <array>
+#include <string>
+
+namespace qnsim {
+
+/// The numbered variables of the printer itself. Most are only kept; two of them rule the console.
+class SystemVariables {
+  public:
+    static constexpr int count = 64;
+    static constexpr int verbosity = 18;
+    static constexpr int errorForm = 19;
+
+    static constexpr int echoBit = 1;
+    static constexpr int promptBit = 2;
+    static constexpr int errorBit = 8;
+
+    SystemVariables() { Reset(); }
+    void Reset() {
+        mValues.fill(0);
+        mValues[verbosity] = -1;
+        mValues[errorForm] = 1;
+    }
+    static bool Has(double number) { return number >= 0 && number < count; }
+    int Get(int number) const { return mValues[static_cast<std::size_t>(number)]; }
+    void Set(int number, int value) { mValues[static_cast<std::size_t>(number)] = value; }
+
+    bool Echoes() const { return (Get(verbosity) & echoBit) != 0; }
+    bool Prompts() const { return (Get(verbosity) & promptBit) != 0; }
+    bool ShowsErrors() const { return (Get(verbosity) & errorBit) != 0; }
+    bool NamesErrors() const { return Get(errorForm) != 1; }
+
+  private:
+    std::array<int, count> mValues{};
+};
+
+struct Machine {
+    const Model& model;
+    std::string version;
+    int wiredUart;
+    SetupTree setup;
+    Storage storage;
+    SystemVariables system;
+    bool immediate = true;
+    bool setupChanged = false; // the line's settings take effect after the reply
+    bool restartWanted = false;
+    std::string out; // bytes for the wired channel
+};
+
+} // namespace qnsim

@@ -1,0 +1,214 @@
+#include "PrinterBench.h"
+
+#include <algorithm>
+
+namespace qnsim::test {
+namespace {
+
+constexpr std::string_view probe = "\x11\rIMMEDIATE ON:SYSVAR(18)=-1:PRINT\"HELLO\"\r";
+
+std::string ProbeWith(PrinterBench& bench, const LineFormat& format) {
+    bench.Printer().SetHostFormat(format, bench.Now());
+    bench.Send(probe);
+    std::string reply = bench.Read();
+    for (char& c : reply)
+        c = static_cast<char>(c & 0x7F);
+    return reply;
+}
+
+bool Found(const std::string& reply) {
+    const auto hello = reply.find("HELLO");
+    return hello != std::string::npos && reply.find("Ok\r\n", hello) != std::string::npos;
+}
+
+const std::vector<LineFormat>& AllFormats() {
+    static const std::vector<LineFormat> formats = [] {
+        std::vector<LineFormat> all;
+        for (const int baud : {9600, 19200, 57600, 115200, 38400, 4800, 2400}) {
+            all.push_back({baud, 8, 2, 'm'});
+            all.push_back({baud, 8, 2, 'n'});
+            all.push_back({baud, 7, 2, 'n'});
+            all.push_back({baud, 7, 1, 'n'});
+        }
+        return all;
+    }();
+    return formats;
+}
+
+TEST(LineSettings, AnswerOnlyTheCombinationThatIsSetUp) {
+    for (const LineFormat& printer : AllFormats()) {
+        Options options;
+        options.baud = *printer.baud;
+        options.dataBits = *printer.dataBits;
+        options.stopBits = *printer.stopBits;
+        options.parity = *printer.parity;
+        PrinterBench bench(options);
+        for (const LineFormat& host : AllFormats()) {
+            const bool same = host.baud == printer.baud && host.dataBits == printer.dataBits
+                              && host.stopBits == printer.stopBits && host.parity == printer.parity;
+            EXPECT_EQ(Found(ProbeWith(bench, host)), same)
+                << *printer.baud << *printer.parity << " and " << *host.baud << *host.parity;
+        }
+        // What the wrong combinations left behind is gone with the next line end.
+        EXPECT_TRUE(Found(ProbeWith(bench, printer)));
+    }
+}
+
+TEST(LineSettings, ItemsThatAreNotCarriedCauseNoMismatch) {
+    PrinterBench bench("R7G?baud=57600&format=m,7,1");
+    LineFormat format;
+    EXPECT_TRUE(Found(ProbeWith(bench, format)));
+    format.baud = 57600;
+    EXPECT_TRUE(Found(ProbeWith(bench, format)));
+    format.stopBits = 2;
+    EXPECT_FALSE(Found(ProbeWith(bench, format)));
+}
+
+TEST(LineSettings, SevenBitLineLosesTheEighthBit) {
+    PrinterBench bench("R7G?format=n,7,2");
+    EXPECT_EQ(bench.Line("PRINT CHR$(193)"), "A");
+}
+
+TEST(LineSettings, NothingIsHeardWithoutAHost) {
+    PrinterBench bench;
+    bench.Send("PRINT 1\r\n");
+    bench.Printer().HostClosed(bench.Now());
+    EXPECT_EQ(bench.Read(), "");
+    bench.Printer().HostOpened(bench.Now());
+    EXPECT_EQ(bench.Read(), "");
+    EXPECT_EQ(bench.Line("PRINT 2"), "2");
+}
+
+TEST(PacedLine, TakesItsTimeInBothDirections) {
+    PrinterBench bench("R7G?baud=9600&format=n,8,2&paced");
+    constexpr Micros characterNs = 1'000'000'000 / 9600 * 11;
+    bench.Send("PRINT 1\r");
+    EXPECT_EQ(bench.Printer().PendingFromHost(bench.Now()), 8U);
+    EXPECT_EQ(bench.Printer().PendingFromHost(bench.Now() + 4 * characterNs / 1000 + 1), 4U);
+    const Micros start = bench.Now();
+    std::string reply;
+    Micros last = start;
+    while (const auto due = bench.Printer().NextDue()) {
+        const std::string piece = bench.Printer().ToHost(std::max(*due, last), 1000);
+        last = std::max(*due, last);
+        reply += piece;
+        if (reply.ends_with("Ok\r\n")) break;
+    }
+    EXPECT_EQ(reply, "PRINT 1\r\n1\r\nOk\r\n");
+    // Each echoed character leaves as the next one arrives; the answer follows the last.
+    EXPECT_GE(last - start, 8 * characterNs / 1000 + 7 * characterNs / 1000);
+    EXPECT_EQ(bench.Printer().PendingFromHost(last), 0U);
+}
+
+TEST(FlowControl, XoffHoldsTheAnswerUntilXon) {
+    PrinterBench bench;
+    bench.Ask("SETUP\"SER-COM,UART1,FLOWCONTROL,XON/XOFF,DATA TO HOST,ENABLE\"");
+    bench.Send("\x13PRINT 1\r");
+    EXPECT_EQ(bench.Read(), "");
+    bench.Send("\x11");
+    EXPECT_EQ(bench.Read(), "PRINT 1\r\n1\r\nOk\r\n");
+}
+
+TEST(FlowControl, PrinterStopsAndResumesTheHost) {
+    PrinterBench bench;
+    bench.Ask("SETUP\"SER-COM,UART1,FLOWCONTROL,XON/XOFF,DATA FROM HOST,ENABLE\"");
+    bench.Ask("SYSVAR(18)=0");
+    bench.Ask("10 FOR I=1 TO 100000:NEXT");
+    bench.Send("RUN\r" + std::string(4000, '\r'));
+    EXPECT_EQ(bench.Read(), "\x13\x11");
+}
+
+TEST(FlowControl, LoweredRtsHoldsTheAnswer) {
+    PrinterBench bench;
+    bench.Ask("SETUP\"SER-COM,UART1,FLOWCONTROL,RTS/CTS,ENABLE\"");
+    bench.Printer().SetHostLines(true, false, bench.Now());
+    bench.Send("PRINT 1\r");
+    EXPECT_EQ(bench.Read(), "");
+    bench.Printer().SetHostLines(true, true, bench.Now());
+    EXPECT_EQ(bench.Read(), "PRINT 1\r\n1\r\nOk\r\n");
+}
+
+std::string Repeated(std::string_view address) {
+    PrinterBench bench(address);
+    std::string all;
+    for (int i = 0; i < 50; ++i)
+        all += bench.Ask("PRINT \"0123456789012345678901234567890123456789\"");
+    return all;
+}
+
+TEST(Faults, SameSeedDoesTheSameDamage) {
+    for (const std::string fault : {"lost", "doubled", "flipped"}) {
+        const std::string clean = Repeated("R7G");
+        const std::string first = Repeated("R7G?" + fault + "=0.02,seed=7");
+        EXPECT_NE(first, clean) << fault;
+        EXPECT_EQ(first, Repeated("R7G?" + fault + "=0.02,seed=7")) << fault;
+        EXPECT_NE(first, Repeated("R7G?" + fault + "=0.02,seed=8")) << fault;
+    }
+}
+
+TEST(Faults, StallPausesTheAnswer) {
+    PrinterBench bench("R7G?stall=1:500");
+    bench.Send("\r");
+    EXPECT_EQ(bench.Read(499'999), "");
+    EXPECT_EQ(bench.Read(1), "\r\n");
+}
+
+TEST(Faults, NoEchoLeavesTheAnswer) {
+    PrinterBench bench("R7G?no-echo");
+    EXPECT_EQ(bench.Ask("PRINT 1"), "1\r\nOk\r\n");
+}
+
+TEST(Faults, CommandOfThatNumberFails) {
+    PrinterBench bench("R7G?error-on=2");
+    EXPECT_EQ(bench.Line("PRINT 1"), "1");
+    EXPECT_EQ(bench.Line("PRINT 2"), "Error 1099");
+    EXPECT_EQ(bench.Line("PRINT 3"), "3");
+}
+
+TEST(Faults, DroppedDsrIsSeenByTheHost) {
+    EXPECT_TRUE(PrinterBench("R7G").Printer().Dsr());
+    EXPECT_FALSE(PrinterBench("R7G?dsr=off").Printer().Dsr());
+}
+
+TEST(Faults, LineIsCutAfterItsBytes) {
+    PrinterBench bench("R7G?cut=10");
+    EXPECT_EQ(bench.Ask("PRINT \"HELLO\""), "PRINT \"HEL");
+    EXPECT_TRUE(bench.Printer().LineCut());
+    EXPECT_EQ(bench.Ask("PRINT 1"), "");
+}
+
+TEST(Address, NamesWhatIsWrong) {
+    EXPECT_NE(ParseAddress("R7X").error.find("R7EZV"), std::string::npos);
+    EXPECT_NE(ParseAddress("R7G?baud=1234").error.find("baud"), std::string::npos);
+    EXPECT_NE(ParseAddress("R7G?speed=1").error.find("no option"), std::string::npos);
+    EXPECT_NE(ParseAddress("R7G?lost=2").error.find("0 to 1"), std::string::npos);
+    EXPECT_NE(ParseAddress("R7A?uart=2").error.find("UART2"), std::string::npos);
+    EXPECT_FALSE(ParseAddress("").options.has_value());
+}
+
+TEST(Address, CarriesEveryOption) {
+    const Options options = PrinterBench::Parse(
+        "R7FZV?baud=57600&format=M,7,1&uart=3&boot-ms=9&paced&version=Quorin 7.00&capacity=1000&"
+        "lost=0.5,seed=3&stall=0.25:40,seed=4&error-on=3&dsr=off&cut=12&no-echo=on");
+    EXPECT_EQ(options.model, "R7FZV");
+    EXPECT_EQ(options.baud, 57600);
+    EXPECT_EQ(options.parity, 'm');
+    EXPECT_EQ(options.dataBits, 7);
+    EXPECT_EQ(options.stopBits, 1);
+    EXPECT_EQ(options.uart, 3);
+    EXPECT_EQ(options.bootMs, 9);
+    EXPECT_TRUE(options.paced);
+    EXPECT_EQ(options.version, "Quorin 7.00");
+    EXPECT_EQ(options.capacity, 1000U);
+    EXPECT_EQ(options.faults.lost.rate, 0.5);
+    EXPECT_EQ(options.faults.lost.seed, 3U);
+    EXPECT_EQ(options.faults.stallMs, 40);
+    EXPECT_EQ(options.faults.stall.seed, 4U);
+    EXPECT_EQ(options.faults.errorOnCommand, 3);
+    EXPECT_TRUE(options.faults.dsrDropped);
+    EXPECT_EQ(options.faults.cutAfter, 12U);
+    EXPECT_TRUE(options.faults.noEcho);
+}
+
+} // namespace
+} // namespace qnsim::test
