@@ -25,6 +25,9 @@ class Interrupt {
     std::int32_t Count();
     int Signal() const { return mSignal; }
 
+    /// Count without asking the system for more.
+    std::int32_t KnownCount() const { return mCount; }
+
     /// Forgets what has come, for a program that goes on after a cancelled operation.
     void Clear();
 

@@ -50,7 +50,7 @@ class PollLoop final : public Reactor {
     using FdHandler = std::shared_ptr<const std::function<void(FdEvents)>>;
 
     bool RunAlarms(std::int64_t now);
-    bool RunWatches();
+    void RunWatches();
     std::int64_t NextDue() const;
     void CheckInterrupt(std::int64_t now);
     std::size_t FreeSlot();
