@@ -23,7 +23,7 @@ struct IoCount {
 };
 
 /// One way to a printer: bytes in both directions, line settings, modem lines. Opened and closed
-/// any number of times. Nothing here throws or blocks, Open and WaitReadable within their limits
+/// any number of times. Nothing here throws or blocks, Open and Wait within their limits
 /// excepted. After a result Lost the caller closes it.
 class ByteChannel {
   public:
@@ -56,8 +56,9 @@ class ByteChannel {
     virtual void Want(FdEvents events) = 0;
     virtual void SetHandler(Handler handler) = 0;
 
-    /// Sleeps until bytes wait or lLimitUs microseconds have passed, dispatching nothing.
-    virtual bool WaitReadable(std::int64_t lLimitUs) = 0;
+    /// Sleeps until the channel is ready for one of these or lLimitUs microseconds have passed,
+    /// dispatching nothing. Returns what it is ready for.
+    virtual FdEvents Wait(FdEvents events, std::int64_t lLimitUs) = 0;
 };
 
 /// The channel for an address; the reactor outlives it.

@@ -97,32 +97,49 @@ class PDQComm final : public SerialControl {
     std::size_t TypeKeys(std::string_view sKeys);
 
   private:
+    /// A channel that has been used, kept by its address.
+    struct KnownChannel {
+        std::unique_ptr<ByteChannel> channel;
+        bool saidNoLines = false; ///< the trace has told that it has no modem lines
+    };
+
     void Open();
     void Close();
-    ByteChannel& ChannelFor(const PortAddress& address);
-    [[noreturn]] void Refuse(IoResult reason);
-    void Configure(const LineSettings& settings);
+    KnownChannel& ChannelFor(const PortAddress& address);
+    PortFailure FailureFor(const IoResult& reason) const;
+    /// Records why the port did not open and raises it.
+    [[noreturn]] void Refuse(const IoResult& reason);
+    void Apply(const LineSettings& settings);
+    void TraceOpened(KnownChannel& known) const;
 
     void OnChannel(FdEvents events);
     /// Takes from the channel what the receive buffer has space for.
     void Receive();
+    /// Gives the channel what is queued.
     void Send();
     void WantEvents();
-    /// Fires what is due; called only from the reactor.
+    /// Waits without dispatching until bytes have come, sending meanwhile; false when time is up or
+    /// the port is gone.
+    bool Await(std::int64_t until);
+    void ScheduleDrain();
+    /// Calls the sink for what is due. Only from within Yield.
     void FireEvents();
-    void Lost(const IoResult& reason);
+    void ScheduleEvents();
+    void Raise(SerialEvent event) const;
+    void Lose(const IoResult& reason);
     void Trace(TraceKind kind, std::string_view bytes) const;
 
     Reactor& mReactor;
     PortBindings mBindings;
     TraceSink* mTrace;
     ChannelFactory mFactory;
-    std::map<std::string, std::unique_ptr<ByteChannel>> mChannels; ///< by address
-    ByteChannel* mOpen = nullptr;                                  ///< the open one
+    std::map<std::string, KnownChannel> mChannels;
+    ByteChannel* mOpen = nullptr; ///< the open one of them
     std::unique_ptr<ReceivePath> mReceive;
     std::unique_ptr<TransmitQueue> mTransmit;
     std::unique_ptr<Alarm> mFire;  ///< an event waits for the next Yield
     std::unique_ptr<Alarm> mDrain; ///< wakes a waiting link when what was sent has left
+    FdEvents mWanted;              ///< what the open channel was asked to report
 
     std::int16_t mPortNumber = 1;
     std::string mSettingsText = "9600,N,8,1";
@@ -132,7 +149,7 @@ class PDQComm final : public SerialControl {
     std::string mTag;
     std::shared_ptr<const EventSink> mSink;
     TerminalSink mTerminal;
-    bool mLostWaits = false; ///< the loss of the port is still to be reported
+    bool mLossWaits = false; ///< the loss of the port is still to be reported
     std::optional<PortFailure> mLastFailure;
 };
 

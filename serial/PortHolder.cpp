@@ -1,0 +1,139 @@
+#include "PortHolder.h"
+
+#include <algorithm>
+#include <cerrno>
+#include <charconv>
+#include <csignal>
+#include <cstring>
+#include <filesystem>
+#include <fstream>
+#include <iterator>
+#include <optional>
+#include <sstream>
+#include <sys/stat.h>
+#include <sys/sysmacros.h>
+#include <system_error>
+#include <unistd.h>
+#include <vector>
+
+namespace qncomm {
+namespace {
+
+namespace fs = std::filesystem;
+
+PortHolder HolderFor(pid_t process) {
+    std::ifstream stream("/proc/" + std::to_string(process) + "/comm");
+    PortHolder holder{process, {}};
+    std::getline(stream, holder.name);
+    return holder;
+}
+
+std::optional<pid_t> ProcessNumber(const std::string& text) {
+    pid_t number = 0;
+    const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), number);
+    if (error != std::errc{} || end != text.data() + text.size() || number <= 0)
+        return std::nullopt;
+    return number;
+}
+
+/// The owner of a lock on the device's node, as the kernel lists it: "… FLOCK ADVISORY WRITE PID
+/// MAJOR:MINOR:INODE 0 EOF" with the numbers of the file system that the node is on.
+std::optional<pid_t> LockOwner(const struct stat& device) {
+    std::ostringstream node;
+    node << std::hex;
+    for (const unsigned part : {major(device.st_dev), minor(device.st_dev)}) {
+        node.width(2);
+        node.fill('0');
+        node << part << ':';
+    }
+    node << std::dec << device.st_ino;
+    std::ifstream locks("/proc/locks");
+    for (std::string line; std::getline(locks, line);) {
+        std::istringstream stream(line);
+        const std::vector<std::string> words{std::istream_iterator<std::string>(stream), {}};
+        if (words.size() < 6 || words[1] != "FLOCK" || words[5] != node.str()) continue;
+        return ProcessNumber(words[4]);
+    }
+    return std::nullopt;
+}
+
+/// Whether a process has the device open, as far as this user may see.
+bool HasOpen(const fs::path& process, const struct stat& device) {
+    std::error_code error;
+    fs::directory_iterator entry(process / "fd", error);
+    for (; !error && entry != fs::directory_iterator(); entry.increment(error)) {
+        struct stat open {};
+        if (::stat(entry->path().c_str(), &open) == 0 && S_ISCHR(open.st_mode)
+            && open.st_rdev == device.st_rdev)
+            return true;
+    }
+    return false;
+}
+
+std::optional<pid_t> AnyUser(const struct stat& device) {
+    std::error_code error;
+    fs::directory_iterator entry("/proc", error);
+    for (; !error && entry != fs::directory_iterator(); entry.increment(error)) {
+        const auto process = ProcessNumber(entry->path().filename().string());
+        if (process && *process != ::getpid() && HasOpen(entry->path(), device)) return process;
+    }
+    return std::nullopt;
+}
+
+PortHolder HolderOf(const struct stat& device) {
+    const auto owner = LockOwner(device);
+    if (owner && *owner != ::getpid()) return HolderFor(*owner);
+    if (const auto user = AnyUser(device)) return HolderFor(*user);
+    return owner ? HolderFor(*owner) : PortHolder{};
+}
+
+/// The process number in a lock file: text, or a binary number in the oldest form.
+std::optional<pid_t> LockFileProcess(const fs::path& file) {
+    std::ifstream stream(file, std::ios::binary);
+    const std::string text{std::istreambuf_iterator<char>(stream), {}};
+    std::istringstream words(text);
+    std::string first;
+    words >> first;
+    if (const auto process = ProcessNumber(first)) return process;
+    pid_t binary = 0;
+    if (text.size() != sizeof binary) return std::nullopt;
+    std::memcpy(&binary, text.data(), sizeof binary);
+    return binary > 0 ? std::optional(binary) : std::nullopt;
+}
+
+bool IsAlive(pid_t process) {
+    return ::kill(process, 0) == 0 || errno == EPERM;
+}
+
+} // namespace
+
+std::string PortHolder::Text() const {
+    if (process == 0) return "held by another program";
+    if (process == ::getpid()) return "already open in this program";
+    const std::string number = "process " + std::to_string(process);
+    return name.empty() ? "held by " + number : "held by " + name + " (" + number + ")";
+}
+
+PortHolder FindPortHolder(int fd) {
+    struct stat device {};
+    return ::fstat(fd, &device) == 0 ? HolderOf(device) : PortHolder{};
+}
+
+PortHolder FindPortHolder(const std::string& sPath) {
+    struct stat device {};
+    return ::stat(sPath.c_str(), &device) == 0 ? HolderOf(device) : PortHolder{};
+}
+
+PortHolder FindLockFileOwner(const std::string& sPath, const std::string& sFolder) {
+    constexpr std::string_view devices = "/dev/";
+    std::error_code error;
+    const fs::path resolved = fs::canonical(sPath, error);
+    std::string name = error ? sPath : resolved.string();
+    if (name.starts_with(devices)) name.erase(0, devices.size());
+    std::replace(name.begin(), name.end(), '/', '_');
+    const auto process = LockFileProcess(fs::path(sFolder) / ("LCK.." + name));
+    if (!process || *process == ::getpid() || !IsAlive(*process)) return {};
+    return HolderFor(*process);
+}
+
+} // namespace qncomm

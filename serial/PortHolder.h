@@ -1,0 +1,26 @@
+#pragma once
+
+#include <string>
+#include <sys/types.h>
+
+namespace qncomm {
+
+/// A process that uses a device.
+struct PortHolder {
+    pid_t process = 0; ///< 0: the system does not tell
+    std::string name;
+
+    /// "held by minicom (process 1234)", "held by another program".
+    std::string Text() const;
+};
+
+/// The process that holds the lock of the device that fd is, or else one that has it open. This
+/// process itself is named only when no other is found.
+PortHolder FindPortHolder(int fd);
+PortHolder FindPortHolder(const std::string& sPath);
+
+/// A living process that wrote a lock file for the device, as serial programs have done since UUCP;
+/// process 0 when there is none.
+PortHolder FindLockFileOwner(const std::string& sPath, const std::string& sFolder = "/var/lock");
+
+} // namespace qncomm

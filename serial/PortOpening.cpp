@@ -1,0 +1,107 @@
+// Opening, closing and losing the port.
+
+#include "ReceivePath.h"
+#include "TransmitQueue.h"
+#include "common/QNError.h"
+#include "serial/PDQComm.h"
+
+#include <utility>
+
+namespace qncomm {
+namespace {
+
+constexpr const char* ErrorSource = "PDQComm";
+
+std::int32_t NumberFor(IoStatus status) {
+    switch (status) {
+    case IoStatus::Missing:
+        return SerialErrNoSuchPort;
+    case IoStatus::Busy:
+        return SerialErrPortBusy;
+    default:
+        return SerialErrDevice;
+    }
+}
+
+} // namespace
+
+std::string PDQComm::PortName() const {
+    const std::string name = "COM" + std::to_string(mPortNumber);
+    const PortBinding* const binding = mBindings.Find(mPortNumber);
+    return binding != nullptr ? name + " (" + binding->address.text + ")" : name;
+}
+
+PDQComm::KnownChannel& PDQComm::ChannelFor(const PortAddress& address) {
+    KnownChannel& known = mChannels[address.text];
+    if (!known.channel) {
+        known.channel = mFactory(address, mReactor);
+        known.channel->SetHandler([this](FdEvents events) { OnChannel(events); });
+    }
+    return known;
+}
+
+PortFailure PDQComm::FailureFor(const IoResult& reason) const {
+    return {NumberFor(reason.status), reason, "Port " + PortName() + ": " + reason.text + "."};
+}
+
+void PDQComm::Refuse(const IoResult& reason) {
+    const PortFailure failure = FailureFor(reason);
+    mLastFailure = failure;
+    Trace(TraceKind::Event, failure.description);
+    throw QNError(failure.number, ErrorSource, failure.description);
+}
+
+void PDQComm::Open() {
+    const PortBinding* const binding = mBindings.Find(mPortNumber);
+    if (binding == nullptr)
+        Refuse({IoStatus::Missing, 0, "no device or address is bound to this number"});
+    KnownChannel& known = ChannelFor(binding->address);
+    const IoResult opened = known.channel->Open(mSettings);
+    if (!opened.Ok()) Refuse(opened);
+    mOpen = known.channel.get();
+    mWanted = {};
+    mLossWaits = false;
+    mLastFailure.reset();
+    TraceOpened(known);
+    WantEvents();
+}
+
+void PDQComm::TraceOpened(KnownChannel& known) const {
+    if (mTrace == nullptr) return;
+    Trace(TraceKind::Event, "open " + PortName() + " " + TextOf(mSettings)
+                                + (mSettings.xonXoff ? " Xon/Xoff" : "")
+                                + (mSettings.rtsCts ? " RTS/CTS" : ""));
+    if (std::exchange(known.saidNoLines, true) || known.channel->Dsr()) return;
+    Trace(TraceKind::Event, "no modem lines here: DSR reads as held");
+}
+
+void PDQComm::Close() {
+    if (mOpen == nullptr) return;
+    std::exchange(mOpen, nullptr)->Close();
+    mReceive->Clear();
+    mTransmit->Clear();
+    mFire->Clear();
+    mDrain->Clear();
+    Trace(TraceKind::Event, "close");
+}
+
+void PDQComm::Apply(const LineSettings& settings) {
+    if (mOpen != nullptr) {
+        const IoResult applied = mOpen->Configure(settings);
+        if (!applied.Ok()) {
+            const PortFailure failure = FailureFor(applied);
+            throw QNError(failure.number, ErrorSource, failure.description);
+        }
+    }
+    mSettings = settings;
+}
+
+void PDQComm::Lose(const IoResult& reason) {
+    mLastFailure = FailureFor(reason);
+    Trace(TraceKind::Event, mLastFailure->description);
+    Close();
+    mLossWaits = true;
+    ScheduleEvents();
+}
+
+} // namespace qncomm

@@ -1,0 +1,160 @@
+// Bytes in, bytes out, and the events that tell of them.
+
+#include "ReceivePath.h"
+#include "TransmitQueue.h"
+#include "serial/PDQComm.h"
+
+#include <algorithm>
+
+namespace qncomm {
+namespace {
+
+/// How long a CR that came last may be the first half of a line end.
+constexpr std::int64_t LineEndUs = 50'000;
+
+} // namespace
+
+// -- Receiving
+
+void PDQComm::OnChannel(FdEvents events) {
+    if (events.writable) Send();
+    if (mOpen != nullptr && (events.readable || events.hungUp)) Receive();
+    FireEvents();
+}
+
+void PDQComm::Receive() {
+    const std::span<char> space = mReceive->Space();
+    if (space.empty()) return;
+    const IoCount got = mOpen->Read(space);
+    mReceive->Commit(got.count);
+    if (mTrace != nullptr && got.count > 0) Trace(TraceKind::Received, {space.data(), got.count});
+    if (!got.result.Ok())
+        Lose(got.result);
+    else if (mReceive->Full())
+        WantEvents();
+}
+
+std::string PDQComm::Read() {
+    std::string bytes = mReceive->TakeAll();
+    WantEvents();
+    return bytes;
+}
+
+bool PDQComm::Await(std::int64_t until) {
+    const std::size_t before = mReceive->Count();
+    while (mOpen != nullptr && !mReceive->Full()) {
+        const FdEvents wanted{.readable = true, .writable = mTransmit->Count() > 0};
+        const FdEvents ready = mOpen->Wait(wanted, until - mReactor.NowUs());
+        if (ready.writable) Send();
+        if (mOpen != nullptr && (ready.readable || ready.hungUp)) Receive();
+        if (mReceive->Count() != before) {
+            ScheduleEvents();
+            return true;
+        }
+        if (mReactor.NowUs() >= until) break;
+    }
+    return false;
+}
+
+bool PDQComm::WaitForReceive(std::int32_t lTimeout) {
+    if (mReceive->Count() > 0) return true;
+    return Await(mReactor.NowUs() + std::int64_t{lTimeout} * 1000);
+}
+
+std::string PDQComm::ReadLine(std::int32_t lTimeout) {
+    const std::int64_t until = mReactor.NowUs() + std::int64_t{lTimeout} * 1000;
+    for (;;) {
+        std::optional<std::string> line = mReceive->TakeLine(false);
+        if (!line) {
+            const std::int64_t half = mReactor.NowUs() + LineEndUs;
+            const bool halfLineEnd = mReceive->EndsInCr();
+            if (Await(halfLineEnd ? std::min(until, half) : until)) continue;
+            line = mReceive->TakeLine(true);
+        }
+        if (!line) line = mReceive->TakeAll();
+        WantEvents();
+        return *line;
+    }
+}
+
+// -- Sending
+
+void PDQComm::Write(std::string_view sBytes) {
+    if (mOpen == nullptr || sBytes.empty()) return;
+    if (mTransmit->Count() > 0) {
+        mTransmit->Append(sBytes);
+        return;
+    }
+    const IoCount sent = mOpen->Write(sBytes);
+    if (mTrace != nullptr && sent.count > 0) Trace(TraceKind::Sent, sBytes.substr(0, sent.count));
+    if (!sent.result.Ok()) {
+        Lose(sent.result);
+        return;
+    }
+    mTransmit->Append(sBytes.substr(sent.count));
+    WantEvents();
+    ScheduleDrain();
+}
+
+std::size_t PDQComm::TypeKeys(std::string_view sKeys) {
+    if (mOpen == nullptr) return 0;
+    const auto pending = static_cast<std::size_t>(TransmitCount());
+    const std::size_t space = mTransmit->Capacity() - std::min(mTransmit->Capacity(), pending);
+    const std::string_view taken = sKeys.substr(0, space);
+    Write(taken);
+    return taken.size();
+}
+
+void PDQComm::Send() {
+    const std::string_view waiting = mTransmit->Waiting();
+    if (waiting.empty()) return;
+    const IoCount sent = mOpen->Write(waiting);
+    if (mTrace != nullptr && sent.count > 0) Trace(TraceKind::Sent, waiting.substr(0, sent.count));
+    mTransmit->Remove(sent.count);
+    if (!sent.result.Ok()) {
+        Lose(sent.result);
+        return;
+    }
+    WantEvents();
+    ScheduleDrain();
+}
+
+void PDQComm::ScheduleDrain() {
+    if (mOpen == nullptr) return;
+    const auto pending = static_cast<std::int64_t>(mOpen->OutputPending());
+    if (pending == 0) return;
+    const std::int64_t lineUs = pending * mSettings.BitsPerByte() * 1'000'000 / mSettings.baud;
+    mDrain->SetDue(mReactor.NowUs() + std::max<std::int64_t>(lineUs, 500));
+}
+
+void PDQComm::WantEvents() {
+    if (mOpen == nullptr) return;
+    const FdEvents wanted{.readable = !mReceive->Full(), .writable = mTransmit->Count() > 0};
+    if (wanted.readable == mWanted.readable && wanted.writable == mWanted.writable) return;
+    mWanted = wanted;
+    mOpen->Want(wanted);
+}
+
+// -- Events
+
+void PDQComm::ScheduleEvents() {
+    if (mSink == nullptr) return;
+    const bool receive = mReceive->threshold > 0 && mReceive->Count() > 0;
+    if (receive || mLossWaits) mFire->SetDue(mReactor.NowUs());
+}
+
+void PDQComm::FireEvents() {
+    const auto enough = static_cast<std::size_t>(std::max(mReceive->threshold, std::int16_t{1}));
+    if (mReceive->threshold > 0 && mReceive->Count() >= enough) Raise(SerialEventReceive);
+    if (mLossWaits && mSink != nullptr) {
+        mLossWaits = false;
+        Raise(SerialEventPortLost);
+    }
+}
+
+void PDQComm::Raise(SerialEvent event) const {
+    const std::shared_ptr<const EventSink> sink = mSink; // the sink may detach itself
+    if (sink) (*sink)(event);
+}
+
+} // namespace qncomm

@@ -1,0 +1,90 @@
+#include "serial/SerialDevices.h"
+
+#include <algorithm>
+#include <array>
+#include <charconv>
+#include <filesystem>
+#include <fstream>
+#include <optional>
+#include <string_view>
+#include <system_error>
+#include <tuple>
+
+namespace qncomm {
+namespace {
+
+namespace fs = std::filesystem;
+
+/// Families in the order in which they get their numbers; any other comes behind them.
+constexpr std::array<std::string_view, 3> Families{"ttyUSB", "ttyACM", "ttyS"};
+
+std::string FirstLine(const fs::path& file) {
+    std::ifstream stream(file);
+    std::string line;
+    std::getline(stream, line);
+    return line;
+}
+
+struct DeviceName {
+    std::size_t rank = 0;
+    std::string family;
+    unsigned number = 0;
+    std::string whole;
+
+    auto Key() const { return std::tie(rank, family, number, whole); }
+};
+
+/// "ttyUSB12" cut into family and number; nothing for the consoles "tty1" and for other things.
+std::optional<DeviceName> CutName(const std::string& name) {
+    const std::size_t digits = name.find_last_not_of("0123456789") + 1;
+    DeviceName cut{0, name.substr(0, digits), 0, name};
+    if (!name.starts_with("tty") || digits == name.size() || digits == 3) return std::nullopt;
+    std::from_chars(name.data() + digits, name.data() + name.size(), cut.number);
+    const auto* const family = std::find(Families.begin(), Families.end(), cut.family);
+    cut.rank = static_cast<std::size_t>(family - Families.begin());
+    return cut;
+}
+
+/// A driver creates entries for places where no hardware was found; those have no device behind
+/// them, or the type 0 of an absent UART.
+bool HasHardware(const fs::path& entry) {
+    std::error_code error;
+    if (!fs::exists(entry / "device", error)) return false;
+    return !fs::exists(entry / "type", error) || FirstLine(entry / "type") != "0";
+}
+
+/// USB devices tell their name some folders above the port's own.
+std::string Description(const fs::path& entry) {
+    std::error_code error;
+    fs::path folder = fs::canonical(entry / "device", error);
+    for (int level = 0; level < 4 && !error && folder.has_relative_path(); ++level) {
+        const std::string product = FirstLine(folder / "product");
+        const std::string maker = FirstLine(folder / "manufacturer");
+        if (!product.empty())
+            return maker.empty() || product.starts_with(maker) ? product : maker + " " + product;
+        folder = folder.parent_path();
+    }
+    return {};
+}
+
+} // namespace
+
+std::vector<SerialDevice> FindSerialDevices(const DeviceFolders& folders) {
+    std::vector<DeviceName> names;
+    std::error_code error;
+    for (const fs::directory_entry& entry : fs::directory_iterator(folders.tty, error)) {
+        const auto name = CutName(entry.path().filename().string());
+        if (name && HasHardware(entry.path())) names.push_back(*name);
+    }
+    std::sort(names.begin(), names.end(), [](const DeviceName& left, const DeviceName& right) {
+        return left.Key() < right.Key();
+    });
+    std::vector<SerialDevice> devices;
+    devices.reserve(names.size());
+    for (const DeviceName& name : names)
+        devices.push_back({(fs::path(folders.dev) / name.whole).string(),
+                           Description(fs::path(folders.tty) / name.whole)});
+    return devices;
+}
+
+} // namespace qncomm

@@ -1,0 +1,54 @@
+#pragma once
+
+#include "FdChannel.h"
+#include "HostLookup.h"
+
+#include <cstddef>
+#include <cstdint>
+#include <memory>
+#include <optional>
+#include <string>
+#include <vector>
+
+namespace qncomm {
+
+/// A raw byte socket, such as a device server offers. It carries no line settings and no modem
+/// lines.
+///
+/// Connecting is part of Open and bounded in time. A connection that is closed stays up for a
+/// moment, unused, and the next Open within it takes it up again: a search opens the port for each
+/// combination, and many device servers take one connection only and are slow to let go of it.
+class TcpChannel final : public FdChannel {
+  public:
+    static constexpr std::int64_t ConnectLimitUs = 3'000'000;
+    static constexpr std::int64_t ParkUs = 1'000'000;
+
+    TcpChannel(Reactor& reactor, std::string sHost, std::string sService);
+    ~TcpChannel() override;
+    TcpChannel(const TcpChannel&) = delete;
+    TcpChannel& operator=(const TcpChannel&) = delete;
+
+    IoResult Open(const LineSettings& settings) override;
+    void Close() override;
+    IoResult Probe() override;
+    IoResult Configure(const LineSettings& settings) override;
+    std::size_t OutputPending() override { return 0; }
+    void DiscardInput() override;
+    void DiscardOutput() override {} // what the system took is on its way
+    std::optional<bool> Dsr() override { return std::nullopt; }
+
+  protected:
+    ssize_t Put(std::string_view bytes) override;
+
+  private:
+    IoResult Connect(Fd& fd);
+    IoResult ConnectTo(const SocketAddress& address, std::int64_t until, Fd& fd) const;
+
+    std::string mHost;
+    std::string mService;
+    std::vector<SocketAddress> mAddresses; ///< of the last look-up that led to a connection
+    Fd mParked;
+    std::unique_ptr<Alarm> mParkEnd;
+};
+
+} // namespace qncomm

@@ -1,0 +1,44 @@
+#pragma once
+
+#include "FdChannel.h"
+
+#include <cstddef>
+#include <optional>
+#include <string>
+#include <termios.h>
+
+namespace qncomm {
+
+/// A tty of this machine, held for this program alone while it is open.
+///
+/// A pseudo-terminal is a tty without modem lines. It takes any settings, keeps of them what it
+/// can, and hands bytes over at once: there is no line on which they could wait, and taking them
+/// back would lose what the other side is about to read.
+class TtyChannel final : public FdChannel {
+  public:
+    TtyChannel(Reactor& reactor, std::string sPath);
+    ~TtyChannel() override { Close(); }
+    TtyChannel(const TtyChannel&) = delete;
+    TtyChannel& operator=(const TtyChannel&) = delete;
+
+    IoResult Open(const LineSettings& settings) override;
+    void Close() override;
+    IoResult Probe() override;
+    IoResult Configure(const LineSettings& settings) override;
+    std::size_t OutputPending() override;
+    void DiscardInput() override;
+    void DiscardOutput() override;
+    std::optional<bool> Dsr() override;
+
+  protected:
+    ssize_t Put(std::string_view bytes) override;
+
+  private:
+    IoResult Apply(int fd, const LineSettings& settings) const;
+
+    std::string mPath;
+    termios mFormer{};
+    bool mHasLines = false;
+};
+
+} // namespace qncomm

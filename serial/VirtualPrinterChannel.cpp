@@ -1,0 +1,147 @@
+#include "VirtualPrinterChannel.h"
+
+#include "SimulatorAddress.h"
+#include "simulator/VirtualPrinter.h"
+
+#include <algorithm>
+#include <limits>
+#include <utility>
+
+namespace qncomm {
+namespace {
+
+constexpr std::size_t InboxSize = 4096;
+
+qnsim::LineFormat FormatOf(const LineSettings& settings) {
+    return {settings.baud, settings.dataBits, settings.stopBits, settings.parity};
+}
+
+} // namespace
+
+struct VirtualPrinterChannel::Printer {
+    explicit Printer(qnsim::Options options) : device(std::move(options)) {}
+
+    qnsim::VirtualPrinter device;
+};
+
+std::string SimulatorAddressError(std::string_view sText) {
+    qnsim::ParseResult parsed = qnsim::ParseAddress(sText);
+    return parsed.options ? std::string() : std::move(parsed.error);
+}
+
+VirtualPrinterChannel::VirtualPrinterChannel(Reactor& reactor, std::string_view sPrinter)
+    : mReactor(reactor),
+      mPrinter(std::make_unique<Printer>(
+          qnsim::ParseAddress(sPrinter).options.value_or(qnsim::Options{}))),
+      mAlarm(reactor.CreateAlarm([this] {
+          Run();
+          const FdEvents ready = Ready(mWanted);
+          Schedule();
+          if (ready.Any() && mHandler) mHandler(ready);
+      })) {}
+
+VirtualPrinterChannel::~VirtualPrinterChannel() = default;
+
+IoResult VirtualPrinterChannel::Open(const LineSettings& settings) {
+    if (mPrinter->device.LineCut()) return {IoStatus::Missing, 0, "the line is cut"};
+    const std::int64_t now = mReactor.NowUs();
+    mPrinter->device.SetHostFormat(FormatOf(settings), now);
+    mPrinter->device.HostOpened(now);
+    mPrinter->device.SetHostLines(true, true, now);
+    mWanted = {};
+    mOpen = true;
+    return {};
+}
+
+void VirtualPrinterChannel::Close() {
+    if (!std::exchange(mOpen, false)) return;
+    const std::int64_t now = mReactor.NowUs();
+    mPrinter->device.DiscardFromHost(now);
+    mPrinter->device.SetHostLines(false, false, now);
+    mPrinter->device.HostClosed(now);
+    mReceived.clear();
+    mAlarm->Clear();
+}
+
+IoResult VirtualPrinterChannel::Configure(const LineSettings& settings) {
+    mPrinter->device.SetHostFormat(FormatOf(settings), mReactor.NowUs());
+    return {};
+}
+
+IoCount VirtualPrinterChannel::Read(std::span<char> buffer) {
+    Run();
+    const std::size_t count = mReceived.copy(buffer.data(), buffer.size());
+    mReceived.erase(0, count);
+    Schedule();
+    if (count == 0 && mPrinter->device.LineCut())
+        return {0, {IoStatus::Lost, 0, "the line was cut"}};
+    return {count, {}};
+}
+
+IoCount VirtualPrinterChannel::Write(std::string_view bytes) {
+    if (mPrinter->device.LineCut()) return {0, {IoStatus::Lost, 0, "the line was cut"}};
+    mPrinter->device.FromHost(bytes, mReactor.NowUs());
+    Schedule();
+    return {bytes.size(), {}};
+}
+
+std::size_t VirtualPrinterChannel::OutputPending() {
+    return mPrinter->device.PendingFromHost(mReactor.NowUs());
+}
+
+void VirtualPrinterChannel::DiscardInput() {
+    mReceived.clear();
+    mPrinter->device.DiscardToHost(mReactor.NowUs());
+}
+
+void VirtualPrinterChannel::DiscardOutput() {
+    mPrinter->device.DiscardFromHost(mReactor.NowUs());
+}
+
+std::optional<bool> VirtualPrinterChannel::Dsr() {
+    return mPrinter->device.Dsr();
+}
+
+void VirtualPrinterChannel::Want(FdEvents events) {
+    mWanted = events;
+    Schedule();
+}
+
+FdEvents VirtualPrinterChannel::Wait(FdEvents events, std::int64_t lLimitUs) {
+    const std::int64_t until = mReactor.NowUs() + std::max<std::int64_t>(lLimitUs, 0);
+    for (;;) {
+        Run();
+        const std::int64_t now = mReactor.NowUs();
+        if (const FdEvents ready = Ready(events); ready.Any() || now >= until) return ready;
+        const std::int64_t due = mPrinter->device.NextDue().value_or(until);
+        if (due > now) mReactor.WaitFor(-1, {}, std::min(due, until) - now);
+    }
+}
+
+void VirtualPrinterChannel::Run() {
+    const std::int64_t now = mReactor.NowUs();
+    mPrinter->device.Advance(now);
+    // What the host does not take stays in the printer, which then waits as on a full line.
+    if (mReceived.size() < InboxSize)
+        mReceived += mPrinter->device.ToHost(now, InboxSize - mReceived.size());
+}
+
+void VirtualPrinterChannel::Schedule() {
+    if (!mOpen) return;
+    if (Ready(mWanted).Any()) {
+        mAlarm->SetDue(mReactor.NowUs());
+    } else if (const auto due = mPrinter->device.NextDue();
+               due && (mWanted.readable || mReceived.size() < InboxSize)) {
+        mAlarm->SetDue(*due);
+    } else {
+        mAlarm->Clear();
+    }
+}
+
+FdEvents VirtualPrinterChannel::Ready(FdEvents wanted) const {
+    const bool cut = mPrinter->device.LineCut();
+    return {wanted.readable && !mReceived.empty(), wanted.writable,
+            cut && (wanted.readable || wanted.writable)};
+}
+
+} // namespace qncomm
