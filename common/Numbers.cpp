@@ -57,7 +57,7 @@ std::size_t DecimalLength(std::string_view text) {
 /// Whether a number that does not fit a double is too small for it (and so 0) rather than too
 /// large.
 bool IsTiny(std::string_view decimal) {
-    const std::size_t exponent = decimal.find('e');
+    const std::size_t exponent = decimal.find_first_of("eE");
     if (exponent != std::string_view::npos) return decimal.substr(exponent + 1).starts_with('-');
     return decimal.substr(0, decimal.find('.')).find_first_of("123456789")
            == std::string_view::npos;

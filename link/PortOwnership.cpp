@@ -62,7 +62,7 @@ void clsDataLink::EndClaim(PortClaim& claim) {
 }
 
 void clsDataLink::ReleaseBeforeRaise() {
-    mReceived.clear();
+    ClearReceived();
     const std::int32_t depth = mInnermost != nullptr ? mInnermost->mDepth : 1;
     if (mUseCount >= depth)
         ReleasePort(true, false);

@@ -146,7 +146,7 @@ void ScriptedSerial::Write(std::string_view sBytes) {
     if (!mOpen) return;
     EXPECT_LE(static_cast<std::int32_t>(sBytes.size()), mTransmitSize - TransmitCount())
         << "more than the transmit buffer holds";
-    mQueued = TransmitCount() + static_cast<std::int32_t>(sBytes.size());
+    mQueued = mDrainPerMs ? TransmitCount() + static_cast<std::int32_t>(sBytes.size()) : 0;
     mDrainedAt = mLoop.NowMs();
     mSent += sBytes;
     mUnmatched += sBytes;

@@ -4,6 +4,7 @@
 #include "common/Text.h"
 
 #include <cstddef>
+#include <iterator>
 #include <string>
 #include <string_view>
 #include <unordered_map>
@@ -43,20 +44,33 @@ class Collection {
         mPlaces.clear();
     }
 
-    /// Walks over the items in their order.
+    /// Walks over the items in their order; ends with the collection's next change.
     class ConstIterator {
       public:
-        explicit ConstIterator(const Collection& of, std::size_t at) : mOf(&of), mAt(at) {}
-        const T& operator*() const { return mOf->mEntries[mAt].item; }
+        using iterator_category = std::forward_iterator_tag;
+        using value_type = T;
+        using difference_type = std::ptrdiff_t;
+        using pointer = const T*;
+        using reference = const T&;
+
+        ConstIterator() = default;
+        ConstIterator(const Collection& of, std::size_t at) : mOf(&of), mAt(at) {}
+        reference operator*() const { return mOf->mEntries[mAt].item; }
+        pointer operator->() const { return &**this; }
         ConstIterator& operator++() {
             ++mAt;
             return *this;
         }
+        ConstIterator operator++(int) {
+            const ConstIterator former = *this;
+            ++mAt;
+            return former;
+        }
         bool operator==(const ConstIterator&) const = default;
 
       private:
-        const Collection* mOf;
-        std::size_t mAt;
+        const Collection* mOf = nullptr;
+        std::size_t mAt = 0;
     };
 
     ConstIterator begin() const { return ConstIterator(*this, 0); }

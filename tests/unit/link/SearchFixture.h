@@ -1,0 +1,65 @@
+#pragma once
+
+#include "LinkFixture.h"
+#include "common/Text.h"
+
+namespace qncomm::testing {
+
+/// A link on a line at whose end a printer answers to one combination of settings.
+class SearchFixture : public LinkFixture {
+  protected:
+    SearchFixture() {
+        mSerial.OnSend([this](std::string& sent) { Listen(sent); });
+    }
+
+    static Lines SetupOf(const std::string& channel) {
+        return {channel + ",BAUDRATE,57600",
+                channel + ",CHAR LENGTH,8",
+                channel + ",PARITY,NONE",
+                channel + ",STOPBITS,2",
+                channel + ",FLOWCONTROL,RTS/CTS,DISABLE",
+                channel + ",FLOWCONTROL,XON/XOFF,DATA FROM HOST,DISABLE",
+                channel + ",FLOWCONTROL,XON/XOFF,DATA TO HOST,DISABLE"};
+    }
+
+    std::string mSettingsThatWork = "57600,n,8,2";
+    int mChannel = 1;
+    Lines mSetup = SetupOf("UART1");
+    bool mSaysOk = true;
+    std::int32_t mAnswersAfter = 10; ///< ms
+    Lines mHeard;                    ///< command lines, without their line end
+    Lines mTried;                    ///< settings under which something was sent
+
+  private:
+    void Listen(std::string& sent) {
+        const std::string bytes = std::exchange(sent, {});
+        if (mTried.empty() || mTried.back() != mSerial.PortSettings())
+            mTried.push_back(mSerial.PortSettings());
+        if (!EqualNoCase(mSerial.PortSettings(), mSettingsThatWork)) return;
+        std::string line;
+        for (const char c : bytes) {
+            if (c == '\r' || c == '\n') {
+                if (!line.empty()) Answer(std::exchange(line, {}));
+            } else if (c != '\x11') {
+                line += c;
+            }
+        }
+    }
+
+    void Answer(const std::string& line) {
+        mHeard.push_back(line);
+        std::string reply = line + "\r\n";
+        if (line.find("HELLO") != std::string::npos) reply += "HELLO\r\n";
+        if (line.find("UART" + std::to_string(mChannel) + ":\" FOR OUTPUT") != std::string::npos)
+            reply += "=" + std::to_string(mChannel) + "\r\n";
+        if (line.find("SETUP WRITE") != std::string::npos)
+            for (const std::string& item : mSetup)
+                reply += item + "\r\n";
+        if (line.starts_with("PRINT SYSVAR")) reply += "-1\r\n2\r\n";
+        if (line.starts_with("PRINT VERSION")) reply += "1.0\r\nR7A\r\n";
+        if (mSaysOk) reply += "Ok\r\n";
+        mSerial.Arrive(reply, mAnswersAfter);
+    }
+};
+
+} // namespace qncomm::testing
