@@ -219,10 +219,7 @@ INSTANTIATE_TEST_SUITE_P(
         ErrorLine{"Error 5 without colon", 0, ""}, ErrorLine{"12345 FOR I=1 TO 9:NEXT", 0, ""}));
 
 TEST_F(Exchange, APrinterErrorBeyond32BitsOverflows) {
-    mSerial.Arrive("X
-Error 2147483647: x
-Ok
-");
+    mSerial.Arrive("X\r\nError 2147483647: x\r\nOk\r\n");
     EXPECT_RAISED(ReadReply(), 6);
     EXPECT_EQ(mLink.UseCount(), 0);
 }
