@@ -160,6 +160,13 @@ std::string ApplyOption(Options& options, std::string_view name, std::string_vie
            + std::string(value) + "\"";
 }
 
+std::string CheckOptions(const Options& options) {
+    const Model* model = FindModel(options.model);
+    if (model == nullptr) return "there is no model \"" + options.model + "\"";
+    if (options.uart <= model->uarts) return {};
+    return "the " + options.model + " has no UART" + std::to_string(options.uart);
+}
+
 ParseResult ParseAddress(std::string_view afterSim) {
     const auto question = afterSim.find('?');
     Options options;
@@ -174,9 +181,7 @@ ParseResult ParseAddress(std::string_view afterSim) {
                                 named ? piece.substr(equals + 1) : std::string_view());
         }
     }
-    if (error.empty() && options.uart > FindModel(options.model)->uarts) {
-        error = "the " + options.model + " has no UART" + std::to_string(options.uart);
-    }
+    if (error.empty()) error = CheckOptions(options);
     if (!error.empty()) return {std::nullopt, std::move(error)};
     return {std::move(options), {}};
 }

@@ -73,4 +73,7 @@ ParseResult ParseAddress(std::string_view afterSim);
 /// was wrong.
 std::string ApplyOption(Options& options, std::string_view name, std::string_view value);
 
+/// Whether the options fit together; an empty text or what does not.
+std::string CheckOptions(const Options& options);
+
 } // namespace qnsim

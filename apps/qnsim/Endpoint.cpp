@@ -1,0 +1,49 @@
+#include "Endpoint.h"
+
+#include <cerrno>
+#include <cstring>
+#include <system_error>
+#include <unistd.h>
+
+namespace qnsim {
+
+Descriptor::~Descriptor() {
+    Close();
+}
+
+Descriptor& Descriptor::operator=(Descriptor&& other) noexcept {
+    if (this != &other) {
+        Close();
+        mValue = other.mValue;
+        other.mValue = -1;
+    }
+    return *this;
+}
+
+void Descriptor::Close() {
+    if (mValue >= 0) ::close(mValue);
+    mValue = -1;
+}
+
+OpenedEndpoint SystemFailure(std::string_view doing) {
+    const int number = errno;
+    return {nullptr, number, std::string(doing) + ": " + std::system_category().message(number)};
+}
+
+std::string ReadSome(int descriptor, std::size_t max, bool& closed) {
+    std::string bytes(max, '\0');
+    const ssize_t count = ::read(descriptor, bytes.data(), bytes.size());
+    const bool later = count < 0 && (errno == EAGAIN || errno == EINTR);
+    if (count <= 0 && !later) closed = true;
+    bytes.resize(count > 0 ? static_cast<std::size_t>(count) : 0);
+    return bytes;
+}
+
+std::size_t WriteSome(int descriptor, std::string_view bytes, bool& closed) {
+    const ssize_t count = ::write(descriptor, bytes.data(), bytes.size());
+    if (count >= 0) return static_cast<std::size_t>(count);
+    if (errno != EAGAIN && errno != EINTR) closed = true;
+    return 0;
+}
+
+} // namespace qnsim

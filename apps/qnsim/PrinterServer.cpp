@@ -1,0 +1,72 @@
+#include "PrinterServer.h"
+
+#include <algorithm>
+#include <ctime>
+
+namespace qnsim {
+namespace {
+
+constexpr std::size_t pieceSize = 64UL * 1024;
+constexpr std::size_t backlogLimit = 64UL * 1024;
+constexpr Micros microsPerSecond = 1'000'000;
+
+Micros MonotonicNow() {
+    timespec time{};
+    ::clock_gettime(CLOCK_MONOTONIC, &time);
+    return Micros{time.tv_sec} * microsPerSecond + time.tv_nsec / 1000;
+}
+
+} // namespace
+
+bool PrinterServer::Run() {
+    for (;;) {
+        mNow = MonotonicNow();
+        FollowHost();
+        Exchange();
+        if (mPrinter.LineCut() && mOutput.empty()) return false;
+        if (Wait()) return true;
+    }
+}
+
+void PrinterServer::FollowHost() {
+    mEndpoint.Refresh();
+    const bool there = mEndpoint.Connected();
+    if (there != mHostThere && there) mPrinter.HostOpened(mNow);
+    if (there != mHostThere && !there) {
+        mPrinter.HostClosed(mNow);
+        mOutput.clear();
+    }
+    mHostThere = there;
+    if (there) mPrinter.SetHostFormat(mEndpoint.HostFormat(), mNow);
+}
+
+void PrinterServer::Exchange() {
+    if (mHostThere && mPrinter.Backlog() < backlogLimit) {
+        const std::string bytes = mEndpoint.Read(pieceSize);
+        if (!bytes.empty()) mPrinter.FromHost(bytes, mNow);
+    }
+    mPrinter.Advance(mNow);
+    if (mOutput.empty()) mOutput = mPrinter.ToHost(mNow, pieceSize);
+    if (mOutput.empty() || !mHostThere) return;
+    mOutput.erase(0, mEndpoint.Write(mOutput));
+}
+
+bool PrinterServer::Wait() {
+    std::vector<pollfd> waits{{mStop, POLLIN, 0}};
+    mEndpoint.AddWaits(waits, mPrinter.Backlog() < backlogLimit, !mOutput.empty());
+    timespec limit{};
+    const timespec* timeout = nullptr;
+    const auto due = mPrinter.NextDue();
+    // While the host does not take what is there, more of it is no reason to wake up.
+    const bool blocked = !mOutput.empty() && due && *due <= mNow;
+    if (due && !blocked) {
+        const Micros left = std::max<Micros>(*due - MonotonicNow(), 0);
+        limit.tv_sec = left / microsPerSecond;
+        limit.tv_nsec = (left % microsPerSecond) * 1000;
+        timeout = &limit;
+    }
+    ::ppoll(waits.data(), waits.size(), timeout, nullptr);
+    return waits.front().revents != 0;
+}
+
+} // namespace qnsim

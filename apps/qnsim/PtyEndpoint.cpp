@@ -1,0 +1,135 @@
+#include "PtyEndpoint.h"
+
+#include <algorithm>
+#include <array>
+#include <cerrno>
+#include <climits>
+#include <cstdlib>
+#include <fcntl.h>
+#include <filesystem>
+#include <sys/inotify.h>
+#include <sys/stat.h>
+#include <termios.h>
+#include <unistd.h>
+#include <utility>
+
+namespace qnsim {
+namespace {
+
+constexpr std::array<std::pair<speed_t, int>, 10> speeds{{{B300, 300},
+                                                          {B600, 600},
+                                                          {B1200, 1200},
+                                                          {B2400, 2400},
+                                                          {B4800, 4800},
+                                                          {B9600, 9600},
+                                                          {B19200, 19200},
+                                                          {B38400, 38400},
+                                                          {B57600, 57600},
+                                                          {B115200, 115200}}};
+
+bool IsLink(const std::string& path) {
+    struct stat status {};
+    return ::lstat(path.c_str(), &status) == 0 && S_ISLNK(status.st_mode);
+}
+
+/// Sets the device up as a plain byte pipe, so that a host that sets nothing gets no second echo.
+bool MakeRaw(const std::string& device) {
+    const Descriptor slave(::open(device.c_str(), O_RDWR | O_NOCTTY | O_CLOEXEC));
+    termios settings{};
+    if (!slave.IsOpen() || ::tcgetattr(slave.Get(), &settings) != 0) return false;
+    ::cfmakeraw(&settings);
+    settings.c_cflag |= CREAD | CLOCAL;
+    return ::tcsetattr(slave.Get(), TCSANOW, &settings) == 0;
+}
+
+} // namespace
+
+OpenedEndpoint PtyEndpoint::Open(const std::string& link) {
+    Descriptor master(::posix_openpt(O_RDWR | O_NOCTTY | O_NONBLOCK | O_CLOEXEC));
+    if (!master.IsOpen() || ::grantpt(master.Get()) != 0 || ::unlockpt(master.Get()) != 0)
+        return SystemFailure("cannot open a pseudo-terminal");
+    std::array<char, 128> name{};
+    if (::ptsname_r(master.Get(), name.data(), name.size()) != 0)
+        return SystemFailure("cannot name the pseudo-terminal");
+    const std::string device = name.data();
+    Descriptor openings(::inotify_init1(IN_NONBLOCK | IN_CLOEXEC));
+    if (!openings.IsOpen()) return SystemFailure("cannot watch " + device);
+    if (!MakeRaw(device)) return SystemFailure("cannot set up " + device);
+    if (::inotify_add_watch(openings.Get(), device.c_str(), IN_OPEN) < 0)
+        return SystemFailure("cannot watch " + device);
+    std::unique_ptr<PtyEndpoint> endpoint(
+        new PtyEndpoint(std::move(master), std::move(openings), device));
+    if (!link.empty() && !endpoint->MakeLink(link))
+        return SystemFailure("cannot make the link " + link);
+    endpoint->Refresh();
+    return {std::move(endpoint), 0, {}};
+}
+
+PtyEndpoint::PtyEndpoint(Descriptor master, Descriptor openings, std::string device)
+    : mMaster(std::move(master)), mOpenings(std::move(openings)), mDevice(std::move(device)) {}
+
+PtyEndpoint::~PtyEndpoint() {
+    std::error_code error;
+    if (!mLink.empty() && std::filesystem::read_symlink(mLink, error) == mDevice)
+        std::filesystem::remove(mLink, error);
+}
+
+bool PtyEndpoint::MakeLink(const std::string& link) {
+    // Made beside its place and moved there: whoever opens the name meets the old device or the new
+    // one.
+    const std::string beside = link + ".new";
+    if (IsLink(beside)) ::unlink(beside.c_str());
+    if (!IsLink(link) && ::access(link.c_str(), F_OK) == 0) {
+        errno = EEXIST;
+        return false;
+    }
+    if (::symlink(mDevice.c_str(), beside.c_str()) != 0) return false;
+    if (::rename(beside.c_str(), link.c_str()) != 0) return false;
+    mLink = link;
+    return true;
+}
+
+void PtyEndpoint::AddWaits(std::vector<pollfd>& waits, bool wantInput, bool wantOutput) {
+    // With no host the device reports its hang-up all the time: then only an opening is waited for.
+    waits.push_back({mOpenings.Get(), POLLIN, 0});
+    if (!mConnected) return;
+    const int events = (wantInput ? POLLIN : 0) | (wantOutput ? POLLOUT : 0);
+    waits.push_back({mMaster.Get(), static_cast<short>(events), 0});
+}
+
+void PtyEndpoint::Refresh() {
+    alignas(inotify_event) std::array<char, 4096> events{};
+    while (::read(mOpenings.Get(), events.data(), events.size()) > 0) {
+    }
+    pollfd state{mMaster.Get(), POLLIN, 0};
+    const bool known = ::poll(&state, 1, 0) >= 0;
+    // A host that left may have left bytes behind; they are read first.
+    const bool hungUp = (state.revents & POLLHUP) != 0 && (state.revents & POLLIN) == 0;
+    if (known) mConnected = !hungUp;
+}
+
+LineFormat PtyEndpoint::HostFormat() const {
+    LineFormat format;
+    termios settings{};
+    if (::tcgetattr(mMaster.Get(), &settings) != 0) return format;
+    const speed_t speed = ::cfgetospeed(&settings);
+    const auto* found = std::find_if(speeds.begin(), speeds.end(),
+                                     [speed](const auto& entry) { return entry.first == speed; });
+    format.baud = found == speeds.end() ? 0 : found->second;
+    format.stopBits = (settings.c_cflag & CSTOPB) != 0 ? 2 : 1;
+    return format;
+}
+
+std::string PtyEndpoint::Read(std::size_t max) {
+    bool closed = false;
+    std::string bytes = ReadSome(mMaster.Get(), max, closed);
+    if (closed) mConnected = false;
+    return bytes;
+}
+
+std::size_t PtyEndpoint::Write(std::string_view bytes) {
+    bool closed = false;
+    return WriteSome(mMaster.Get(), bytes, closed);
+}
+
+} // namespace qnsim

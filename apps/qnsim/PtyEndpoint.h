@@ -1,0 +1,39 @@
+// A pseudo-terminal that hosts open like a serial device.
+#pragma once
+
+#include "Endpoint.h"
+
+namespace qnsim {
+
+/// Hosts may come and go: between them the printer runs on and what it says is lost, as on a cable
+/// nobody holds. Of the host's settings the rate and the stop bits are seen; a pseudo-terminal
+/// carries no data bits, no parity and no modem lines.
+class PtyEndpoint : public Endpoint {
+  public:
+    /// link: a name to give the device as well, replaced when it is a symbolic link already; empty
+    /// = none.
+    static OpenedEndpoint Open(const std::string& link);
+    ~PtyEndpoint() override;
+
+    std::string Address() const override { return mLink.empty() ? mDevice : mLink; }
+    void AddWaits(std::vector<pollfd>& waits, bool wantInput, bool wantOutput) override;
+    void Refresh() override;
+    bool Connected() const override { return mConnected; }
+    LineFormat HostFormat() const override;
+    std::string Read(std::size_t max) override;
+    std::size_t Write(std::string_view bytes) override;
+
+    const std::string& Device() const { return mDevice; }
+
+  private:
+    PtyEndpoint(Descriptor master, Descriptor openings, std::string device);
+    bool MakeLink(const std::string& link);
+
+    Descriptor mMaster;
+    Descriptor mOpenings; // tells when a host opens the device
+    std::string mDevice;
+    std::string mLink;
+    bool mConnected = false;
+};
+
+} // namespace qnsim

@@ -1,0 +1,152 @@
+// qnsim: a virtual label printer on a pseudo-terminal or a loopback socket.
+#include "PrinterServer.h"
+#include "PtyEndpoint.h"
+#include "TcpEndpoint.h"
+
+#include <CLI/CLI.hpp>
+
+#include <csignal>
+#include <iostream>
+#include <sys/signalfd.h>
+#include <utility>
+
+namespace qnsim {
+namespace {
+
+constexpr int exitUsage = 2;
+constexpr int exitNoEndpoint = 4;
+
+struct Arguments {
+    std::vector<std::pair<std::string, std::string>> options; // name and value, as in an address
+    std::vector<std::string> faults;
+    bool paced = false;
+    bool pty = false;
+    std::string link;
+    std::optional<int> port;
+};
+
+/// The options whose names and values are those of an address.
+struct ValueOption {
+    const char* flag;
+    const char* name;
+    const char* help;
+};
+
+constexpr std::array<ValueOption, 9> valueOptions{{
+    {"--model", "model", "R7A R7B R7C R7D R7E R7F R7EZV R7FZV R7G or R7H (default R7G)"},
+    {"--baud", "baud", "the printer's baud rate (default 9600)"},
+    {"--format", "format", "parity, data bits, stop bits (default n,8,2)"},
+    {"--uart", "uart", "the printer's channel that the host is wired to (default 1)"},
+    {"--boot-ms", "boot-ms", "how long a restart takes (default 3000)"},
+    {"--firmware", "version", "what the printer says its firmware is"},
+    {"--capacity", "capacity", "bytes of the work device"},
+    {"--state", "state", "keep storage and setup in this folder"},
+    {"--labels", "labels", "write a PNG for each printed label to this folder"},
+}};
+
+void Declare(CLI::App& app, Arguments& arguments) {
+    for (const ValueOption& option : valueOptions) {
+        app.add_option_function<std::string>(
+            option.flag,
+            [&arguments, name = std::string(option.name)](const std::string& value) {
+                arguments.options.emplace_back(name, value);
+            },
+            option.help);
+    }
+    app.add_flag("--paced", arguments.paced, "bytes take their time on the line");
+    app.add_option(
+           "--fault", arguments.faults,
+           "NAME=VALUE[,seed=N]: lost, doubled, flipped, stall, no-echo, error-on, dsr, cut")
+        ->take_all()
+        ->expected(1, 1)
+        ->delimiter('\0');
+    auto* pty = app.add_flag("--pty", arguments.pty, "serve on a pseudo-terminal (the default)");
+    app.add_option("--link", arguments.link, "a name for the pseudo-terminal");
+    app.add_option("--tcp", arguments.port, "serve on this loopback port, 0 for any free one")
+        ->check(CLI::Range(0, 65535))
+        ->excludes(pty);
+}
+
+std::string ReadFaults(Options& options, const std::vector<std::string>& faults) {
+    constexpr std::array<std::string_view, 8> names{"lost",    "doubled",  "flipped", "stall",
+                                                    "no-echo", "error-on", "dsr",     "cut"};
+    for (const std::string& fault : faults) {
+        const auto equals = fault.find('=');
+        const std::string name = fault.substr(0, equals);
+        if (std::find(names.begin(), names.end(), name) == names.end())
+            return "there is no fault \"" + name + "\"";
+        const std::string value = equals == std::string::npos ? "" : fault.substr(equals + 1);
+        std::string error = ApplyOption(options, name, value);
+        if (!error.empty()) return error;
+    }
+    return {};
+}
+
+ParseResult ReadOptions(const Arguments& arguments) {
+    Options options;
+    options.paced = arguments.paced;
+    for (const auto& [name, value] : arguments.options) {
+        std::string error = ApplyOption(options, name, value);
+        if (!error.empty()) return {std::nullopt, std::move(error)};
+    }
+    std::string error = ReadFaults(options, arguments.faults);
+    if (error.empty()) error = CheckOptions(options);
+    if (!error.empty()) return {std::nullopt, std::move(error)};
+    return {std::move(options), {}};
+}
+
+/// The signals that end the program, as something to wait for.
+int StopSignals() {
+    sigset_t signals;
+    sigemptyset(&signals);
+    sigaddset(&signals, SIGINT);
+    sigaddset(&signals, SIGTERM);
+    sigaddset(&signals, SIGHUP);
+    sigprocmask(SIG_BLOCK, &signals, nullptr);
+    std::signal(SIGPIPE, SIG_IGN);
+    return ::signalfd(-1, &signals, SFD_CLOEXEC);
+}
+
+int Serve(const Options& options, const Arguments& arguments) {
+    const Descriptor stop(StopSignals());
+    const OpenedEndpoint opened =
+        arguments.port ? TcpEndpoint::Open(*arguments.port) : PtyEndpoint::Open(arguments.link);
+    if (!opened.endpoint) {
+        std::cerr << "qnsim: " << opened.error << '\n';
+        return exitNoEndpoint;
+    }
+    VirtualPrinter printer(options);
+    std::cout << opened.endpoint->Address() << std::endl;
+    const bool stopped = PrinterServer(printer, *opened.endpoint, stop.Get()).Run();
+    if (!stopped) std::cerr << "qnsim: the line was cut\n";
+    return 0;
+}
+
+int Run(int argc, char** argv) {
+    CLI::App app("A virtual label printer. Prints where it can be reached and serves until it is "
+                 "ended with Ctrl-C.",
+                 "qnsim");
+    Arguments arguments;
+    Declare(app, arguments);
+    try {
+        app.parse(argc, argv);
+    } catch (const CLI::ParseError& error) {
+        return app.exit(error) == 0 ? 0 : exitUsage;
+    }
+    const ParseResult parsed = ReadOptions(arguments);
+    if (parsed.options) return Serve(*parsed.options, arguments);
+    std::cerr << "qnsim: " << parsed.error << '\n';
+    return exitUsage;
+}
+
+} // namespace
+} // namespace qnsim
+
+int main(int argc, char** argv) {
+    try {
+        return qnsim::Run(argc, argv);
+    } catch (const std::exception& error) {
+        std::cerr << "qnsim: " << error.what() << '\n';
+        return 1;
+    }
+}

@@ -1,0 +1,234 @@
+// The virtual printer at its endpoints: a real pseudo-terminal and a real socket, served by the
+// program's own loop.
+#include "PrinterServer.h"
+#include "PtyEndpoint.h"
+#include "TcpEndpoint.h"
+
+#include <gtest/gtest.h>
+
+#include <arpa/inet.h>
+#include <csignal>
+#include <fcntl.h>
+#include <filesystem>
+#include <netinet/in.h>
+#include <spawn.h>
+#include <sys/eventfd.h>
+#include <sys/socket.h>
+#include <sys/wait.h>
+#include <termios.h>
+#include <thread>
+#include <unistd.h>
+
+namespace qnsim::test {
+namespace {
+
+constexpr int patienceMs = 10'000; // how long a test waits for what must come
+
+Options Printer(std::string_view address) {
+    const ParseResult result = ParseAddress(address);
+    EXPECT_TRUE(result.options.has_value()) << result.error;
+    return result.options.value_or(Options{});
+}
+
+/// A served printer; stops with its owner.
+class Served {
+  public:
+    Served(std::string_view address, OpenedEndpoint opened)
+        : mEndpoint(std::move(opened.endpoint)),
+          mStop(::eventfd(0, EFD_CLOEXEC)),
+          mPrinter(Printer(address)),
+          mThread([this] {
+              mCut = !PrinterServer(mPrinter, *mEndpoint, mStop.Get()).Run();
+              mEndpoint.reset();
+          }) {}
+    ~Served() { Stop(); }
+    Served(const Served&) = delete;
+    Served& operator=(const Served&) = delete;
+
+    void Stop() {
+        if (!mThread.joinable()) return;
+        ::eventfd_write(mStop.Get(), 1);
+        mThread.join();
+    }
+    bool WaitForCut() {
+        mThread.join();
+        return mCut;
+    }
+
+  private:
+    std::unique_ptr<Endpoint> mEndpoint;
+    Descriptor mStop;
+    VirtualPrinter mPrinter;
+    bool mCut = false;
+    std::thread mThread;
+};
+
+/// Reads until the text ends as wanted, the other side leaves, or patience runs out.
+std::string ReadUntil(int descriptor, std::string_view end, int patience = patienceMs) {
+    std::string text;
+    while (!text.ends_with(end)) {
+        pollfd wait{descriptor, POLLIN, 0};
+        if (::poll(&wait, 1, patience) <= 0) return text;
+        char piece[4096];
+        const ssize_t count = ::read(descriptor, piece, sizeof(piece));
+        if (count <= 0) return text;
+        text.append(piece, static_cast<std::size_t>(count));
+    }
+    return text;
+}
+
+std::string Ask(int descriptor, std::string_view line) {
+    const std::string bytes = std::string(line) + "\r\n";
+    EXPECT_EQ(::write(descriptor, bytes.data(), bytes.size()), static_cast<ssize_t>(bytes.size()));
+    return ReadUntil(descriptor, "Ok\r\n");
+}
+
+Descriptor OpenDevice(const std::string& path, speed_t speed, bool twoStopBits) {
+    Descriptor device(::open(path.c_str(), O_RDWR | O_NOCTTY | O_CLOEXEC));
+    EXPECT_TRUE(device.IsOpen()) << path;
+    termios settings{};
+    EXPECT_EQ(::tcgetattr(device.Get(), &settings), 0);
+    ::cfmakeraw(&settings);
+    ::cfsetspeed(&settings, speed);
+    settings.c_cflag |= CLOCAL;
+    settings.c_cflag &= ~static_cast<tcflag_t>(CSTOPB);
+    if (twoStopBits) settings.c_cflag |= CSTOPB;
+    EXPECT_EQ(::tcsetattr(device.Get(), TCSANOW, &settings), 0);
+    return device;
+}
+
+Descriptor Connect(const std::string& address) {
+    Descriptor host(::socket(AF_INET, SOCK_STREAM | SOCK_CLOEXEC, 0));
+    sockaddr_in target{};
+    target.sin_family = AF_INET;
+    target.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
+    target.sin_port =
+        htons(static_cast<std::uint16_t>(std::stoi(address.substr(address.rfind(':') + 1))));
+    EXPECT_EQ(
+        ::connect(host.Get(), static_cast<sockaddr*>(static_cast<void*>(&target)), sizeof(target)),
+        0);
+    return host;
+}
+
+TEST(PtyEndpoint, AnswersHostsThatComeAndGo) {
+    OpenedEndpoint opened = PtyEndpoint::Open("");
+    ASSERT_TRUE(opened.endpoint) << opened.error;
+    const std::string path = opened.endpoint->Address();
+    const Served served("R7G", std::move(opened));
+    for (int visit = 0; visit < 5; ++visit) {
+        const Descriptor host = OpenDevice(path, B9600, true);
+        EXPECT_EQ(Ask(host.Get(), "PRINT 7"), "PRINT 7\r\n7\r\nOk\r\n");
+    }
+}
+
+TEST(PtyEndpoint, SeesRateAndStopBitsOfTheHost) {
+    OpenedEndpoint opened = PtyEndpoint::Open("");
+    ASSERT_TRUE(opened.endpoint) << opened.error;
+    const std::string path = opened.endpoint->Address();
+    const Served served("R7G?baud=57600&format=m,7,2", std::move(opened));
+    {
+        const Descriptor wrongRate = OpenDevice(path, B19200, true);
+        EXPECT_EQ(::write(wrongRate.Get(), "\r", 1), 1);
+        EXPECT_EQ(ReadUntil(wrongRate.Get(), "Ok\r\n", 100).find('\r'), std::string::npos);
+    }
+    {
+        const Descriptor wrongStop = OpenDevice(path, B57600, false);
+        EXPECT_EQ(::write(wrongStop.Get(), "\r", 1), 1);
+        EXPECT_EQ(ReadUntil(wrongStop.Get(), "Ok\r\n", 100).find('\r'), std::string::npos);
+    }
+    const Descriptor host = OpenDevice(path, B57600, true);
+    EXPECT_EQ(::write(host.Get(), "\r", 1), 1);
+    ReadUntil(host.Get(), "Ok\r\n", 100);
+    EXPECT_EQ(Ask(host.Get(), "PRINT 1"), "PRINT 1\r\n1\r\nOk\r\n");
+}
+
+TEST(PtyEndpoint, LinkIsMadeReplacedAndRemoved) {
+    const std::string link = testing::TempDir() + "qnsim-link-" + std::to_string(::getpid());
+    std::filesystem::create_symlink("/nowhere", link);
+    OpenedEndpoint opened = PtyEndpoint::Open(link);
+    ASSERT_TRUE(opened.endpoint) << opened.error;
+    EXPECT_EQ(opened.endpoint->Address(), link);
+    {
+        Served served("R7G", std::move(opened));
+        const Descriptor host = OpenDevice(link, B9600, true);
+        EXPECT_EQ(Ask(host.Get(), "PRINT 1"), "PRINT 1\r\n1\r\nOk\r\n");
+    }
+    EXPECT_FALSE(std::filesystem::is_symlink(link));
+}
+
+TEST(PtyEndpoint, FileInTheLinksPlaceIsLeftAlone) {
+    const std::string path = testing::TempDir();
+    const OpenedEndpoint opened = PtyEndpoint::Open(path);
+    EXPECT_FALSE(opened.endpoint);
+    EXPECT_EQ(opened.systemError, EEXIST);
+    EXPECT_NE(opened.error.find(path), std::string::npos);
+}
+
+TEST(PtyEndpoint, HostSeesTheLineGoWhenItIsCut) {
+    OpenedEndpoint opened = PtyEndpoint::Open("");
+    ASSERT_TRUE(opened.endpoint) << opened.error;
+    const std::string path = opened.endpoint->Address();
+    Served served("R7G?cut=5", std::move(opened));
+    const Descriptor host = OpenDevice(path, B9600, true);
+    EXPECT_EQ(::write(host.Get(), "PRINT 1\r\n", 9), 9);
+    EXPECT_TRUE(served.WaitForCut());
+    pollfd wait{host.Get(), POLLIN, 0};
+    EXPECT_EQ(::poll(&wait, 1, patienceMs), 1);
+    EXPECT_NE(wait.revents & POLLHUP, 0);
+}
+
+TEST(TcpEndpoint, AnswersHostsOneAfterTheOther) {
+    OpenedEndpoint opened = TcpEndpoint::Open(0);
+    ASSERT_TRUE(opened.endpoint) << opened.error;
+    const std::string address = opened.endpoint->Address();
+    const Served served("R7A", std::move(opened));
+    for (int visit = 0; visit < 5; ++visit) {
+        const Descriptor host = Connect(address);
+        EXPECT_EQ(Ask(host.Get(), "PRINT VERSION$(1)"), "PRINT VERSION$(1)\r\nR7A\r\nOk\r\n");
+    }
+}
+
+TEST(TcpEndpoint, PortThatIsTakenIsNamed) {
+    const OpenedEndpoint first = TcpEndpoint::Open(0);
+    ASSERT_TRUE(first.endpoint) << first.error;
+    const std::string address = first.endpoint->Address();
+    const OpenedEndpoint second =
+        TcpEndpoint::Open(std::stoi(address.substr(address.rfind(':') + 1)));
+    EXPECT_FALSE(second.endpoint);
+    EXPECT_EQ(second.systemError, EADDRINUSE);
+}
+
+TEST(QnsimProgram, EndsCleanlyOnASignalAndRemovesItsLink) {
+    const std::string link = testing::TempDir() + "qnsim-program-" + std::to_string(::getpid());
+    int ends[2];
+    ASSERT_EQ(::pipe2(ends, O_CLOEXEC), 0);
+    const Descriptor output(ends[0]);
+    Descriptor input(ends[1]);
+    posix_spawn_file_actions_t actions;
+    posix_spawn_file_actions_init(&actions);
+    posix_spawn_file_actions_adddup2(&actions, input.Get(), STDOUT_FILENO);
+    std::vector<std::string> words{QNSIM_PROGRAM, "--model", "R7H", "--link", link};
+    std::vector<char*> arguments;
+    for (std::string& word : words)
+        arguments.push_back(word.data());
+    arguments.push_back(nullptr);
+    pid_t child = 0;
+    ASSERT_EQ(::posix_spawn(&child, QNSIM_PROGRAM, &actions, nullptr, arguments.data(), environ),
+              0);
+    posix_spawn_file_actions_destroy(&actions);
+    input.Close();
+    EXPECT_EQ(ReadUntil(output.Get(), "\n"), link + "\n");
+    {
+        const Descriptor host = OpenDevice(link, B9600, true);
+        EXPECT_EQ(Ask(host.Get(), "PRINT VERSION$(1)"), "PRINT VERSION$(1)\r\nR7H\r\nOk\r\n");
+    }
+    EXPECT_EQ(::kill(child, SIGTERM), 0);
+    int status = 0;
+    ASSERT_EQ(::waitpid(child, &status, 0), child);
+    EXPECT_TRUE(WIFEXITED(status));
+    EXPECT_EQ(WEXITSTATUS(status), 0);
+    EXPECT_FALSE(std::filesystem::is_symlink(link));
+}
+
+} // namespace
+} // namespace qnsim::test
