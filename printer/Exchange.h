@@ -1,0 +1,34 @@
+#pragma once
+
+#include "printer/clsQuorin.h"
+
+#include <cstddef>
+#include <cstdint>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace qncomm {
+
+/// One command line and its reply, as the operations state it: a row of a table.
+struct clsQuorin::Exchange {
+    std::string line;
+    std::int32_t timeout = 1000;      ///< ms for the reply
+    bool systemLevel = false;         ///< ends the line in ",A" on the models that know it
+    std::vector<std::string> dirty{}; ///< paths whose devices change with it
+};
+
+/// What StatusEvent carries when there is no percentage to tell.
+inline constexpr std::int16_t NoProgress = -1;
+
+/// The text between double quotes.
+inline std::string Quoted(std::string_view text) {
+    return '"' + std::string(text) + '"';
+}
+
+/// A line of a reply; empty beyond its end.
+inline std::string LineAt(const std::vector<std::string>& reply, std::size_t index) {
+    return index < reply.size() ? reply[index] : std::string();
+}
+
+} // namespace qncomm

@@ -1,0 +1,91 @@
+// Raw bytes to the printer: whether the settings carry them, and files that travel so.
+
+#include "ChunkSender.h"
+#include "Exchange.h"
+#include "HostFile.h"
+#include "common/Numbers.h"
+#include "common/Text.h"
+#include "common/modErrorHandling.h"
+
+namespace qncomm {
+namespace {
+
+constexpr std::string_view InstallImageSource = "clsQuorin:InstallImage";
+constexpr std::int32_t FileloadTimeout = 1000;
+constexpr std::string_view RawDatabits = "8";
+
+bool HasXonXoff(std::string_view flowcontrol) {
+    return (ToInt32(Val(flowcontrol)) & Software_Flowcontrol) != 0;
+}
+
+std::string WithoutXonXoff(std::string_view flowcontrol) {
+    return ToText(ToInt32(Val(flowcontrol)) & Hardware_Flowcontrol);
+}
+
+} // namespace
+
+bool clsQuorin::CarriesRawBytes() {
+    return Link().Databits() == RawDatabits && !HasXonXoff(Link().Flowcontrol());
+}
+
+bool clsQuorin::IsCommSetForImageLoad() {
+    if (CarriesRawBytes()) return true;
+    const MsgBoxResult answer =
+        AskPerson({.text = "Adjust Comm.settings to support Quorin Image Load?",
+                   .buttons = MsgBoxButtons::YesNo,
+                   .icon = MsgBoxIcon::Question,
+                   .title = "Adjust Comm.Settings"});
+    if (answer != MsgBoxResult::Yes) return false;
+    AdjustSettings();
+    return true;
+}
+
+/// Changes what does not fit, the printer first and then this side: from there on both talk the new
+/// way, and the next claim finds the printer anew.
+void clsQuorin::AdjustSettings() {
+    const std::string uart = "SER-COM,UART" + ToText(std::int32_t{Link().Stdio()});
+    if (Link().Databits() != RawDatabits) {
+        ChangePrinterSetupItem(uart + ",CHAR LENGTH", RawDatabits);
+        Link().SetDatabits(RawDatabits);
+    }
+    if (!HasXonXoff(Link().Flowcontrol())) return;
+    for (const std::string_view direction : {"DATA TO HOST", "DATA FROM HOST"}) {
+        ChangePrinterSetupItem((uart + ",FLOWCONTROL,XON/XOFF,").append(direction), "DISABLE");
+        Link().SetFlowcontrol(WithoutXonXoff(Link().Flowcontrol()));
+    }
+}
+
+void clsQuorin::RequireImageFile(const std::string& path) {
+    if (!FileExists(path)) RaiseError(ErrImageName, InstallImageSource);
+}
+
+/// Raises an error of installing an image or a file, with the port given back before.
+void clsQuorin::RefuseImage(PortClaim& claim, std::int32_t number) {
+    claim.Release();
+    RaiseError(number, InstallImageSource);
+}
+
+void clsQuorin::Fileload(const std::string& sFileName, std::string_view /*sDevice*/) {
+    RequireImageFile(sFileName);
+    PortClaim claim = Claim();
+    if (!claim) return;
+    if (!IsCommSetForImageLoad()) RefuseImage(claim, ErrImageSettings);
+    SendFile("FILE& LOAD ", sFileName, {});
+    Read(FileloadTimeout);
+    claim.Release();
+}
+
+/// Announces a file of this machine by name and length and sends its bytes. It is opened before the
+/// printer hears of it: the printer waits for exactly as many bytes as were announced.
+void clsQuorin::SendFile(std::string_view command, const std::string& path,
+                         std::string_view options) {
+    HostFile file(path);
+    Send(std::string(command) + Quoted(FileNameOf(UpperCase(path))) + ","
+         + std::to_string(file.Length()) + std::string(options) + "\r");
+    const ChunkSender sender(
+        [this](std::string_view bytes) { Send(bytes); },
+        [this](const std::string& message, std::int16_t progress) { Report(message, progress); });
+    sender.SendFile(file);
+}
+
+} // namespace qncomm
