@@ -1,0 +1,115 @@
+#include "console/ConsoleTerminal.h"
+
+#include "console/RawTerminal.h"
+
+#include <array>
+#include <cerrno>
+#include <utility>
+
+#include <unistd.h>
+
+namespace qncomm {
+namespace {
+
+constexpr std::string_view Prompt = "Ok\r\n";
+constexpr std::int32_t LongWaitMs = 60'000; // keys, replies and signals end it
+
+void WriteAll(int fd, std::string_view text) {
+    while (!text.empty()) {
+        const ssize_t written = ::write(fd, text.data(), text.size());
+        if (written < 0 && errno == EINTR) continue;
+        if (written < 0) return;
+        text.remove_prefix(static_cast<std::size_t>(written));
+    }
+}
+
+} // namespace
+
+ConsoleTerminal::ConsoleTerminal(Reactor& reactor, Wiring wiring)
+    : mReactor(reactor), mWiring(std::move(wiring)), mSilence(reactor) {}
+
+void ConsoleTerminal::Show(std::string_view sReceived) {
+    mSilence.Restart();
+    mReply += sReceived;
+    if (mReply.size() > Prompt.size()) mReply.erase(0, mReply.size() - Prompt.size());
+    WriteAll(mWiring.out, Utf8FromPrinter(sReceived));
+}
+
+bool ConsoleTerminal::Run() {
+    return ::isatty(mWiring.in) == 1 ? RunKeys() : RunLines();
+}
+
+bool ConsoleTerminal::RunKeys() {
+    const RawTerminal raw(mWiring.in);
+    const auto watch =
+        mReactor.Watch(mWiring.in, FdEvents{.readable = true}, [this](FdEvents) { OnKeys(); });
+    while (!mEnded) {
+        if (!mWiring.alive()) return false;
+        Flush();
+        mReactor.Yield(LongWaitMs);
+    }
+    Flush(); // what was typed before the end key
+    return true;
+}
+
+bool ConsoleTerminal::RunLines() {
+    auto watch =
+        mReactor.Watch(mWiring.in, FdEvents{.readable = true}, [this](FdEvents) { OnText(); });
+    mSilence.Restart();
+    for (;;) {
+        if (!mWiring.alive()) return false;
+        if (mEnded) watch.reset(); // an input at its end would stay readable for ever
+        const bool sent = Flush();
+        if (sent && LineAnswered()) mWaiting = false;
+        if (sent && !mWaiting && SendLine()) continue; // the answer may be there already
+        if (mEnded && sent && !mWaiting && mLines.empty() && mToSend.empty()) return true;
+        mReactor.Yield(mWaiting ? mSilence.UntilExceeds(SilenceMs) : LongWaitMs);
+    }
+}
+
+bool ConsoleTerminal::LineAnswered() const {
+    return mWaiting && (mReply == Prompt || mSilence.ElapsedMs() > SilenceMs);
+}
+
+bool ConsoleTerminal::SendLine() {
+    std::size_t end = mLines.find('\n');
+    if (end == std::string::npos) {
+        if (!mEnded || mLines.empty()) return false;
+        end = mLines.size(); // the last line lacks its end
+    }
+    std::string line = mLines.substr(0, end);
+    mLines.erase(0, end + 1);
+    if (line.ends_with('\r')) line.pop_back();
+    mToSend = line + "\r\n";
+    mReply.clear();
+    mWaiting = true;
+    mSilence.Restart();
+    return true;
+}
+
+bool ConsoleTerminal::Flush() {
+    if (!mToSend.empty()) mToSend.erase(0, mWiring.send(mToSend));
+    if (!mToSend.empty()) mSilence.Restart(); // the line is still taking it
+    return mToSend.empty();
+}
+
+void ConsoleTerminal::OnKeys() {
+    const std::string keys = ReadInput();
+    const std::size_t end = keys.find(EndKey);
+    mToSend += mTyped.Feed(std::string_view(keys).substr(0, end));
+    if (end != std::string::npos) mEnded = true;
+}
+
+void ConsoleTerminal::OnText() {
+    mLines += mTyped.Feed(ReadInput());
+}
+
+std::string ConsoleTerminal::ReadInput() {
+    std::array<char, 4096> part{};
+    const ssize_t got = ::read(mWiring.in, part.data(), part.size());
+    if (got > 0) return {part.data(), static_cast<std::size_t>(got)};
+    if (got == 0 || (errno != EINTR && errno != EAGAIN)) mEnded = true;
+    return {};
+}
+
+} // namespace qncomm

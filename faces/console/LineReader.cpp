@@ -1,0 +1,36 @@
+#include "console/LineReader.h"
+
+#include <array>
+#include <cerrno>
+
+#include <unistd.h>
+
+namespace qncomm {
+namespace {
+
+constexpr std::int32_t AnswerWaitMs = 60'000; // it ends with the input, not with the time
+
+} // namespace
+
+bool LineReader::IsTerminal() const {
+    return ::isatty(mFd) == 1;
+}
+
+std::optional<std::string> LineReader::ReadLine() {
+    bool ended = false;
+    const auto watch = mReactor.Watch(mFd, FdEvents{.readable = true}, [&](FdEvents) {
+        std::array<char, 512> part{};
+        const ssize_t got = ::read(mFd, part.data(), part.size());
+        if (got > 0) mRest.append(part.data(), static_cast<std::size_t>(got));
+        ended = got == 0 || (got < 0 && errno != EINTR && errno != EAGAIN);
+    });
+    std::size_t end = 0;
+    while ((end = mRest.find('\n')) == std::string::npos && !ended)
+        mReactor.Yield(AnswerWaitMs);
+    if (end == std::string::npos && mRest.empty()) return std::nullopt;
+    std::string line = mRest.substr(0, end);
+    mRest.erase(0, end == std::string::npos ? end : end + 1);
+    return line;
+}
+
+} // namespace qncomm

@@ -1,0 +1,37 @@
+#pragma once
+
+#include <optional>
+#include <string>
+#include <string_view>
+
+namespace qncomm {
+
+// The printer speaks Windows-1252; a console speaks UTF-8. The five bytes that Windows-1252 leaves
+// undefined stand for the control characters of the same number, so every byte survives the way
+// there and back.
+
+/// Bytes of the printer as UTF-8.
+std::string Utf8FromPrinter(std::string_view sBytes);
+
+/// UTF-8 as bytes of the printer; nothing when a character has no byte or the text is no UTF-8.
+std::optional<std::string> PrinterFromUtf8(std::string_view sText);
+
+/// A text of unknown origin for a UTF-8 console: kept when it is UTF-8, else taken as the
+/// printer's.
+std::string DisplayText(std::string_view sText);
+
+/// The text with every control character as "\xHH", so that what a printer sends cannot steer the
+/// terminal that shows it.
+std::string WithoutControls(std::string_view sUtf8);
+
+/// Turns typed UTF-8 into bytes of the printer, however the characters are cut into pieces. A
+/// character without a byte becomes "?".
+class TypedText {
+  public:
+    std::string Feed(std::string_view sPiece);
+
+  private:
+    std::string mRest; ///< the start of a character whose end has not come yet
+};
+
+} // namespace qncomm

@@ -1,0 +1,42 @@
+#pragma once
+
+#include "common/Desktop.h"
+#include "console/LineReader.h"
+#include "console/StatusLine.h"
+
+#include <functional>
+#include <iosfwd>
+#include <string>
+#include <string_view>
+
+namespace qncomm {
+
+/// How questions are answered without asking.
+enum class GivenAnswer { None, Yes, No };
+
+/// The desktop of a program at a terminal: a box becomes lines on the error stream under its title;
+/// a question is asked at the terminal, or answered by what was given, and without either the
+/// answer is No.
+class ConsoleDesktop final : public Desktop {
+  public:
+    /// Receives the lines of Log.
+    using LogSink = std::function<void(std::string_view)>;
+
+    /// All outlive the object.
+    ConsoleDesktop(std::ostream& err, StatusLine& status, LineReader& input, GivenAnswer answer,
+                   LogSink log = {});
+
+    MsgBoxResult ShowMsgBox(const MsgBox& box) override;
+    void Log(std::string_view sLine) override;
+
+  private:
+    bool Agrees();
+
+    std::ostream& mErr;
+    StatusLine& mStatus;
+    LineReader& mInput;
+    GivenAnswer mAnswer;
+    LogSink mLog;
+};
+
+} // namespace qncomm

@@ -1,0 +1,64 @@
+#pragma once
+
+#include "common/StopWatch.h"
+#include "console/Charset.h"
+#include "platform/Reactor.h"
+
+#include <cstddef>
+#include <functional>
+#include <string>
+#include <string_view>
+
+namespace qncomm {
+
+/// A printer's terminal at a console. With a terminal as input, keys go to the printer as they are
+/// typed until Ctrl-]; any other input is sent line by line, each when the one before was answered.
+/// Replies go to the output as UTF-8.
+class ConsoleTerminal {
+  public:
+    static constexpr char EndKey = 0x1D; ///< Ctrl-]
+
+    /// How long silence is taken for the end of a reply that has no "Ok", in ms.
+    static constexpr std::int32_t SilenceMs = 1000;
+
+    struct Wiring {
+        int in = 0;
+        int out = 1;
+        /// Gives bytes to the line; takes as many as there is space for and returns how many.
+        std::function<std::size_t(std::string_view)> send;
+        /// Called in each round of the loop; returns False when the line is gone, and may throw.
+        std::function<bool()> alive;
+    };
+
+    /// The reactor outlives the terminal.
+    ConsoleTerminal(Reactor& reactor, Wiring wiring);
+
+    /// Text that the printer has sent.
+    void Show(std::string_view sReceived);
+
+    /// Runs until the end key, the end of the input with its last reply, or the loss of the line.
+    /// True for the first two. The input's terminal is put back as it was in every case.
+    bool Run();
+
+  private:
+    bool RunKeys();
+    bool RunLines();
+    void OnKeys();
+    void OnText();
+    bool SendLine();
+    bool LineAnswered() const;
+    bool Flush();
+    std::string ReadInput();
+
+    Reactor& mReactor;
+    Wiring mWiring;
+    TypedText mTyped;
+    StopWatch mSilence;
+    std::string mToSend;
+    std::string mLines; ///< input that has not been sent, in the printer's bytes
+    std::string mReply; ///< the end of what came since the last line was sent
+    bool mWaiting = false;
+    bool mEnded = false;
+};
+
+} // namespace qncomm

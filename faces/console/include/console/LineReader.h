@@ -1,0 +1,29 @@
+#pragma once
+
+#include "platform/Reactor.h"
+
+#include <optional>
+#include <string>
+
+namespace qncomm {
+
+/// Reads lines from a terminal or a pipe through the loop, so that the rest of the program stays
+/// alive meanwhile and a cancel is seen.
+class LineReader {
+  public:
+    /// The reactor outlives the reader; the descriptor stays the caller's.
+    LineReader(Reactor& reactor, int fd) : mReactor(reactor), mFd(fd) {}
+
+    /// Whether a person can answer there.
+    bool IsTerminal() const;
+
+    /// The next line without its end; nothing at the end of the input. Throws what Yield throws.
+    std::optional<std::string> ReadLine();
+
+  private:
+    Reactor& mReactor;
+    int mFd;
+    std::string mRest;
+};
+
+} // namespace qncomm

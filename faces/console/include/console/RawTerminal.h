@@ -1,0 +1,24 @@
+#pragma once
+
+#include <memory>
+
+struct termios;
+
+namespace qncomm {
+
+/// Puts a terminal into raw mode (each key at once, no echo, no signals from keys) while it lives,
+/// and back as it was when it ends, however that comes about. A descriptor that is no terminal is
+/// left alone.
+class RawTerminal {
+  public:
+    explicit RawTerminal(int fd);
+    ~RawTerminal();
+    RawTerminal(const RawTerminal&) = delete;
+    RawTerminal& operator=(const RawTerminal&) = delete;
+
+  private:
+    int mFd;
+    std::unique_ptr<termios> mFormer;
+};
+
+} // namespace qncomm
