@@ -16,9 +16,12 @@ namespace qncomm::testing {
 /// A link on the real serial control on one address, with what a host keeps of its events.
 class Stack {
   public:
-    Stack(Reactor& reactor, const std::string& address)
+    /// settings: what the store holds before the link loads it.
+    Stack(Reactor& reactor, const std::string& address,
+          const std::vector<SettingValue>& settings = {})
         : mSerial(reactor, Bound(address)), mLink(LinkHost{reactor, mDesktop, mDialogs}) {
         mSettings->WriteValue("Settings", "Commport", "1");
+        mSettings->WriteValues(settings);
         mLink.SetSerialPort(&mSerial);
         mLink.SetRegSettings(mSettings);
         mSerial.SetTerminalSink([this](std::string_view text) { mTerminalText += text; });
