@@ -1,0 +1,17 @@
+#include "Command.h"
+
+#include <iterator>
+
+namespace qnctl {
+
+CommandTable AllCommands() {
+    CommandTable all;
+    for (CommandTable family :
+         {PortCommands(), ConnectionCommands(), LineCommands(), FileCommands(), ProgramCommands(),
+          SetupCommands(), FontCommands(), ImageCommands()})
+        all.insert(all.end(), std::make_move_iterator(family.begin()),
+                   std::make_move_iterator(family.end()));
+    return all;
+}
+
+} // namespace qnctl

@@ -1,0 +1,111 @@
+#include "CommandLine.h"
+
+#include "Version.h"
+
+#include <CLI/CLI.hpp>
+
+#include <algorithm>
+#include <array>
+#include <iostream>
+#include <string_view>
+
+namespace qnctl {
+namespace {
+
+void DeclareGlobals(CLI::App& app, GlobalOptions& options) {
+    app.add_option("--port", options.port,
+                   "The port: /dev/…, tcp://HOST:PORT, sim:MODEL, or a number such as COM3")
+        ->type_name("ADDRESS");
+    app.add_option("--settings", options.settings, "The settings file, instead of your own")
+        ->type_name("FILE");
+    app.add_option("--trace", options.trace, "Write what travels on the line, as JSON Lines")
+        ->type_name("FILE");
+    app.add_option("--labels", options.labels, "Where a virtual printer (sim:) puts its labels")
+        ->type_name("DIR");
+    app.add_flag("--json", options.json, "One JSON document instead of text");
+    app.add_flag("--quiet", options.quiet, "No progress messages");
+    CLI::Option* yes = app.add_flag("--yes", options.yes, "Answer questions with yes");
+    app.add_flag("--no", options.no, "Answer questions with no")->excludes(yes);
+}
+
+struct Group {
+    const char* name;
+    const char* help;
+};
+
+constexpr std::array Groups{
+    Group{"program", "The printer's program: new, run, check, save, list"},
+    Group{"module", "Program modules: upload, link"},
+    Group{"setup", "The printer's setup: list, set, write, load"},
+    Group{"font", "One font: install, remove, print"},
+    Group{"image", "One image: install, remove, print"},
+};
+
+std::string HelpOf(std::string_view group) {
+    const auto found = std::find_if(Groups.begin(), Groups.end(),
+                                    [&](const Group& known) { return known.name == group; });
+    return found != Groups.end() ? found->help : "";
+}
+
+/// The command's place: a group is made with its first command.
+CLI::App* Place(CLI::App& app, const std::string& name) {
+    const std::size_t blank = name.find(' ');
+    if (blank == std::string::npos) return &app;
+    const std::string group = name.substr(0, blank);
+    const auto known =
+        app.get_subcommands([&](const CLI::App* sub) { return sub->get_name() == group; });
+    if (!known.empty()) return known.front();
+    CLI::App* made = app.add_subcommand(group, HelpOf(group))->fallthrough();
+    made->require_subcommand(1);
+    return made;
+}
+
+/// The deepest command that was named.
+const CLI::App* Named(const CLI::App& app) {
+    const CLI::App* found = &app;
+    for (auto below = found->get_subcommands(); !below.empty(); below = found->get_subcommands())
+        found = below.front();
+    return found;
+}
+
+Outcome EndOf(const CLI::App& app, const CLI::ParseError& error) {
+    if (error.get_exit_code() == 0) {
+        app.exit(error); // prints the help or the version
+        return {};
+    }
+    return Refused(ExitStatus::Usage,
+                   std::string(error.what()) + "\nRun with --help for more information.");
+}
+
+} // namespace
+
+Request ParseCommandLine(int argc, const char* const* argv, const CommandTable& table) {
+    Request request;
+    CLI::App app("Talks to label printers over a serial line.", "qnctl");
+    app.set_version_flag("--version", std::string("qnctl ") + Version);
+    app.require_subcommand(1);
+    DeclareGlobals(app, request.options);
+    std::vector<std::pair<const CLI::App*, const Command*>> places;
+    for (const Command& command : table) {
+        const std::string last = command.name.substr(command.name.find(' ') + 1);
+        CLI::App* sub = Place(app, command.name)->add_subcommand(last, command.help);
+        sub->fallthrough();
+        if (command.declare) command.declare(*sub);
+        places.emplace_back(sub, &command);
+    }
+    try {
+        app.parse(argc, argv);
+        const auto found = std::find_if(places.begin(), places.end(), [&](const auto& place) {
+            return place.first == Named(app);
+        });
+        if (found != places.end()) request.command = found->second;
+    } catch (const CLI::ParseError& error) {
+        // The flag decides the form of the message, even on a line that did not parse.
+        request.options.json = std::any_of(
+            argv, argv + argc, [](const char* text) { return std::string_view(text) == "--json"; });
+        request.ended = EndOf(app, error);
+    }
+    return request;
+}
+
+} // namespace qnctl

@@ -1,0 +1,111 @@
+#include "Command.h"
+#include "Session.h"
+
+#include "common/QNError.h"
+#include "console/Charset.h"
+#include "console/ConsoleTerminal.h"
+
+#include <CLI/CLI.hpp>
+
+#include <cstdlib>
+#include <iostream>
+
+#include <unistd.h>
+
+namespace qnctl {
+namespace {
+
+struct SendArguments {
+    std::string line;
+    std::int32_t timeout = 10'000;
+};
+
+Outcome Send(Session& session, const SendArguments& arguments) {
+    const auto line = qncomm::PrinterFromUtf8(arguments.line);
+    if (!line)
+        return Refused(ExitStatus::Usage,
+                       "LINE holds a character that the printer's Windows-1252 lacks.");
+    if (line->find_first_of("\r\n") != std::string::npos)
+        return Refused(ExitStatus::Usage, "LINE is one command line; it holds a line end.");
+    session.Link().OutputText(*line + "\r\n");
+    std::vector<std::string> reply;
+    session.Link().InputText(reply, false, arguments.timeout);
+    Json lines = Json::array();
+    // The first line is the printer's echo, the last one its "Ok".
+    for (std::size_t i = 1; i + 1 < reply.size(); ++i) {
+        const std::string text = qncomm::Utf8FromPrinter(reply[i]);
+        if (session.Out().IsJson())
+            lines.push_back(text);
+        else
+            session.Out().Line(text);
+    }
+    if (session.Out().IsJson()) session.Out().Document({{"lines", lines}});
+    return {};
+}
+
+/// The terminal's claim of the port, given back however the session ends.
+class ShownTerminal {
+  public:
+    ShownTerminal(qncomm::clsDataLink& link, qncomm::PDQComm& serial)
+        : mLink(link), mSerial(serial) {
+        mLink.SetTerminalActive(true);
+    }
+    ~ShownTerminal() {
+        mSerial.SetTerminalSink({});
+        mLink.SetTerminalActive(false);
+    }
+    ShownTerminal(const ShownTerminal&) = delete;
+    ShownTerminal& operator=(const ShownTerminal&) = delete;
+
+  private:
+    qncomm::clsDataLink& mLink;
+    qncomm::PDQComm& mSerial;
+};
+
+Outcome RunTerminal(Session& session) {
+    qncomm::PDQComm& serial = session.Serial();
+    qncomm::ConsoleTerminal terminal(
+        session.Loop(), {STDIN_FILENO, STDOUT_FILENO,
+                         [&](std::string_view bytes) { return serial.TypeKeys(bytes); },
+                         [&] {
+                             if (session.Interrupted()) throw qncomm::OperationCancelled();
+                             return serial.PortOpen();
+                         }});
+    serial.SetTerminalSink([&](std::string_view text) { terminal.Show(text); });
+    if (!session.Options().quiet && ::isatty(STDIN_FILENO) == 1)
+        std::cerr << "Connected to " << session.PortName() << ". Ctrl-] ends." << std::endl;
+    const ShownTerminal shown(session.Link(), serial);
+    session.Disconnect(); // the terminal's own claim keeps the port open
+    if (terminal.Run()) return {};
+    const auto& failure = serial.LastFailure();
+    return {ExitStatus::PortUnavailable, failure ? failure->number : 0, "PDQComm",
+            failure ? failure->description : session.PortName() + " was closed."};
+}
+
+Command SendCommand() {
+    const auto arguments = std::make_shared<SendArguments>();
+    return {"send", "Send one command line and print the reply", Needs::Printer,
+            [arguments](CLI::App& app) {
+                app.add_option("LINE", arguments->line, "The command line")->required();
+                app.add_option("--timeout", arguments->timeout,
+                               "How long the printer may be silent before the reply is complete")
+                    ->type_name("MS")
+                    ->check(CLI::Range(1, 3'600'000))
+                    ->capture_default_str();
+            },
+            [arguments](Session& session) { return Send(session, *arguments); }};
+}
+
+} // namespace
+
+CommandTable LineCommands() {
+    return {SendCommand(),
+            {"terminal",
+             "Talk to the printer; Ctrl-] ends. Without a terminal, send the lines of "
+             "the input",
+             Needs::Printer,
+             {},
+             RunTerminal}};
+}
+
+} // namespace qnctl

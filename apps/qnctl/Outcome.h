@@ -1,0 +1,37 @@
+#pragma once
+
+#include <cstdint>
+#include <string>
+#include <utility>
+
+namespace qnctl {
+
+/// What the program tells its caller by its exit status.
+enum class ExitStatus : int {
+    Done = 0,
+    Error = 1,           ///< the system or the printer raised an error
+    Usage = 2,           ///< the command line asks for something that there is not
+    NoPrinter = 3,       ///< the port is there and no printer answered
+    PortUnavailable = 4, ///< the port is busy or cannot be opened
+    Cancelled = 130,     ///< Ctrl-C
+};
+
+/// How a command ended. Anything but Done is shown on the error stream.
+struct Outcome {
+    ExitStatus status = ExitStatus::Done;
+    std::int32_t number = 0; ///< 0 when it is none of the system's errors
+    std::string source;
+    std::string message;
+
+    bool Ok() const { return status == ExitStatus::Done; }
+};
+
+inline Outcome Refused(ExitStatus status, std::string message) {
+    return {status, 0, "qnctl", std::move(message)};
+}
+
+inline Outcome Cancelled() {
+    return Refused(ExitStatus::Cancelled, "Cancelled.");
+}
+
+} // namespace qnctl

@@ -1,0 +1,65 @@
+#include "Output.h"
+
+#include "console/Charset.h"
+
+#include <algorithm>
+#include <iostream>
+
+namespace qnctl {
+namespace {
+
+/// Columns that a UTF-8 text takes.
+std::size_t WidthOf(std::string_view text) {
+    return static_cast<std::size_t>(std::count_if(text.begin(), text.end(), [](char c) {
+        return (static_cast<unsigned char>(c) & 0xC0U) != 0x80;
+    }));
+}
+
+std::string TextOf(const Json& document) {
+    // Texts were converted before; a byte that still is no UTF-8 must not end the program.
+    return document.dump(-1, ' ', false, Json::error_handler_t::replace);
+}
+
+} // namespace
+
+void Output::Document(const Json& document) const {
+    std::cout << TextOf(document) << std::endl;
+}
+
+void Output::Line(std::string_view sText) const {
+    std::cout << qncomm::WithoutControls(sText) << '\n';
+}
+
+void Output::Table(const std::vector<Align>& columns, const std::vector<Row>& rows) const {
+    std::vector<std::size_t> widths(columns.size(), 0);
+    for (const Row& row : rows)
+        for (std::size_t i = 0; i < row.size(); ++i)
+            widths[i] = std::max(widths[i], WidthOf(row[i]));
+    for (const Row& row : rows) {
+        std::string line;
+        for (std::size_t i = 0; i < row.size(); ++i) {
+            const std::string gap(widths[i] - WidthOf(row[i]), ' ');
+            line += (i > 0 ? "  " : "");
+            line += columns[i] == Align::Right ? gap + row[i] : row[i] + gap;
+        }
+        line.erase(line.find_last_not_of(' ') + 1);
+        Line(line);
+    }
+}
+
+void Output::Failure(const Outcome& outcome) const {
+    const std::string message = qncomm::DisplayText(outcome.message);
+    if (mJson) {
+        const Json error{
+            {"number", outcome.number}, {"source", outcome.source}, {"description", message}};
+        std::cerr << TextOf(Json{{"error", error}}) << std::endl;
+    } else if (outcome.status == ExitStatus::Error && outcome.number != 0) {
+        std::cerr << "qnctl: error " << outcome.number << ": " << qncomm::WithoutControls(message)
+                  << " [" << outcome.source << "]" << std::endl;
+    } else {
+        // Made here, and may have several lines.
+        std::cerr << "qnctl: " << message << std::endl;
+    }
+}
+
+} // namespace qnctl

@@ -1,0 +1,42 @@
+#pragma once
+
+#include "Outcome.h"
+
+#include <nlohmann/json.hpp>
+
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace qnctl {
+
+using Json = nlohmann::ordered_json;
+
+/// The program's two streams: results on the standard output, as text or as one JSON document, and
+/// what went wrong on the error stream.
+class Output {
+  public:
+    explicit Output(bool json) : mJson(json) {}
+
+    /// Whether results are to be a JSON document.
+    bool IsJson() const { return mJson; }
+
+    /// The command's one document, on a line of its own.
+    void Document(const Json& document) const;
+
+    /// A line of text (UTF-8) without its end; control characters are shown, not sent.
+    void Line(std::string_view sText) const;
+
+    /// Rows in columns as wide as their widest cell, two blanks apart.
+    using Row = std::vector<std::string>;
+    enum class Align { Left, Right };
+    void Table(const std::vector<Align>& columns, const std::vector<Row>& rows) const;
+
+    /// The line or the document that tells how a command failed.
+    void Failure(const Outcome& outcome) const;
+
+  private:
+    bool mJson;
+};
+
+} // namespace qnctl

@@ -1,0 +1,154 @@
+#include "Command.h"
+#include "PlainCommand.h"
+#include "Session.h"
+
+#include "common/RuntimeErrors.h"
+#include "common/Text.h"
+#include "console/Charset.h"
+
+#include <CLI/CLI.hpp>
+
+#include <fstream>
+#include <iostream>
+#include <iterator>
+#include <memory>
+
+namespace qnctl {
+namespace {
+
+using qncomm::clsQuorin;
+
+struct UploadArguments {
+    std::string file;
+    std::string target;
+};
+
+struct LinkArguments {
+    std::string header;
+    std::vector<std::string> modules;
+};
+
+Outcome Check(Session& session) {
+    const bool runs = session.Printer().IsProgramRunable();
+    if (session.Out().IsJson())
+        session.Out().Document({{"runnable", runs}});
+    else if (runs)
+        session.Out().Line("The program can be run.");
+    return runs ? Outcome{} : Refused(ExitStatus::Error, "The program cannot be run.");
+}
+
+Outcome ShowFreeMemory(Session& session) {
+    const std::int32_t bytes = session.Printer().Fre();
+    if (session.Out().IsJson())
+        session.Out().Document({{"bytesFree", bytes}});
+    else
+        session.Out().Line(std::to_string(bytes));
+    return {};
+}
+
+/// One line that editors can jump to, and the program line under it.
+void ShowModuleError(const qncomm::clsQNModuleError& error) {
+    const auto shown = [](const std::string& bytes) {
+        return qncomm::WithoutControls(qncomm::Utf8FromPrinter(bytes));
+    };
+    std::cerr << error.QNModuleName << ':' << error.QNErrInLine << ": error " << error.QNErrCode
+              << ": " << shown(error.QNErrDesc) << "\n    " << shown(error.QNText) << std::endl;
+}
+
+Json DocumentOf(const qncomm::clsQNModuleError& error) {
+    return {{"file", error.QNModuleName},
+            {"line", error.QNErrInLine},
+            {"number", error.QNErrCode},
+            {"description", qncomm::Utf8FromPrinter(error.QNErrDesc)},
+            {"text", qncomm::Utf8FromPrinter(error.QNText)}};
+}
+
+Outcome UploadModule(Session& session, const UploadArguments& arguments) {
+    Outcome outcome;
+    auto target = ForPrinter(arguments.target, outcome);
+    if (!target) return outcome;
+    std::string text;
+    const auto errors = session.Printer().ModuleUpload(arguments.file, *target, text);
+    Json list = Json::array();
+    const bool json = session.Out().IsJson();
+    for (const auto& error : *errors) {
+        if (json)
+            list.push_back(DocumentOf(*error));
+        else
+            ShowModuleError(*error);
+    }
+    const std::string savedAs = qncomm::Utf8FromPrinter(*target);
+    if (json) session.Out().Document({{"target", savedAs}, {"errors", list}});
+    if (errors->IsEmpty()) return {};
+    const std::size_t count = errors->Count();
+    return Refused(ExitStatus::Error, std::to_string(count) + (count == 1 ? " error" : " errors")
+                                          + "; " + savedAs + " was not saved.");
+}
+
+std::string ReadHostFile(const std::string& path) {
+    if (path.empty()) return {};
+    if (!qncomm::FileExists(path)) qncomm::RaiseRuntimeError(qncomm::RtFileNotFound, "qnctl");
+    std::ifstream in(path, std::ios::binary);
+    if (!in) qncomm::RaiseRuntimeError(qncomm::RtPermissionDenied, "qnctl");
+    return {std::istreambuf_iterator<char>(in), {}};
+}
+
+Outcome LinkProgram(Session& session, const LinkArguments& arguments) {
+    qncomm::Collection<std::string> modules;
+    for (const std::string& name : arguments.modules) {
+        Outcome outcome;
+        auto module = ForPrinter(name, outcome);
+        if (!module) return outcome;
+        modules.Add(std::move(*module));
+    }
+    if (!session.Printer().ProgramLink(modules, ReadHostFile(arguments.header)))
+        return Refused(ExitStatus::Error, "The program was not linked.");
+    return Done(session);
+}
+
+Command UploadCommand() {
+    const auto arguments = std::make_shared<UploadArguments>();
+    return {"module upload", "Type a module into the printer and save it when it has no errors",
+            Needs::Printer,
+            [arguments](CLI::App& app) {
+                app.add_option("HOSTFILE", arguments->file, "A file of this machine")->required();
+                app.add_option("--target", arguments->target, "Its name on the printer")
+                    ->type_name("NAME");
+            },
+            [arguments](Session& session) { return UploadModule(session, *arguments); }};
+}
+
+Command LinkCommand() {
+    const auto arguments = std::make_shared<LinkArguments>();
+    return {
+        "module link", "Build the program from modules on the printer", Needs::Printer,
+        [arguments](CLI::App& app) {
+            app.add_option("--header", arguments->header, "Program lines of this machine")
+                ->type_name("FILE");
+            app.add_option("NAME", arguments->modules, "The modules, in their order")->required();
+        },
+        [arguments](Session& session) { return LinkProgram(session, *arguments); }};
+}
+
+} // namespace
+
+CommandTable ProgramCommands() {
+    return {
+        PlainCommand("program new", "Clear the printer's program", {},
+                     [](clsQuorin& printer, const Texts&) { printer.NewProgram(); }),
+        PlainCommand("program run", "Start the printer's program", {},
+                     [](clsQuorin& printer, const Texts&) { printer.RunProgram(); }),
+        {"program check", "Tell whether the program can be run", Needs::Printer, {}, Check},
+        PlainCommand("program save", "Save the program on the printer",
+                     {{"NAME", "Such as ram:LABEL.PRG"}},
+                     [](clsQuorin& printer, const Texts& t) { printer.SaveProgram(t[0]); }),
+        PlainCommand("program list", "Write the program's listing to a file",
+                     {{"HOSTFILE", "A file of this machine", true}},
+                     [](clsQuorin& printer, const Texts& t) { printer.UploadQNProgram(t[0]); }),
+        {"fre", "Show the free bytes of working memory", Needs::Printer, {}, ShowFreeMemory},
+        UploadCommand(),
+        LinkCommand(),
+    };
+}
+
+} // namespace qnctl

@@ -1,0 +1,56 @@
+#include "Command.h"
+#include "CommandLine.h"
+#include "Output.h"
+#include "Session.h"
+
+#include "common/QNError.h"
+
+#include <exception>
+#include <utility>
+
+namespace qnctl {
+namespace {
+
+Outcome OutcomeOf(const qncomm::QNError& error) {
+    const bool port = error.Source() == "PDQComm";
+    return {port ? ExitStatus::PortUnavailable : ExitStatus::Error, error.Number(), error.Source(),
+            error.Description()};
+}
+
+Outcome Carry(const Request& request, Session& session) {
+    session.Prepare();
+    if (request.command->needs != Needs::Nothing)
+        if (Outcome chosen = session.ChooseThePort(request.options.port); !chosen.Ok())
+            return chosen;
+    if (request.command->needs == Needs::Printer)
+        if (Outcome connected = session.Connect(); !connected.Ok()) return connected;
+    Outcome outcome = request.command->run(session);
+    if (outcome.Ok() && !session.RefusalNote().empty())
+        return Refused(ExitStatus::PortUnavailable, session.RefusalNote());
+    return outcome;
+}
+
+Outcome Run(const Request& request, const Output& output) {
+    try {
+        Session session(request.options, output);
+        return Carry(request, session);
+    } catch (const qncomm::OperationCancelled&) {
+        return Cancelled();
+    } catch (const qncomm::QNError& error) {
+        return OutcomeOf(error);
+    } catch (const std::exception& error) {
+        return {ExitStatus::Error, 0, "qnctl", error.what()};
+    }
+}
+
+} // namespace
+} // namespace qnctl
+
+int main(int argc, char** argv) {
+    const qnctl::CommandTable table = qnctl::AllCommands();
+    const qnctl::Request request = qnctl::ParseCommandLine(argc, argv, table);
+    const qnctl::Output output(request.options.json);
+    const qnctl::Outcome outcome = request.ended ? *request.ended : qnctl::Run(request, output);
+    if (!outcome.Ok()) output.Failure(outcome);
+    return static_cast<int>(outcome.status);
+}
