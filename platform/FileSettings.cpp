@@ -83,6 +83,10 @@ std::string FileSettings::ReadValue(std::string_view sSection, std::string_view 
 
 void FileSettings::WriteValue(std::string_view sSection, std::string_view sKey,
                               std::string_view sValue) {
+    WriteValues({{std::string(sSection), std::string(sKey), std::string(sValue)}});
+}
+
+void FileSettings::WriteValues(const std::vector<SettingValue>& values) {
     RaiseUnless(MakeFoldersFor(mPath));
     std::string movedTo;
     {
@@ -95,10 +99,13 @@ void FileSettings::WriteValue(std::string_view sSection, std::string_view sKey,
             RaiseUnless(MoveAside(mPath, movedTo));
             document.emplace();
         }
-        if (document->Value(sSection, sKey) != sValue) {
-            document->SetValue(sSection, sKey, sValue);
-            RaiseUnless(ReplaceFile(mPath, document->Text()));
+        bool changed = false;
+        for (const auto& [section, key, value] : values) {
+            if (document->Value(section, key) == value) continue;
+            document->SetValue(section, key, value);
+            changed = true;
         }
+        if (changed) RaiseUnless(ReplaceFile(mPath, document->Text()));
     }
     if (!movedTo.empty()) Warn("The settings in " + mPath + " were damaged; kept as " + movedTo);
 }

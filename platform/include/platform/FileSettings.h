@@ -7,12 +7,13 @@
 #include <functional>
 #include <string>
 #include <string_view>
+#include <vector>
 
 namespace qncomm {
 
 /// The settings store of one person: a text file that several processes may use at the same time.
 ///
-/// A write takes the file's lock, reads what is there, sets the one value and puts a complete new
+/// A write takes the file's lock, reads what is there, sets its values and puts a complete new
 /// file in the place of the old one, on the disk before it is seen. So processes that write
 /// different keys keep each other's, and whoever is killed in the middle leaves the old file. A
 /// file that does not parse is moved aside under a name ending in ".damaged-1" (-2, …), with a
@@ -41,6 +42,8 @@ class FileSettings : public RegSettings {
     /// there costs no write.
     void WriteValue(std::string_view sSection, std::string_view sKey,
                     std::string_view sValue) override;
+    /// The same for several values in one write: all of them are kept, or none.
+    void WriteValues(const std::vector<SettingValue>& values) override;
 
   private:
     /// Tells one state of the file from another: every write makes a new file.

@@ -190,6 +190,20 @@ TEST_F(FileSettingsTest, AValueThatIsAlreadyThereCostsNoWrite) {
     EXPECT_EQ(fs::last_write_time(Path()), before);
 }
 
+TEST_F(FileSettingsTest, SeveralValuesAreOneWrite) {
+    FileSettings settings = Store();
+    settings.WriteValue("Settings", "Baudrate", "300");
+    const std::string before = TextOf(Path());
+    fs::create_directory(Path() + ".new"); // the next write fails
+    const std::vector<qncomm::SettingValue> values = {{"Settings", "Baudrate", "9600"},
+                                                      {"Settings", "Parity", "None"}};
+    EXPECT_THROW(settings.WriteValues(values), qncomm::QNError);
+    EXPECT_EQ(TextOf(Path()), before) << "none of them is kept";
+    fs::remove(Path() + ".new");
+    settings.WriteValues(values);
+    EXPECT_EQ(TextOf(Path()), "[Settings]\nBaudrate=9600\nParity=None\n");
+}
+
 TEST_F(FileSettingsTest, ALinkToTheFileStaysALink) {
     fs::create_directory(mFolder / "real");
     SetText(mFolder / "real" / "here.ini", "");
