@@ -1,0 +1,82 @@
+#include "HostFile.h"
+#include "TempFolder.h"
+#include "support/ExpectRaised.h"
+
+#include <gmock/gmock.h>
+
+namespace qncomm::testing {
+namespace {
+
+namespace fs = std::filesystem;
+
+class HostFiles : public ::testing::Test {
+  protected:
+    TempFolder mFolder;
+};
+
+TEST_F(HostFiles, AreReadByteForByte) {
+    const std::string bytes("\0\r\n\x1A\xFF", 5);
+    HostFile file(mFolder.Write("f", bytes));
+    EXPECT_EQ(file.Length(), 5U);
+    EXPECT_EQ(file.Read(2), bytes.substr(0, 2));
+    EXPECT_EQ(file.Read(3), bytes.substr(2));
+    EXPECT_RAISED(file.Read(1), 62);
+}
+
+TEST_F(HostFiles, ThatCannotBeReadAreTheRuntimesError) {
+    EXPECT_RAISED(HostFile(mFolder.Path("none")), 53);
+    EXPECT_RAISED(HostFile(mFolder.Path("none/f")), 53);
+    EXPECT_RAISED(HostFile(mFolder.Path("")), 75);
+    mFolder.Write("f", "x");
+    EXPECT_RAISED(HostFile(mFolder.Path("f/g")), 75) << "a file is no folder";
+}
+
+TEST_F(HostFiles, AreReplacedWhole) {
+    mFolder.Write("f", "a longer text than the new one");
+    WriteHostFile(mFolder.Path("f"), "new");
+    EXPECT_EQ(mFolder.Read("f"), "new");
+    WriteHostFile(mFolder.Path("g"), "");
+    EXPECT_EQ(mFolder.Read("g"), "");
+    EXPECT_EQ(mFolder.Count(), 2U) << "nothing is left beside them";
+}
+
+TEST_F(HostFiles, KeepTheirPermissionsAndWhatLinksToThem) {
+    mFolder.Write("f", "old");
+    const auto owner = fs::perms::owner_read | fs::perms::owner_write;
+    fs::permissions(mFolder.Path("f"), owner);
+    fs::create_symlink("f", mFolder.Path("link"));
+    WriteHostFile(mFolder.Path("link"), "new");
+    EXPECT_TRUE(fs::is_symlink(mFolder.Path("link")));
+    EXPECT_EQ(mFolder.Read("f"), "new");
+    EXPECT_EQ(fs::status(mFolder.Path("f")).permissions(), owner);
+}
+
+TEST_F(HostFiles, AreNotWrittenOverAnotherFileOnTheWay) {
+    mFolder.Write("f.new", "someone else's");
+    WriteHostFile(mFolder.Path("f"), "mine");
+    EXPECT_EQ(mFolder.Read("f.new"), "someone else's");
+    EXPECT_EQ(mFolder.Count(), 2U);
+}
+
+TEST_F(HostFiles, ThatCannotBeWrittenAreTheRuntimesErrorAndStay) {
+    EXPECT_RAISED(WriteHostFile(mFolder.Path("none/f"), "x"), 76);
+    EXPECT_RAISED(WriteHostFile(mFolder.Path(""), "x"), 75);
+    EXPECT_RAISED(WriteHostFile("", "x"), 76);
+    mFolder.Write("f", "old");
+    EXPECT_RAISED(WriteHostFile(mFolder.Path("f/g"), "x"), 75);
+    EXPECT_EQ(mFolder.Read("f"), "old");
+    EXPECT_EQ(mFolder.Count(), 1U);
+}
+
+TEST_F(HostFiles, ThatAreDevicesAreWrittenTo) {
+    WriteHostFile("/dev/null", "x");
+    EXPECT_TRUE(fs::is_character_file("/dev/null"));
+    EXPECT_RAISED(WriteHostFile("/dev/full", "x"), 61);
+}
+
+TEST_F(HostFiles, OnAFileSystemThatRefusesAreTheRuntimesErrorAndStay) {
+    EXPECT_RAISED(WriteHostFile("/proc/version", "x"), 75);
+}
+
+} // namespace
+} // namespace qncomm::testing
