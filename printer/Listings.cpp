@@ -55,15 +55,6 @@ std::string FontKey(std::size_t index, bool twoDigits) {
 
 } // namespace
 
-/// Writes a default into the settings. One that cannot be kept is no reason not to list.
-void clsQuorin::KeepFontDefault(std::size_t index) {
-    try {
-        RegSettings()->WriteValue(FontFilterSection, FontKey(index, true), BitmapFonts[index]);
-    } catch (const QNError& error) {
-        mDesktop.Log(error.Description());
-    }
-}
-
 /// Whether the model's listings are read; the one without them says so in a box.
 bool clsQuorin::ModelLists() {
     const std::string model = PrinterType();
@@ -150,17 +141,27 @@ void clsQuorin::FilterBitmapFonts(PrinterFiles& fonts) {
 /// is read under one without a leading zero: keys Font0 to Font9 are only ever made by a person.
 void clsQuorin::FillFontFilter() {
     const auto& settings = RegSettings();
+    std::vector<SettingValue> defaults;
     for (std::size_t i = 0; i < BitmapFonts.size(); ++i) {
-        std::string name(BitmapFonts[i]);
-        if (settings) {
-            const std::string stored =
-                UpperCase(settings->ReadValue(FontFilterSection, FontKey(i, false), NoFont));
-            if (stored != NoFont)
-                name = stored;
-            else
-                KeepFontDefault(i);
+        std::string name(NoFont);
+        if (settings)
+            name = UpperCase(settings->ReadValue(FontFilterSection, FontKey(i, false), NoFont));
+        if (name == NoFont) {
+            name = BitmapFonts[i];
+            defaults.push_back({std::string(FontFilterSection), FontKey(i, true), name});
         }
         if (!mFontFilter.Contains(name)) mFontFilter.Add(name, name);
+    }
+    if (settings) KeepFontDefaults(*settings, defaults);
+}
+
+/// Defaults that cannot be kept are no reason not to list.
+void clsQuorin::KeepFontDefaults(qncomm::RegSettings& settings,
+                                 const std::vector<SettingValue>& defaults) {
+    try {
+        settings.WriteValues(defaults);
+    } catch (const QNError& error) {
+        mDesktop.Log(error.Description());
     }
 }
 

@@ -218,7 +218,7 @@ class clsQuorin {
     bool ListInto(const Listing& listing);
     void FilterBitmapFonts(PrinterFiles& fonts);
     void FillFontFilter();
-    void KeepFontDefault(std::size_t index);
+    void KeepFontDefaults(qncomm::RegSettings& settings, const std::vector<SettingValue>& defaults);
 
     // ProgramControl.cpp
     void WithPlantedLine(const std::function<void()>& body);

@@ -130,6 +130,22 @@ TEST_F(Fonts, AFilterWithTheSameNameTwiceOrWithoutSettingsStillFilters) {
     EXPECT_EQ(withoutSettings.PrinterDevices()->Item("fonts:")->Files->Count(), 1U);
 }
 
+TEST_F(Fonts, SettingsThatCannotBeWrittenDoNotKeepTheFontsFromBeingListed) {
+    struct ReadOnlySettings : MemorySettings {
+        void WriteValue(std::string_view /*section*/, std::string_view /*key*/,
+                        std::string_view /*value*/) override {
+            RaiseRuntimeError(RtPermissionDenied);
+        }
+    };
+    mLink.SetRegSettings(std::make_shared<ReadOnlySettings>());
+    mLink.SetImmediateMode(true);
+    Know("R7G");
+    Script("FONTS", ListingOf({"MS030RMN.1    SWISS"}));
+    mQuorin.Fonts(true);
+    EXPECT_THAT(Listed(), ElementsAre("SWISS 0"));
+    EXPECT_THAT(mDesktop.mLog, ElementsAre("Permission denied"));
+}
+
 TEST_F(Fonts, ARemovalSendsTheNameAndMarksTheFonts) {
     KnowCleanDevices("R7A");
     Script("REMOVE FONT \"Swiss 721\"");
