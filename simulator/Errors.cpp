@@ -7,7 +7,7 @@
 namespace qnsim {
 namespace {
 
-constexpr std::array<std::pair<Error, std::string_view>, 39> errorTexts{{
+constexpr std::array<std::pair<Error, std::string_view>, 40> errorTexts{{
     {Error::IllegalArgument, "Illegal argument"},
     {Error::Overflow, "Overflow"},
     {Error::OutOfMemory, "Out of memory"},
@@ -46,6 +46,7 @@ constexpr std::array<std::pair<Error, std::string_view>, 39> errorTexts{{
     {Error::NotAFont, "Not a font"},
     {Error::ImageNotFound, "Image not found"},
     {Error::NotAnImage, "Not an image"},
+    {Error::LabelLost, "Label could not be delivered"},
     {Error::PrintHead, "Print head fault"},
 }};
 

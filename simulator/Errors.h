@@ -45,6 +45,7 @@ enum class Error : int {
     NotAFont = 1041,
     ImageNotFound = 1042,
     NotAnImage = 1043,
+    LabelLost = 1098,
     PrintHead = 1099,
 };
 

@@ -2,6 +2,7 @@
 
 #include "Console.h"
 #include "Line.h"
+#include "StateFolder.h"
 
 #include <algorithm>
 
@@ -19,11 +20,6 @@ constexpr std::size_t resumeHostAt = 1024;
 constexpr char xon = '\x11';
 constexpr char xoff = '\x13';
 
-const Model& ModelOf(const Options& options) {
-    const Model* model = FindModel(options.model);
-    return model != nullptr ? *model : AllModels().front();
-}
-
 } // namespace
 
 class VirtualPrinter::Impl {
@@ -40,6 +36,7 @@ class VirtualPrinter::Impl {
     bool Dsr() const { return !mFaults.dsrDropped && !mBootEnd && !mLine.IsCut(); }
     bool Cts() const { return Dsr() && !(mLine.CurrentUart().rtsCts && mHostStopped); }
     std::size_t Backlog() const { return mLine.ToPrinter().Size() + mConsole->Waiting(); }
+    const std::string& Problem() const { return mProblem; }
     Line& Wire() { return mLine; }
     const Line& Wire() const { return mLine; }
 
@@ -56,6 +53,8 @@ class VirtualPrinter::Impl {
     Faults mFaults;
     int mBootMs;
     Machine mMachine;
+    std::optional<StateFolder> mState;
+    std::string mProblem;
     std::unique_ptr<Console> mConsole;
     Line mLine;
     Micros mNow = 0;
@@ -70,18 +69,17 @@ class VirtualPrinter::Impl {
 VirtualPrinter::Impl::Impl(const Options& options)
     : mFaults(options.faults),
       mBootMs(options.bootMs),
-      mMachine{ModelOf(options),
-               options.version.empty() ? std::string(ModelOf(options).version) : options.version,
-               options.uart,
-               SetupTree(ModelOf(options), options),
-               Storage(ModelOf(options), options.capacity),
-               {},
-               true,
-               false,
-               false,
-               {}},
+      mMachine(options),
       mConsole(std::make_unique<Console>(mMachine, mFaults)),
-      mLine(mMachine.setup.Channel(options.uart), options) {}
+      mLine(mMachine.setup.Channel(options.uart), options) {
+    if (mMachine.labels && !mMachine.labels->IsUsable())
+        mProblem = "labels cannot be written to " + options.labelsDir;
+    if (options.stateDir.empty()) return;
+    mState.emplace(options.stateDir);
+    if (!mState->Attach(mMachine.storage, mMachine.setup))
+        mProblem = "the state cannot be kept in " + options.stateDir;
+    mLine.SetUart(mMachine.setup.Channel(options.uart));
+}
 
 void VirtualPrinter::Impl::HostClosed() {
     mHostOpen = false;
@@ -150,6 +148,7 @@ void VirtualPrinter::Impl::Send() {
     if (!mMachine.setupChanged) return;
     // The reply has gone out under the old settings.
     mMachine.setupChanged = false;
+    if (mState) mState->SaveSetup(mMachine.setup);
     mLine.SetUart(mMachine.setup.Channel(mMachine.wiredUart));
 }
 
@@ -159,6 +158,7 @@ void VirtualPrinter::Impl::Restart() {
     mMachine.immediate = true;
     mMachine.system.Reset();
     mMachine.storage.Restart();
+    mMachine.label.Clear();
     mConsole = std::make_unique<Console>(mMachine, mFaults);
     mHeld = false;
     mHostStopped = false;
@@ -190,7 +190,7 @@ std::optional<Micros> VirtualPrinter::Impl::NextDue() const {
     return due;
 }
 
-VirtualPrinter::VirtualPrinter(Options options) : mImpl(std::make_unique<Impl>(options)) {}
+VirtualPrinter::VirtualPrinter(const Options& options) : mImpl(std::make_unique<Impl>(options)) {}
 
 VirtualPrinter::~VirtualPrinter() = default;
 
@@ -249,6 +249,10 @@ std::optional<Micros> VirtualPrinter::NextDue() const {
 
 void VirtualPrinter::Advance(Micros now) {
     mImpl->Advance(now);
+}
+
+const std::string& VirtualPrinter::Problem() const {
+    return mImpl->Problem();
 }
 
 bool VirtualPrinter::Dsr() const {

@@ -116,6 +116,10 @@ int Serve(const Options& options, const Arguments& arguments) {
         return exitNoEndpoint;
     }
     VirtualPrinter printer(options);
+    if (!printer.Problem().empty()) {
+        std::cerr << "qnsim: " << printer.Problem() << '\n';
+        return exitNoEndpoint;
+    }
     std::cout << opened.endpoint->Address() << std::endl;
     const bool stopped = PrinterServer(printer, *opened.endpoint, stop.Get()).Run();
     if (!stopped) std::cerr << "qnsim: the line was cut\n";

@@ -1,5 +1,6 @@
 #include "language/Evaluator.h"
 
+#include "language/Token.h"
 #include "language/Words.h"
 
 #include <algorithm>

@@ -95,6 +95,18 @@ class Interpreter {
     void RemoveImage(const Statement& statement);
     void ImageLoad(const Statement& statement);
     void FileLoad(const Statement& statement);
+    void ClearLabel(const Statement& statement);
+    void Position(const Statement& statement);
+    void Anchor(const Statement& statement);
+    void Direction(const Statement& statement);
+    void NormalImage(const Statement& statement);
+    void InverseImage(const Statement& statement);
+    void Font(const Statement& statement);
+    void LabelText(const Statement& statement);
+    void LabelImage(const Statement& statement);
+    void LabelLine(const Statement& statement);
+    void LabelBox(const Statement& statement);
+    void PrintFeed(const Statement& statement);
 
   private:
     struct ForFrame {

@@ -4,8 +4,11 @@
 #include "Model.h"
 #include "Setup.h"
 #include "Storage.h"
+#include "label/Label.h"
+#include "label/PngWriter.h"
 
 #include <array>
+#include <optional>
 #include <string>
 
 namespace qnsim {
@@ -41,12 +44,16 @@ class SystemVariables {
 };
 
 struct Machine {
+    explicit Machine(const Options& options);
+
     const Model& model;
     std::string version;
     int wiredUart;
     SetupTree setup;
     Storage storage;
     SystemVariables system;
+    Label label;
+    std::optional<LabelFolder> labels; // where printed labels go as pictures
     bool immediate = true;
     bool setupChanged = false; // the line's settings take effect after the reply
     bool restartWanted = false;

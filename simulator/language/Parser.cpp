@@ -65,7 +65,7 @@ void Parser::ExpectWord(std::string_view word) {
 }
 
 bool Parser::AtStatementEnd() const {
-    return AtEnd() || IsSign(':') || IsWord("ELSE");
+    return AtEnd() || IsSign(':') || IsSign('\'') || IsWord("ELSE");
 }
 
 void Parser::ReadStatements() {

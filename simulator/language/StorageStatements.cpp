@@ -1,5 +1,6 @@
 // Files, setup, fonts and images: what the printer keeps, and how it lists it.
 #include "Text.h"
+#include "label/Pcx.h"
 #include "language/BuiltInFonts.h"
 #include "language/Interpreter.h"
 
@@ -29,18 +30,6 @@ std::string TwoColumns(const std::vector<std::string>& rows, int columns) {
         text += rows[i] + (left ? "    " : "\r\n");
     }
     return text;
-}
-
-bool LooksLikeFont(std::string_view bytes) {
-    const std::string_view start = bytes.substr(0, 4);
-    return start == std::string_view("\0\1\0\0", 4) || start == "OTTO" || start == "true"
-           || start == "ttcf";
-}
-
-bool LooksLikeImage(std::string_view bytes) {
-    constexpr std::size_t headerSize = 128;
-    return bytes.size() >= headerSize && bytes[0] == 10 && (bytes[1] == 5 || bytes[1] == 3)
-           && bytes[3] == 1;
 }
 
 } // namespace
@@ -188,7 +177,7 @@ void Interpreter::StoreData() {
     const std::size_t at = mAt - 1;
     const DataWait data = std::move(mData);
     mData = {};
-    const bool font = data.image && LooksLikeFont(data.bytes);
+    const bool font = data.image && IsScalableFont(data.bytes);
     Storage& storage = mMachine.storage;
     if (data.tooLarge) {
         Fail(Error::DeviceFull);
@@ -196,7 +185,7 @@ void Interpreter::StoreData() {
         Fail(storage.Write(data.name, data.bytes));
     } else if (font && !mMachine.model.trueType) {
         Fail(Error::NotAFont);
-    } else if (!font && !LooksLikeImage(data.bytes)) {
+    } else if (!font && !ReadPcx(data.bytes)) {
         Fail(Error::NotAnImage);
     } else {
         Device& device = *storage.FindDevice(font ? "fonts:" : "images:");

@@ -82,12 +82,9 @@ void Lexer::ReadWord() {
     const bool reserved = IsReserved(Upper(mLine.substr(mAt, end - mAt)));
     while (!reserved && end < mLine.size() && (IsLetter(mLine[end]) || IsDigit(mLine[end])))
         ++end;
-    if (end < mLine.size() && (mLine[end] == '$' || mLine[end] == '%')) {
-        ++end;
-    } else if (end < mLine.size() && mLine[end] == '&'
-               && Upper(mLine.substr(mAt, end - mAt)) == "FILE") {
-        ++end;
-    }
+    const char next = end < mLine.size() ? mLine[end] : '\0';
+    const bool file = next == '&' && Upper(mLine.substr(mAt, end - mAt)) == "FILE";
+    if (next == '$' || next == '%' || file) ++end;
     mToken.kind = TokenKind::Word;
     mToken.text = Upper(mLine.substr(mAt, end - mAt));
     mAt = end;

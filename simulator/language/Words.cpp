@@ -59,6 +59,18 @@ constexpr std::array statements{
     StatementRow{"REMOVE IMAGE", "s", nullptr, &I::RemoveImage},
     StatementRow{"IMAGE LOAD", "sn?s", nullptr, &I::ImageLoad},
     StatementRow{"FILE& LOAD", "sn", nullptr, &I::FileLoad},
+    StatementRow{"CLL", "", nullptr, &I::ClearLabel},
+    StatementRow{"PP", "nn", nullptr, &I::Position},
+    StatementRow{"AN", "n", nullptr, &I::Anchor},
+    StatementRow{"DIR", "n", nullptr, &I::Direction},
+    StatementRow{"NORIMAGE", "", nullptr, &I::NormalImage},
+    StatementRow{"INVIMAGE", "", nullptr, &I::InverseImage},
+    StatementRow{"FT", "s?n?n?n", nullptr, &I::Font},
+    StatementRow{"PT", "", &P::ReadLooseText, &I::LabelText},
+    StatementRow{"PM", "s", nullptr, &I::LabelImage},
+    StatementRow{"PL", "n?n", nullptr, &I::LabelLine},
+    StatementRow{"PX", "nn?n", nullptr, &I::LabelBox},
+    StatementRow{"PF", "?n", nullptr, &I::PrintFeed},
 };
 
 constexpr std::array functions{

@@ -209,6 +209,7 @@ TEST(QnsimProgram, EndsCleanlyOnASignalAndRemovesItsLink) {
     posix_spawn_file_actions_adddup2(&actions, input.Get(), STDOUT_FILENO);
     std::vector<std::string> words{QNSIM_PROGRAM, "--model", "R7H", "--link", link};
     std::vector<char*> arguments;
+    arguments.reserve(words.size() + 1);
     for (std::string& word : words)
         arguments.push_back(word.data());
     arguments.push_back(nullptr);

@@ -81,7 +81,7 @@ TEST(LineSettings, NothingIsHeardWithoutAHost) {
 
 TEST(PacedLine, TakesItsTimeInBothDirections) {
     PrinterBench bench("R7G?baud=9600&format=n,8,2&paced");
-    constexpr Micros characterNs = 1'000'000'000 / 9600 * 11;
+    constexpr Micros characterNs = Micros{1'000'000'000} / 9600 * 11;
     bench.Send("PRINT 1\r");
     EXPECT_EQ(bench.Printer().PendingFromHost(bench.Now()), 8U);
     EXPECT_EQ(bench.Printer().PendingFromHost(bench.Now() + 4 * characterNs / 1000 + 1), 4U);

@@ -22,10 +22,14 @@ namespace qnsim {
 class VirtualPrinter {
   public:
     /// Options as ParseAddress accepts them. The printer is on and at its prompt.
-    explicit VirtualPrinter(Options options);
+    explicit VirtualPrinter(const Options& options);
     ~VirtualPrinter();
     VirtualPrinter(const VirtualPrinter&) = delete;
     VirtualPrinter& operator=(const VirtualPrinter&) = delete;
+
+    /// What keeps the printer from using its state or labels folder, for a person; empty when
+    /// nothing does. It works all the same, without the folder.
+    const std::string& Problem() const;
 
     /// A host opened or closed its end. While no host is there, what the printer sends is lost.
     void HostOpened(Micros now);

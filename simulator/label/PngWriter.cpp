@@ -1,0 +1,101 @@
+#include "label/PngWriter.h"
+
+#include "Text.h"
+
+#include <algorithm>
+#include <array>
+#include <csetjmp>
+#include <cstdio>
+#include <filesystem>
+#include <memory>
+#include <png.h>
+#include <system_error>
+
+namespace qnsim {
+namespace {
+
+struct FileCloser {
+    void operator()(std::FILE* file) const { std::fclose(file); }
+};
+using File = std::unique_ptr<std::FILE, FileCloser>;
+
+/// The library's two structures, released together.
+class PngFile {
+  public:
+    PngFile()
+        : mWrite(png_create_write_struct(PNG_LIBPNG_VER_STRING, nullptr, nullptr, nullptr)),
+          mInfo(mWrite == nullptr ? nullptr : png_create_info_struct(mWrite)) {}
+    ~PngFile() { png_destroy_write_struct(&mWrite, &mInfo); }
+    PngFile(const PngFile&) = delete;
+    PngFile& operator=(const PngFile&) = delete;
+
+    bool IsReady() const { return mInfo != nullptr; }
+    png_structp Write() const { return mWrite; }
+    png_infop Info() const { return mInfo; }
+
+  private:
+    png_structp mWrite;
+    png_infop mInfo;
+};
+
+/// The library leaves a failed write by a long jump, so nothing in here has a destructor.
+bool WriteRows(png_structp write, png_infop info, std::FILE* file, const Bitmap& picture,
+               int dotsPerMm) {
+    if (setjmp(png_jmpbuf(write)) != 0) return false; // NOLINT(cert-err52-cpp): the library's way
+    png_init_io(write, file);
+    png_set_IHDR(write, info, static_cast<png_uint_32>(picture.Width()),
+                 static_cast<png_uint_32>(picture.Height()), 1, PNG_COLOR_TYPE_GRAY,
+                 PNG_INTERLACE_NONE, PNG_COMPRESSION_TYPE_DEFAULT, PNG_FILTER_TYPE_DEFAULT);
+    const auto dotsPerMetre = static_cast<png_uint_32>(dotsPerMm * 1000);
+    png_set_pHYs(write, info, dotsPerMetre, dotsPerMetre, PNG_RESOLUTION_METER);
+    png_write_info(write, info);
+    png_set_invert_mono(write);
+    for (int y = 0; y < picture.Height(); ++y)
+        png_write_row(write, picture.Row(y));
+    png_write_end(write, info);
+    return std::fflush(file) == 0;
+}
+
+std::string LabelName(int number) {
+    std::array<char, 32> name{};
+    std::snprintf(name.data(), name.size(), "label-%04d.png", number);
+    return name.data();
+}
+
+/// The number in a label's file name, 0 for any other name.
+int LabelNumber(const std::string& name) {
+    const int number =
+        name.starts_with("label-") ? static_cast<int>(TextNumber(name.substr(6))) : 0;
+    return number > 0 && LabelName(number) == name ? number : 0;
+}
+
+} // namespace
+
+bool WritePng(const Bitmap& picture, int dotsPerMm, const std::string& path) {
+    const std::string beside = path + ".new";
+    const PngFile png;
+    bool written = false;
+    if (const File file{std::fopen(beside.c_str(), "wbe")}; file && png.IsReady())
+        written = WriteRows(png.Write(), png.Info(), file.get(), picture, dotsPerMm);
+    std::error_code error;
+    if (written) std::filesystem::rename(beside, path, error);
+    if (written && !error) return true;
+    std::filesystem::remove(beside, error);
+    return false;
+}
+
+LabelFolder::LabelFolder(std::string folder) : mFolder(std::move(folder)) {
+    std::error_code error;
+    std::filesystem::create_directories(mFolder, error);
+    const std::filesystem::directory_iterator entries(mFolder, error);
+    mUsable = !error;
+    if (!mUsable) return;
+    for (const auto& entry : entries)
+        mLast = std::max(mLast, LabelNumber(entry.path().filename().string()));
+}
+
+bool LabelFolder::Add(const Bitmap& picture, int dotsPerMm) {
+    return mUsable && WritePng(picture, dotsPerMm, mFolder + "/" + LabelName(++mLast));
+}
+
+} // namespace qnsim

@@ -1,0 +1,61 @@
+#include "PrinterBench.h"
+
+#include <filesystem>
+#include <fstream>
+#include <unistd.h>
+
+namespace qnsim::test {
+namespace {
+
+class StateTest : public testing::Test {
+  protected:
+    StateTest()
+        : mFolder(testing::TempDir() + "state-" + std::to_string(::getpid()) + "-"
+                  + testing::UnitTest::GetInstance()->current_test_info()->name()),
+          mAddress("R7G?boot-ms=0&state=" + mFolder) {}
+    ~StateTest() override {
+        std::error_code error;
+        std::filesystem::remove_all(mFolder, error);
+    }
+    std::string mFolder;
+    std::string mAddress;
+};
+
+TEST_F(StateTest, KeepsFilesAndSetupBetweenRuns) {
+    {
+        PrinterBench bench(mAddress);
+        EXPECT_EQ(bench.Printer().Problem(), "");
+        bench.Ask("COPY \"c:PRICES.DAT\",\"card1:a b/c\":KILL \"c:PRICES.DAT\"");
+        bench.Ask("COPY \"c:LAYOUT.LBL\",\"tmp:GONE\"");
+        bench.Ask("SETUP\"LABEL,WIDTH,444\"");
+    }
+    PrinterBench again(mAddress);
+    EXPECT_EQ(again.Printer().Problem(), "");
+    EXPECT_TRUE(again.Lines("COPY \"card1:a b/c\",\"tmp:X\"").empty());
+    EXPECT_EQ(again.Line("KILL \"c:PRICES.DAT\""), "Error 1022");
+    EXPECT_EQ(again.Line("KILL \"tmp:GONE\""), "Error 1022");
+    EXPECT_NE(again.Ask("FILES\"c:\",A").find("CONFIG.SYS"), std::string::npos);
+    EXPECT_NE(again.Ask("SETUP WRITE\"uart1:\"").find("LABEL,WIDTH,444"), std::string::npos);
+}
+
+TEST_F(StateTest, FormatReachesTheFolder) {
+    {
+        PrinterBench bench(mAddress);
+        bench.Ask("FORMAT\"c:\",A");
+    }
+    PrinterBench again(mAddress);
+    EXPECT_NE(again.Ask("FILES\"c:\",A").find(" 0 BYTES USED"), std::string::npos);
+}
+
+TEST_F(StateTest, DamagedFolderIsNamedAndThePrinterWorks) {
+    { const PrinterBench bench(mAddress); }
+    std::ofstream(mFolder + "/setup.txt") << "nonsense";
+    PrinterBench again(mAddress);
+    EXPECT_NE(again.Printer().Problem().find(mFolder), std::string::npos);
+    EXPECT_EQ(again.Line("PRINT 1"), "1");
+    PrinterBench nowhere("R7G?state=/proc/none");
+    EXPECT_NE(nowhere.Printer().Problem().find("/proc/none"), std::string::npos);
+}
+
+} // namespace
+} // namespace qnsim::test
