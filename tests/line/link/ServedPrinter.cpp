@@ -5,8 +5,6 @@
 #include "TcpEndpoint.h"
 #include "simulator/VirtualPrinter.h"
 
-#include <gtest/gtest.h>
-
 #include <stdexcept>
 #include <sys/eventfd.h>
 #include <thread>

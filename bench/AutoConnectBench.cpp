@@ -1,0 +1,121 @@
+// How long the search takes beside the waits that it cannot do without.
+
+#include "ServedPrinter.h"
+#include "platform/PollLoop.h"
+#include "support/Stack.h"
+
+#include <algorithm>
+#include <cstdio>
+#include <fcntl.h>
+#include <stdexcept>
+#include <stdlib.h>
+#include <string>
+#include <termios.h>
+#include <unistd.h>
+#include <vector>
+
+namespace qncomm {
+namespace {
+
+constexpr int Runs = 5;
+constexpr double SilencePerCombination = 50; // ms
+constexpr int Combinations = 28;
+
+/// A pseudo-terminal at whose end nobody answers.
+class SilentLine {
+  public:
+    SilentLine() : mMaster(::posix_openpt(O_RDWR | O_NOCTTY | O_CLOEXEC)) {
+        if (mMaster < 0 || ::grantpt(mMaster) != 0 || ::unlockpt(mMaster) != 0)
+            throw std::runtime_error("no pseudo-terminal");
+        mHolder =
+            ::open(Path().c_str(), O_RDWR | O_NOCTTY | O_CLOEXEC); // outlives the search's closings
+        termios raw{};
+        ::tcgetattr(mHolder, &raw);
+        ::cfmakeraw(&raw); // no echo of its own
+        ::tcsetattr(mHolder, TCSANOW, &raw);
+    }
+    ~SilentLine() {
+        ::close(mHolder);
+        ::close(mMaster);
+    }
+    SilentLine(const SilentLine&) = delete;
+    SilentLine& operator=(const SilentLine&) = delete;
+
+    std::string Path() const {
+        char name[64];
+        if (::ptsname_r(mMaster, name, sizeof name) != 0) throw std::runtime_error("no name");
+        return name;
+    }
+
+  private:
+    int mMaster;
+    int mHolder = -1;
+};
+
+double Median(std::vector<double> values) {
+    std::nth_element(values.begin(), values.begin() + std::ssize(values) / 2, values.end());
+    return values[values.size() / 2];
+}
+
+double SilentSearchMs() {
+    PollLoop loop;
+    const SilentLine line;
+    testing::Stack stack(loop, line.Path());
+    const std::int64_t start = loop.NowUs();
+    if (stack.mLink.AutoConnect(1)) throw std::runtime_error("found a printer where none is");
+    return static_cast<double>(loop.NowUs() - start) / 1000;
+}
+
+struct Remembered {
+    double answered; ///< from the probe to the printer's answer
+    double whole;    ///< to the end of the search
+};
+
+Remembered RememberedSearchMs() {
+    PollLoop loop;
+    const auto printer = testing::PrinterOnPty("R7G?baud=57600&format=n,8,2");
+    testing::Stack stack(loop, printer->Address());
+    if (!stack.mLink.AutoConnect(1)) throw std::runtime_error("no printer found");
+    std::int64_t probed = 0;
+    std::int64_t answered = 0;
+    const Subscription follow =
+        stack.mLink.StatusEvent.Connect([&](std::string& text, std::int16_t&, bool&) {
+            if (text.starts_with("Searching")) probed = loop.NowUs();
+            if (text.starts_with("Reading")) answered = loop.NowUs();
+        });
+    const std::int64_t start = loop.NowUs();
+    if (!stack.mLink.AutoConnect(1)) throw std::runtime_error("no printer found");
+    const auto ms = [](std::int64_t from, std::int64_t to) {
+        return static_cast<double>(to - from) / 1000;
+    };
+    return {ms(probed, answered), ms(start, loop.NowUs())};
+}
+
+int Main() {
+    std::vector<double> silent;
+    std::vector<double> answered;
+    std::vector<double> whole;
+    for (int run = 0; run < Runs; ++run) {
+        silent.push_back(SilentSearchMs());
+        const Remembered remembered = RememberedSearchMs();
+        answered.push_back(remembered.answered);
+        whole.push_back(remembered.whole);
+    }
+    const double waits = Combinations * SilencePerCombination;
+    std::printf("no printer, %d combinations   median %8.1f ms   %.3f x the %.0f ms of waits (at "
+                "most 1.15)\n",
+                Combinations, Median(silent), Median(silent) / waits, waits);
+    std::printf("remembered, probe to answer  median %8.1f ms   with the channel's identification "
+                "(at most 100)\n",
+                Median(answered));
+    std::printf("remembered, whole search     median %8.1f ms   with 100 ms of silence before it\n",
+                Median(whole));
+    return 0;
+}
+
+} // namespace
+} // namespace qncomm
+
+int main() {
+    return qncomm::Main();
+}
