@@ -41,6 +41,7 @@ void Console::Work(int statements) {
         case State::NeedsData:
             if (Waiting() == 0) return;
             mRead += mInterpreter.TakeData(std::string_view(mInput).substr(mRead));
+            MakeRoom();
             Settle();
             break;
         default:
@@ -116,12 +117,15 @@ void Console::Echo(std::string_view bytes) {
     if (mEchoes && mMachine.system.Echoes()) mMachine.out += bytes;
 }
 
+void Console::MakeRoom() {
+    // Now and then, not with each line: a long queue of lines is read in linear time.
+    if (mRead < mInput.size() && mRead < inputKept) return;
+    mInput.erase(0, mRead);
+    mRead = 0;
+}
+
 void Console::Execute() {
-    // Room is made now and then, not with each line: a long queue of lines is read in linear time.
-    if (mRead > inputKept) {
-        mInput.erase(0, mRead);
-        mRead = 0;
-    }
+    MakeRoom();
     std::string line;
     line.swap(mLine);
     const bool tooLong = mLineTooLong;

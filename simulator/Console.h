@@ -37,6 +37,7 @@ class Console {
     void ReadCharacter(char c);
     void Erase();
     void Echo(std::string_view bytes);
+    void MakeRoom();
     void Execute();
     void Type(std::string_view text);
     void StoreLine(std::string_view text);

@@ -154,6 +154,10 @@ const StatementRow& StatementAt(int row) {
     return statements[static_cast<std::size_t>(row)];
 }
 
+int StatementCount() {
+    return static_cast<int>(statements.size());
+}
+
 int AssignRow() {
     return 0;
 }
@@ -173,6 +177,10 @@ int FindFunction(std::string_view name) {
 
 const FunctionRow& FunctionAt(int row) {
     return functions[static_cast<std::size_t>(row)];
+}
+
+int FunctionCount() {
+    return static_cast<int>(functions.size());
 }
 
 bool IsReserved(std::string_view word) {

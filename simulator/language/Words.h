@@ -25,6 +25,7 @@ struct StatementRow {
 /// The row of a statement that begins with these words, or -1. The second word may be empty.
 int FindStatement(std::string_view first, std::string_view second);
 const StatementRow& StatementAt(int row);
+int StatementCount();
 
 /// Rows that the parser itself makes.
 int AssignRow();
@@ -42,6 +43,7 @@ struct FunctionRow {
 /// The row of a function of that name (upper case, with its "$"), or -1.
 int FindFunction(std::string_view name);
 const FunctionRow& FunctionAt(int row);
+int FunctionCount();
 
 /// A word that no variable may have as its name and that ends where a digit begins.
 bool IsReserved(std::string_view word);
