@@ -40,6 +40,13 @@ TEST_F(HostFiles, AreReplacedWhole) {
     EXPECT_EQ(mFolder.Count(), 2U) << "nothing is left beside them";
 }
 
+TEST_F(HostFiles, StayWholeForWhoeverReadsTheOldOne) {
+    std::ifstream reader(mFolder.Write("f", "the old text"), std::ios::binary);
+    WriteHostFile(mFolder.Path("f"), "new");
+    const std::string read{std::istreambuf_iterator<char>(reader), {}};
+    EXPECT_EQ(read, "the old text");
+}
+
 TEST_F(HostFiles, KeepTheirPermissionsAndWhatLinksToThem) {
     mFolder.Write("f", "old");
     const auto owner = fs::perms::owner_read | fs::perms::owner_write;
