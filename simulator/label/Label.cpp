@@ -3,6 +3,7 @@
 #include "label/Pcx.h"
 #include "language/BuiltInFonts.h"
 
+#include <algorithm>
 #include <array>
 
 namespace qnsim {
@@ -76,6 +77,10 @@ void Label::DrawLine(int length, int thickness) {
 
 void Label::DrawBox(int height, int width, int thickness) {
     Bitmap box(width, height);
+    if (2 * thickness >= std::min(width, height)) {
+        box.FillBox(0, 0, width, height);
+        return Place(box);
+    }
     box.FillBox(0, 0, width, thickness);
     box.FillBox(0, height - thickness, width, thickness);
     box.FillBox(0, 0, thickness, height);

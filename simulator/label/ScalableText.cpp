@@ -59,14 +59,14 @@ FT_Matrix FontMatrix(const FontChoice& font) {
 }
 
 /// One character's dots and where they stand on the line.
-void Draw(const FT_GlyphSlot slot, int x, int baseLine, Bitmap& line) {
-    const FT_Bitmap& dots = slot->bitmap;
+void Draw(const FT_GlyphSlotRec& glyph, int x, int baseLine, Bitmap& line) {
+    const FT_Bitmap& dots = glyph.bitmap;
     for (unsigned row = 0; row < dots.rows; ++row) {
         const unsigned char* bits = dots.buffer + static_cast<std::ptrdiff_t>(row) * dots.pitch;
         for (unsigned column = 0; column < dots.width; ++column) {
             if ((bits[column / 8] & (0x80U >> (column % 8))) == 0) continue;
-            line.Set(x + slot->bitmap_left + static_cast<int>(column),
-                     baseLine - slot->bitmap_top + static_cast<int>(row));
+            line.Set(x + glyph.bitmap_left + static_cast<int>(column),
+                     baseLine - glyph.bitmap_top + static_cast<int>(row));
         }
     }
 }
@@ -109,7 +109,7 @@ Bitmap PaintScalableText(std::string_view text, const FontChoice& font, int dots
     FT_Pos at = 0;
     for (const char c : text) {
         if (at / 64 > widestText || !LoadCharacter(face, c)) continue;
-        Draw(face->glyph, static_cast<int>(at / 64), ascent, line);
+        Draw(*face->glyph, static_cast<int>(at / 64), ascent, line);
         at += face->glyph->advance.x;
     }
     return line;

@@ -36,7 +36,8 @@ Error Interpreter::StoreLine(int number, std::string_view text) {
 }
 
 void Interpreter::Run(int statements) {
-    while (mState == State::Running && statements-- > 0) {
+    mSliceEnds = false;
+    while (mState == State::Running && !mSliceEnds && statements-- > 0) {
         if (mAt >= mCode->size()) {
             Finish();
             return;

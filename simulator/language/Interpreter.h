@@ -41,7 +41,7 @@ class Interpreter {
     Error StoreLine(int number, std::string_view text);
     int NextLineNumber() const { return mProgram.NextNumber(); }
 
-    /// Runs up to so many statements.
+    /// Runs up to so many statements, fewer when one of them was long (drawing is).
     void Run(int statements);
 
     /// What NeedsLine and NeedsData wait for. TakeData returns how many bytes it took.
@@ -168,6 +168,7 @@ class Interpreter {
     State mState = State::Idle;
     const Code* mCode = &mTypedCode;
     std::size_t mAt = 0;
+    bool mSliceEnds = false; // a long statement was the last of its slice
     std::vector<ForFrame> mLoops;
     std::vector<CallFrame> mCalls;
     std::vector<CallFrame> mWhiles;

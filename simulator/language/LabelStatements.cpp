@@ -7,6 +7,7 @@ namespace {
 
 constexpr int farthestDot = 32767;
 constexpr int mostCopies = 9999;
+constexpr double mostDots = 4096.0 * 4096.0;
 
 } // namespace
 
@@ -48,6 +49,7 @@ void Interpreter::Font(const Statement& statement) {
 }
 
 void Interpreter::LabelText(const Statement& statement) {
+    mSliceEnds = true;
     const Expr& item = statement.args[0];
     const std::string text =
         item.IsText() ? mEvaluator.Text(item) : NumberText(mEvaluator.Number(item));
@@ -56,20 +58,22 @@ void Interpreter::LabelText(const Statement& statement) {
 }
 
 void Interpreter::LabelImage(const Statement& statement) {
+    mSliceEnds = true;
     const std::string name = mEvaluator.Text(statement.args[0]);
     if (mEvaluator.Failure() == Error::None) Fail(mMachine.label.PrintImage(name));
 }
 
 void Interpreter::LabelLine(const Statement& statement) {
+    mSliceEnds = true;
     const int length = mEvaluator.Whole(statement.args[0], 1, farthestDot);
     const int thickness = mEvaluator.Whole(statement.args[1], 1, farthestDot, 1);
-    if (static_cast<double>(length) * thickness > static_cast<double>(farthestDot) * 1024)
-        Fail(Error::IllegalArgument);
+    if (static_cast<double>(length) * thickness > mostDots) Fail(Error::IllegalArgument);
     if (mEvaluator.Failure() == Error::None) mMachine.label.DrawLine(length, thickness);
 }
 
 void Interpreter::LabelBox(const Statement& statement) {
-    constexpr int largestSide = 8192;
+    mSliceEnds = true;
+    constexpr int largestSide = 4096;
     const int height = mEvaluator.Whole(statement.args[0], 1, largestSide);
     const int width = mEvaluator.Whole(statement.args[1], 1, largestSide);
     const int thickness = mEvaluator.Whole(statement.args[2], 1, largestSide, 1);
@@ -77,6 +81,7 @@ void Interpreter::LabelBox(const Statement& statement) {
 }
 
 void Interpreter::PrintFeed(const Statement& statement) {
+    mSliceEnds = true;
     mEvaluator.Whole(statement.args[0], 1, mostCopies, 1);
     if (mEvaluator.Failure() != Error::None) return;
     const Bitmap label = mMachine.label.Feed();

@@ -117,6 +117,26 @@ TEST_F(LabelTest, WhatLiesOutsideIsCutOff) {
     EXPECT_EQ(Extent(Label("PP 30000,0:PL 30000")).width, 0 - (1 << 30));
 }
 
+TEST_F(LabelTest, BoxesAreFramesUntilTheirSidesMeet) {
+    const Dots frame = Label("PP 10,10:PX 9,12,2");
+    EXPECT_EQ(Extent(frame), (Box{10, 21, 12, 9}));
+    EXPECT_EQ(frame[25].substr(10, 12), "##........##");
+    EXPECT_EQ(Label("PP 10,10:PX 9,12,6")[25].substr(10, 12), "############");
+    PrinterBench bench = Bench();
+    EXPECT_EQ(bench.Line("PX 5000,5000"), "Error 5");
+    EXPECT_EQ(bench.Line("PL 32767,32767"), "Error 5");
+}
+
+TEST_F(LabelTest, DrawingLeavesTheHostItsTurns) {
+    PrinterBench bench = Bench();
+    bench.Send("PX 4000,4000,2000:PX 4000,4000,2000:PRINT 1\r");
+    bench.Printer().Advance(bench.Now());
+    const auto due = bench.Printer().NextDue();
+    ASSERT_TRUE(due.has_value());
+    bench.Send("\x03");
+    EXPECT_NE(bench.Read().find("Break\r\n"), std::string::npos);
+}
+
 TEST_F(LabelTest, ImagesArePrintedDotByDot) {
     PrinterBench bench = Bench();
     Store(bench, "F.PCX", TestPcx(9, 7));
