@@ -97,7 +97,8 @@ bool StateFolder::SaveSetup(const SetupTree& setup) {
 }
 
 bool StateFolder::Attach(Storage& storage, SetupTree& setup) {
-    const bool known = std::filesystem::exists(mFolder + "/" + std::string(setupName));
+    std::error_code unknown;
+    const bool known = std::filesystem::exists(mFolder + "/" + std::string(setupName), unknown);
     if (known && !Load(storage, setup)) return mSound = false;
     storage.OnChanged(
         [this](const Device& device, const std::string& name) { Keep(device, name); });
@@ -125,18 +126,18 @@ bool StateFolder::Load(Storage& storage, SetupTree& setup) {
 
 bool StateFolder::LoadDevice(Storage& storage, Device& device) {
     std::error_code error;
-    const std::filesystem::directory_iterator entries(DeviceFolder(device), error);
+    std::filesystem::directory_iterator entry(DeviceFolder(device), error);
     if (error) return false;
     device.files.clear();
     device.used = 0;
-    for (const auto& entry : entries) {
-        const auto name = ReadHostName(entry.path().filename().string());
+    for (; entry != std::filesystem::directory_iterator() && !error; entry.increment(error)) {
+        const auto name = ReadHostName(entry->path().filename().string());
         if (!name) continue;
-        auto content = ReadFile(entry.path());
+        auto content = ReadFile(entry->path());
         if (!content) return false;
         storage.Install(device, name->name, {std::move(*content), name->system, true});
     }
-    return true;
+    return !error;
 }
 
 void StateFolder::Keep(const Device& device, const std::string& name) {

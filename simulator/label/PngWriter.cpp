@@ -87,11 +87,10 @@ bool WritePng(const Bitmap& picture, int dotsPerMm, const std::string& path) {
 LabelFolder::LabelFolder(std::string folder) : mFolder(std::move(folder)) {
     std::error_code error;
     std::filesystem::create_directories(mFolder, error);
-    const std::filesystem::directory_iterator entries(mFolder, error);
+    std::filesystem::directory_iterator entry(mFolder, error);
+    for (; !error && entry != std::filesystem::directory_iterator(); entry.increment(error))
+        mLast = std::max(mLast, LabelNumber(entry->path().filename().string()));
     mUsable = !error;
-    if (!mUsable) return;
-    for (const auto& entry : entries)
-        mLast = std::max(mLast, LabelNumber(entry.path().filename().string()));
 }
 
 bool LabelFolder::Add(const Bitmap& picture, int dotsPerMm) {

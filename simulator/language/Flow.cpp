@@ -64,7 +64,7 @@ void Interpreter::On(const Statement& statement) {
 }
 
 bool Interpreter::LoopGoesOn(const ForFrame& frame) const {
-    const double value = const_cast<Variables&>(mVariables).Number(frame.slot);
+    const double value = mVariables.Number(frame.slot);
     return frame.step >= 0 ? value <= frame.limit : value >= frame.limit;
 }
 

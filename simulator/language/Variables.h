@@ -22,6 +22,7 @@ class Variables {
     int NumberArraySlot(const std::string& name);
     int TextArraySlot(const std::string& name);
 
+    double Number(int slot) const { return mNumbers[static_cast<std::size_t>(slot)]; }
     double& Number(int slot) { return mNumbers[static_cast<std::size_t>(slot)]; }
     const std::string& Text(int slot) const { return mTexts[static_cast<std::size_t>(slot)]; }
     void SetText(int slot, std::string value);
