@@ -44,7 +44,7 @@ TEST(FileLoad, OfNoBytesMakesAnEmptyFile) {
 TEST(FileLoad, ThatDoesNotFitTakesItsBytesAndFails) {
     PrinterBench bench("R7A?capacity=1000");
     EXPECT_EQ(Load(bench, "FILE& LOAD", "BIG", std::string(2000, '\r'), ""), "Error 1019");
-    EXPECT_EQ(Load(bench, "FILE& LOAD", "HUGE", std::string(20'000'000, '\r'), ""), "Error 1019");
+    EXPECT_EQ(Load(bench, "FILE& LOAD", "HUGE", std::string(8'000'000, '\r'), ""), "Error 1019");
     EXPECT_EQ(bench.Line("PRINT 1"), "1");
 }
 
