@@ -38,6 +38,22 @@ TEST_F(StateTest, KeepsFilesAndSetupBetweenRuns) {
     EXPECT_NE(again.Ask("SETUP WRITE\"uart1:\"").find("LABEL,WIDTH,444"), std::string::npos);
 }
 
+TEST_F(StateTest, KeptSetupRulesTheLine) {
+    {
+        PrinterBench bench(mAddress);
+        bench.Ask("SETUP\"SER-COM,UART1,BAUDRATE,57600\"");
+    }
+    PrinterBench again(mAddress + "&baud=9600");
+    LineFormat format;
+    format.baud = 9600;
+    again.Printer().SetHostFormat(format, again.Now());
+    EXPECT_EQ(again.Ask("PRINT 1").find("Ok"), std::string::npos);
+    format.baud = 57600;
+    again.Printer().SetHostFormat(format, again.Now());
+    again.Ask("");
+    EXPECT_EQ(again.Line("PRINT 1"), "1");
+}
+
 TEST_F(StateTest, FormatReachesTheFolder) {
     {
         PrinterBench bench(mAddress);
