@@ -2,6 +2,7 @@
 
 #include "common/Numbers.h"
 #include "common/QNError.h"
+#include "common/StopWatch.h"
 #include "common/Text.h"
 #include "common/modErrorHandling.h"
 #include "link/clsDataLink.h"

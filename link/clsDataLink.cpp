@@ -2,6 +2,7 @@
 
 #include "common/QNError.h"
 #include "common/RuntimeErrors.h"
+#include "common/StopWatch.h"
 #include "common/modErrorHandling.h"
 #include "link/HostCall.h"
 
