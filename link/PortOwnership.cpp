@@ -20,12 +20,18 @@ bool clsDataLink::IsExclusive() const {
     return Serial().Tag() == ExclusiveMark;
 }
 
-PortClaim clsDataLink::AcquirePort(bool bExclusive) {
+PortClaim clsDataLink::ClaimLine(bool exclusive) {
     if (mHostCalls > 0 || IsExclusive()) return {};
-    if (bExclusive) Serial().SetTag(ExclusiveMark);
-    PortClaim claim(*this, ++mUseCount, bExclusive);
+    if (exclusive) Serial().SetTag(ExclusiveMark);
+    PortClaim claim(*this, ++mUseCount, exclusive);
     if (mUseCount == 1 || mPortLost) OpenPort();
     Serial().SetReceiveMode(ReceiveToLink);
+    return claim;
+}
+
+PortClaim clsDataLink::AcquirePort(bool bExclusive) {
+    PortClaim claim = ClaimLine(bExclusive);
+    if (!claim) return claim;
     if ((mDSRDetectActive && !IsDSRActive()) || !FindPrinter(bExclusive)) {
         claim.Release();
         return {};

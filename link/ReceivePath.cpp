@@ -18,6 +18,9 @@ void clsDataLink::OnSerialEvent(SerialEvent event) {
     case SerialEventReceive:
         OnReceive();
         break;
+    case SerialEventTransfer:
+        OnTransfer();
+        break;
     case SerialEventPortLost:
         OnPortLost();
         break;

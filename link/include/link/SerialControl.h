@@ -25,6 +25,26 @@ enum SerialEvent : std::int16_t {
 /// Where received text goes.
 enum ReceiveModeValue : std::int16_t { ReceiveToLink = 0, ReceiveToTerminal = 2 };
 
+/// What a transfer in progress is about.
+enum TransferKindValue : std::int16_t { TransferKermit = 0, TransferBinary = 2 };
+
+/// The protocols of binary transfers.
+enum BinaryProtocol : std::int16_t { BinaryZModem = 5, BinaryKermit = 6 };
+
+/// Where a transfer stands. A control reports TransferStarted before any other state of a transfer
+/// and ends with TransferIdle or TransferFailed.
+enum TransferStateCode : std::int16_t {
+    TransferPending = -2, ///< nothing reported yet
+    TransferFailed = -1,
+    TransferIdle = 0, ///< none, or the last one is over
+    TransferStarted = 1,
+    TransferAnnounced = 2, ///< a file is announced: its name and size can be read
+    TransferMoving = 4,
+    TransferAborting = 6, ///< written to abort
+    TransferClosing = 7,
+    TransferAbortRequest = 9, ///< the control asks to be told to abort
+};
+
 /// The serial control's own error numbers, raised as QNError with source "PDQComm".
 enum SerialErrorNumber : std::int32_t {
     SerialErrNoSuchPort =
@@ -109,6 +129,30 @@ class SerialControl {
     /// Queues bytes for the line. The caller keeps to the free space (TransmitBufferSize less
     /// TransmitCount).
     virtual void Write(std::string_view sBytes) = 0;
+
+    // -- Transfers. While one is in progress its bytes belong to it, whatever the receive
+    // threshold: they are neither
+    //    counted nor read here. Each change of its state fires SerialEventTransfer.
+
+    virtual void SetTransferKind(std::int16_t iKind) = 0;
+    /// Protocol of the binary transfers, a BinaryProtocol.
+    virtual void SetBinaryProtocol(std::int16_t iProtocol) = 0;
+    /// Starts sending a file of this machine. A file that cannot be read, an unknown protocol and a
+    /// closed port show as TransferFailed.
+    virtual void SendFile(const std::string& sPath) = 0;
+    /// Starts receiving into a file of this machine, which stands whole or not at all when the
+    /// transfer is over.
+    virtual void ReceiveFile(const std::string& sPath) = 0;
+    virtual std::int16_t TransferState() const = 0;
+    /// TransferAborting aborts; other values do nothing.
+    virtual void SetTransferState(std::int16_t iState) = 0;
+    /// Of the file that travels, at most the largest 32-bit number; a size that the other side did
+    /// not tell is 0.
+    virtual std::int32_t TransferBytes() const = 0;
+    virtual std::int32_t TransferSize() const = 0;
+    /// The name that travels; set by the link to the target it remembers.
+    virtual std::string TransferFileName() const = 0;
+    virtual void SetTransferFileName(std::string_view sName) = 0;
 
     // -- Routing
 

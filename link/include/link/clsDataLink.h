@@ -20,6 +20,7 @@
 namespace qncomm {
 
 class DetachedSink;
+class FileTransfer;
 
 enum enumFlowControl : std::int16_t {
     No_Flowcontrol = 0,
@@ -196,11 +197,36 @@ class clsDataLink {
     /// port is refused.
     void Reboot();
 
+    // -- File transfers. Progress comes as StatusEvent ("Uploading NAME" or "Downloading NAME",
+    // percent); a handler that
+    //    cancels aborts the transfer. Raise 1023 (uploads) or 1022 (downloads) when the transfer
+    //    failed, after the port was given back. The source texts of the binary ones are those of
+    //    the Kermit ones.
+
+    /// Sends host file sSource by Kermit, with the command that makes the printer receive it;
+    /// sDestination names it on the printer ("ram:NAME" makes that device current). With bManual
+    /// the person has started the printer's side: nothing is sent and the file is not looked for
+    /// first. Raises 1011, source "clsDataLink,Upload", for a file that is not there. Does nothing
+    /// when the port is refused.
+    void KermitUpload(const std::string& sSource, const std::string& sDestination,
+                      bool bManual = false);
+    /// Receives printer file sSource by Kermit into host file sDestination. Percentages count
+    /// against lFileSize bytes when it is not 0, else against the size that the printer tells.
+    void KermitDownload(const std::string& sSource, const std::string& sDestination,
+                        std::int32_t lFileSize = 0);
+    /// Sends a host file over the open port to a printer that is waiting for it. Claims nothing.
+    /// Raises 1011 and 1024 (port closed), source "clsDataLink, BinaryUpload".
+    void BinaryUpload(const std::string& sSource, std::int16_t iProtocol = BinaryZModem);
+    /// Receives into a host file from a printer that is sending. Claims nothing; a closed port ends
+    /// in 1022.
+    void BinaryDownload(const std::string& sDestination, std::int16_t iProtocol = BinaryZModem);
+
   private:
     friend class PortClaim;
     friend class AutoConnectSearch;
     friend class HostCall;
     friend class DetachedSink;
+    friend class FileTransfer;
 
     SerialControl& Serial() const;
     void AttachSink();
@@ -248,6 +274,13 @@ class clsDataLink {
     void GetPrinterError(std::string_view line);
     void GetVersion();
     void WaitForBoot(DetachedSink& detached);
+    void OnTransfer();
+    /// A claim that opens the port and sends nothing.
+    PortClaim ClaimLine(bool exclusive);
+    bool RunKermit(PortClaim claim, FileTransfer& transfer, const std::string& command,
+                   const std::function<void()>& start);
+    bool RunBinary(FileTransfer& transfer, std::int16_t protocol,
+                   const std::function<void()>& start);
 
     LinkHost mHost;
     SerialControl* mSerial = nullptr;
@@ -275,6 +308,9 @@ class clsDataLink {
     std::string mReceived; ///< received text with CR LF line ends, in receive mode 0
     bool mReceiveOverflow = false;
     bool mEndedInCr = false; ///< the text delivered last ended in a CR of its own
+
+    std::int16_t mTransferState = TransferIdle;
+    std::string mTransferTarget; ///< what the control is told to call the file that travels
 
     bool mImmediateMode = false;
     std::int16_t mStdio = 0;

@@ -1,0 +1,248 @@
+// Files over the line: Kermit transfers that the link starts on both sides, binary ones that find
+// the printer waiting.
+
+#include "FileTransfer.h"
+
+#include "common/Numbers.h"
+#include "common/QNError.h"
+#include "common/StopWatch.h"
+#include "common/Text.h"
+#include "common/modErrorHandling.h"
+
+#include <algorithm>
+#include <limits>
+#include <utility>
+
+namespace qncomm {
+namespace {
+
+constexpr std::int32_t FailureDelay = 1000;
+constexpr std::int32_t OkTimeout = 2000;
+constexpr std::int32_t WakeInterval = 1000; ///< states come as events; this only bounds a sleep
+constexpr std::int32_t AbortLimit = 10000;  ///< a control that does not end is left to its fate
+constexpr std::int32_t SmallFile = 10240;
+constexpr std::int16_t AllDone = 100;
+constexpr std::int16_t NoProgress = -1;
+
+constexpr std::string_view UploadVerb = "Uploading ";
+constexpr std::string_view DownloadVerb = "Downloading ";
+// The binary operations report with the same texts.
+constexpr std::string_view UploadFailedSource = "QNComm, clsDataLink:KermitUpload";
+constexpr std::string_view DownloadFailedSource = "QNComm, clsDataLink:KermitDownload";
+
+/// Received bytes stay on the port while it lives.
+class NoReceiveEvents {
+  public:
+    explicit NoReceiveEvents(SerialControl& serial) : mSerial(serial) {
+        mSerial.SetReceiveThreshold(0);
+    }
+    ~NoReceiveEvents() { mSerial.SetReceiveThreshold(1); }
+    NoReceiveEvents(const NoReceiveEvents&) = delete;
+    NoReceiveEvents& operator=(const NoReceiveEvents&) = delete;
+
+  private:
+    SerialControl& mSerial;
+};
+
+std::string InQuotes(std::string_view text) {
+    return "\"" + std::string(text) + "\"";
+}
+
+std::string UploadCommand(const std::string& destination) {
+    const std::string receive = "TRANSFER K " + InQuotes("R") + "\r\n";
+    const std::size_t colon = destination.find(':');
+    if (colon == std::string::npos) return receive;
+    return "CHDIR" + InQuotes(destination.substr(0, colon + 1)) + ":" + receive;
+}
+
+std::string DownloadCommand(const std::string& source) {
+    return "TRANSFER K " + InQuotes("S") + "," + InQuotes(source) + "\r\n";
+}
+
+/// What an uploaded file is called on the printer.
+std::string TargetName(const std::string& source, const std::string& destination) {
+    const std::string name = destination.substr(destination.find(':') + 1);
+    return name.empty() ? FileNameOf(source) : name;
+}
+
+std::int16_t Percent(std::int32_t bytes, std::int32_t size) {
+    if (size <= 0) return AllDone;
+    const double percent = 100.0 * bytes / size;
+    return ToInt16(std::min<double>(percent, std::numeric_limits<std::int16_t>::max()));
+}
+
+void RaiseUnless(bool done, std::int32_t number, std::string_view source) {
+    if (!done) RaiseError(number, source);
+}
+
+} // namespace
+
+FileTransfer::FileTransfer(clsDataLink& link, Job job) : mLink(link), mJob(std::move(job)) {}
+
+FileTransfer::~FileTransfer() {
+    if (mLink.mSerial == nullptr) return;
+    try { // an error or the end of the program must not leave a transfer running on a port that
+          // goes on
+        if (Serial().TransferState() >= TransferStarted)
+            Serial().SetTransferState(TransferAborting);
+    } catch (const QNError&) { // NOLINT(bugprone-empty-catch): the port is gone
+    }
+}
+
+bool FileTransfer::Run(const std::function<void()>& start) {
+    mLink.mTransferTarget = mJob.target;
+    mLink.mTransferState = TransferPending;
+    start();
+    for (;;) {
+        const Step step = Follow(mLink.mTransferState);
+        if (step == Step::Failed) mLink.Delay(FailureDelay);
+        if (step != Step::GoOn) return step == Step::Over;
+        mLink.Yield(WakeInterval);
+    }
+}
+
+FileTransfer::Step FileTransfer::Follow(std::int16_t state) {
+    switch (state) {
+    case TransferIdle:
+        return mSeen ? Step::Over : Step::GoOn;
+    case TransferFailed:
+    case TransferAborting:
+        return Step::Failed;
+    case TransferAbortRequest:
+        Serial().SetTransferState(TransferAborting);
+        return Step::GoOn;
+    case TransferStarted:
+    case TransferClosing:
+        break;
+    case TransferAnnounced:
+        Announced();
+        break;
+    case TransferMoving:
+        ReportProgress();
+        break;
+    default:
+        return Step::GoOn;
+    }
+    mSeen = true;
+    return Step::GoOn;
+}
+
+void FileTransfer::Announced() {
+    if (mJob.size == 0) mJob.size = Serial().TransferSize();
+    if (mJob.nameComesFromControl) mJob.name = Serial().TransferFileName();
+    mStepPercent = mJob.size < SmallFile ? 1 : 2;
+    ReportProgress();
+}
+
+void FileTransfer::ReportProgress() {
+    const std::int16_t percent = Percent(Serial().TransferBytes(), mJob.size);
+    if (percent % mStepPercent != 0 || percent == mReported) return;
+    mReported = percent;
+    Report(percent);
+}
+
+void FileTransfer::Report(std::int16_t percent) {
+    if (mLink.ReportStatus(std::string(mJob.verb) + mJob.name, percent))
+        Serial().SetTransferState(TransferAborting);
+}
+
+void FileTransfer::Abort() {
+    try {
+        const StopWatch watch(mLink.mHost.loop);
+        while (Serial().TransferState() >= TransferStarted && watch.ElapsedMs() <= AbortLimit) {
+            Serial().SetTransferState(TransferAborting);
+            mLink.Yield(WakeInterval);
+        }
+    } catch (const QNError& error) {
+        mLink.mHost.desktop.Log(error.Description());
+    }
+}
+
+void clsDataLink::OnTransfer() {
+    mTransferState = Serial().TransferState();
+    if (mTransferState == TransferAnnounced) Serial().SetTransferFileName(mTransferTarget);
+}
+
+bool clsDataLink::RunKermit(PortClaim claim, FileTransfer& transfer, const std::string& command,
+                            const std::function<void()>& start) {
+    const NoReceiveEvents polled(Serial());
+    Serial().FlushTransmit();
+    Serial().FlushReceive();
+    Serial().SetTransferKind(TransferKermit);
+    if (!command.empty()) OutputText(std::string(command), true);
+    const bool done = transfer.Run(start);
+    transfer.Report(AllDone);
+    WaitForOk(OkTimeout);
+    transfer.Report(NoProgress);
+    transfer.Abort();
+    claim.Release();
+    return done;
+}
+
+void clsDataLink::KermitUpload(const std::string& sSource, const std::string& sDestination,
+                               bool bManual) {
+    if (!bManual && !FileExists(sSource)) RaiseError(ErrUploadName, "clsDataLink,Upload");
+    PortClaim claim = bManual ? ClaimLine(false) : AcquirePort();
+    if (!claim) return;
+    FileTransfer transfer(*this, {.verb = UploadVerb,
+                                  .name = FileNameOf(sSource),
+                                  .target = TargetName(sSource, sDestination),
+                                  .nameComesFromControl = true});
+    const std::string command = bManual ? std::string() : UploadCommand(sDestination);
+    const bool done =
+        RunKermit(std::move(claim), transfer, command, [&] { Serial().SendFile(sSource); });
+    RaiseUnless(done, ErrUploadTimeout, UploadFailedSource);
+}
+
+void clsDataLink::KermitDownload(const std::string& sSource, const std::string& sDestination,
+                                 std::int32_t lFileSize) {
+    PortClaim claim = AcquirePort();
+    if (!claim) return;
+    FileTransfer transfer(
+        *this, {.verb = DownloadVerb, .name = sSource, .target = sDestination, .size = lFileSize});
+    const bool done = RunKermit(std::move(claim), transfer, DownloadCommand(sSource),
+                                [&] { Serial().ReceiveFile(sDestination); });
+    RaiseUnless(done, ErrDownloadTimeout, DownloadFailedSource);
+}
+
+bool clsDataLink::RunBinary(FileTransfer& transfer, std::int16_t protocol,
+                            const std::function<void()>& start) {
+    Serial().FlushTransmit();
+    Serial().FlushReceive();
+    Serial().SetBinaryProtocol(protocol);
+    Serial().SetTransferKind(TransferBinary);
+    const bool done = transfer.Run(start);
+    transfer.Report(AllDone);
+    transfer.Report(NoProgress);
+    transfer.Abort();
+    Settle(); // the terminal may have been shown or hidden meanwhile
+    return done;
+}
+
+void clsDataLink::BinaryUpload(const std::string& sSource, std::int16_t iProtocol) {
+    constexpr std::string_view source = "clsDataLink, BinaryUpload";
+    if (!FileExists(sSource)) RaiseError(ErrUploadName, source);
+    if (!Serial().PortOpen()) RaiseError(ErrPortNotOpen, source);
+    if (mHostCalls > 0) return;
+    FileTransfer transfer(*this, {.verb = UploadVerb,
+                                  .name = FileNameOf(sSource),
+                                  .target = FileNameOf(sSource),
+                                  .nameComesFromControl = true});
+    const bool done = RunBinary(transfer, iProtocol, [&] { Serial().SendFile(sSource); });
+    RaiseUnless(done, ErrUploadTimeout, UploadFailedSource);
+}
+
+void clsDataLink::BinaryDownload(const std::string& sDestination, std::int16_t iProtocol) {
+    if (mHostCalls > 0) return;
+    bool done = false;
+    {
+        FileTransfer transfer(
+            *this,
+            {.verb = DownloadVerb, .name = FileNameOf(sDestination), .target = sDestination});
+        const NoReceiveEvents polled(Serial());
+        done = RunBinary(transfer, iProtocol, [&] { Serial().ReceiveFile(sDestination); });
+    }
+    RaiseUnless(done, ErrDownloadTimeout, DownloadFailedSource);
+}
+
+} // namespace qncomm
