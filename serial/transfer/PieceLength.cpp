@@ -1,0 +1,41 @@
+#include "PieceLength.h"
+
+#include <algorithm>
+#include <cmath>
+
+namespace qncomm::transfer {
+
+namespace {
+
+// What was seen this many errors ago hardly counts any more.
+constexpr double kForget = 0.9;
+// An error right at the start says little about the rate.
+constexpr double kLeastBytes = 256;
+
+} // namespace
+
+void PieceLength::Travelled(std::size_t bytes) {
+    mBytes += static_cast<double>(bytes);
+    mCurrent = std::min(mCurrent * 2, mLimits.longest);
+}
+
+void PieceLength::Lost() {
+    mErrors = mErrors * kForget + 1;
+    mBytes *= kForget;
+}
+
+void PieceLength::Limit(std::size_t longest) {
+    mLimits.longest = std::max(mLimits.shortest, std::min(mLimits.longest, longest));
+}
+
+std::size_t PieceLength::Current() const {
+    const std::size_t now = std::min(mCurrent, mLimits.longest);
+    if (mErrors <= 0) return now;
+    const double rate = mErrors / (std::max(mBytes, kLeastBytes) + kLeastBytes);
+    const double best = std::sqrt(mLimits.frame / (mLimits.lostPieces * rate));
+    const double held = std::clamp(best, static_cast<double>(mLimits.shortest),
+                                   static_cast<double>(mLimits.longest));
+    return std::min(now, static_cast<std::size_t>(held));
+}
+
+} // namespace qncomm::transfer
