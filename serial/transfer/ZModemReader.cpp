@@ -23,6 +23,10 @@ constexpr std::array<bool, 256> MakePlain(bool bControlsAreNoise) {
 constexpr std::array<bool, 256> kPlain = MakePlain(false);
 constexpr std::array<bool, 256> kPlainNoControls = MakePlain(true);
 
+bool EndsLine(char c) {
+    return (c & 0x7F) == '\r' || (c & 0x7F) == '\n';
+}
+
 int HexDigit(char c) {
     if (c >= '0' && c <= '9') return c - '0';
     if (c >= 'a' && c <= 'f') return c - 'a' + 10;
@@ -45,7 +49,8 @@ bool SumIsRight(bool bCrc32, std::string_view bytes, std::string_view mark, std:
 } // namespace
 
 void ZModemReader::ExpectData() {
-    mState = State::Content;
+    // A hex header is a line of its own: its end stands before the content.
+    mState = mHex ? State::LineEnd : State::Content;
     mContent.clear();
     mContentRead = false;
     mEscaped = false;
@@ -70,6 +75,14 @@ ZModemReader::Item ZModemReader::Next(std::string_view& in) {
             if (in.empty()) break;
         }
         const char c = in.front();
+        if (mState == State::LineEnd) {
+            mState = State::Content;
+            if (EndsLine(c) || IsNoise(c)) {
+                if ((c & 0x7F) == '\r') mState = State::LineEnd;
+                in.remove_prefix(1);
+            }
+            continue;
+        }
         in.remove_prefix(1);
         switch (mState) {
         case State::Hunt:
@@ -117,7 +130,8 @@ ZModemReader::Item ZModemReader::ReadKind(char c) {
     mBody.clear();
     mEscaped = false;
     mCrc32 = c == zm::kBin32;
-    mState = c == zm::kHex ? State::HexBody : State::BinaryBody;
+    mHex = c == zm::kHex;
+    mState = mHex ? State::HexBody : State::BinaryBody;
     return Item::None;
 }
 

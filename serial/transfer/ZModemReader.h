@@ -43,6 +43,7 @@ class ZModemReader {
         Kind,
         HexBody,
         BinaryBody,
+        LineEnd, // of a hex header that content follows
         Content,
         ContentSum,
     };
@@ -61,6 +62,7 @@ class ZModemReader {
 
     State mState = State::Hunt;
     bool mCrc32 = false;
+    bool mHex = false;
     bool mIgnoreControls = false;
     bool mEscaped = false;
     bool mContentRead = false;

@@ -151,8 +151,10 @@ void ZModemSender::OnReceiverReady(Time now) {
 void ZModemSender::SendAttention(Time now) {
     m->state = State::Attention;
     const std::uint8_t flags = m->options.bEscapeControls ? zm::kEscapeControls : 0;
-    m->writer.Hex(OutputBuffer(), ZModemHeader::WithFlags(zm::SInit, flags));
-    m->writer.Subpacket(OutputBuffer(), m->options.sAttention.substr(0, 31) + '\0', zm::kEndWait);
+    ZModemWriter writer = m->writer;
+    writer.UseCrc32(false); // what follows a hex header has the sum of one
+    writer.Hex(OutputBuffer(), ZModemHeader::WithFlags(zm::SInit, flags));
+    writer.Subpacket(OutputBuffer(), m->options.sAttention.substr(0, 31) + '\0', zm::kEndWait);
     Arm(kHelloEvery, now);
 }
 
