@@ -26,7 +26,7 @@ void FlowWindow::Marked(std::uint64_t position, Time now) {
     mMarks.push_back({position, now, mAcknowledged, mAcknowledgedAt});
 }
 
-void FlowWindow::Acknowledged(std::uint64_t position, Time now) {
+void FlowWindow::Acknowledged(std::uint64_t position, Time now, bool bTimed) {
     if (position < mAcknowledged) return;
     bool found = false;
     Mark mark{};
@@ -37,7 +37,7 @@ void FlowWindow::Acknowledged(std::uint64_t position, Time now) {
     }
     const std::uint64_t before = mAcknowledged;
     mAcknowledged = position;
-    if (found && mark.position == position && position > before) TakeSample(mark, now);
+    if (bTimed && found && mark.position == position && position > before) TakeSample(mark, now);
     mAcknowledgedAt = now;
 }
 

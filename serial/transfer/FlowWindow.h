@@ -13,8 +13,9 @@ class FlowWindow {
   public:
     // A mark was put on the line: `position` counts all bytes of the stream so far.
     void Marked(std::uint64_t position, Time now);
-    // The other side has everything up to `position`.
-    void Acknowledged(std::uint64_t position, Time now);
+    // Everything up to `position` has left the line. `bTimed`: the answer is to this mark and to no
+    // earlier try, so that rate and round trip can be told from it.
+    void Acknowledged(std::uint64_t position, Time now, bool bTimed = true);
     // Marks under way will not be acknowledged: the stream goes on from `position`.
     void Restart(std::uint64_t position);
 

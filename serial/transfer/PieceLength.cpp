@@ -16,7 +16,7 @@ constexpr double kLeastBytes = 256;
 
 void PieceLength::Travelled(std::size_t bytes) {
     mBytes += static_cast<double>(bytes);
-    mCurrent = std::min(mCurrent * 2, mLimits.longest);
+    mGrown += static_cast<double>(bytes) / mLimits.evidence;
 }
 
 void PieceLength::Lost() {
@@ -29,7 +29,8 @@ void PieceLength::Limit(std::size_t longest) {
 }
 
 std::size_t PieceLength::Current() const {
-    const std::size_t now = std::min(mCurrent, mLimits.longest);
+    const std::size_t now =
+        static_cast<std::size_t>(std::min(mGrown, static_cast<double>(mLimits.longest)));
     if (mErrors <= 0) return now;
     const double rate = mErrors / (std::max(mBytes, kLeastBytes) + kLeastBytes);
     const double best = std::sqrt(mLimits.frame / (mLimits.lostPieces * rate));

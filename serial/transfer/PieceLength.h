@@ -13,11 +13,13 @@ class PieceLength {
         std::size_t first; // to begin with
         std::size_t shortest;
         std::size_t longest;
-        double frame;      // bytes that each piece costs beyond its content
+        double frame;    // bytes that each piece costs beyond its content
+        double evidence; // bytes that have to travel well for each byte of a piece beyond the first
         double lostPieces; // pieces that one damaged byte costs
     };
 
-    explicit PieceLength(const Limits& limits) : mLimits(limits), mCurrent(limits.first) {}
+    explicit PieceLength(const Limits& limits)
+        : mLimits(limits), mGrown(static_cast<double>(limits.first)) {}
 
     // `bytes` travelled well.
     void Travelled(std::size_t bytes);
@@ -30,7 +32,7 @@ class PieceLength {
 
   private:
     Limits mLimits;
-    std::size_t mCurrent;
+    double mGrown;
     double mBytes = 0;
     double mErrors = 0;
 };

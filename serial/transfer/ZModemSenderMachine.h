@@ -29,7 +29,7 @@ struct ZModemSender::Machine {
 
     explicit Machine(ZModemSenderOptions given)
         : options(std::move(given)),
-          piece({std::min<std::size_t>(256, Longest()), 32, Longest(), 10, 3}) {}
+          piece({std::min<std::size_t>(256, Longest()), 32, Longest(), 10, 1, 3}) {}
     [[nodiscard]] std::size_t Longest() const {
         return std::clamp<std::size_t>(options.subpacket, 32, 8192);
     }
