@@ -9,7 +9,9 @@ namespace qncomm::transfer {
 namespace {
 
 constexpr std::size_t kShortHeader = 3; // length, sequence, type
-constexpr std::size_t kLongHeader = 6;  // and two of the extended length and the header's check
+// One more than a length field may say: programs are about that fill it to the brim.
+constexpr unsigned kLongestTaken = 95;
+constexpr std::size_t kLongHeader = 6; // and two of the extended length and the header's check
 
 } // namespace
 
@@ -68,14 +70,14 @@ void KermitReader::TakeBody(std::string_view& in) {
 std::size_t KermitReader::Needed() const {
     if (mBody.empty()) return 1;
     const unsigned length = kermit::FromChar(mBody[0]);
-    if (length != 0) return length <= kermit::kLongestShort ? 1 + length : 1;
+    if (length != 0) return length <= kLongestTaken ? 1 + length : 1;
     if (mBody.size() < kLongHeader) return kLongHeader;
     return kLongHeader + kermit::FromChar(mBody[3]) * 95 + kermit::FromChar(mBody[4]);
 }
 
 bool KermitReader::HeaderIsWrong() const {
     const unsigned length = kermit::FromChar(mBody[0]);
-    if (length != 0) return length < 3 || length > kermit::kLongestShort;
+    if (length != 0) return length < 3 || length > kLongestTaken;
     if (mBody.size() < kLongHeader) return false;
     const std::string_view header = mBody;
     return KermitCheck(1, header.substr(0, kLongHeader - 1))[0] != mBody[kLongHeader - 1]

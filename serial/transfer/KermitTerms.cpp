@@ -13,6 +13,7 @@ constexpr unsigned kCanResume = 16;
 constexpr unsigned kMoreCapabilities = 1;
 constexpr unsigned kTimeout = 10; // seconds that the other side is asked to wait before it repeats
 constexpr unsigned kShortDefault = 80;
+constexpr std::size_t kLongFrame = 8; // mark, header with its check, end of line
 
 // Places in the data of a packet that opens a session.
 enum Field : std::size_t {
@@ -112,8 +113,9 @@ KermitTerms Common(const KermitOptions& options, const Words& words) {
 } // namespace
 
 std::size_t KermitTerms::DataRoom() const {
-    // A long packet's field counts data and check, a short one's also sequence and type.
-    if (longest > kermit::kLongestShort) return longest - check;
+    // The field of a short packet counts sequence, type, data and check. How a long one is meant is
+    // read in two ways; the whole packet from mark to end of line is counted here, which fits both.
+    if (longest > kermit::kLongestShort) return longest - kLongFrame - check;
     return longest - 2 - check;
 }
 

@@ -19,19 +19,20 @@ class PieceLength {
     };
 
     explicit PieceLength(const Limits& limits)
-        : mLimits(limits), mGrown(static_cast<double>(limits.first)) {}
+        : mLimits(limits), mCap(limits.longest), mGrown(static_cast<double>(limits.first)) {}
 
     // `bytes` travelled well.
     void Travelled(std::size_t bytes);
     // One piece was lost.
     void Lost();
-    // No longer than this from here on (never below the shortest).
+    // No longer than this until told otherwise (never below the shortest).
     void Limit(std::size_t longest);
 
     [[nodiscard]] std::size_t Current() const;
 
   private:
     Limits mLimits;
+    std::size_t mCap;
     double mGrown;
     double mBytes = 0;
     double mErrors = 0;

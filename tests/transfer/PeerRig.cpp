@@ -1,5 +1,6 @@
 #include "PeerRig.h"
 
+#include <algorithm>
 #include <chrono>
 #include <cstdlib>
 #include <fstream>
@@ -16,10 +17,13 @@ Time Now() {
     return std::chrono::duration_cast<Time>(std::chrono::steady_clock::now().time_since_epoch());
 }
 
+// How long an end may take to be over after the program at the other one has ended.
+constexpr Time kAfterPeer = std::chrono::seconds(5);
+
 void WaitFor(PeerProcess& peer, bool bWrite, Time span) {
     pollfd ready{peer.Descriptor(), static_cast<short>(bWrite ? POLLIN | POLLOUT : POLLIN), 0};
     const auto wait = std::chrono::ceil<std::chrono::milliseconds>(span).count();
-    poll(&ready, 1, static_cast<int>(std::clamp<std::int64_t>(wait, 0, 100)));
+    poll(&ready, peer.HasEnded() ? 0 : 1, static_cast<int>(std::clamp<std::int64_t>(wait, 0, 100)));
 }
 
 } // namespace
@@ -65,6 +69,21 @@ std::vector<MemoryFile> KeptFiles() {
             {"a name.bin", RandomBytes(3000, 13)}};
 }
 
+void ExpectArrived(const ScratchFolder& folder, const std::vector<MemoryFile>& files) {
+    for (const auto& file : files) {
+        const auto content = folder.Get(file.sName);
+        EXPECT_TRUE(content && *content == file.content) << file.sName;
+    }
+}
+
+void ExpectReceived(const MemorySink& sink, const std::vector<MemoryFile>& files) {
+    ASSERT_EQ(sink.Whole().size(), files.size());
+    for (std::size_t i = 0; i < files.size(); ++i) {
+        EXPECT_EQ(sink.Whole()[i].sName, files[i].sName);
+        EXPECT_TRUE(sink.Whole()[i].content == files[i].content) << files[i].sName;
+    }
+}
+
 bool PeersAreInstalled(const std::vector<std::string>& programs) {
     for (const auto& program : programs) {
         if (PeerProcess::IsInstalled(program)) continue;
@@ -81,15 +100,21 @@ bool PeersAreInstalled(const std::vector<std::string>& programs) {
 bool RunAgainst(TransferEngine& engine, FileSource* source, FileSink* sink, PeerProcess& peer,
                 Time limit) {
     const Time start = Now();
+    Time end = start + limit;
     engine.Start(start);
-    for (Time now = start; now - start < limit; now = Now()) {
+    for (Time now = start; now < end; now = Now()) {
+        const bool ended = peer.HasEnded();
         const std::string arrived = peer.Read();
         if (!arrived.empty()) engine.Receive(arrived, now);
         if (const auto due = engine.NextDeadline(); due && *due <= now) engine.Tick(now);
         const std::string_view output = ServedOutput(engine, source, sink, now);
-        const std::size_t sent = peer.Write(output);
+        // What is said to a program that has ended is not heard, and counts as said.
+        const std::size_t sent = ended ? output.size() : peer.Write(output);
         engine.Sent(sent, now);
-        if (peer.HasEnded() && (engine.IsOver() || arrived.empty())) return engine.IsOver();
+        if (ended && arrived.empty()) {
+            if (engine.IsOver()) return true;
+            end = std::min(end, now + kAfterPeer);
+        }
         const auto due = engine.NextDeadline();
         const bool idle = arrived.empty() && sent == 0;
         if (idle) WaitFor(peer, !output.empty(), due ? *due - now : std::chrono::milliseconds(20));

@@ -27,6 +27,10 @@ class ScratchFolder {
 // Files that every peer has to carry in both directions.
 std::vector<MemoryFile> KeptFiles();
 
+// Checks that the files stand in the folder, or in the sink in their order and nothing else.
+void ExpectArrived(const ScratchFolder& folder, const std::vector<MemoryFile>& files);
+void ExpectReceived(const MemorySink& sink, const std::vector<MemoryFile>& files);
+
 // True when all programs are installed. When one is missing, says so in a line, and fails the test
 // when CI is set.
 bool PeersAreInstalled(const std::vector<std::string>& programs);

@@ -12,13 +12,6 @@ using namespace std::chrono_literals;
 
 using Flags = std::vector<std::string>;
 
-void ExpectArrived(const ScratchFolder& folder, const std::vector<MemoryFile>& files) {
-    for (const auto& file : files) {
-        const auto content = folder.Get(file.sName);
-        EXPECT_TRUE(content && *content == file.content) << file.sName;
-    }
-}
-
 } // namespace
 
 class ZModemPeers : public ::testing::TestWithParam<Flags> {};
@@ -57,12 +50,7 @@ TEST_P(ZModemPeers, SendWhatIsReceived) {
     EXPECT_TRUE(RunAgainst(receiver, nullptr, &sink, peer, 50s));
     EXPECT_EQ(receiver.Outcome(), Outcome::Success) << receiver.Reason();
     EXPECT_EQ(receiver.Progress().repairs, 0U);
-    const auto files = KeptFiles();
-    ASSERT_EQ(sink.Whole().size(), files.size());
-    for (std::size_t i = 0; i < files.size(); ++i) {
-        EXPECT_EQ(sink.Whole()[i].sName, files[i].sName);
-        EXPECT_TRUE(sink.Whole()[i].content == files[i].content) << files[i].sName;
-    }
+    ExpectReceived(sink, KeptFiles());
 }
 
 INSTANTIATE_TEST_SUITE_P(Settings, ZModemPeers,
