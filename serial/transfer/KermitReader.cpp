@@ -93,10 +93,7 @@ KermitReader::Item KermitReader::Finish() {
     mPacket.sequence = kermit::FromChar(mBody[1]);
     if (mPacket.sequence >= kermit::kSequences) return Item::Damage;
     const bool opens = type == kermit::kSendInit || type == kermit::kServerInit;
-    if (TakeWith(opens ? 1 : mCheck, start)) return Item::Packet;
-    // The last word of a program that did not get as far as agreeing on a check.
-    if (type == kermit::kError && TakeWith(1, start)) return Item::Packet;
-    return Item::Damage;
+    return TakeWith(opens ? 1 : mCheck, start) ? Item::Packet : Item::Damage;
 }
 
 bool KermitReader::TakeWith(unsigned check, std::size_t start) {

@@ -5,6 +5,12 @@
 
 namespace qncomm::transfer {
 
+namespace {
+
+constexpr std::size_t kBatch = 16384;
+
+} // namespace
+
 void TransferEngine::Start(Time now) {
     mLastHeard = now;
     mPhase = Phase::Starting;
@@ -60,8 +66,13 @@ void TransferEngine::Answer(const transfer::Answer& answer, Time now) {
 }
 
 std::string_view TransferEngine::Output(Time now) {
-    if (!HasOutput() && mOutcome == Outcome::Running && !mRequest && mPhase != Phase::Idle) {
-        OnProduce(now);
+    if (!HasOutput() && mPhase != Phase::Idle) {
+        // Several pieces at once spare the caller calls; how many may be under way the engine limits by itself.
+        std::size_t before = 0;
+        do {
+            before = mOutput.size();
+            if (mOutcome == Outcome::Running && !mRequest) OnProduce(now);
+        } while (mOutput.size() > before && mOutput.size() < kBatch);
     }
     return std::string_view(mOutput).substr(mOutputTaken);
 }
