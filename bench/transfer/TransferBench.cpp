@@ -145,7 +145,8 @@ bool RunRow(const Row& row, const std::string& end, std::uint64_t seed) {
               << (result.bBothEnded ? "" : ", did not end") << ", status " << sender.Status() << '/'
               << receiver.Status() << ", " << result.seconds << " s, ";
     if (row.rate > 0) {
-        std::cout << 100 * rate / row.rate << " % of the line";
+        const double busy = static_cast<double>(result.carried) / row.rate / result.seconds;
+        std::cout << 100 * rate / row.rate << " % of the line (busy " << 100 * busy << " %)";
     } else {
         std::cout << rate * 1e-6 << " MB/s";
     }

@@ -11,7 +11,7 @@ constexpr int kRoundsToSettle = 2;
 constexpr double kGrowth = 1.25;
 // What the two ends and the driver may take to get to their bytes; a queue of this length costs
 // little after damage.
-constexpr Time kJitter = std::chrono::milliseconds(10);
+constexpr Time kJitter = std::chrono::milliseconds(15);
 constexpr double kLongestDrain = 10; // seconds
 constexpr std::uint64_t kLargest = 4U << 20U;
 

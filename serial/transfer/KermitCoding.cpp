@@ -11,9 +11,9 @@ constexpr std::size_t kLongestRun = 94;
 constexpr std::size_t kLongestCoded =
     5; // repeat prefix, count, bit prefix, control prefix, character
 
-// Characters that something between the two ends is known to act on: interrupts, line ends, shifts,
-// flow control, the escapes of terminal servers and modems.
-constexpr std::string_view kRisky("\x00\x01\x03\x0A\x0D\x0E\x0F\x10\x11\x13\x18\x1D\x1E\x7F", 14);
+// Characters that something between the two ends is known to act on: interrupts, line ends, flow
+// control, the escapes of terminal servers and modems.
+constexpr std::string_view kRisky("\x00\x01\x03\x0D\x10\x11\x13\x18\x1D\x1E\x7F", 11);
 // What ends or begins a packet.
 constexpr std::string_view kNeeded("\x00\x01\x0D", 3);
 
