@@ -133,7 +133,7 @@ bool RunRow(const Row& row, const std::string& end, std::uint64_t seed) {
     line.rate = row.rate;
     line.latency = std::chrono::microseconds(static_cast<long>(row.delay * 1e6));
     line.faults.flip = row.damage;
-    line.buffer = row.rate > 0 ? 512 : 65536;
+    line.buffer = row.rate > 0 ? 4096 : 65536;
     PeerProcess receiver(Fill(row.receiver, end), (base / "to").string());
     PeerProcess sender(Fill(row.sender, end), (base / "from").string());
     const auto result = bench::RunRelay(sender, receiver, line, seed, kMost);

@@ -11,6 +11,11 @@ namespace qncomm::transfer {
 // and has to be sent again after damage.
 class FlowWindow {
   public:
+    // `mostJitter`: how much time's worth of bytes may stand queued at most because round trips
+    // vary. What is sent again after damage grows with it when everything behind the damage has to
+    // be sent again.
+    explicit FlowWindow(Time mostJitter) : mMostJitter(mostJitter) {}
+
     // A mark was put on the line: `position` counts all bytes of the stream so far.
     void Marked(std::uint64_t position, Time now);
     // Everything up to `position` has left the line. `bTimed`: the answer is to this mark and to no
@@ -52,6 +57,7 @@ class FlowWindow {
     void TakeSample(const Mark& mark, Time now);
     void Grow();
 
+    Time mMostJitter;
     std::deque<Mark> mMarks;
     std::deque<double> mSamples; // rates, bytes per second
     Time mShortest{0};

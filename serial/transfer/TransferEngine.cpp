@@ -67,7 +67,8 @@ void TransferEngine::Answer(const transfer::Answer& answer, Time now) {
 
 std::string_view TransferEngine::Output(Time now) {
     if (!HasOutput() && mPhase != Phase::Idle) {
-        // Several pieces at once spare the caller calls; how many may be under way the engine limits by itself.
+        // Several pieces at once spare the caller calls; how many may be under way the engine
+        // limits by itself.
         std::size_t before = 0;
         do {
             before = mOutput.size();
@@ -83,7 +84,7 @@ void TransferEngine::Sent(std::size_t count, Time now) {
         mOutput.clear();
         mOutputTaken = 0;
     }
-    if (mTimer && count != 0) mTimer = now + mTimerSpan;
+    if (mTimer && mTimerSpan != Time{0} && count != 0) mTimer = now + mTimerSpan;
 }
 
 void TransferEngine::Cancel(Time) {
@@ -113,6 +114,11 @@ void TransferEngine::AskClose(bool bWhole) {
 
 void TransferEngine::Arm(Time span, Time now) {
     mTimerSpan = span;
+    mTimer = now + span;
+}
+
+void TransferEngine::ArmFixed(Time span, Time now) {
+    mTimerSpan = Time{0};
     mTimer = now + span;
 }
 

@@ -134,11 +134,10 @@ void ZModemReceiver::OnFin(Time now) {
         Fail("the sender ended the session before the file was whole");
         return;
     }
+    if (m->state != State::Finished) ArmFixed(kFarewellEvery * kFarewellTries, now);
     m->state = State::Finished;
     Enter(Phase::Closing);
-    m->tries = 0;
     m->writer.Hex(OutputBuffer(), ZModemHeader::At(zm::Fin, 0));
-    Arm(kFarewellEvery * kFarewellTries, now);
 }
 
 void ZModemReceiver::OnDamage(bool bHeader, Time now) {

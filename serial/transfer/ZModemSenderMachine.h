@@ -37,7 +37,7 @@ struct ZModemSender::Machine {
     ZModemSenderOptions options;
     ZModemReader reader;
     ZModemWriter writer;
-    FlowWindow flow;
+    FlowWindow flow{std::chrono::milliseconds(40)};
     PieceLength piece;
     State state = State::Hello;
     int finishTries = 0;

@@ -10,11 +10,12 @@ namespace qncomm::transfer::testing {
 template <class Sender, class Receiver, class SenderOptions, class ReceiverOptions>
 struct EnginePair {
     EnginePair(std::vector<MemoryFile> files, const LineSettings& line, std::uint64_t seed = 1,
-               SenderOptions sending = {}, ReceiverOptions receiving = {})
+               SenderOptions sending = {}, ReceiverOptions receiving = {},
+               const std::optional<LineSettings>& back = std::nullopt)
         : sender(std::move(sending)),
           receiver(std::move(receiving)),
           source(std::move(files)),
-          rig(sender, source, receiver, sink, line, seed) {}
+          rig(sender, source, receiver, sink, line, back.value_or(line), seed) {}
 
     // The share of the line's rate that the file of `size` bytes travelled with.
     [[nodiscard]] double Share(std::size_t size, double rate) const {

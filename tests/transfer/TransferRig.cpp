@@ -12,10 +12,15 @@ constexpr Time kStep = std::chrono::milliseconds(1);
 
 TransferRig::TransferRig(TransferEngine& sender, FileSource& source, TransferEngine& receiver,
                          FileSink& sink, const LineSettings& settings, std::uint64_t seed)
+    : TransferRig(sender, source, receiver, sink, settings, settings, seed) {}
+
+TransferRig::TransferRig(TransferEngine& sender, FileSource& source, TransferEngine& receiver,
+                         FileSink& sink, const LineSettings& forth, const LineSettings& back,
+                         std::uint64_t seed)
     : mSender{sender, &source, nullptr},
       mReceiver{receiver, nullptr, &sink},
-      mForth(settings, seed * 2 + 1),
-      mBack(settings, seed * 2 + 2) {
+      mForth(forth, seed * 2 + 1),
+      mBack(back, seed * 2 + 2) {
     mForth.Advance(mNow);
     mBack.Advance(mNow);
 }

@@ -12,6 +12,10 @@ class TransferRig {
   public:
     TransferRig(TransferEngine& sender, FileSource& source, TransferEngine& receiver,
                 FileSink& sink, const LineSettings& settings, std::uint64_t seed);
+    // The same with a way back of its own.
+    TransferRig(TransferEngine& sender, FileSource& source, TransferEngine& receiver,
+                FileSink& sink, const LineSettings& forth, const LineSettings& back,
+                std::uint64_t seed);
 
     // Returns true when both ends are over before `limit` has passed.
     bool Run(Time limit);

@@ -77,6 +77,8 @@ class TransferEngine {
 
     // The timer: fires when `span` has passed without a byte sent since it was armed.
     void Arm(Time span, Time now);
+    // The same counted from now, whatever is sent in between.
+    void ArmFixed(Time span, Time now);
     void Disarm() { mTimer.reset(); }
     // Something valid came from the other side.
     void Heard(Time now) { mLastHeard = now; }
