@@ -9,9 +9,11 @@ namespace {
 constexpr std::size_t kSamples = 32;
 constexpr int kRoundsToSettle = 2;
 constexpr double kGrowth = 1.25;
-// What the two ends and the driver may take to get to their bytes, as far as it was not seen: a
-// queue of this length costs little after damage.
-constexpr Time kLeastJitter = std::chrono::milliseconds(15);
+// What the two ends and the driver usually take to get to their bytes.
+constexpr Time kJitter = std::chrono::milliseconds(15);
+// Seconds that one of them may be busy with something else before the line falls idle, while damage
+// does not forbid it.
+constexpr double kSlack = 0.25;
 constexpr double kLongestDrain = 10; // seconds
 constexpr std::uint64_t kLargest = 4U << 20U;
 
@@ -82,8 +84,9 @@ double FlowWindow::Rate() const {
 
 std::uint64_t FlowWindow::Size(std::uint64_t piece) const {
     if (mSamples.empty()) return std::max(mOpening, piece * 2);
-    const Time jitter = std::clamp(mRoundTrip.Deviation() * 2, kLeastJitter, mMostJitter);
-    const double held = Rate() * Seconds(mShortest + jitter);
+    double slack = Rate() * kSlack;
+    if (mErrorRate > 0) slack = std::min(slack, mTolerance / mErrorRate);
+    const double held = Rate() * Seconds(mShortest + kJitter) + slack;
     const double open = mRounds < kRoundsToSettle ? static_cast<double>(mOpening) : 0;
     return std::min(kLargest, static_cast<std::uint64_t>(std::max(held, open)) + 2 * piece);
 }

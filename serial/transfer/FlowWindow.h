@@ -11,10 +11,9 @@ namespace qncomm::transfer {
 // and has to be sent again after damage.
 class FlowWindow {
   public:
-    // `mostJitter`: how much time's worth of bytes may stand queued at most because round trips
-    // vary. What is sent again after damage grows with it when everything behind the damage has to
-    // be sent again.
-    explicit FlowWindow(Time mostJitter) : mMostJitter(mostJitter) {}
+    // `tolerance`: which part of the line may be lost because bytes that stand queued have to be
+    // sent again after damage.
+    explicit FlowWindow(double tolerance) : mTolerance(tolerance) {}
 
     // A mark was put on the line: `position` counts all bytes of the stream so far.
     void Marked(std::uint64_t position, Time now);
@@ -30,6 +29,8 @@ class FlowWindow {
     [[nodiscard]] Time RetryAfter(std::uint64_t piece) const;
     // The shortest that was seen on a mark, 0 when none was.
     [[nodiscard]] Time ShortestRoundTrip() const { return mShortest; }
+    // How many errors there are for each byte; 0 when none was seen.
+    void SetErrorRate(double rate) { mErrorRate = rate; }
     // Damage was seen: the window is not to be widened any more to find out what the line takes.
     void Settle() { mRounds = kSettled; }
     // A round trip that was seen on something else than a mark.
@@ -57,7 +58,8 @@ class FlowWindow {
     void TakeSample(const Mark& mark, Time now);
     void Grow();
 
-    Time mMostJitter;
+    double mTolerance;
+    double mErrorRate = 0;
     std::deque<Mark> mMarks;
     std::deque<double> mSamples; // rates, bytes per second
     Time mShortest{0};

@@ -106,6 +106,7 @@ void KermitSender::Resend(Slot& slot, Time now) {
     ++slot.tries;
     ++mProgress.repairs;
     m->piece.Lost();
+    m->flow.SetErrorRate(m->piece.ErrorRate());
     m->flow.Settle();
     Transmit(slot, now);
 }
@@ -141,6 +142,7 @@ void KermitSender::OnAck(unsigned sequence, const std::string& data, Time now) {
     m->timeouts = 0;
     m->flow.Acknowledged(slot.position, now, slot.tries == 0);
     m->piece.Travelled(slot.packet.size());
+    m->flow.SetErrorRate(m->piece.ErrorRate());
     if (m->flow.Rate() > 0) m->piece.Limit(static_cast<std::size_t>(m->flow.Rate()));
     const std::uint64_t position = slot.position;
     const bool timed = slot.tries == 0;

@@ -28,11 +28,14 @@ void PieceLength::Limit(std::size_t longest) {
     mCap = std::clamp(longest, mLimits.shortest, mLimits.longest);
 }
 
+double PieceLength::ErrorRate() const {
+    return mErrors / (std::max(mBytes, kLeastBytes) + kLeastBytes);
+}
+
 std::size_t PieceLength::Current() const {
     const std::size_t now = static_cast<std::size_t>(std::min(mGrown, static_cast<double>(mCap)));
     if (mErrors <= 0) return now;
-    const double rate = mErrors / (std::max(mBytes, kLeastBytes) + kLeastBytes);
-    const double best = std::sqrt(mLimits.frame / (mLimits.lostPieces * rate));
+    const double best = std::sqrt(mLimits.frame / (mLimits.lostPieces * ErrorRate()));
     const double held =
         std::clamp(best, static_cast<double>(mLimits.shortest), static_cast<double>(mCap));
     return std::min(now, static_cast<std::size_t>(held));

@@ -29,6 +29,8 @@ class PieceLength {
     void Limit(std::size_t longest);
 
     [[nodiscard]] std::size_t Current() const;
+    // Errors for each byte, 0 when none was seen.
+    [[nodiscard]] double ErrorRate() const;
 
   private:
     Limits mLimits;

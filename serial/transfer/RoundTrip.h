@@ -14,9 +14,6 @@ class RoundTrip {
     // The shortest that was seen, 0 when none was.
     [[nodiscard]] Time Shortest() const { return mShortest; }
 
-    // How far single ones are off the usual.
-    [[nodiscard]] Time Deviation() const { return mDeviation; }
-
   private:
     Time mSmoothed{0};
     Time mDeviation{0};

@@ -26,6 +26,7 @@ void ZModemSender::OnReposition(std::uint64_t position, Time now) {
     if (again && m->position > position) return;
     ++mProgress.repairs;
     m->piece.Lost();
+    m->flow.SetErrorRate(m->piece.ErrorRate());
     m->flow.Settle();
     StartData(position, now);
 }
@@ -68,6 +69,7 @@ void ZModemSender::OnAcknowledge(std::uint64_t position, Time now) {
     m->piece.Travelled(static_cast<std::size_t>(position - m->flow.AcknowledgedTo()));
     m->flow.Acknowledged(position, now);
     // A piece should not occupy a slow line for long: what is behind it waits for it.
+    m->flow.SetErrorRate(m->piece.ErrorRate());
     if (m->flow.Rate() > 0) m->piece.Limit(static_cast<std::size_t>(m->flow.Rate()));
     mProgress.bytes = position;
     if (m->frameAwaited && position == m->position) m->frameAwaited = false;

@@ -37,7 +37,7 @@ struct ZModemSender::Machine {
     ZModemSenderOptions options;
     ZModemReader reader;
     ZModemWriter writer;
-    FlowWindow flow{std::chrono::milliseconds(40)};
+    FlowWindow flow{0.02};
     PieceLength piece;
     State state = State::Hello;
     int finishTries = 0;
