@@ -9,7 +9,7 @@ namespace qncomm::transfer {
 namespace {
 
 constexpr std::size_t kShortHeader = 3; // length, sequence, type
-// One more than a length field may say: programs are about that fill it to the brim.
+// One more than a digit of a length may say: programs are about that fill it to the brim.
 constexpr unsigned kLongestTaken = 95;
 constexpr std::size_t kLongHeader = 6; // and two of the extended length and the header's check
 
@@ -72,7 +72,7 @@ std::size_t KermitReader::Needed() const {
     const unsigned length = kermit::FromChar(mBody[0]);
     if (length != 0) return length <= kLongestTaken ? 1 + length : 1;
     if (mBody.size() < kLongHeader) return kLongHeader;
-    return kLongHeader + kermit::FromChar(mBody[3]) * 95 + kermit::FromChar(mBody[4]);
+    return kLongHeader + std::size_t{kermit::FromChar(mBody[3])} * 95 + kermit::FromChar(mBody[4]);
 }
 
 bool KermitReader::HeaderIsWrong() const {
@@ -81,7 +81,8 @@ bool KermitReader::HeaderIsWrong() const {
     if (mBody.size() < kLongHeader) return false;
     const std::string_view header = mBody;
     return KermitCheck(1, header.substr(0, kLongHeader - 1))[0] != mBody[kLongHeader - 1]
-           || kermit::FromChar(mBody[3]) >= 95 || kermit::FromChar(mBody[4]) >= 95;
+           || kermit::FromChar(mBody[3]) > kLongestTaken
+           || kermit::FromChar(mBody[4]) > kLongestTaken;
 }
 
 KermitReader::Item KermitReader::Finish() {

@@ -90,6 +90,19 @@ TEST(KermitWire, APacketThatIsCutOffGivesWayToTheNext) {
               (std::vector<std::string>{"damage", "D3content"}));
 }
 
+// A length of 37 * 95 that is written as 36 and 95, and a short one of 95.
+TEST(KermitWire, DigitsOfALengthThatAreFilledToTheBrimAreTaken) {
+    std::string packet = std::string(" 'D") + kermit::ToChar(36) + kermit::ToChar(95);
+    packet += KermitCheck(1, packet);
+    packet += std::string(36 * 95 + 95 - 3, 'x');
+    packet += KermitCheck(3, packet);
+    EXPECT_EQ(Seen(3, {"\x01" + packet}),
+              std::vector<std::string>{"D7" + std::string(36 * 95 + 95 - 3, 'x')});
+    packet = "\x7F'D" + std::string(90, 'x');
+    packet += KermitCheck(3, packet);
+    EXPECT_EQ(Seen(3, {"\x01" + packet}), std::vector<std::string>{"D7" + std::string(90, 'x')});
+}
+
 TEST(KermitWire, ParityIsStripped) {
     std::string packet = WriteKermitPacket('D', 3, "content", 3);
     for (char& c : packet) {

@@ -22,6 +22,7 @@ std::optional<FileInfo> MemorySource::Next() {
 
 bool MemorySource::Read(std::uint64_t offset, std::size_t length, std::string& data,
                         std::string& sReason) {
+    mFirstRead = std::min(mFirstRead, offset);
     if (failReadAt && offset + length > *failReadAt) {
         sReason = "the disk cannot be read";
         return false;

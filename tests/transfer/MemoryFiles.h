@@ -25,6 +25,9 @@ class MemorySource final : public FileSource {
 
     [[nodiscard]] const std::vector<bool>& Closed() const { return mClosed; }
 
+    // The lowest offset that was read, or the largest number when none was.
+    [[nodiscard]] std::uint64_t FirstRead() const { return mFirstRead; }
+
     bool bText = false;
     bool bResume = false;
     std::optional<std::uint64_t> failReadAt; // fails from this offset on
@@ -32,6 +35,7 @@ class MemorySource final : public FileSource {
   private:
     std::vector<MemoryFile> mFiles;
     std::size_t mNext = 0;
+    std::uint64_t mFirstRead = ~0ULL;
     std::vector<bool> mClosed;
 };
 
