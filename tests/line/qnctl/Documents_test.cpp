@@ -40,6 +40,11 @@ TEST(ConsoleBlocks, MatchLineForLineAndAnEllipsisStandsForAny) {
     EXPECT_FALSE(Matches({"a", "…", "z"}, {"a", "m"}));
 }
 
+std::string BytesOf(const fs::path& path) {
+    std::ifstream in(path, std::ios::binary);
+    return {std::istreambuf_iterator<char>(in), {}};
+}
+
 /// Runs a document's sessions in an empty folder, as a reader would: the programs are found by
 /// name, and what a document keeps in /tmp is kept in that folder.
 class Document : public testing::TestWithParam<const char*> {
@@ -104,13 +109,24 @@ class Document : public testing::TestWithParam<const char*> {
 };
 
 TEST_P(Document, ShowsWhatItsCommandsReallyPrint) {
-    std::ifstream in(fs::path(QN_SOURCE_DIR) / GetParam(), std::ios::binary);
-    const std::string text{std::istreambuf_iterator<char>(in), {}};
-    const auto commands = CommandsOf(text);
+    const auto commands = CommandsOf(BytesOf(fs::path(QN_SOURCE_DIR) / GetParam()));
     EXPECT_FALSE(commands.empty());
     for (const ShownCommand& shown : commands)
         Check(shown);
 }
+
+/// The document whose sessions print a label that it also shows.
+class DocumentWithLabel : public Document {};
+
+TEST_P(DocumentWithLabel, ShowsTheLabelThatItsCommandsPrint) {
+    for (const ShownCommand& shown : CommandsOf(BytesOf(fs::path(QN_SOURCE_DIR) / GetParam())))
+        if (shown.command.find("label.txt") != std::string::npos) Check(shown);
+    const std::string printed = BytesOf(mFolder / "pictures" / "label-0001.png");
+    EXPECT_FALSE(printed.empty());
+    EXPECT_TRUE(printed == BytesOf(fs::path(QN_SOURCE_DIR) / "docs" / "label.png"));
+}
+
+INSTANTIATE_TEST_SUITE_P(Readme, DocumentWithLabel, testing::Values("README.md"));
 
 INSTANTIATE_TEST_SUITE_P(Documents, Document,
                          testing::Values("README.md", "docs/qnctl.md", "docs/ports.md"),

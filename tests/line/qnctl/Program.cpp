@@ -9,6 +9,7 @@
 #include <fcntl.h>
 #include <poll.h>
 #include <pty.h>
+#include <sched.h>
 #include <sys/ioctl.h>
 #include <sys/resource.h>
 #include <sys/wait.h>
@@ -84,7 +85,8 @@ void Program::StartChild(const std::vector<std::string>& command,
     ::setsid();
     // A printer answers within the 50 ms that a search gives it, whatever else this machine does;
     // where the system allows it, neither side waits for its turn.
-    ::setpriority(PRIO_PROCESS, 0, -10);
+    const sched_param first{1};
+    ::sched_setscheduler(0, SCHED_RR, &first);
     if (terminal) ::ioctl(in, TIOCSCTTY, 0);
     ::dup2(in, STDIN_FILENO);
     ::dup2(out, STDOUT_FILENO);
