@@ -31,10 +31,11 @@ function(qn_library name)
   target_link_libraries(${name} PUBLIC ${ARG_LINKS} PRIVATE ${ARG_PRIVATE_LINKS} $<BUILD_INTERFACE:qn_build_flags>)
 endfunction()
 
-# qn_test(NAME SOURCES … LINKS … [LABELS …]): a GoogleTest program whose cases ctest runs one by one.
+# qn_test(NAME SOURCES … LINKS … [LABELS …] [ALONE]): a GoogleTest program whose cases ctest runs one by one; ALONE keeps
+# others away meanwhile, for programs that must answer each other within the line's own short time limits.
 function(qn_test name)
-  cmake_parse_arguments(ARG "" "" "SOURCES;LINKS;LABELS" ${ARGN})
+  cmake_parse_arguments(ARG "ALONE" "" "SOURCES;LINKS;LABELS" ${ARGN})
   add_executable(${name} ${ARG_SOURCES})
   target_link_libraries(${name} PRIVATE ${ARG_LINKS} GTest::gmock_main qn_build_flags)
-  gtest_discover_tests(${name} PROPERTIES LABELS "${ARG_LABELS}" TIMEOUT 60 DISCOVERY_TIMEOUT 60)
+  gtest_discover_tests(${name} PROPERTIES LABELS "${ARG_LABELS}" TIMEOUT 60 RUN_SERIAL ${ARG_ALONE} DISCOVERY_TIMEOUT 60)
 endfunction()

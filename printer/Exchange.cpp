@@ -23,7 +23,7 @@ clsDataLink& clsQuorin::Link() const {
 
 PortClaim clsQuorin::Claim() {
     PortClaim claim = Link().AcquirePort();
-    if (!claim) mDesktop.Log("port not available");
+    if (!claim) mDesktop.Log(PortRefused);
     return claim;
 }
 

@@ -18,6 +18,9 @@ struct clsQuorin::Exchange {
     std::vector<std::string> dirty{}; ///< paths whose devices change with it
 };
 
+/// What the log says when an operation returns quietly.
+inline constexpr std::string_view PortRefused = "port not available";
+
 /// What StatusEvent carries when there is no percentage to tell.
 inline constexpr std::int16_t NoProgress = -1;
 

@@ -56,7 +56,10 @@ void clsQuorin::RemoveFont(std::string_view sFontName) {
 void clsQuorin::InstallFont(const std::string& sFullFontPath, bool bPermanent) {
     if (!FileExists(sFullFontPath)) RaiseError(ErrFontName, InstallFontSource);
     const std::string code = PrinterType();
-    if (code.empty()) return; // no printer was asked: the port is refused
+    if (code.empty()) { // nobody was asked: this is no model without TrueType fonts
+        mDesktop.Log(PortRefused);
+        return;
+    }
     const PrinterModel* model = FindModel(code);
     if (model == nullptr || !model->trueType) RaiseError(ErrNoTrueType, InstallFontSource);
     PortClaim claim = Claim();

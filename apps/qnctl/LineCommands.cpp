@@ -62,21 +62,32 @@ class ShownTerminal {
     qncomm::PDQComm& mSerial;
 };
 
+void Greet(Session& session) {
+    if (!session.Options().quiet)
+        std::cerr << "Connected to " << session.PortName() << ". Ctrl-] ends.\r\n" << std::flush;
+}
+
+qncomm::ConsoleTerminal::Wiring WiringOf(Session& session) {
+    qncomm::PDQComm& serial = session.Serial();
+    return {STDIN_FILENO, STDOUT_FILENO,
+            [&serial](std::string_view bytes) { return serial.TypeKeys(bytes); },
+            [&session, &serial] {
+                if (session.Interrupted()) throw qncomm::OperationCancelled();
+                return serial.PortOpen();
+            },
+            [&session] { Greet(session); }};
+}
+
 Outcome RunTerminal(Session& session) {
     qncomm::PDQComm& serial = session.Serial();
-    qncomm::ConsoleTerminal terminal(
-        session.Loop(), {STDIN_FILENO, STDOUT_FILENO,
-                         [&](std::string_view bytes) { return serial.TypeKeys(bytes); },
-                         [&] {
-                             if (session.Interrupted()) throw qncomm::OperationCancelled();
-                             return serial.PortOpen();
-                         }});
+    session.Status().Clear();
+    qncomm::ConsoleTerminal terminal(session.Loop(), WiringOf(session));
     serial.SetTerminalSink([&](std::string_view text) { terminal.Show(text); });
-    if (!session.Options().quiet && ::isatty(STDIN_FILENO) == 1)
-        std::cerr << "Connected to " << session.PortName() << ". Ctrl-] ends." << std::endl;
     const ShownTerminal shown(session.Link(), serial);
     session.Disconnect(); // the terminal's own claim keeps the port open
-    if (terminal.Run()) return {};
+    const bool done = terminal.Run();
+    if (::isatty(STDIN_FILENO) == 1) std::cerr << std::endl; // the prompt gets a line of its own
+    if (done) return {};
     const auto& failure = serial.LastFailure();
     return {ExitStatus::PortUnavailable, failure ? failure->number : 0, "PDQComm",
             failure ? failure->description : session.PortName() + " was closed."};

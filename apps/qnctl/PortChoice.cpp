@@ -1,7 +1,5 @@
 #include "PortChoice.h"
 
-#include "common/Numbers.h"
-#include "common/QNError.h"
 #include "serial/PortAddress.h"
 #include "serial/SerialDevices.h"
 
@@ -36,10 +34,9 @@ PortChoice Usage(std::string message) {
     return choice;
 }
 
-PortChoice Bound(std::int16_t number, const PortBindings& bindings, bool configured) {
+PortChoice Bound(std::int16_t number, const PortBindings& bindings) {
     PortChoice choice;
     choice.number = number;
-    choice.configured = configured;
     choice.address = bindings.Find(number)->address.text;
     return choice;
 }
@@ -49,26 +46,51 @@ PortChoice ChooseNumber(std::int16_t number, PortBindings& bindings) {
     if (binding == nullptr)
         return Usage(NameOfPort(number) + " stands for no address.\n" + Choices(bindings));
     // The system's port numbers begin at 1 where one is chosen, so port 0 works under another.
-    if (number > 0) return Bound(number, bindings, false);
+    if (number > 0) return Bound(number, bindings);
     const std::string address = binding->address.text;
     bindings.Give(PortBindings::Highest, address);
-    return Bound(PortBindings::Highest, bindings, false);
+    return Bound(PortBindings::Highest, bindings);
 }
 
 PortChoice ChooseAddress(const std::string& address, PortBindings& bindings) {
     const auto known = bindings.NumberOf(address);
-    if (known && *known > 0) return Bound(*known, bindings, false);
+    if (known && *known > 0) return Bound(*known, bindings);
     std::int16_t free = PortBindings::Highest;
     while (free > 1 && bindings.Find(free) != nullptr)
         --free;
     if (bindings.Find(free) != nullptr) free = PortBindings::Highest;
     if (const std::string wrong = bindings.Give(free, address); !wrong.empty())
         return Usage("--port " + address + ": " + wrong);
-    return Bound(free, bindings, false);
+    return Bound(free, bindings);
 }
 
 bool LooksLikeNumber(const std::string& text) {
     return text.find_first_not_of("0123456789-") == std::string::npos;
+}
+
+/// The port number that the store holds, nothing when it holds none that can be chosen.
+std::optional<std::int16_t> StoredPort(const qncomm::RegSettings& settings) {
+    const auto number = qncomm::ParsePortNumber(settings.ReadValue("Settings", "Commport", ""));
+    return number && *number >= 1 ? number : std::nullopt;
+}
+
+PortChoice ChooseNamed(const std::string& named, PortBindings& bindings) {
+    const auto number = qncomm::ParsePortNumber(named);
+    if (!number && LooksLikeNumber(named))
+        return Usage("--port " + named + ": port numbers go from 0 to 16.\n" + Choices(bindings));
+    return number ? ChooseNumber(*number, bindings) : ChooseAddress(named, bindings);
+}
+
+PortChoice ChooseConfigured(const qncomm::RegSettings& settings, PortBindings& bindings) {
+    const auto number = ConfiguredPort(settings, bindings);
+    if (!number) return Usage("No port is configured.\n" + Choices(bindings));
+    if (bindings.Find(*number) != nullptr) return Bound(*number, bindings);
+    PortChoice choice;
+    choice.outcome =
+        Refused(ExitStatus::PortUnavailable,
+                "The configured port " + NameOfPort(*number)
+                    + " stands for no address: its device is not there.\n" + Choices(bindings));
+    return choice;
 }
 
 } // namespace
@@ -83,12 +105,7 @@ PortBindings BindPorts(const qncomm::RegSettings& settings, std::string& sWarnin
 
 std::optional<std::int16_t> ConfiguredPort(const qncomm::RegSettings& settings,
                                            const PortBindings& bindings) {
-    try {
-        const std::string stored = settings.ReadValue("Settings", "Commport", "");
-        const std::int16_t number = qncomm::ToInt16(qncomm::Val(stored));
-        if (number >= 1 && number <= PortBindings::Highest) return number;
-    } catch (const qncomm::QNError&) { // NOLINT(bugprone-empty-catch): no number, so none is stored
-    }
+    if (const auto stored = StoredPort(settings)) return stored;
     for (const PortBinding& port : bindings.List())
         if (port.number > 0 && port.source == qncomm::BindingSource::Settings) return port.number;
     return std::nullopt;
@@ -96,28 +113,10 @@ std::optional<std::int16_t> ConfiguredPort(const qncomm::RegSettings& settings,
 
 PortChoice ChoosePort(const std::string& sNamed, const qncomm::RegSettings& settings,
                       PortBindings& bindings) {
-    const auto configured = ConfiguredPort(settings, bindings);
-    if (!sNamed.empty()) {
-        const auto number = qncomm::ParsePortNumber(sNamed);
-        if (!number && LooksLikeNumber(sNamed))
-            return Usage("--port " + sNamed + ": port numbers go from 0 to 16.\n"
-                         + Choices(bindings));
-        PortChoice choice =
-            number ? ChooseNumber(*number, bindings) : ChooseAddress(sNamed, bindings);
-        choice.configured = choice.outcome.Ok() && configured == choice.number;
-        return choice;
-    }
-    if (!configured) return Usage("No port is configured.\n" + Choices(bindings));
-    if (bindings.Find(*configured) == nullptr) {
-        PortChoice choice;
-        choice.outcome =
-            Refused(ExitStatus::PortUnavailable, "The configured port " + NameOfPort(*configured)
-                                                     + " stands for no address: its device is not "
-                                                       "there.\n"
-                                                     + Choices(bindings));
-        return choice;
-    }
-    return Bound(*configured, bindings, true);
+    PortChoice choice =
+        sNamed.empty() ? ChooseConfigured(settings, bindings) : ChooseNamed(sNamed, bindings);
+    choice.stored = choice.outcome.Ok() && StoredPort(settings) == choice.number;
+    return choice;
 }
 
 } // namespace qnctl

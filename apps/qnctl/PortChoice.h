@@ -14,8 +14,8 @@ namespace qnctl {
 struct PortChoice {
     std::int16_t number = 0;
     std::string address;
-    bool configured = false; ///< it is the store's own port, not one named for this run
-    Outcome outcome;         ///< why there is none
+    bool stored = false; ///< its number is the one that the store holds
+    Outcome outcome;     ///< why there is none
 };
 
 /// The port numbers of this run: what the store binds, then this machine's serial devices.

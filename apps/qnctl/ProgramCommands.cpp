@@ -63,11 +63,27 @@ Json DocumentOf(const qncomm::clsQNModuleError& error) {
             {"text", qncomm::Utf8FromPrinter(error.QNText)}};
 }
 
+std::string ReadHostFile(const std::string& path) {
+    if (path.empty()) return {};
+    if (!qncomm::FileExists(path)) qncomm::RaiseRuntimeError(qncomm::RtFileNotFound, "qnctl");
+    std::ifstream in(path, std::ios::binary);
+    if (!in) qncomm::RaiseRuntimeError(qncomm::RtPermissionDenied, "qnctl");
+    return {std::istreambuf_iterator<char>(in), {}};
+}
+
+/// The module's text with the printer's line ends, which the files of this machine mostly lack.
+/// Empty for a file that is missing or empty: the printer layer then tells so.
+std::string ModuleText(const std::string& path) {
+    std::string text = qncomm::FileExists(path) ? ReadHostFile(path) : std::string();
+    if (text.find(qncomm::CrLf) != std::string::npos) return text;
+    return qncomm::ReplaceAll(text, "\n", qncomm::CrLf);
+}
+
 Outcome UploadModule(Session& session, const UploadArguments& arguments) {
     Outcome outcome;
     auto target = ForPrinter(arguments.target, outcome);
     if (!target) return outcome;
-    std::string text;
+    std::string text = ModuleText(arguments.file);
     const auto errors = session.Printer().ModuleUpload(arguments.file, *target, text);
     Json list = Json::array();
     const bool json = session.Out().IsJson();
@@ -83,14 +99,6 @@ Outcome UploadModule(Session& session, const UploadArguments& arguments) {
     const std::size_t count = errors->Count();
     return Refused(ExitStatus::Error, std::to_string(count) + (count == 1 ? " error" : " errors")
                                           + "; " + savedAs + " was not saved.");
-}
-
-std::string ReadHostFile(const std::string& path) {
-    if (path.empty()) return {};
-    if (!qncomm::FileExists(path)) qncomm::RaiseRuntimeError(qncomm::RtFileNotFound, "qnctl");
-    std::ifstream in(path, std::ios::binary);
-    if (!in) qncomm::RaiseRuntimeError(qncomm::RtPermissionDenied, "qnctl");
-    return {std::istreambuf_iterator<char>(in), {}};
 }
 
 Outcome LinkProgram(Session& session, const LinkArguments& arguments) {

@@ -4,9 +4,7 @@
 
 #include "common/QNError.h"
 
-#include <array>
 #include <iostream>
-#include <utility>
 
 #include <sys/ioctl.h>
 #include <unistd.h>
@@ -92,7 +90,7 @@ void Session::Wire() {
             OnStatus(message, progress, cancel);
         });
     mLink->SetSerialPort(mSerial.get());
-    if (mPort.configured)
+    if (mPort.stored)
         mLink->SetRegSettings(mStore);
     else
         mLink->SetRegSettings(
@@ -119,17 +117,14 @@ void Session::Remember() {
             ++number;
     }
     const std::string text = std::to_string(number);
-    mStore->WriteValue("Ports", "COM" + text, mPort.address);
-    // The link's own names for what it saves; a session store would keep them for this run alone.
-    const std::array<std::pair<const char*, std::string>, 6> values{
-        {{"Commport", text},
-         {"Baudrate", mLink->Baudrate()},
-         {"Parity", mLink->Parity()},
-         {"Databits", mLink->Databits()},
-         {"Stopbits", mLink->Stopbits()},
-         {"FlowControl", mLink->Flowcontrol()}}};
-    for (const auto& [key, value] : values)
-        mStore->WriteValue("Settings", key, value);
+    // The link's own names for what it saves; its settings object keeps them for this run alone.
+    mStore->WriteValues({{"Ports", "COM" + text, mPort.address},
+                         {"Settings", "Commport", text},
+                         {"Settings", "Baudrate", mLink->Baudrate()},
+                         {"Settings", "Parity", mLink->Parity()},
+                         {"Settings", "Databits", mLink->Databits()},
+                         {"Settings", "Stopbits", mLink->Stopbits()},
+                         {"Settings", "FlowControl", mLink->Flowcontrol()}});
 }
 
 bool Session::PortIsLent() const {

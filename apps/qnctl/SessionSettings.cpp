@@ -36,4 +36,14 @@ void SessionSettings::WriteValue(std::string_view sSection, std::string_view sKe
     mStore->WriteValue(IsLineSetting(sSection) ? mSection : sSection, sKey, sValue);
 }
 
+void SessionSettings::WriteValues(const std::vector<qncomm::SettingValue>& values) {
+    std::vector<qncomm::SettingValue> kept;
+    for (const qncomm::SettingValue& entry : values) {
+        if (IsPortNumber(entry.section, entry.key)) continue;
+        kept.push_back(entry);
+        if (IsLineSetting(entry.section)) kept.back().section = mSection;
+    }
+    mStore->WriteValues(kept);
+}
+
 } // namespace qnctl

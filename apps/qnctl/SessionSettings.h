@@ -6,6 +6,7 @@
 #include <memory>
 #include <string>
 #include <string_view>
+#include <vector>
 
 namespace qnctl {
 
@@ -22,6 +23,7 @@ class SessionSettings final : public qncomm::RegSettings {
                           std::string_view sDefault) const override;
     void WriteValue(std::string_view sSection, std::string_view sKey,
                     std::string_view sValue) override;
+    void WriteValues(const std::vector<qncomm::SettingValue>& values) override;
 
   private:
     std::shared_ptr<qncomm::RegSettings> mStore;

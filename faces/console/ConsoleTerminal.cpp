@@ -43,6 +43,7 @@ bool ConsoleTerminal::RunKeys() {
     const RawTerminal raw(mWiring.in);
     const auto watch =
         mReactor.Watch(mWiring.in, FdEvents{.readable = true}, [this](FdEvents) { OnKeys(); });
+    if (mWiring.ready) mWiring.ready();
     while (!mEnded) {
         if (!mWiring.alive()) return false;
         Flush();

@@ -11,8 +11,6 @@ RawTerminal::RawTerminal(int fd) : mFd(fd) {
     ::cfmakeraw(&now);
     now.c_cc[VMIN] = 1;
     now.c_cc[VTIME] = 0;
-    // Output keeps its processing: messages of the program still begin in the first column.
-    now.c_oflag = mFormer->c_oflag;
     ::tcsetattr(mFd, TCSADRAIN, &now);
 }
 

@@ -191,6 +191,7 @@ TEST_F(Fonts, AModelWithoutTrueTypeIsRefused) {
     mLink.SetImmediateMode(false);
     RefusePort();
     mQuorin.InstallFont(path);
+    EXPECT_THAT(mDesktop.mLog, ElementsAre("port not available"));
     GrantPort();
 }
 

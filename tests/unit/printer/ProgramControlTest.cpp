@@ -180,6 +180,26 @@ TEST_F(ProgramControl, AProgramErrorIsShownOnceAndTheLineIsDeleted) {
     EXPECT_EQ(mDesktop.mBoxes[0].buttons, MsgBoxButtons::Ok);
 }
 
+/// A person who starts something else while a box stands.
+struct BusyDesktop : RecordingDesktop {
+    MsgBoxResult ShowMsgBox(const MsgBox& box) override {
+        EXPECT_FALSE(mQuorin->PortOpen());
+        return RecordingDesktop::ShowMsgBox(box);
+    }
+    clsQuorin* mQuorin = nullptr;
+};
+
+TEST_F(ProgramControl, AnotherOperationIsRefusedThePortWhileTheBoxStands) {
+    BusyDesktop desktop;
+    clsQuorin quorin(mLink, desktop);
+    desktop.mQuorin = &quorin;
+    mSerial.Handshake().Exchange("List 1");
+    ScriptPlantAndRun("Error 19 in line 12: Syntax error\r\nOk\r\n");
+    mSerial.Expect("1\r\n");
+    EXPECT_FALSE(quorin.IsProgramRunable());
+    EXPECT_EQ(desktop.mBoxes.size(), 1U);
+}
+
 TEST_F(ProgramControl, AProgramWithALine1IsNeverOverwritten) {
     mSerial.Handshake().Exchange("List 1", {"1 REM start"});
     EXPECT_FALSE(mQuorin.IsProgramRunable());

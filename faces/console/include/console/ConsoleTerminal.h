@@ -28,6 +28,9 @@ class ConsoleTerminal {
         std::function<std::size_t(std::string_view)> send;
         /// Called in each round of the loop; returns False when the line is gone, and may throw.
         std::function<bool()> alive;
+        /// Called when keys have begun to go to the printer; may be empty. The terminal is raw: a
+        /// line ends in CR LF.
+        std::function<void()> ready = {};
     };
 
     /// The reactor outlives the terminal.

@@ -6,7 +6,8 @@ struct termios;
 
 namespace qncomm {
 
-/// Puts a terminal into raw mode (each key at once, no echo, no signals from keys) while it lives,
+/// Puts a terminal into raw mode (each key at once, no echo, no signals
+/// from keys, output as it is) while it lives,
 /// and back as it was when it ends, however that comes about. A descriptor that is no terminal is
 /// left alone.
 class RawTerminal {

@@ -1,0 +1,81 @@
+#include "QnctlFixture.h"
+
+#include <cstdlib>
+#include <fstream>
+#include <iterator>
+#include <stdexcept>
+
+namespace qntest {
+namespace {
+
+namespace fs = std::filesystem;
+
+const fs::path Programs = QN_PROGRAMS;
+
+nlohmann::json Parsed(const std::string& text) {
+    auto document = nlohmann::json::parse(text, nullptr, false);
+    EXPECT_FALSE(document.is_discarded()) << "not one JSON document: " << text;
+    return document;
+}
+
+} // namespace
+
+nlohmann::json Ended::Document() const {
+    return Parsed(out);
+}
+
+nlohmann::json Ended::Failure() const {
+    return Parsed(err);
+}
+
+QnctlFixture::QnctlFixture() {
+    std::string name = (fs::temp_directory_path() / "qnctl-XXXXXX").string();
+    if (::mkdtemp(name.data()) == nullptr) throw std::runtime_error("no folder");
+    mFolder = name;
+}
+
+QnctlFixture::~QnctlFixture() {
+    mSimulator.reset();
+    fs::remove_all(mFolder);
+}
+
+std::unique_ptr<Program> QnctlFixture::Start(const Arguments& arguments,
+                                             Program::Stdio stdio) const {
+    Arguments command{(Programs / "qnctl").string()};
+    command.insert(command.end(), arguments.begin(), arguments.end());
+    return std::make_unique<Program>(
+        command, stdio,
+        Arguments{"XDG_CONFIG_HOME=" + mFolder.string(), "HOME=" + mFolder.string()});
+}
+
+Ended QnctlFixture::Run(const Arguments& arguments, std::string_view input) const {
+    const auto program = Start(arguments);
+    if (!input.empty()) program->Type(input);
+    program->CloseInput();
+    Ended ended;
+    ended.status = program->Wait();
+    ended.out = program->Out();
+    ended.err = program->Err();
+    ended.peakKb = program->PeakKb();
+    return ended;
+}
+
+void QnctlFixture::StartSimulator(const Arguments& options) {
+    mSimulator.reset();
+    fs::remove(Printer());
+    Arguments command{(Programs / "qnsim").string(), "--link", Printer()};
+    command.insert(command.end(), options.begin(), options.end());
+    mSimulator = std::make_unique<Program>(command);
+    if (!mSimulator->WaitForOut("\n")) throw std::runtime_error("qnsim: " + mSimulator->Err());
+}
+
+std::string QnctlFixture::SettingsText() const {
+    std::ifstream in(SettingsPath(), std::ios::binary);
+    return {std::istreambuf_iterator<char>(in), {}};
+}
+
+void QnctlFixture::WriteHostFile(const std::string& name, std::string_view text) const {
+    std::ofstream(mFolder / name, std::ios::binary) << text;
+}
+
+} // namespace qntest
