@@ -3,6 +3,7 @@
 #include "serial/PDQComm.h"
 
 #include "ReceivePath.h"
+#include "TransferInProgress.h"
 #include "TransmitQueue.h"
 #include "common/RuntimeErrors.h"
 
@@ -36,7 +37,8 @@ PDQComm::PDQComm(Reactor& reactor, PortBindings bindings, TraceSink* trace, Chan
       mReceive(std::make_unique<ReceivePath>(DefaultBuffer)),
       mTransmit(std::make_unique<TransmitQueue>(DefaultBuffer)),
       mFire(reactor.CreateAlarm([this] { FireEvents(); })),
-      mDrain(reactor.CreateAlarm([this] { ScheduleDrain(); })) {}
+      mDrain(reactor.CreateAlarm([this] { ScheduleDrain(); })),
+      mTransferDue(reactor.CreateAlarm([this] { RunTransfer(); })) {}
 
 PDQComm::~PDQComm() {
     Close();

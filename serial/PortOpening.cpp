@@ -1,6 +1,7 @@
 // Opening, closing and losing the port.
 
 #include "ReceivePath.h"
+#include "TransferInProgress.h"
 #include "TransmitQueue.h"
 #include "common/QNError.h"
 #include "serial/PDQComm.h"
@@ -78,6 +79,10 @@ void PDQComm::TraceOpened(KnownChannel& known) const {
 void PDQComm::Close() {
     if (mOpen == nullptr) return;
     std::exchange(mOpen, nullptr)->Close();
+    if (mTransfer) {
+        mTransfer->Break("the port was closed");
+        mTransferDue->SetDue(mReactor.NowUs());
+    }
     mReceive->Clear();
     mTransmit->Clear();
     mFire->Clear();
@@ -99,6 +104,7 @@ void PDQComm::Apply(const LineSettings& settings) {
 void PDQComm::Lose(const IoResult& reason) {
     mLastFailure = FailureFor(reason);
     Trace(TraceKind::Event, mLastFailure->description);
+    if (mTransfer) mTransfer->Break(mLastFailure->description);
     Close();
     mLossWaits = true;
     ScheduleEvents();

@@ -1,6 +1,7 @@
 // Bytes in, bytes out, and the events that tell of them.
 
 #include "ReceivePath.h"
+#include "TransferInProgress.h"
 #include "TransmitQueue.h"
 #include "serial/PDQComm.h"
 
@@ -19,6 +20,7 @@ constexpr std::int64_t LineEndUs = 50'000;
 void PDQComm::OnChannel(FdEvents events) {
     if (events.writable) Send();
     if (mOpen != nullptr && (events.readable || events.hungUp)) Receive();
+    if (mTransferStarted) RunTransfer();
     FireEvents();
 }
 
@@ -26,8 +28,12 @@ void PDQComm::Receive() {
     const std::span<char> space = mReceive->Space();
     if (space.empty()) return;
     const IoCount got = mOpen->Read(space);
-    mReceive->Commit(got.count);
-    if (mTrace != nullptr && got.count > 0) Trace(TraceKind::Received, {space.data(), got.count});
+    const std::string_view bytes(space.data(), got.count);
+    if (mTrace != nullptr && got.count > 0) Trace(TraceKind::Received, bytes);
+    if (mTransferStarted)
+        mTransfer->Receive(bytes, mReactor.NowUs());
+    else
+        mReceive->Commit(got.count);
     if (!got.result.Ok())
         Lose(got.result);
     else if (mReceive->Full())
@@ -129,7 +135,8 @@ void PDQComm::ScheduleDrain() {
 
 void PDQComm::WantEvents() {
     if (mOpen == nullptr) return;
-    const FdEvents wanted{.readable = !mReceive->Full(), .writable = mTransmit->Count() > 0};
+    const FdEvents wanted{.readable = !mReceive->Full(),
+                          .writable = mTransmit->Count() > 0 || mTransferWaitsForLine};
     if (wanted.readable == mWanted.readable && wanted.writable == mWanted.writable) return;
     mWanted = wanted;
     mOpen->Want(wanted);

@@ -18,9 +18,13 @@ void TransferEngine::Start(Time now) {
 }
 
 void TransferEngine::Receive(std::string_view sBytes, Time now) {
-    if (mPhase == Phase::Idle || mOutcome != Outcome::Running) return;
+    if (mPhase == Phase::Idle) return;
     mInput.append(sBytes);
-    Advance(now);
+    if (mOutcome == Outcome::Running) Advance(now);
+}
+
+std::string TransferEngine::TakeUnread() {
+    return std::exchange(mInput, {});
 }
 
 // Takes items from the input until one leads to a request: what follows it waits for the answer.

@@ -84,6 +84,7 @@ bool ScriptedSerial::ProbePort(std::int16_t iPort) {
 
 void ScriptedSerial::SetReceiveThreshold(std::int16_t iBytes) {
     mThreshold = iBytes;
+    if (mOnThreshold) mOnThreshold(iBytes);
     mLog.push_back("Threshold " + std::to_string(iBytes));
 }
 
@@ -159,6 +160,42 @@ void ScriptedSerial::Write(std::string_view sBytes) {
 void ScriptedSerial::SetReceiveMode(std::int16_t iMode) {
     mReceiveMode = iMode;
     mLog.push_back("Mode " + std::to_string(iMode));
+}
+
+void ScriptedSerial::SetTransferKind(std::int16_t iKind) {
+    mLog.push_back("Kind " + std::to_string(iKind));
+}
+
+void ScriptedSerial::SetBinaryProtocol(std::int16_t iProtocol) {
+    mLog.push_back("Protocol " + std::to_string(iProtocol));
+}
+
+void ScriptedSerial::SendFile(const std::string& sPath) {
+    StartTransfer("SendFile " + sPath);
+}
+
+void ScriptedSerial::ReceiveFile(const std::string& sPath) {
+    StartTransfer("ReceiveFile " + sPath);
+}
+
+void ScriptedSerial::SetTransferState(std::int16_t iState) {
+    mLog.push_back("TransferState " + std::to_string(iState));
+    if (mAnswerToAbort) ReportLater({0, *mAnswerToAbort}, 1);
+}
+
+void ScriptedSerial::StartTransfer(const std::string& what) {
+    mLog.push_back(what);
+    std::int32_t delay = 0;
+    for (const Reported& reported : mTransfer)
+        ReportLater(reported, delay += reported.delay);
+}
+
+void ScriptedSerial::ReportLater(const Reported& reported, std::int32_t delay) {
+    mLoop.After(delay, [this, reported] {
+        mTransferState = reported.state;
+        mTransferBytes = reported.bytes;
+        if (mSink) mSink(SerialEventTransfer);
+    });
 }
 
 std::optional<std::int64_t> ScriptedSerial::NextDue() const {

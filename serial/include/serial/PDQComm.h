@@ -6,6 +6,7 @@
 #include "serial/LineSettings.h"
 #include "serial/PortBindings.h"
 #include "serial/TraceSink.h"
+#include "serial/TransferPreferences.h"
 
 #include <cstdint>
 #include <functional>
@@ -19,6 +20,7 @@
 namespace qncomm {
 
 class ReceivePath;
+class TransferInProgress;
 class TransmitQueue;
 
 /// Why a port did not open, or went away.
@@ -67,6 +69,16 @@ class PDQComm final : public SerialControl {
     std::string ReadLine(std::int32_t lTimeout) override;
     bool WaitForReceive(std::int32_t lTimeout) override;
     void Write(std::string_view sBytes) override;
+    void SetTransferKind(std::int16_t iKind) override { mTransferKind = iKind; }
+    void SetBinaryProtocol(std::int16_t iProtocol) override { mBinaryProtocol = iProtocol; }
+    void SendFile(const std::string& sPath) override;
+    void ReceiveFile(const std::string& sPath) override;
+    std::int16_t TransferState() const override { return mTransferState; }
+    void SetTransferState(std::int16_t iState) override;
+    std::int32_t TransferBytes() const override { return mTransferBytes; }
+    std::int32_t TransferSize() const override { return mTransferSize; }
+    std::string TransferFileName() const override;
+    void SetTransferFileName(std::string_view sName) override;
     std::int16_t ReceiveMode() const override { return mReceiveMode; }
     void SetReceiveMode(std::int16_t iMode) override { mReceiveMode = iMode; }
     void SetReserved(std::int16_t iValue) override { mReserved = iValue; }
@@ -95,6 +107,11 @@ class PDQComm final : public SerialControl {
     /// Keys typed at the terminal, to the line. Takes as many bytes as there is space for and
     /// returns how many; none while the port is closed.
     std::size_t TypeKeys(std::string_view sKeys);
+
+    /// How the next transfers are done.
+    void SetTransferPreferences(TransferPreferences preferences) { mPreferences = preferences; }
+    /// Why the last transfer failed; empty when it did not.
+    const std::string& TransferReason() const { return mTransferReason; }
 
   private:
     /// A channel that has been used, kept by its address.
@@ -127,6 +144,17 @@ class PDQComm final : public SerialControl {
     void ScheduleEvents();
     void Raise(SerialEvent event) const;
     void Lose(const IoResult& reason);
+
+    void StartTransfer(bool sends, const std::string& path);
+    /// Lets the transfer work: what is due, what goes out, its end.
+    void RunTransfer();
+    /// Gives the line what the transfer has for it, as far as it takes it.
+    void SendForTransfer();
+    void ScheduleTransfer();
+    /// Whether what the line took has left it, as far as it tells, or has had its time.
+    bool LastBytesGone();
+    void EndTransfer();
+    void OnTransferState(std::int16_t state);
     void Trace(TraceKind kind, std::string_view bytes) const;
 
     Reactor& mReactor;
@@ -149,6 +177,21 @@ class PDQComm final : public SerialControl {
     std::string mTag;
     std::shared_ptr<const EventSink> mSink;
     TerminalSink mTerminal;
+    std::int16_t mTransferKind = TransferKermit;
+    std::int16_t mBinaryProtocol = BinaryZModem;
+    TransferPreferences mPreferences;
+    std::unique_ptr<TransferInProgress> mTransfer;
+    std::unique_ptr<Alarm> mTransferDue;
+    bool mTransferStarted = false;
+    bool mTransferWaitsForLine = false; ///< it has more than the line took
+    std::int64_t mTransferLimitUs =
+        0; ///< when the end is reported although bytes wait; 0 = not set
+    std::int16_t mTransferState = TransferIdle;
+    std::int32_t mTransferBytes = 0;
+    std::int32_t mTransferSize = 0;
+    std::string mTransferName;
+    std::string mTransferReason;
+
     bool mLossWaits = false; ///< the loss of the port is still to be reported
     std::optional<PortFailure> mLastFailure;
 };

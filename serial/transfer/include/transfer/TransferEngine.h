@@ -54,6 +54,8 @@ class TransferEngine {
     // True when the outcome stands, no request is left and all output was taken. The line may then
     // be closed or used for something else; bytes must not be flushed, only drained.
     [[nodiscard]] bool IsOver() const;
+    // Bytes that came behind the transfer's last ones and belong to whoever uses the line next.
+    [[nodiscard]] std::string TakeUnread();
 
   protected:
     // What each engine adds. OnInput takes one item from Input and says whether there may be more.

@@ -45,10 +45,27 @@ class ScriptedSerial : public SerialControl, private ManualLoop::Source {
     std::optional<std::int32_t> mDrainPerMs;
     /// Called before the port opens; may raise.
     std::function<void()> mOnOpen;
+    /// Called with each new receive threshold.
+    std::function<void(std::int16_t)> mOnThreshold;
     std::set<std::int16_t> mValidPorts;
     std::vector<std::int16_t> mProbed;
     /// The device goes away.
     void Vanish();
+
+    // -- Transfers
+
+    /// One state that a transfer reports, lDelay ms after the one before it.
+    struct Reported {
+        std::int32_t delay;
+        std::int16_t state;
+        std::int32_t bytes = 0;
+    };
+    /// What the next transfer reports, from the moment a file is assigned.
+    std::vector<Reported> mTransfer;
+    std::int32_t mTransferSize = 0;
+    std::string mTransferName;
+    /// What an abort makes the control report, when set.
+    std::optional<std::int16_t> mAnswerToAbort;
 
     // -- What happened
 
@@ -84,6 +101,16 @@ class ScriptedSerial : public SerialControl, private ManualLoop::Source {
     std::string ReadLine(std::int32_t lTimeout) override;
     bool WaitForReceive(std::int32_t lTimeout) override;
     void Write(std::string_view sBytes) override;
+    void SetTransferKind(std::int16_t iKind) override;
+    void SetBinaryProtocol(std::int16_t iProtocol) override;
+    void SendFile(const std::string& sPath) override;
+    void ReceiveFile(const std::string& sPath) override;
+    std::int16_t TransferState() const override { return mTransferState; }
+    void SetTransferState(std::int16_t iState) override;
+    std::int32_t TransferBytes() const override { return mTransferBytes; }
+    std::int32_t TransferSize() const override { return mTransferSize; }
+    std::string TransferFileName() const override { return mTransferName; }
+    void SetTransferFileName(std::string_view sName) override { mTransferName = sName; }
     std::int16_t ReceiveMode() const override { return mReceiveMode; }
     void SetReceiveMode(std::int16_t iMode) override;
     void SetReserved(std::int16_t iValue) override { mReserved = iValue; }
@@ -106,6 +133,8 @@ class ScriptedSerial : public SerialControl, private ManualLoop::Source {
     std::optional<std::int64_t> NextDue() const override;
     void Dispatch() override;
     void TakeArrivals() const;
+    void StartTransfer(const std::string& what);
+    void ReportLater(const Reported& reported, std::int32_t delay);
     void PlayScript();
 
     ManualLoop& mLoop;
@@ -120,6 +149,8 @@ class ScriptedSerial : public SerialControl, private ManualLoop::Source {
     std::int64_t mDrainedAt = 0;
     std::int32_t mQueued = 0;
 
+    std::int16_t mTransferState = 0;
+    std::int32_t mTransferBytes = 0;
     std::int16_t mPortNumber = 0;
     std::string mSettings = "9600,N,8,1";
     std::int16_t mHandshaking = 0;

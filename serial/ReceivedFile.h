@@ -1,0 +1,43 @@
+#pragma once
+
+#include "platform/Fd.h"
+#include "serial/TransferPreferences.h"
+#include "transfer/TransferFiles.h"
+
+#include <functional>
+#include <string>
+
+namespace qncomm {
+
+/// The one host file that a transfer receives. It is written beside its target, and takes the
+/// target's place, on the disk, when it is whole; until then whatever stands there stays. The name
+/// that the other side tells chooses nothing.
+class ReceivedFile final : public transfer::FileSink {
+  public:
+    /// announced is told the name that travels, once, before the first byte.
+    ReceivedFile(std::string path, TransferPreferences preferences,
+                 std::function<void(const transfer::FileInfo&)> announced);
+    ~ReceivedFile() override;
+    ReceivedFile(const ReceivedFile&) = delete;
+    ReceivedFile& operator=(const ReceivedFile&) = delete;
+
+    transfer::OfferDecision Offer(const transfer::FileInfo& file) override;
+    bool Write(std::uint64_t offset, std::string_view data, std::string& sReason) override;
+    bool Close(bool bWhole, std::string& sReason) override;
+
+  private:
+    bool Open();
+    bool PutInPlace();
+    void Abandon();
+    std::string Reason() const;
+
+    std::string mTarget;
+    TransferPreferences mPreferences;
+    std::function<void(const transfer::FileInfo&)> mAnnounced;
+    std::string mBeside; ///< where it is written
+    Fd mFile;
+    transfer::FileInfo mInfo;
+    bool mOffered = false;
+};
+
+} // namespace qncomm

@@ -1,0 +1,151 @@
+#include "TransferInProgress.h"
+
+#include "ReceivedFile.h"
+#include "SentFile.h"
+#include "link/SerialControl.h"
+#include "transfer/KermitReceiver.h"
+#include "transfer/KermitSender.h"
+#include "transfer/ZModemReceiver.h"
+#include "transfer/ZModemSender.h"
+
+#include <utility>
+
+namespace qncomm {
+namespace {
+
+transfer::Time TimeOf(std::int64_t us) {
+    return transfer::Time(us);
+}
+
+std::unique_ptr<transfer::TransferEngine> EngineFor(const TransferOrder& order) {
+    if (order.byZModem) {
+        if (order.sends) return std::make_unique<transfer::ZModemSender>();
+        return std::make_unique<transfer::ZModemReceiver>();
+    }
+    transfer::KermitOptions options;
+    options.bSevenBits = order.sevenBits;
+    if (order.sends) return std::make_unique<transfer::KermitSender>(options);
+    return std::make_unique<transfer::KermitReceiver>(options);
+}
+
+} // namespace
+
+TransferInProgress::TransferInProgress(TransferOrder order, Report report)
+    : mOrder(std::move(order)),
+      mReport(std::move(report)),
+      mEngine(EngineFor(mOrder)),
+      mState(TransferIdle) {
+    if (mOrder.sends) {
+        auto file = std::make_unique<SentFile>(mOrder.path, mOrder.preferences.resume, [this] {
+            Enter(TransferAnnounced); // whoever follows may rename the file now
+            return mOrder.name;
+        });
+        mReason = file->Refusal();
+        mSource = std::move(file);
+    } else {
+        mSink = std::make_unique<ReceivedFile>(mOrder.path, mOrder.preferences,
+                                               [this](const transfer::FileInfo& file) {
+                                                   mOrder.name = file.sName;
+                                                   mSize = file.size;
+                                                   Enter(TransferAnnounced);
+                                               });
+    }
+}
+
+TransferInProgress::~TransferInProgress() = default;
+
+void TransferInProgress::Start(std::int64_t nowUs) {
+    Enter(TransferStarted);
+    if (!mReason.empty()) {
+        mBroken = true; // the file cannot be read: nothing goes to the line
+        return;
+    }
+    mEngine->Start(TimeOf(nowUs));
+    Serve(nowUs);
+}
+
+void TransferInProgress::Receive(std::string_view bytes, std::int64_t nowUs) {
+    mEngine->Receive(bytes, TimeOf(nowUs));
+    Serve(nowUs);
+}
+
+std::optional<std::int64_t> TransferInProgress::NextDue() const {
+    const auto deadline = mEngine->NextDeadline();
+    if (!deadline) return std::nullopt;
+    return deadline->count();
+}
+
+void TransferInProgress::Tick(std::int64_t nowUs) {
+    mEngine->Tick(TimeOf(nowUs));
+    Serve(nowUs);
+}
+
+std::string_view TransferInProgress::Output(std::int64_t nowUs) {
+    if (mBroken) return {};
+    const std::string_view output =
+        transfer::ServedOutput(*mEngine, mSource.get(), mSink.get(), TimeOf(nowUs));
+    ReportProgress();
+    return output;
+}
+
+void TransferInProgress::Sent(std::size_t count, std::int64_t nowUs) {
+    mEngine->Sent(count, TimeOf(nowUs));
+}
+
+void TransferInProgress::Abort(std::int64_t nowUs) {
+    mEngine->Cancel(TimeOf(nowUs));
+    Serve(nowUs);
+}
+
+void TransferInProgress::Break(const std::string& reason) {
+    mBroken = true;
+    if (mReason.empty()) mReason = reason;
+}
+
+bool TransferInProgress::IsOver() const {
+    return mBroken || mEngine->IsOver();
+}
+
+std::string TransferInProgress::Finish() {
+    const bool good = !mBroken && mEngine->Outcome() == transfer::Outcome::Success
+                      && mEngine->Progress().files > 0;
+    if (!good && mReason.empty())
+        mReason = mEngine->Reason().empty() ? "no file was transferred" : mEngine->Reason();
+    if (good) ReportProgress();
+    mSink.reset(); // what is not whole goes before anybody is told
+    mSource.reset();
+    Enter(good ? TransferIdle : TransferFailed);
+    return mEngine->TakeUnread();
+}
+
+std::uint64_t TransferInProgress::Bytes() const {
+    return mEngine->Progress().bytes;
+}
+
+std::uint64_t TransferInProgress::Size() const {
+    return mSize.value_or(mEngine->Progress().size.value_or(0));
+}
+
+void TransferInProgress::Serve(std::int64_t nowUs) {
+    transfer::ServeRequests(*mEngine, mSource.get(), mSink.get(), TimeOf(nowUs));
+    ReportProgress();
+}
+
+void TransferInProgress::Enter(std::int16_t state) {
+    mState = state;
+    mReport(state);
+}
+
+void TransferInProgress::ReportProgress() {
+    if (mEngine->Phase() == transfer::Phase::Closing && mState != TransferClosing) {
+        mReportedBytes = Bytes();
+        Enter(TransferMoving); // the last bytes count too
+        Enter(TransferClosing);
+        return;
+    }
+    if (mEngine->Phase() != transfer::Phase::Moving || Bytes() == mReportedBytes) return;
+    mReportedBytes = Bytes();
+    Enter(TransferMoving);
+}
+
+} // namespace qncomm
