@@ -18,9 +18,9 @@
 
 namespace {
 
-using namespace qncomm;
-using transfer::testing::LineSettings;
-using transfer::testing::PeerProcess;
+namespace bench = qncomm::bench;
+using qncomm::transfer::testing::LineSettings;
+using qncomm::transfer::testing::PeerProcess;
 using Words = std::vector<std::string>;
 
 enum class Content {

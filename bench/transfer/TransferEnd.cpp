@@ -21,7 +21,8 @@
 
 namespace {
 
-using namespace qncomm;
+namespace bench = qncomm::bench;
+namespace transfer = qncomm::transfer;
 using transfer::Time;
 
 struct Arguments {

@@ -7,7 +7,12 @@
 
 namespace qncomm::fuzz {
 
-using namespace transfer; // NOLINT(google-build-using-namespace): a program of one file
+using transfer::AnswerKind;
+using transfer::Outcome;
+using transfer::Request;
+using transfer::RequestKind;
+using transfer::Time;
+using transfer::TransferEngine;
 
 namespace {
 

@@ -47,6 +47,10 @@ KermitCoding::KermitCoding(const KermitTerms& terms, KermitPrefixing prefixing)
         // With the eighth bit taken off, a character is as risky as its low half.
         const unsigned travels = mBitPrefix != 0 ? c & 0x7FU : c;
         if (IsPrefixed(travels, prefixing)) mForms[c] = Form::Control;
+        mAsIs[c] = mForms[c] == Form::Plain && (mBitPrefix == 0 || c < 0x80);
+        const auto arrives = static_cast<char>(c);
+        mEnds[c] = arrives == mTheirControlPrefix || (mBitPrefix != 0 && arrives == mBitPrefix)
+                   || (mRepeatPrefix != 0 && arrives == mRepeatPrefix);
     }
 }
 
@@ -60,12 +64,27 @@ void KermitCoding::EncodeOne(char c, std::string& data) const {
     data.push_back(form == Form::Control ? kermit::Control(c) : c);
 }
 
+// How many bytes at the front travel as they are and are not worth a count.
+std::size_t KermitCoding::PlainRun(std::string_view bytes, std::size_t room) const {
+    const std::size_t limit = std::min(bytes.size(), room);
+    std::size_t run = 0;
+    while (run < limit && mAsIs[static_cast<unsigned char>(bytes[run])]
+           && (run + 1 == bytes.size() || bytes[run + 1] != bytes[run])) {
+        ++run;
+    }
+    return run;
+}
+
 void KermitCoding::Encode(std::string_view& bytes, std::size_t room, std::string& data) const {
     std::size_t at = 0;
     const std::size_t end = data.size() + room;
     // Near the end of the room a character is coded apart first, to see whether it fits.
     std::string coded;
     while (at < bytes.size()) {
+        const std::size_t plain = PlainRun(bytes.substr(at), end - data.size());
+        data.append(bytes.substr(at, plain));
+        at += plain;
+        if (at == bytes.size() || data.size() == end) break;
         const char c = bytes[at];
         std::size_t run = 1;
         if (mRepeatPrefix != 0 && at + 1 < bytes.size() && bytes[at + 1] == c) {
@@ -97,6 +116,13 @@ bool KermitCoding::Decode(std::string_view data, std::string& bytes) const {
     std::size_t at = 0;
     const auto more = [&] { return at < data.size(); };
     while (more()) {
+        std::size_t plain = at;
+        while (plain < data.size() && !mEnds[static_cast<unsigned char>(data[plain])]) {
+            ++plain;
+        }
+        bytes.append(data.substr(at, plain - at));
+        at = plain;
+        if (!more()) break;
         char c = data[at++];
         std::size_t run = 1;
         if (mRepeatPrefix != 0 && c == mRepeatPrefix) {

@@ -27,12 +27,15 @@ class KermitCoding {
     };
 
     void EncodeOne(char c, std::string& data) const;
+    [[nodiscard]] std::size_t PlainRun(std::string_view bytes, std::size_t room) const;
 
     char mControlPrefix = '#';      // of what is sent
     char mTheirControlPrefix = '#'; // of what is received
     char mBitPrefix = 0;
     char mRepeatPrefix = 0;
     std::array<Form, 256> mForms{};
+    std::array<bool, 256> mAsIs{}; // of what is sent: travels unchanged
+    std::array<bool, 256> mEnds{}; // of what is received: a prefix
 };
 
 } // namespace qncomm::transfer

@@ -20,7 +20,7 @@ using KPair = EnginePair<KermitSender, KermitReceiver, KermitOptions, KermitOpti
 // How many faults each test goes through: a campaign sets more.
 std::uint64_t FaultsWanted() {
     const char* wanted = std::getenv("QN_FAULTS"); // NOLINT(concurrency-mt-unsafe): no threads here
-    return wanted != nullptr ? std::strtoull(wanted, nullptr, 10) : 3000;
+    return wanted != nullptr ? std::strtoull(wanted, nullptr, 10) : 10000;
 }
 
 LineFaults FaultsOf(std::uint64_t seed) {
