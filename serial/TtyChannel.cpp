@@ -25,6 +25,7 @@ IoResult TtyChannel::Open(const LineSettings& settings) {
         ::ioctl(fd.Get(), TIOCNXCL);
         return applied;
     }
+    ::tcflush(fd.Get(), TCIFLUSH); // what came before belongs to nobody
     Attach(std::move(fd));
     return {};
 }
