@@ -25,7 +25,8 @@ Outcome Carry(const Request& request, Session& session) {
     if (request.command->needs == Needs::Printer)
         if (Outcome connected = session.Connect(); !connected.Ok()) return connected;
     Outcome outcome = request.command->run(session);
-    if (outcome.Ok() && !session.RefusalNote().empty())
+    // Other lines of the log are for the trace alone.
+    if (outcome.Ok() && session.RefusalNote() == "port not available")
         return Refused(ExitStatus::PortUnavailable, session.RefusalNote());
     return outcome;
 }
