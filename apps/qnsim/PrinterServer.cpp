@@ -31,7 +31,10 @@ bool PrinterServer::Run() {
 void PrinterServer::FollowHost() {
     mEndpoint.Refresh();
     const bool there = mEndpoint.Connected();
-    if (there != mHostThere && there) mPrinter.HostOpened(mNow);
+    if (there != mHostThere && there) {
+        mPrinter.HostOpened(mNow);
+        mPrinter.SetHostLines(true, true, mNow);
+    }
     if (there != mHostThere && !there) {
         mPrinter.HostClosed(mNow);
         mOutput.clear();
@@ -40,12 +43,37 @@ void PrinterServer::FollowHost() {
     if (there) mPrinter.SetHostFormat(mEndpoint.HostFormat(), mNow);
 }
 
+void PrinterServer::CarryOut(const HostAction& action) {
+    switch (action.kind) {
+    case HostAction::Kind::Bytes:
+        mPrinter.FromHost(action.text, mNow);
+        break;
+    case HostAction::Kind::Format:
+        mPrinter.SetHostFormat(action.format, mNow);
+        break;
+    case HostAction::Kind::Lines:
+        mPrinter.SetHostLines(action.dtr, action.rts, mNow);
+        break;
+    case HostAction::Kind::Break:
+        mPrinter.Break(mNow);
+        break;
+    case HostAction::Kind::DropSent:
+        mPrinter.DiscardFromHost(mNow);
+        break;
+    case HostAction::Kind::DropReceived:
+        mPrinter.DiscardToHost(mNow);
+        mOutput.clear();
+        break;
+    }
+}
+
 void PrinterServer::Exchange() {
     if (mHostThere && mPrinter.Backlog() < backlogLimit) {
-        const std::string bytes = mEndpoint.Read(pieceSize);
-        if (!bytes.empty()) mPrinter.FromHost(bytes, mNow);
+        for (const HostAction& action : mEndpoint.Receive(pieceSize))
+            CarryOut(action);
     }
     mPrinter.Advance(mNow);
+    mEndpoint.ShowLines(mPrinter.Dsr(), mPrinter.Cts());
     if (mOutput.empty()) mOutput = mPrinter.ToHost(mNow, pieceSize);
     if (mOutput.empty() || !mHostThere) return;
     mOutput.erase(0, mEndpoint.Write(mOutput));

@@ -1,6 +1,7 @@
-// qnsim: a virtual label printer on a pseudo-terminal or a loopback socket.
+// qnsim: a virtual label printer on a pseudo-terminal, a socket or a remote serial port.
 #include "PrinterServer.h"
 #include "PtyEndpoint.h"
+#include "Rfc2217Endpoint.h"
 #include "TcpEndpoint.h"
 
 #include <CLI/CLI.hpp>
@@ -22,7 +23,9 @@ struct Arguments {
     bool paced = false;
     bool pty = false;
     std::string link;
-    std::optional<int> port;
+    std::optional<int> tcpPort;
+    std::optional<int> rfc2217Port;
+    bool everywhere = false;
 };
 
 /// The options whose names and values are those of an address.
@@ -62,9 +65,15 @@ void Declare(CLI::App& app, Arguments& arguments) {
         ->delimiter('\0');
     auto* pty = app.add_flag("--pty", arguments.pty, "serve on a pseudo-terminal (the default)");
     app.add_option("--link", arguments.link, "a name for the pseudo-terminal");
-    app.add_option("--tcp", arguments.port, "serve on this loopback port, 0 for any free one")
-        ->check(CLI::Range(0, 65535))
-        ->excludes(pty);
+    auto* tcp = app.add_option("--tcp", arguments.tcpPort,
+                               "serve bytes on this loopback port, 0 for any free one");
+    auto* remote = app.add_option("--rfc2217", arguments.rfc2217Port,
+                                  "serve a remote serial port, with line settings and modem lines, "
+                                  "on this loopback port, 0 for any free one");
+    tcp->check(CLI::Range(0, 65535))->excludes(pty)->excludes(remote);
+    remote->check(CLI::Range(0, 65535))->excludes(pty);
+    app.add_flag("--listen-everywhere", arguments.everywhere,
+                 "let other machines reach the socket too; there is no password");
 }
 
 std::string ReadFaults(Options& options, const std::vector<std::string>& faults) {
@@ -107,10 +116,16 @@ int StopSignals() {
     return ::signalfd(-1, &signals, SFD_CLOEXEC);
 }
 
+OpenedEndpoint OpenEndpoint(const Arguments& arguments) {
+    const Reach reach = arguments.everywhere ? Reach::Everywhere : Reach::ThisMachine;
+    if (arguments.rfc2217Port) return Rfc2217Endpoint::Open(*arguments.rfc2217Port, reach);
+    if (arguments.tcpPort) return TcpEndpoint::Open(*arguments.tcpPort, reach);
+    return PtyEndpoint::Open(arguments.link);
+}
+
 int Serve(const Options& options, const Arguments& arguments) {
     const Descriptor stop(StopSignals());
-    const OpenedEndpoint opened =
-        arguments.port ? TcpEndpoint::Open(*arguments.port) : PtyEndpoint::Open(arguments.link);
+    const OpenedEndpoint opened = OpenEndpoint(arguments);
     if (!opened.endpoint) {
         std::cerr << "qnsim: " << opened.error << '\n';
         return exitNoEndpoint;
