@@ -1,20 +1,12 @@
 #include "PrinterServer.h"
 
-#include <algorithm>
-#include <ctime>
+#include "Clock.h"
 
 namespace qnsim {
 namespace {
 
 constexpr std::size_t pieceSize = 64UL * 1024;
 constexpr std::size_t backlogLimit = 64UL * 1024;
-constexpr Micros microsPerSecond = 1'000'000;
-
-Micros MonotonicNow() {
-    timespec time{};
-    ::clock_gettime(CLOCK_MONOTONIC, &time);
-    return Micros{time.tv_sec} * microsPerSecond + time.tv_nsec / 1000;
-}
 
 } // namespace
 
@@ -82,18 +74,10 @@ void PrinterServer::Exchange() {
 bool PrinterServer::Wait() {
     std::vector<pollfd> waits{{mStop, POLLIN, 0}};
     mEndpoint.AddWaits(waits, mPrinter.Backlog() < backlogLimit, !mOutput.empty());
-    timespec limit{};
-    const timespec* timeout = nullptr;
     const auto due = mPrinter.NextDue();
     // While the host does not take what is there, more of it is no reason to wake up.
     const bool blocked = !mOutput.empty() && due && *due <= mNow;
-    if (due && !blocked) {
-        const Micros left = std::max<Micros>(*due - MonotonicNow(), 0);
-        limit.tv_sec = left / microsPerSecond;
-        limit.tv_nsec = (left % microsPerSecond) * 1000;
-        timeout = &limit;
-    }
-    ::ppoll(waits.data(), waits.size(), timeout, nullptr);
+    WaitUntil(waits, blocked ? std::nullopt : due);
     return waits.front().revents != 0;
 }
 
