@@ -1,5 +1,6 @@
 // Which channel an address leads to.
 
+#include "Rfc2217Channel.h"
 #include "TcpChannel.h"
 #include "TtyChannel.h"
 #include "VirtualPrinterChannel.h"
@@ -11,6 +12,8 @@ std::unique_ptr<ByteChannel> MakeChannel(const PortAddress& address, Reactor& re
     switch (address.kind) {
     case AddressKind::Tcp:
         return std::make_unique<TcpChannel>(reactor, address.host, address.service);
+    case AddressKind::Rfc2217:
+        return std::make_unique<Rfc2217Channel>(reactor, address.host, address.service);
     case AddressKind::Simulator:
         return std::make_unique<VirtualPrinterChannel>(reactor, address.simulator);
     case AddressKind::Tty:

@@ -133,6 +133,13 @@ void PDQComm::FlushTransmit() {
     WantEvents();
 }
 
+IoResult PDQComm::SetBreak(bool bOn) {
+    if (mOpen == nullptr) return {IoStatus::Failed, 0, "the port is not open"};
+    IoResult result = mOpen->SetBreak(bOn);
+    if (result.Ok()) Trace(TraceKind::Event, bOn ? "break on" : "break off");
+    return result;
+}
+
 void PDQComm::WriteTerminal(std::string_view sText) {
     if (mTerminal) mTerminal(sText);
 }

@@ -3,13 +3,29 @@
 #include "SimulatorAddress.h"
 #include "common/Text.h"
 
+#include <array>
 #include <charconv>
 
 namespace qncomm {
 namespace {
 
-constexpr std::string_view TcpScheme = "tcp://";
 constexpr std::string_view SimulatorScheme = "sim:";
+
+struct SocketScheme {
+    std::string_view text;
+    AddressKind kind;
+    std::string_view form; ///< what is right, when an address is wrong
+};
+
+constexpr std::array SocketSchemes{
+    SocketScheme{
+        "tcp://", AddressKind::Tcp,
+        "a socket is written tcp://host:port, with a port of 1 to 65535 and an IPv6 number "
+        "in brackets"},
+    SocketScheme{"rfc2217://", AddressKind::Rfc2217,
+                 "a remote serial port is written rfc2217://host:port, with a port of 1 to 65535 "
+                 "and an IPv6 number in brackets"}};
+
 constexpr std::int16_t HighestPort = 16;
 
 std::optional<std::uint32_t> Digits(std::string_view text) {
@@ -23,9 +39,10 @@ PortAddressResult Refused(std::string_view text, std::string_view reason) {
     return {std::nullopt, "\"" + std::string(text) + "\": " + std::string(reason)};
 }
 
-PortAddressResult ParseTcp(PortAddress address, std::string_view rest) {
-    constexpr std::string_view form = "a socket is written tcp://host:port, with a port of 1 to "
-                                      "65535 and an IPv6 number in brackets";
+PortAddressResult ParseSocket(PortAddress address, const SocketScheme& scheme) {
+    const std::string text = address.text;
+    const std::string_view rest = std::string_view(text).substr(scheme.text.size());
+    const std::string_view form = scheme.form;
     const std::size_t colon = rest.rfind(':');
     if (colon == std::string_view::npos) return Refused(address.text, form);
     std::string_view host = rest.substr(0, colon);
@@ -37,7 +54,7 @@ PortAddressResult ParseTcp(PortAddress address, std::string_view rest) {
         return Refused(address.text, form);
     if (!bracketed && host.find(':') != std::string_view::npos) return Refused(address.text, form);
     if (!port || *port < 1 || *port > 65535) return Refused(address.text, form);
-    address.kind = AddressKind::Tcp;
+    address.kind = scheme.kind;
     address.host = host;
     address.service = std::to_string(*port);
     return {std::move(address), {}};
@@ -57,20 +74,18 @@ PortAddressResult ParsePortAddress(std::string_view sText) {
         address.path = text;
         return {std::move(address), {}};
     }
-    const std::string scheme = LowerCase(text.substr(0, TcpScheme.size()));
-    if (scheme == TcpScheme) {
-        const std::string rest(text.substr(TcpScheme.size()));
-        return ParseTcp(std::move(address), rest);
-    }
-    if (scheme.starts_with(SimulatorScheme)) {
+    const std::string lower = LowerCase(text);
+    for (const SocketScheme& scheme : SocketSchemes)
+        if (lower.starts_with(scheme.text)) return ParseSocket(std::move(address), scheme);
+    if (lower.starts_with(SimulatorScheme)) {
         address.kind = AddressKind::Simulator;
         address.simulator = text.substr(SimulatorScheme.size());
         const std::string objection = SimulatorAddressError(address.simulator);
         if (!objection.empty()) return Refused(address.text, objection);
         return {std::move(address), {}};
     }
-    return Refused(text, "an address is a device such as /dev/ttyUSB0, tcp://host:port, or "
-                         "sim:MODEL for the virtual printer");
+    return Refused(text, "an address is a device such as /dev/ttyUSB0, tcp://host:port, "
+                         "rfc2217://host:port, or sim:MODEL for the virtual printer");
 }
 
 std::optional<std::int16_t> ParsePortNumber(std::string_view sText) {

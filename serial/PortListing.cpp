@@ -23,6 +23,7 @@ PortState StateOf(IoStatus status) {
 PortListing Row(const PortBinding& binding) {
     switch (binding.address.kind) {
     case AddressKind::Tcp:
+    case AddressKind::Rfc2217:
         return {binding, PortState::Unchecked, {}};
     case AddressKind::Simulator:
         return {binding, PortState::Free, {}};

@@ -1,14 +1,13 @@
 #pragma once
 
 #include "FdChannel.h"
-#include "HostLookup.h"
+#include "SocketConnector.h"
 
 #include <cstddef>
 #include <cstdint>
 #include <memory>
 #include <optional>
 #include <string>
-#include <vector>
 
 namespace qncomm {
 
@@ -20,7 +19,6 @@ namespace qncomm {
 /// combination, and many device servers take one connection only and are slow to let go of it.
 class TcpChannel final : public FdChannel {
   public:
-    static constexpr std::int64_t ConnectLimitUs = 3'000'000;
     static constexpr std::int64_t ParkUs = 1'000'000;
 
     TcpChannel(Reactor& reactor, std::string sHost, std::string sService);
@@ -41,12 +39,7 @@ class TcpChannel final : public FdChannel {
     ssize_t Put(std::string_view bytes) override;
 
   private:
-    IoResult Connect(Fd& fd);
-    IoResult ConnectTo(const SocketAddress& address, std::int64_t until, Fd& fd) const;
-
-    std::string mHost;
-    std::string mService;
-    std::vector<SocketAddress> mAddresses; ///< of the last look-up that led to a connection
+    SocketConnector mConnector;
     Fd mParked;
     std::unique_ptr<Alarm> mParkEnd;
 };

@@ -46,6 +46,11 @@ IoResult TtyChannel::Configure(const LineSettings& settings) {
     return Apply(Handle(), settings);
 }
 
+IoResult TtyChannel::SetBreak(bool bOn) {
+    if (::ioctl(Handle(), bOn ? TIOCSBRK : TIOCCBRK) == 0) return {};
+    return OpenFailure(errno);
+}
+
 IoResult TtyChannel::Apply(int fd, const LineSettings& settings) const {
     const termios wanted = AttributesFor(settings);
     if (::tcsetattr(fd, TCSANOW, &wanted) != 0) return OpenFailure(errno);

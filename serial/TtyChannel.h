@@ -25,6 +25,7 @@ class TtyChannel final : public FdChannel {
     void Close() override;
     IoResult Probe() override;
     IoResult Configure(const LineSettings& settings) override;
+    IoResult SetBreak(bool bOn) override;
     std::size_t OutputPending() override;
     void DiscardInput() override;
     void DiscardOutput() override;

@@ -68,6 +68,12 @@ IoResult VirtualPrinterChannel::Configure(const LineSettings& settings) {
     return {};
 }
 
+IoResult VirtualPrinterChannel::SetBreak(bool bOn) {
+    if (bOn) mPrinter->device.Break(mReactor.NowUs());
+    Schedule();
+    return {};
+}
+
 IoCount VirtualPrinterChannel::Read(std::span<char> buffer) {
     Run();
     const std::size_t count = mReceived.copy(buffer.data(), buffer.size());

@@ -26,6 +26,7 @@ class VirtualPrinterChannel final : public ByteChannel {
     void Close() override;
     IoResult Probe() override { return {}; }
     IoResult Configure(const LineSettings& settings) override;
+    IoResult SetBreak(bool bOn) override;
     IoCount Read(std::span<char> buffer) override;
     IoCount Write(std::string_view bytes) override;
     std::size_t OutputPending() override;

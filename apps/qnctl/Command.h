@@ -41,6 +41,7 @@ CommandTable ProgramCommands();
 CommandTable SetupCommands();
 CommandTable FontCommands();
 CommandTable ImageCommands();
+CommandTable TraceCommands();
 
 /// All commands in the order of the help text.
 CommandTable AllCommands();

@@ -14,7 +14,8 @@ namespace {
 
 void DeclareGlobals(CLI::App& app, GlobalOptions& options) {
     app.add_option("--port", options.port,
-                   "The port: /dev/…, tcp://HOST:PORT, sim:MODEL, or a number such as COM3")
+                   "The port: /dev/…, tcp://HOST:PORT, rfc2217://HOST:PORT, sim:MODEL, or a number "
+                   "such as COM3")
         ->type_name("ADDRESS");
     app.add_option("--settings", options.settings, "The settings file, instead of your own")
         ->type_name("FILE");
@@ -39,6 +40,7 @@ constexpr std::array Groups{
     Group{"setup", "The printer's setup: list, set, write, load"},
     Group{"font", "One font: install, remove, print"},
     Group{"image", "One image: install, remove, print"},
+    Group{"trace", "A file that --trace wrote: redact"},
 };
 
 std::string HelpOf(std::string_view group) {

@@ -4,6 +4,7 @@
 #include <cstring>
 #include <system_error>
 #include <unistd.h>
+#include <utility>
 
 namespace qnsim {
 
@@ -28,6 +29,13 @@ void Descriptor::Close() {
 OpenedEndpoint SystemFailure(std::string_view doing) {
     const int number = errno;
     return {nullptr, number, std::string(doing) + ": " + std::system_category().message(number)};
+}
+
+std::vector<HostAction> Sending(std::string bytes) {
+    if (bytes.empty()) return {};
+    HostAction action;
+    action.text = std::move(bytes);
+    return {std::move(action)};
 }
 
 std::string ReadSome(int descriptor, std::size_t max, bool& closed) {

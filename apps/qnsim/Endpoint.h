@@ -1,7 +1,7 @@
 // Where a host reaches the printer from outside the process.
 #pragma once
 
-#include "simulator/Options.h"
+#include "HostAction.h"
 
 #include <memory>
 #include <poll.h>
@@ -31,8 +31,12 @@ class Endpoint {
     /// What is known of the host's line settings.
     virtual LineFormat HostFormat() const = 0;
 
-    /// Bytes that the host has written by now, at most max; empty when there are none or it left.
-    virtual std::string Read(std::size_t max) = 0;
+    /// What the host has done by now, in its order, from at most max bytes of the connection; empty
+    /// when there is nothing or it left. All of it is carried out before the next Write.
+    virtual std::vector<HostAction> Receive(std::size_t max) = 0;
+
+    /// The modem lines as the printer holds them now.
+    virtual void ShowLines(bool /*dsr*/, bool /*cts*/) {}
 
     /// Writes what fits now and returns how many bytes that was.
     virtual std::size_t Write(std::string_view bytes) = 0;
@@ -65,6 +69,9 @@ class Descriptor {
 
 /// What the last system call's failure was while doing something.
 OpenedEndpoint SystemFailure(std::string_view doing);
+
+/// The action of a host that sends these bytes; none when there are none.
+std::vector<HostAction> Sending(std::string bytes);
 
 /// Reads and writes that never wait and never raise a signal.
 std::string ReadSome(int descriptor, std::size_t max, bool& closed);

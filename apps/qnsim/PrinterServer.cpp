@@ -1,20 +1,12 @@
 #include "PrinterServer.h"
 
-#include <algorithm>
-#include <ctime>
+#include "Clock.h"
 
 namespace qnsim {
 namespace {
 
 constexpr std::size_t pieceSize = 64UL * 1024;
 constexpr std::size_t backlogLimit = 64UL * 1024;
-constexpr Micros microsPerSecond = 1'000'000;
-
-Micros MonotonicNow() {
-    timespec time{};
-    ::clock_gettime(CLOCK_MONOTONIC, &time);
-    return Micros{time.tv_sec} * microsPerSecond + time.tv_nsec / 1000;
-}
 
 } // namespace
 
@@ -31,7 +23,10 @@ bool PrinterServer::Run() {
 void PrinterServer::FollowHost() {
     mEndpoint.Refresh();
     const bool there = mEndpoint.Connected();
-    if (there != mHostThere && there) mPrinter.HostOpened(mNow);
+    if (there != mHostThere && there) {
+        mPrinter.HostOpened(mNow);
+        mPrinter.SetHostLines(true, true, mNow);
+    }
     if (there != mHostThere && !there) {
         mPrinter.HostClosed(mNow);
         mOutput.clear();
@@ -40,12 +35,37 @@ void PrinterServer::FollowHost() {
     if (there) mPrinter.SetHostFormat(mEndpoint.HostFormat(), mNow);
 }
 
+void PrinterServer::CarryOut(const HostAction& action) {
+    switch (action.kind) {
+    case HostAction::Kind::Bytes:
+        mPrinter.FromHost(action.text, mNow);
+        break;
+    case HostAction::Kind::Format:
+        mPrinter.SetHostFormat(action.format, mNow);
+        break;
+    case HostAction::Kind::Lines:
+        mPrinter.SetHostLines(action.dtr, action.rts, mNow);
+        break;
+    case HostAction::Kind::Break:
+        mPrinter.Break(mNow);
+        break;
+    case HostAction::Kind::DropSent:
+        mPrinter.DiscardFromHost(mNow);
+        break;
+    case HostAction::Kind::DropReceived:
+        mPrinter.DiscardToHost(mNow);
+        mOutput.clear();
+        break;
+    }
+}
+
 void PrinterServer::Exchange() {
     if (mHostThere && mPrinter.Backlog() < backlogLimit) {
-        const std::string bytes = mEndpoint.Read(pieceSize);
-        if (!bytes.empty()) mPrinter.FromHost(bytes, mNow);
+        for (const HostAction& action : mEndpoint.Receive(pieceSize))
+            CarryOut(action);
     }
     mPrinter.Advance(mNow);
+    mEndpoint.ShowLines(mPrinter.Dsr(), mPrinter.Cts());
     if (mOutput.empty()) mOutput = mPrinter.ToHost(mNow, pieceSize);
     if (mOutput.empty() || !mHostThere) return;
     mOutput.erase(0, mEndpoint.Write(mOutput));
@@ -54,18 +74,10 @@ void PrinterServer::Exchange() {
 bool PrinterServer::Wait() {
     std::vector<pollfd> waits{{mStop, POLLIN, 0}};
     mEndpoint.AddWaits(waits, mPrinter.Backlog() < backlogLimit, !mOutput.empty());
-    timespec limit{};
-    const timespec* timeout = nullptr;
     const auto due = mPrinter.NextDue();
     // While the host does not take what is there, more of it is no reason to wake up.
     const bool blocked = !mOutput.empty() && due && *due <= mNow;
-    if (due && !blocked) {
-        const Micros left = std::max<Micros>(*due - MonotonicNow(), 0);
-        limit.tv_sec = left / microsPerSecond;
-        limit.tv_nsec = (left % microsPerSecond) * 1000;
-        timeout = &limit;
-    }
-    ::ppoll(waits.data(), waits.size(), timeout, nullptr);
+    WaitUntil(waits, blocked ? std::nullopt : due);
     return waits.front().revents != 0;
 }
 

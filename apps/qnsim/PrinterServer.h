@@ -18,6 +18,7 @@ class PrinterServer {
     bool Run();
 
   private:
+    void CarryOut(const HostAction& action);
     void Exchange();
     void FollowHost();
     bool Wait();

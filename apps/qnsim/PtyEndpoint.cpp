@@ -120,11 +120,11 @@ LineFormat PtyEndpoint::HostFormat() const {
     return format;
 }
 
-std::string PtyEndpoint::Read(std::size_t max) {
+std::vector<HostAction> PtyEndpoint::Receive(std::size_t max) {
     bool closed = false;
     std::string bytes = ReadSome(mMaster.Get(), max, closed);
     if (closed) mConnected = false;
-    return bytes;
+    return Sending(std::move(bytes));
 }
 
 std::size_t PtyEndpoint::Write(std::string_view bytes) {

@@ -20,7 +20,7 @@ class PtyEndpoint : public Endpoint {
     void Refresh() override;
     bool Connected() const override { return mConnected; }
     LineFormat HostFormat() const override;
-    std::string Read(std::size_t max) override;
+    std::vector<HostAction> Receive(std::size_t max) override;
     std::size_t Write(std::string_view bytes) override;
 
     const std::string& Device() const { return mDevice; }

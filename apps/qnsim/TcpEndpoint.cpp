@@ -1,77 +1,24 @@
 #include "TcpEndpoint.h"
 
-#include <netinet/in.h>
-#include <netinet/tcp.h>
-#include <sys/socket.h>
-
 namespace qnsim {
-namespace {
 
-/// The socket calls take every family's address through one type.
-sockaddr* AsAddress(sockaddr_in& address) {
-    return static_cast<sockaddr*>(static_cast<void*>(&address));
+OpenedEndpoint TcpEndpoint::Open(int port, Reach reach) {
+    auto endpoint = std::make_unique<TcpEndpoint>();
+    const std::string failed = endpoint->mSocket.Listen(port, reach);
+    if (!failed.empty()) return SystemFailure(failed);
+    return {std::move(endpoint), 0, {}};
 }
-
-void SetOption(int descriptor, int level, int option) {
-    const int yes = 1;
-    ::setsockopt(descriptor, level, option, &yes, sizeof(yes));
-}
-
-} // namespace
-
-OpenedEndpoint TcpEndpoint::Open(int port) {
-    Descriptor listener(::socket(AF_INET, SOCK_STREAM | SOCK_NONBLOCK | SOCK_CLOEXEC, 0));
-    if (!listener.IsOpen()) return SystemFailure("cannot open a socket");
-    SetOption(listener.Get(), SOL_SOCKET, SO_REUSEADDR);
-    sockaddr_in address{};
-    address.sin_family = AF_INET;
-    address.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
-    address.sin_port = htons(static_cast<std::uint16_t>(port));
-    socklen_t size = sizeof(address);
-    if (::bind(listener.Get(), AsAddress(address), size) != 0 || ::listen(listener.Get(), 4) != 0
-        || ::getsockname(listener.Get(), AsAddress(address), &size) != 0) {
-        return SystemFailure("cannot listen on port " + std::to_string(port));
-    }
-    return {
-        std::unique_ptr<Endpoint>(new TcpEndpoint(std::move(listener), ntohs(address.sin_port))),
-        0,
-        {}};
-}
-
-TcpEndpoint::TcpEndpoint(Descriptor listener, int port)
-    : mListener(std::move(listener)), mPort(port) {}
 
 std::string TcpEndpoint::Address() const {
-    return "tcp://127.0.0.1:" + std::to_string(mPort);
+    return "tcp://127.0.0.1:" + std::to_string(mSocket.Port());
 }
 
 void TcpEndpoint::AddWaits(std::vector<pollfd>& waits, bool wantInput, bool wantOutput) {
-    if (!mHost.IsOpen()) {
-        waits.push_back({mListener.Get(), POLLIN, 0});
-        return;
-    }
-    const int events = (wantInput ? POLLIN : 0) | (wantOutput ? POLLOUT : 0);
-    waits.push_back({mHost.Get(), static_cast<short>(events), 0});
+    mSocket.AddWaits(waits, wantInput, wantOutput);
 }
 
-void TcpEndpoint::Refresh() {
-    if (mHost.IsOpen()) return;
-    mHost = Descriptor(::accept4(mListener.Get(), nullptr, nullptr, SOCK_NONBLOCK | SOCK_CLOEXEC));
-    if (mHost.IsOpen()) SetOption(mHost.Get(), IPPROTO_TCP, TCP_NODELAY);
-}
-
-std::string TcpEndpoint::Read(std::size_t max) {
-    bool closed = false;
-    std::string bytes = ReadSome(mHost.Get(), max, closed);
-    if (closed) mHost.Close();
-    return bytes;
-}
-
-std::size_t TcpEndpoint::Write(std::string_view bytes) {
-    bool closed = false;
-    const std::size_t count = WriteSome(mHost.Get(), bytes, closed);
-    if (closed) mHost.Close();
-    return count;
+std::vector<HostAction> TcpEndpoint::Receive(std::size_t max) {
+    return Sending(mSocket.Read(max));
 }
 
 } // namespace qnsim

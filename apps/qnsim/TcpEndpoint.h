@@ -1,31 +1,26 @@
-// A socket on this machine's own address, as a device server would offer it.
+// A socket that carries the line's bytes, as a device server would offer it.
 #pragma once
 
-#include "Endpoint.h"
+#include "SocketHost.h"
 
 namespace qnsim {
 
-/// Serves one host at a time; the next one waits until that has left. Nothing of a host's line
-/// settings is seen.
+/// Nothing of a host's line settings is seen.
 class TcpEndpoint : public Endpoint {
   public:
     /// port 0 takes any free one; Address names it.
-    static OpenedEndpoint Open(int port);
+    static OpenedEndpoint Open(int port, Reach reach = Reach::ThisMachine);
 
     std::string Address() const override;
     void AddWaits(std::vector<pollfd>& waits, bool wantInput, bool wantOutput) override;
-    void Refresh() override;
-    bool Connected() const override { return mHost.IsOpen(); }
+    void Refresh() override { mSocket.Accept(); }
+    bool Connected() const override { return mSocket.Connected(); }
     LineFormat HostFormat() const override { return {}; }
-    std::string Read(std::size_t max) override;
-    std::size_t Write(std::string_view bytes) override;
+    std::vector<HostAction> Receive(std::size_t max) override;
+    std::size_t Write(std::string_view bytes) override { return mSocket.Write(bytes); }
 
   private:
-    TcpEndpoint(Descriptor listener, int port);
-
-    Descriptor mListener;
-    Descriptor mHost;
-    int mPort;
+    SocketHost mSocket;
 };
 
 } // namespace qnsim

@@ -1,6 +1,8 @@
-// qnsim: a virtual label printer on a pseudo-terminal or a loopback socket.
+// qnsim: a virtual label printer on a pseudo-terminal, a socket or a remote serial port.
 #include "PrinterServer.h"
 #include "PtyEndpoint.h"
+#include "ReplayServer.h"
+#include "Rfc2217Endpoint.h"
 #include "TcpEndpoint.h"
 
 #include <CLI/CLI.hpp>
@@ -13,6 +15,7 @@
 namespace qnsim {
 namespace {
 
+constexpr int exitOtherwise = 1; // a replayed session went otherwise than recorded
 constexpr int exitUsage = 2;
 constexpr int exitNoEndpoint = 4;
 
@@ -22,7 +25,11 @@ struct Arguments {
     bool paced = false;
     bool pty = false;
     std::string link;
-    std::optional<int> port;
+    std::optional<int> tcpPort;
+    std::optional<int> rfc2217Port;
+    bool everywhere = false;
+    std::string replay;
+    bool replayDelays = false;
 };
 
 /// The options whose names and values are those of an address.
@@ -62,9 +69,21 @@ void Declare(CLI::App& app, Arguments& arguments) {
         ->delimiter('\0');
     auto* pty = app.add_flag("--pty", arguments.pty, "serve on a pseudo-terminal (the default)");
     app.add_option("--link", arguments.link, "a name for the pseudo-terminal");
-    app.add_option("--tcp", arguments.port, "serve on this loopback port, 0 for any free one")
-        ->check(CLI::Range(0, 65535))
-        ->excludes(pty);
+    auto* tcp = app.add_option("--tcp", arguments.tcpPort,
+                               "serve bytes on this loopback port, 0 for any free one");
+    auto* remote = app.add_option("--rfc2217", arguments.rfc2217Port,
+                                  "serve a remote serial port, with line settings and modem lines, "
+                                  "on this loopback port, 0 for any free one");
+    tcp->check(CLI::Range(0, 65535))->excludes(pty)->excludes(remote);
+    remote->check(CLI::Range(0, 65535))->excludes(pty);
+    app.add_flag("--listen-everywhere", arguments.everywhere,
+                 "let other machines reach the socket too; there is no password");
+    auto* replay =
+        app.add_option("--replay", arguments.replay,
+                       "answer as the printer in this trace did; ends when all of it was "
+                       "played, with status 1 where the host does otherwise");
+    app.add_flag("--replay-delays", arguments.replayDelays, "with the delays of the trace")
+        ->needs(replay);
 }
 
 std::string ReadFaults(Options& options, const std::vector<std::string>& faults) {
@@ -107,10 +126,36 @@ int StopSignals() {
     return ::signalfd(-1, &signals, SFD_CLOEXEC);
 }
 
+OpenedEndpoint OpenEndpoint(const Arguments& arguments) {
+    const Reach reach = arguments.everywhere ? Reach::Everywhere : Reach::ThisMachine;
+    if (arguments.rfc2217Port) return Rfc2217Endpoint::Open(*arguments.rfc2217Port, reach);
+    if (arguments.tcpPort) return TcpEndpoint::Open(*arguments.tcpPort, reach);
+    return PtyEndpoint::Open(arguments.link);
+}
+
+int Replay(const Arguments& arguments) {
+    qncomm::TraceReading reading = qncomm::ReadTrace(arguments.replay);
+    if (!reading.result.Ok()) {
+        std::cerr << "qnsim: " << arguments.replay << ": " << reading.result.text << '\n';
+        return exitUsage;
+    }
+    const Descriptor stop(StopSignals());
+    const OpenedEndpoint opened = OpenEndpoint(arguments);
+    if (!opened.endpoint) {
+        std::cerr << "qnsim: " << opened.error << '\n';
+        return exitNoEndpoint;
+    }
+    std::cout << opened.endpoint->Address() << std::endl;
+    TracePlayer player(std::move(reading.records), arguments.replayDelays);
+    const std::string ended = ReplayServer(player, *opened.endpoint, stop.Get()).Run();
+    if (ended.empty()) return 0;
+    std::cerr << "qnsim: " << arguments.replay << ": " << ended << '\n';
+    return exitOtherwise;
+}
+
 int Serve(const Options& options, const Arguments& arguments) {
     const Descriptor stop(StopSignals());
-    const OpenedEndpoint opened =
-        arguments.port ? TcpEndpoint::Open(*arguments.port) : PtyEndpoint::Open(arguments.link);
+    const OpenedEndpoint opened = OpenEndpoint(arguments);
     if (!opened.endpoint) {
         std::cerr << "qnsim: " << opened.error << '\n';
         return exitNoEndpoint;
@@ -137,6 +182,7 @@ int Run(int argc, char** argv) {
     } catch (const CLI::ParseError& error) {
         return app.exit(error) == 0 ? 0 : exitUsage;
     }
+    if (!arguments.replay.empty()) return Replay(arguments);
     const ParseResult parsed = ReadOptions(arguments);
     if (parsed.options) return Serve(*parsed.options, arguments);
     std::cerr << "qnsim: " << parsed.error << '\n';

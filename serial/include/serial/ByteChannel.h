@@ -41,6 +41,12 @@ class ByteChannel {
     /// Gives other settings to the open channel.
     virtual IoResult Configure(const LineSettings& settings) = 0;
 
+    /// Holds the line in the break condition, or ends it. A channel without a line cannot.
+    virtual IoResult SetBreak(bool bOn) {
+        static_cast<void>(bOn);
+        return {IoStatus::Unsupported, 0, "there is no line that could break"};
+    }
+
     virtual IoCount Read(std::span<char> buffer) = 0;
     virtual IoCount Write(std::string_view bytes) = 0;
 

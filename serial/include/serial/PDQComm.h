@@ -100,6 +100,10 @@ class PDQComm final : public SerialControl {
     /// Such as "COM3 (/dev/ttyUSB0)".
     std::string PortName() const;
 
+    /// Holds the open line in the break condition, which stops a printer's running program, or ends
+    /// it. The outcome says when the port is closed or its channel has no line.
+    IoResult SetBreak(bool bOn);
+
     /// Who shows text of the terminal; an empty function shows none.
     using TerminalSink = std::function<void(std::string_view sText)>;
     void SetTerminalSink(TerminalSink sink) { mTerminal = std::move(sink); }

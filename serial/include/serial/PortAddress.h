@@ -7,7 +7,7 @@
 
 namespace qncomm {
 
-enum class AddressKind { Tty, Tcp, Simulator };
+enum class AddressKind { Tty, Tcp, Rfc2217, Simulator };
 
 /// Where a port is. Compared by its text.
 struct PortAddress {
@@ -26,8 +26,9 @@ struct PortAddressResult {
     std::string error;                  ///< says what was wrong and what would be right
 };
 
-/// Reads an address: an absolute path (/dev/ttyUSB0), tcp://host:port (an IPv6 number in brackets)
-/// or sim:MODEL?options. Does not look whether the device is there.
+/// Reads an address: an absolute path (/dev/ttyUSB0), tcp://host:port or
+/// rfc2217://host:port (an IPv6 number in brackets) or sim:MODEL?options. Does not look whether the
+/// device is there.
 PortAddressResult ParsePortAddress(std::string_view sText);
 
 /// The port number in "COM3", "com3", "COM3:" or "3"; nothing for any other text or a number beyond

@@ -1,5 +1,5 @@
-// One suite over every kind of line: what the link promises holds in process, on a pseudo-terminal
-// and on a socket.
+// One suite over every kind of line: what the link promises holds in process, on a
+// pseudo-terminal, on a socket and on a remote serial port.
 
 #include "ServedPrinter.h"
 #include "common/Text.h"
@@ -158,7 +158,8 @@ TEST_P(LinkContract, ADamagedLineEndsEveryOperation) {
 INSTANTIATE_TEST_SUITE_P(Lines, LinkContract,
                          ::testing::Values(LineKind{"InProcess", PrinterInProcess, true},
                                            LineKind{"Pty", PrinterOnPty, true},
-                                           LineKind{"Tcp", PrinterOnTcp, false}),
+                                           LineKind{"Tcp", PrinterOnTcp, false},
+                                           LineKind{"Rfc2217", PrinterOnRfc2217, true}),
                          [](const auto& kind) { return kind.param.name; });
 
 // -- The 28 combinations on a pseudo-terminal, as far as it carries them

@@ -2,6 +2,7 @@
 
 #include "PrinterServer.h"
 #include "PtyEndpoint.h"
+#include "Rfc2217Endpoint.h"
 #include "TcpEndpoint.h"
 #include "simulator/VirtualPrinter.h"
 
@@ -69,6 +70,10 @@ std::unique_ptr<ServedPrinter> PrinterOnPty(const std::string& sPrinter) {
 
 std::unique_ptr<ServedPrinter> PrinterOnTcp(const std::string& sPrinter) {
     return std::make_unique<OnEndpoint>(sPrinter, qnsim::TcpEndpoint::Open(0), "tcp://");
+}
+
+std::unique_ptr<ServedPrinter> PrinterOnRfc2217(const std::string& sPrinter) {
+    return std::make_unique<OnEndpoint>(sPrinter, qnsim::Rfc2217Endpoint::Open(0), "rfc2217://");
 }
 
 } // namespace qncomm::testing

@@ -17,5 +17,6 @@ class ServedPrinter {
 std::unique_ptr<ServedPrinter> PrinterInProcess(const std::string& sPrinter);
 std::unique_ptr<ServedPrinter> PrinterOnPty(const std::string& sPrinter);
 std::unique_ptr<ServedPrinter> PrinterOnTcp(const std::string& sPrinter);
+std::unique_ptr<ServedPrinter> PrinterOnRfc2217(const std::string& sPrinter);
 
 } // namespace qncomm::testing

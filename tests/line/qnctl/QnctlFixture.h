@@ -42,6 +42,8 @@ class QnctlFixture : public testing::Test {
 
     /// Starts a virtual printer on a pseudo-terminal; its path is Printer().
     void StartSimulator(const Arguments& options = {});
+    /// The virtual printer's program.
+    Program& Simulator() { return *mSimulator; }
     void StopSimulator() { mSimulator.reset(); }
     std::string Printer() const { return (mFolder / "printer").string(); }
 

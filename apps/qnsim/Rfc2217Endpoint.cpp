@@ -1,0 +1,62 @@
+#include "Rfc2217Endpoint.h"
+
+namespace qnsim {
+namespace {
+
+/// A host that asks much and takes no answers is not listened to beyond this.
+constexpr std::size_t mostUnsent = 64UL * 1024;
+constexpr std::size_t mostTaken = 16UL * 1024;
+
+} // namespace
+
+OpenedEndpoint Rfc2217Endpoint::Open(int port, Reach reach) {
+    auto endpoint = std::make_unique<Rfc2217Endpoint>();
+    const std::string failed = endpoint->mSocket.Listen(port, reach);
+    if (!failed.empty()) return SystemFailure(failed);
+    return {std::move(endpoint), 0, {}};
+}
+
+std::string Rfc2217Endpoint::Address() const {
+    return "rfc2217://127.0.0.1:" + std::to_string(mSocket.Port());
+}
+
+void Rfc2217Endpoint::AddWaits(std::vector<pollfd>& waits, bool wantInput, bool wantOutput) {
+    const bool unsent = !mPort.Output().empty();
+    mSocket.AddWaits(waits, wantInput && mPort.Output().size() < mostUnsent,
+                     unsent || (wantOutput && !mPort.Suspended()));
+}
+
+void Rfc2217Endpoint::Refresh() {
+    if (mSocket.Accept()) {
+        mPort = ComPortServer();
+        mPort.ShowLines(mDsr, mCts);
+    }
+    Flush();
+}
+
+std::vector<HostAction> Rfc2217Endpoint::Receive(std::size_t max) {
+    if (mPort.Output().size() >= mostUnsent) return {};
+    return mPort.Receive(mSocket.Read(max));
+}
+
+void Rfc2217Endpoint::ShowLines(bool dsr, bool cts) {
+    mDsr = dsr;
+    mCts = cts;
+    mPort.ShowLines(dsr, cts);
+    Flush();
+}
+
+std::size_t Rfc2217Endpoint::Write(std::string_view bytes) {
+    if (mPort.Suspended() || !mPort.Output().empty()) return 0;
+    const std::string_view taken = bytes.substr(0, mostTaken);
+    mPort.Send(taken);
+    Flush();
+    return taken.size();
+}
+
+void Rfc2217Endpoint::Flush() {
+    std::string& output = mPort.Output();
+    if (!output.empty() && mSocket.Connected()) output.erase(0, mSocket.Write(output));
+}
+
+} // namespace qnsim

@@ -1,0 +1,35 @@
+// A remote serial port as a device server offers it (RFC 2217).
+#pragma once
+
+#include "ComPortServer.h"
+#include "SocketHost.h"
+
+namespace qnsim {
+
+/// The host's whole line format is seen, its modem lines, breaks and purges too, and the printer's
+/// modem lines are told. A new host finds the port at 9600 baud, no parity, 8 data bits, 1 stop
+/// bit.
+class Rfc2217Endpoint : public Endpoint {
+  public:
+    /// port 0 takes any free one; Address names it.
+    static OpenedEndpoint Open(int port, Reach reach = Reach::ThisMachine);
+
+    std::string Address() const override;
+    void AddWaits(std::vector<pollfd>& waits, bool wantInput, bool wantOutput) override;
+    void Refresh() override;
+    bool Connected() const override { return mSocket.Connected(); }
+    LineFormat HostFormat() const override { return mPort.Format(); }
+    std::vector<HostAction> Receive(std::size_t max) override;
+    void ShowLines(bool dsr, bool cts) override;
+    std::size_t Write(std::string_view bytes) override;
+
+  private:
+    void Flush();
+
+    SocketHost mSocket;
+    ComPortServer mPort; // of the host that is there
+    bool mDsr = true;
+    bool mCts = true;
+};
+
+} // namespace qnsim

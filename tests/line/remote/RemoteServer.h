@@ -1,0 +1,64 @@
+#pragma once
+
+#include "ComPortServer.h"
+#include "SocketHost.h"
+
+#include <atomic>
+#include <cstdint>
+#include <functional>
+#include <mutex>
+#include <string>
+#include <thread>
+#include <vector>
+
+namespace qncomm::testing {
+
+/// A server of remote ports on a thread, whose answers a test may bend.
+class RemoteServer {
+  public:
+    /// What is done to each piece that the server would send; it goes out as it comes back.
+    using Bend = std::function<std::string(std::string)>;
+
+    explicit RemoteServer(Bend bend = {});
+    ~RemoteServer();
+    RemoteServer(const RemoteServer&) = delete;
+    RemoteServer& operator=(const RemoteServer&) = delete;
+
+    std::string Service() const { return std::to_string(mSocket.Port()); }
+    int Connections() const { return mConnections; }
+
+    /// What all hosts have sent, and how often they began a break.
+    std::string Heard() const;
+    int Breaks() const { return mBreaks; }
+    std::string Format() const;
+
+    /// Runs on the server's thread, between two pieces of talk.
+    void Do(std::function<void(qnsim::ComPortServer&)> what);
+    /// Reads nothing meanwhile.
+    void SetDeaf(bool deaf);
+    /// Ends the connection.
+    void HangUp();
+
+  private:
+    void Run();
+    void Turn();
+    void Wake() const;
+
+    Bend mBend;
+    qnsim::SocketHost mSocket;
+    qnsim::Descriptor mWake;
+    qnsim::ComPortServer mPort;
+    std::string mUnsent;
+    std::atomic<int> mConnections = 0;
+    std::atomic<int> mBreaks = 0;
+    std::atomic<bool> mStop = false;
+    std::atomic<bool> mDeaf = false;
+    std::atomic<bool> mHangUp = false;
+    mutable std::mutex mMutex; ///< of what follows
+    std::string mHeard;
+    std::string mFormat;
+    std::vector<std::function<void(qnsim::ComPortServer&)>> mToDo;
+    std::thread mThread;
+};
+
+} // namespace qncomm::testing
