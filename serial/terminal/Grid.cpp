@@ -22,7 +22,8 @@ RowView Grid::View(std::uint16_t row) const {
 }
 
 void Grid::ClearAll(Style blank) {
-    std::fill(mStates.begin(), mStates.end(), RowState{.fill = blank});
+    for (RowState& state : mStates)
+        state.Clear(blank);
 }
 
 void Grid::ScrollUp(std::uint16_t first, std::uint16_t last, std::uint16_t count, Style blank) {

@@ -61,10 +61,6 @@ void GridRow::Delete(std::uint16_t column, std::uint16_t count, Style blank) {
     Erase(left, mColumns, blank);
 }
 
-void GridRow::Clear(Style blank) {
-    mState = RowState{.fill = blank};
-}
-
 void GridRow::StoreUpTo(std::uint16_t column) {
     const std::uint16_t used = mState.used;
     if (column <= used) return;
