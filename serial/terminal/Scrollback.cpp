@@ -5,13 +5,15 @@
 
 namespace qncomm::terminal {
 
-// A line is stored in one piece, so up to one line's width stays unused at the end of each round.
+// A line's text is stored in one piece, so up to one line's width stays unused at the end of each
+// round. A line has at most one run a character and one for what stands behind them.
 Scrollback::Scrollback(std::size_t lines, std::uint16_t columns)
     : mRecords(lines),
       mColumns(columns),
       mTextCapacity((lines + 1) * columns),
+      mRunCapacity(std::min(MostRuns, lines * (std::size_t{columns} + 1))),
       mText(std::make_unique_for_overwrite<char[]>(mTextCapacity)),
-      mRuns(std::make_unique_for_overwrite<StoredRun[]>(RunCapacity)) {}
+      mRuns(std::make_unique_for_overwrite<StoredRun[]>(mRunCapacity)) {}
 
 void Scrollback::Append(const RowView& row) {
     if (mEnd - mFirst == mRecords.size()) ++mFirst;
@@ -45,7 +47,7 @@ void Scrollback::StoreRuns(Record& record, const RowView& row) {
 }
 
 void Scrollback::StoreRun(Record& record, std::uint64_t style, std::uint16_t length) {
-    mRuns[mRunEnd % RunCapacity] = {style, length};
+    mRuns[mRunEnd % mRunCapacity] = {style, length};
     ++mRunEnd;
     ++record.runs;
 }
@@ -73,9 +75,9 @@ TerminalLine Scrollback::Line(std::uint64_t number) const {
     TerminalLine line;
     line.text.assign(mText.get() + record.textAt % mTextCapacity, record.length);
     line.wrapped = record.wrapped;
-    if (record.firstRun + RunCapacity < mRunEnd) return line; // its colours have been overwritten
+    if (record.firstRun + mRunCapacity < mRunEnd) return line; // its colours have been overwritten
     for (std::uint16_t i = 0; i < record.runs; ++i) {
-        const StoredRun& run = mRuns[(record.firstRun + i) % RunCapacity];
+        const StoredRun& run = mRuns[(record.firstRun + i) % mRunCapacity];
         const Style style = Style::FromBits(run.style);
         if (run.length > 0)
             line.runs.push_back({run.length, style});

@@ -45,7 +45,8 @@ class Scrollback {
         std::uint16_t length; ///< 0: the style of the row behind its text
     };
 
-    static constexpr std::size_t RunCapacity = std::size_t{1} << 18;
+    /// In runs, 16 bytes each.
+    static constexpr std::size_t MostRuns = std::size_t{1} << 18;
 
     Record& RecordOf(std::uint64_t number) { return mRecords[number % mRecords.size()]; }
     const Record& RecordOf(std::uint64_t number) const {
@@ -58,6 +59,7 @@ class Scrollback {
     std::vector<Record> mRecords;
     std::uint16_t mColumns;
     std::size_t mTextCapacity;
+    std::size_t mRunCapacity;
     // Not initialised: a page is touched when the first line that needs it arrives.
     std::unique_ptr<char[]> mText;
     std::unique_ptr<StoredRun[]> mRuns;
