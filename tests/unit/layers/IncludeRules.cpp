@@ -25,7 +25,9 @@ constexpr std::array<std::string_view, 3> BelowSerial{"common", "platform", "lin
 constexpr std::array<std::string_view, 6> BelowFaces{"control", "printer", "link",
                                                      "dialogs", "common",  "platform"};
 
+/// A folder inside another one with a row of its own stands before it.
 constexpr std::array Rules{
+    Rule{"serial/terminal", Common, true},
     Rule{"common", {}, true},
     Rule{"link", Common, true},
     Rule{"printer", LinkCommon, true},

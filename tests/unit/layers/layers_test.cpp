@@ -55,6 +55,15 @@ TEST(IncludeRules, LetSerialSeeOneHeaderOfTheLinkAndOneOfItsFilesTheVirtualPrint
                 ElementsAre(HasSubstr("is not in the row of serial/")));
 }
 
+TEST(IncludeRules, HoldTheTerminalToTheStandardLibrary) {
+    EXPECT_THAT(StrayIncludes("serial/terminal/Grid.cpp", Line("\"terminal/Damage.h\"")),
+                IsEmpty());
+    EXPECT_THAT(StrayIncludes("serial/terminal/Grid.cpp", Line("<unistd.h>")),
+                ElementsAre(HasSubstr("standard library")));
+    EXPECT_THAT(StrayIncludes("serial/terminal/Grid.cpp", Line("\"serial/PDQComm.h\"")),
+                ElementsAre(HasSubstr("is not in the row of serial/terminal/")));
+}
+
 TEST(IncludeRules, HoldInEveryFileOfTheHouse) {
     namespace fs = std::filesystem;
     const fs::path root = QN_SOURCE_DIR;

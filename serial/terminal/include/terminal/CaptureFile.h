@@ -1,0 +1,51 @@
+#pragma once
+
+#include <functional>
+#include <memory>
+#include <string>
+#include <string_view>
+
+namespace qncomm::terminal {
+
+enum class CaptureStatus {
+    Done,
+    Missing,     ///< a folder of the path is not there
+    Denied,      ///< this user may not write there
+    Unsupported, ///< the path names something that is not a file to append to
+    Full,        ///< no space, or the file may not grow further
+    Failed,      ///< any other error of the system
+};
+
+/// The outcome as a value: what the program acts on, the system's number and a text for the person.
+struct CaptureResult {
+    CaptureStatus status = CaptureStatus::Done;
+    int systemNumber = 0; ///< 0 when the system gave none
+    std::string text;     ///< without a final period; empty when done
+
+    bool Ok() const { return status == CaptureStatus::Done; }
+};
+
+/// A file that a capture appends to.
+class CaptureFile {
+  public:
+    virtual ~CaptureFile() = default;
+
+    /// Appends all of it and hands it to the system before it returns: another program that reads
+    /// the file sees it, and a crash of this one loses nothing. After a failure a part of it may
+    /// have been written.
+    virtual CaptureResult Append(std::string_view sBytes) = 0;
+};
+
+/// A file, or why there is none.
+struct CaptureOpening {
+    std::unique_ptr<CaptureFile> file; ///< null when the result is not Done
+    CaptureResult result;
+};
+
+using CaptureOpener = std::function<CaptureOpening(const std::string& sPath)>;
+
+/// Opens a file of this machine for appending and makes it when it is not there. Refuses a folder
+/// and a pipe: opening a pipe would wait for its reader.
+CaptureOpening OpenCaptureFile(const std::string& sPath);
+
+} // namespace qncomm::terminal

@@ -1,0 +1,41 @@
+#pragma once
+
+#include <cstdint>
+
+namespace qncomm::terminal {
+
+/// A colour of a cell: the terminal's own (its text or background colour, whichever asks), one of
+/// the 256 of the palette, or red, green and blue.
+class Colour {
+  public:
+    /// The terminal's own.
+    constexpr Colour() = default;
+
+    /// 0 to 7 the dark ones, 8 to 15 the bright ones, 16 to 231 the colour cube, 232 to 255 greys.
+    static constexpr Colour Indexed(std::uint8_t index) { return Colour(FirstIndexed + index); }
+
+    static constexpr Colour Rgb(std::uint8_t red, std::uint8_t green, std::uint8_t blue) {
+        return Colour(DirectMark | static_cast<std::uint32_t>(blue << 16 | green << 8 | red));
+    }
+
+    constexpr bool IsOwn() const { return mCode == 0; }
+
+    /// As 0x00BBGGRR; own is what the terminal's own colour is.
+    std::uint32_t Value(std::uint32_t own) const;
+
+    /// The colour as a number below 2 to the power of 25, and back.
+    constexpr std::uint32_t Code() const { return mCode; }
+    static constexpr Colour FromCode(std::uint32_t code) { return Colour(code); }
+
+    constexpr bool operator==(const Colour&) const = default;
+
+  private:
+    static constexpr std::uint32_t FirstIndexed = 1;
+    static constexpr std::uint32_t DirectMark = 1U << 24;
+
+    explicit constexpr Colour(std::uint32_t code) : mCode(code) {}
+
+    std::uint32_t mCode = 0;
+};
+
+} // namespace qncomm::terminal

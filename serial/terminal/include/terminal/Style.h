@@ -1,0 +1,90 @@
+#pragma once
+
+#include "terminal/Colour.h"
+
+#include <cstdint>
+
+namespace qncomm::terminal {
+
+/// How a cell is drawn, beside its colours; a style holds any set of them.
+enum class Attribute : std::uint16_t {
+    Bold = 1 << 0,
+    Faint = 1 << 1,
+    Italic = 1 << 2,
+    Underline = 1 << 3,
+    DoubleUnderline = 1 << 4,
+    Blink = 1 << 5,
+    Inverse = 1 << 6, ///< text and background colour change places
+    Conceal = 1 << 7,
+    Strike = 1 << 8,
+    Overline = 1 << 9,
+};
+
+/// Attributes together, one bit each.
+using AttributeSet = std::uint16_t;
+
+template <class... Attributes>
+constexpr AttributeSet SetOf(Attributes... attributes) {
+    return static_cast<AttributeSet>((static_cast<unsigned>(attributes) | ...));
+}
+
+/// The look of a cell: text colour, background colour and attributes in one word, so that a styled
+/// run of cells is one fill. The default one has the terminal's own colours and no attribute.
+class Style {
+  public:
+    constexpr Style() = default;
+
+    constexpr Colour Foreground() const { return Colour::FromCode(Field(ForegroundAt)); }
+    constexpr Colour Background() const { return Colour::FromCode(Field(BackgroundAt)); }
+    constexpr void SetForeground(Colour colour) { SetField(ForegroundAt, colour.Code()); }
+    constexpr void SetBackground(Colour colour) { SetField(BackgroundAt, colour.Code()); }
+
+    constexpr bool Has(Attribute attribute) const { return (mBits & Bit(attribute)) != 0; }
+    constexpr void Set(Attribute attribute, bool bOn = true) {
+        mBits = bOn ? mBits | Bit(attribute) : mBits & ~Bit(attribute);
+    }
+    constexpr void Change(AttributeSet set, AttributeSet clear) {
+        mBits &= ~(std::uint64_t{clear} << AttributesAt);
+        mBits |= std::uint64_t{set} << AttributesAt;
+    }
+
+    /// What erasing in this style leaves behind: its background and nothing else.
+    constexpr Style Erased() const {
+        Style blank;
+        blank.SetBackground(Background());
+        return blank;
+    }
+
+    constexpr bool IsDefault() const { return mBits == 0; }
+
+    /// The whole style as a number, and back; 0 is the default.
+    constexpr std::uint64_t Bits() const { return mBits; }
+    static constexpr Style FromBits(std::uint64_t bits) {
+        Style style;
+        style.mBits = bits;
+        return style;
+    }
+
+    constexpr bool operator==(const Style&) const = default;
+
+  private:
+    static constexpr unsigned ColourBits = 25;
+    static constexpr unsigned ForegroundAt = 0;
+    static constexpr unsigned BackgroundAt = ColourBits;
+    static constexpr unsigned AttributesAt = 2 * ColourBits;
+    static constexpr std::uint64_t ColourMask = (std::uint64_t{1} << ColourBits) - 1;
+
+    static constexpr std::uint64_t Bit(Attribute attribute) {
+        return std::uint64_t{static_cast<std::uint16_t>(attribute)} << AttributesAt;
+    }
+    constexpr std::uint32_t Field(unsigned at) const {
+        return static_cast<std::uint32_t>(mBits >> at & ColourMask);
+    }
+    constexpr void SetField(unsigned at, std::uint32_t code) {
+        mBits = (mBits & ~(ColourMask << at)) | std::uint64_t{code} << at;
+    }
+
+    std::uint64_t mBits = 0;
+};
+
+} // namespace qncomm::terminal

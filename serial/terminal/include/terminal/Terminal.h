@@ -1,0 +1,120 @@
+#pragma once
+
+#include "terminal/CaptureFile.h"
+#include "terminal/Damage.h"
+#include "terminal/TerminalAppearance.h"
+#include "terminal/TerminalLine.h"
+
+#include <cstddef>
+#include <cstdint>
+#include <functional>
+#include <memory>
+#include <optional>
+#include <string>
+#include <string_view>
+
+namespace qncomm {
+
+/// The terminal behind the viewport: bytes from the line go in, a grid of character cells comes
+/// out. Text is Windows-1252, one byte a cell; control characters and sequences of ECMA-48 are
+/// carried out, may be cut anywhere, and none costs more than the screen is large.
+///
+/// Rows and columns count from 1. One thread at a time. It sends nothing to the line: a reply to a
+/// status request would be typed into the printer's command line.
+class Terminal {
+  public:
+    static constexpr std::int16_t MostRows = 1000;
+    static constexpr std::int16_t MostColumns = 1000;
+
+    struct Options {
+        std::int16_t rows = 300; ///< clamped to 1 to MostRows
+        std::int16_t columns = 300;
+        std::size_t scrollbackLines = 10'000; ///< at least 1
+        terminal::CaptureOpener captureOpener = terminal::OpenCaptureFile;
+    };
+
+    Terminal();
+    explicit Terminal(Options options);
+    ~Terminal();
+    Terminal(const Terminal&) = delete;
+    Terminal& operator=(const Terminal&) = delete;
+
+    /// Shows bytes from the line, and captures them while a capture runs. Call it outside of a
+    /// painter's reading; it calls nobody but the capture's failure handler, as its last act.
+    void Write(std::string_view sBytes);
+
+    // -- Size and cursor
+
+    std::int16_t Rows() const;
+    std::int16_t Columns() const;
+    /// Cuts off or adds at the right and at the bottom; when the cursor's row would be cut off,
+    /// rows leave at the top into the scroll-back instead. False, and nothing changed, for a size
+    /// outside 1 to MostRows and 1 to MostColumns.
+    bool Resize(std::int16_t iRows, std::int16_t iColumns);
+
+    std::int16_t CursorRow() const;
+    /// Goes to the row, or to the nearest one that there is; the column stays.
+    void SetCursorRow(std::int16_t iRow);
+    std::int16_t CursorColumn() const;
+    /// Whether the cursor is to be shown; a printer can hide it.
+    bool CursorVisible() const;
+
+    // -- The screen
+
+    /// All rows at full width with CR LF between them; "" when nothing but blanks is on the screen.
+    std::string ScreenText() const;
+    /// Empties the screen and takes back everything that sequences have set: style, margins, modes,
+    /// tab stops, a sequence that has been begun. The cursor stays in its row and goes to the first
+    /// column. The scroll-back stays.
+    void Clear();
+    /// A row as it is now; an empty line for a row that there is not.
+    terminal::TerminalLine Row(std::int16_t iRow) const;
+
+    // -- What has scrolled off at the top, for the person who looks
+
+    /// The lines kept are numbered Begin up to, not including, End. A line keeps its number; the
+    /// first that ever left the screen is 0. The screen's first row would become line End.
+    std::uint64_t ScrollbackBegin() const;
+    std::uint64_t ScrollbackEnd() const;
+    /// The line of that number; an empty one when it is not kept.
+    terminal::TerminalLine ScrollbackLine(std::uint64_t number) const;
+    void ClearScrollback();
+
+    // -- For a painter
+
+    bool HasDamage() const;
+    /// What changed on the screen since the last call; everything on the first.
+    terminal::Damage TakeDamage();
+    /// Whether the bell has rung since the last call.
+    bool TakeBell();
+
+    // -- Capture to a file
+
+    /// Appends what is shown from now on to the file, exactly as it came. A new path takes the
+    /// place of the one before, which goes on when the new one cannot be opened.
+    terminal::CaptureResult StartCapture(const std::string& sPath);
+    void StopCapture();
+    bool IsCapturing() const;
+    /// The file's path, "" while no capture runs.
+    std::string CapturePath() const;
+    /// A write that fails, such as on a full disk, ends the capture and is reported once, here; the
+    /// terminal goes on. The handler may use the terminal, but not destroy it.
+    using CaptureFailureHandler = std::function<void(const terminal::CaptureResult&)>;
+    void SetCaptureFailureHandler(CaptureFailureHandler handler);
+    /// What ended the last capture; nothing when it was stopped or runs.
+    std::optional<terminal::CaptureResult> CaptureFailure() const;
+
+    // -- Appearance
+
+    terminal::TerminalAppearance& Appearance() { return mAppearance; }
+    const terminal::TerminalAppearance& Appearance() const { return mAppearance; }
+
+  private:
+    struct Parts;
+
+    std::unique_ptr<Parts> mParts;
+    terminal::TerminalAppearance mAppearance;
+    CaptureFailureHandler mCaptureFailed;
+};
+
+} // namespace qncomm
