@@ -58,10 +58,12 @@ std::string Description(const fs::path& entry) {
     std::error_code error;
     fs::path folder = fs::canonical(entry / "device", error);
     for (int level = 0; level < 4 && !error && folder.has_relative_path(); ++level) {
-        const std::string product = FirstLine(folder / "product");
-        const std::string maker = FirstLine(folder / "manufacturer");
-        if (!product.empty())
-            return maker.empty() || product.starts_with(maker) ? product : maker + " " + product;
+        std::string product = FirstLine(folder / "product");
+        std::string maker = FirstLine(folder / "manufacturer");
+        if (!product.empty()) {
+            if (maker.empty() || product.starts_with(maker)) return product;
+            return maker.append(" ").append(product);
+        }
         folder = folder.parent_path();
     }
     return {};

@@ -19,7 +19,7 @@ qnsim::LineFormat FormatOf(const LineSettings& settings) {
 } // namespace
 
 struct VirtualPrinterChannel::Printer {
-    explicit Printer(qnsim::Options options) : device(std::move(options)) {}
+    explicit Printer(const qnsim::Options& options) : device(options) {}
 
     qnsim::VirtualPrinter device;
 };
