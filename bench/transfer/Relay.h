@@ -1,0 +1,23 @@
+#pragma once
+
+#include "PeerProcess.h"
+#include "SimulatedLine.h"
+
+#include <cstdint>
+
+namespace qncomm::bench {
+
+struct RelayResult {
+    bool bBothEnded = false;
+    double seconds = 0;     // from the first byte to the end of the last program
+    double dataSeconds = 0; // from the first byte to the last that carried content
+    std::uint64_t faults = 0;
+    std::uint64_t carried = 0; // bytes from the first to the second
+};
+
+// Carries bytes between two programs as `line` says, in both directions, until both have ended or
+// `limit` seconds are over.
+RelayResult RunRelay(transfer::testing::PeerProcess& first, transfer::testing::PeerProcess& second,
+                     const transfer::testing::LineSettings& line, std::uint64_t seed, double limit);
+
+} // namespace qncomm::bench

@@ -1,0 +1,187 @@
+// Measures transfers between two programs over a relay that paces, delays and damages bytes:
+//   transfer_bench [--end PATH] [--runs N] [--seed N] ROW…
+// A row is a name of the table below, or "all". Each line of the result is one run: the share of
+// the line's rate that the file travelled with, whether it arrived identical, how long the end of
+// the session took.
+
+#include "Relay.h"
+
+#include <algorithm>
+#include <chrono>
+#include <filesystem>
+#include <fstream>
+#include <iostream>
+#include <random>
+#include <sstream>
+#include <string>
+#include <vector>
+
+namespace {
+
+using namespace qncomm;
+using transfer::testing::LineSettings;
+using transfer::testing::PeerProcess;
+using Words = std::vector<std::string>;
+
+enum class Content {
+    Random,
+    Text,
+};
+
+struct Row {
+    std::string name;
+    Words sender; // END stands for this project's end, FILE for the file
+    Words receiver;
+    std::size_t size;
+    Content content;
+    double rate;   // bytes per second, 0: unpaced
+    double delay;  // seconds each way
+    double damage; // flips per byte, both ways
+};
+
+constexpr std::size_t kMega = 1U << 20U;
+constexpr double kBaud115200 = 11520;
+constexpr double kMost = 1800; // seconds that a run may take
+
+const Words kZSend = {"END", "zmodem", "send", "FILE"};
+const Words kZSend8 = {"END", "zmodem", "send", "-8", "FILE"};
+const Words kZReceive = {"END", "zmodem", "receive"};
+const Words kKSend = {"END", "kermit", "send", "FILE"};
+const Words kKLeast = {"END", "kermit", "send", "--prefix", "least", "FILE"};
+const Words kKReceive = {"END", "kermit", "receive"};
+const Words kSz = {"sz", "-b", "-q", "FILE"};
+const Words kSz8 = {"sz", "-b", "-q", "-8", "FILE"};
+const Words kRz = {"rz", "-b", "-q", "-y"};
+
+Words CKermit(const std::string& settings, const std::string& action) {
+    return {"kermit", "-Y", "-q", "-C",
+            "set file type binary, set transfer mode manual, set file collision overwrite, "
+                + settings + action + ", exit"};
+}
+
+std::vector<Row> Rows() {
+    const Words ckSend = CKermit("", "send FILE");
+    const Words ckReceive = CKermit("", "receive");
+    const Words ckFast = CKermit("fast, set prefixing minimal, ", "send FILE");
+    const Words ckFastReceive = CKermit("fast, ", "receive");
+    return {
+        {"z-random", kZSend, kZReceive, kMega, Content::Random, kBaud115200, 0, 0},
+        {"z-random-8k", kZSend8, kZReceive, kMega, Content::Random, kBaud115200, 0, 0},
+        {"z-text", kZSend, kZReceive, kMega, Content::Text, kBaud115200, 0, 0},
+        {"z-damage-4", kZSend, kZReceive, kMega, Content::Random, kBaud115200, 0, 1e-4},
+        {"z-damage-3", kZSend, kZReceive, kMega, Content::Random, kBaud115200, 0, 1e-3},
+        {"z-ends", kZSend, kZReceive, 1000, Content::Random, 0, 0, 0},
+        {"z-to-rz", kZSend, kRz, kMega, Content::Random, kBaud115200, 0, 0},
+        {"z-from-sz", kSz, kZReceive, kMega, Content::Random, kBaud115200, 0, 0},
+        {"z-fast", kZSend, kZReceive, 16 * kMega, Content::Random, 0, 0, 0},
+        {"z-fast-8k", kZSend8, kZReceive, 16 * kMega, Content::Random, 0, 0, 0},
+        {"k-random", kKSend, kKReceive, kMega, Content::Random, kBaud115200, 0, 0},
+        {"k-least", kKLeast, kKReceive, kMega, Content::Random, kBaud115200, 0, 0},
+        {"k-delay", kKSend, kKReceive, kMega, Content::Random, kBaud115200, 0.025, 0},
+        {"k-damage-4", kKSend, kKReceive, kMega, Content::Random, kBaud115200, 0, 1e-4},
+        {"k-damage-3", kKSend, kKReceive, kMega, Content::Random, kBaud115200, 0, 1e-3},
+        {"k-fast", kKLeast, kKReceive, 16 * kMega, Content::Random, 0, 0, 0},
+        {"peer-z-random", kSz, kRz, kMega, Content::Random, kBaud115200, 0, 0},
+        {"peer-z-fast", kSz, kRz, 16 * kMega, Content::Random, 0, 0, 0},
+        {"peer-z-fast-8k", kSz8, kRz, 16 * kMega, Content::Random, 0, 0, 0},
+        {"peer-k-random", ckSend, ckReceive, kMega, Content::Random, kBaud115200, 0, 0},
+        {"peer-k-fast", ckFast, ckFastReceive, 16 * kMega, Content::Random, 0, 0, 0},
+    };
+}
+
+std::string MakeContent(Content kind, std::size_t size, std::uint64_t seed) {
+    std::mt19937_64 random(seed);
+    std::string bytes;
+    bytes.reserve(size);
+    while (bytes.size() < size) {
+        const auto value = random();
+        if (kind == Content::Random) {
+            bytes.push_back(static_cast<char>(value >> 56U));
+        } else {
+            bytes.push_back(bytes.size() % 64 == 63 ? '\n' : static_cast<char>('a' + value % 26));
+        }
+    }
+    return bytes;
+}
+
+Words Fill(Words words, const std::string& end) {
+    for (auto& word : words) {
+        if (word == "END") word = end;
+        if (const auto at = word.find("FILE"); at != std::string::npos)
+            word.replace(at, 4, "bench.bin");
+    }
+    return words;
+}
+
+std::string Slurp(const std::filesystem::path& path) {
+    std::ostringstream text;
+    text << std::ifstream(path, std::ios::binary).rdbuf();
+    return text.str();
+}
+
+bool RunRow(const Row& row, const std::string& end, std::uint64_t seed) {
+    namespace fs = std::filesystem;
+    const fs::path base =
+        fs::temp_directory_path() / ("bench-" + row.name + "-" + std::to_string(seed));
+    fs::remove_all(base);
+    fs::create_directories(base / "from");
+    fs::create_directories(base / "to");
+    const std::string content = MakeContent(row.content, row.size, seed);
+    std::ofstream(base / "from" / "bench.bin", std::ios::binary) << content;
+
+    LineSettings line;
+    line.rate = row.rate;
+    line.latency = std::chrono::microseconds(static_cast<long>(row.delay * 1e6));
+    line.faults.flip = row.damage;
+    line.buffer = row.rate > 0 ? 4096 : 65536;
+    PeerProcess receiver(Fill(row.receiver, end), (base / "to").string());
+    PeerProcess sender(Fill(row.sender, end), (base / "from").string());
+    const auto result = bench::RunRelay(sender, receiver, line, seed, kMost);
+    const bool whole = Slurp(base / "to" / "bench.bin") == content;
+    // A program that stalls at the end of its session is measured without the stall, which stands
+    // beside it.
+    const double rate = static_cast<double>(row.size) / result.dataSeconds;
+    std::cout << row.name << ": " << (whole ? "identical" : "NOT IDENTICAL")
+              << (result.bBothEnded ? "" : ", did not end") << ", status " << sender.Status() << '/'
+              << receiver.Status() << ", " << result.seconds << " s, ";
+    if (row.rate > 0) {
+        const double busy = static_cast<double>(result.carried) / row.rate / result.seconds;
+        std::cout << 100 * rate / row.rate << " % of the line (busy " << 100 * busy << " %)";
+    } else {
+        std::cout << rate * 1e-6 << " MB/s";
+    }
+    std::cout << ", faults " << result.faults << ", end " << result.seconds - result.dataSeconds
+              << " s" << std::endl;
+    fs::remove_all(base);
+    return whole && result.bBothEnded;
+}
+
+} // namespace
+
+int main(int argc, char** argv) {
+    const Words words(argv + 1, argv + argc);
+    std::string end = (std::filesystem::absolute(argv[0]).parent_path() / "transfer_end").string();
+    unsigned long runs = 1;
+    unsigned long seed = 1;
+    Words names;
+    for (std::size_t i = 0; i < words.size(); ++i) {
+        if (words[i] == "--end" && i + 1 < words.size()) {
+            end = words[++i];
+        } else if (words[i] == "--runs" && i + 1 < words.size()) {
+            runs = std::stoul(words[++i]);
+        } else if (words[i] == "--seed" && i + 1 < words.size()) {
+            seed = std::stoul(words[++i]);
+        } else {
+            names.push_back(words[i]);
+        }
+    }
+    bool good = !names.empty();
+    for (const auto& row : Rows()) {
+        const bool wanted = std::find(names.begin(), names.end(), row.name) != names.end();
+        if (!wanted && names != Words{"all"}) continue;
+        for (unsigned long run = 0; run < runs; ++run) {
+            good = RunRow(row, end, seed + run) && good;
+        }
+    }
+    return good ? 0 : 1;
+}

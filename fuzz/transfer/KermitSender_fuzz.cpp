@@ -1,0 +1,8 @@
+#include "EngineFuzz.h"
+#include "transfer/KermitSender.h"
+
+extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
+    qncomm::transfer::KermitSender engine;
+    qncomm::fuzz::DriveEngine(engine, qncomm::fuzz::WellFormedKermit, data, size);
+    return 0;
+}

@@ -1,0 +1,102 @@
+#include "FlowWindow.h"
+
+#include <algorithm>
+
+namespace qncomm::transfer {
+
+namespace {
+
+constexpr std::size_t kSamples = 32;
+constexpr int kRoundsToSettle = 2;
+constexpr double kGrowth = 1.25;
+// What the two ends and the driver usually take to get to their bytes.
+constexpr Time kJitter = std::chrono::milliseconds(15);
+// Seconds that one of them may be busy with something else before the line falls idle, while damage
+// does not forbid it.
+constexpr double kSlack = 0.25;
+constexpr double kLongestDrain = 10; // seconds
+constexpr std::uint64_t kLargest = 4U << 20U;
+
+double Seconds(Time span) {
+    return std::max(1e-4, static_cast<double>(span.count()) * 1e-6);
+}
+
+} // namespace
+
+void FlowWindow::Marked(std::uint64_t position, Time now) {
+    if (mAcknowledgedAt == Time{0}) mAcknowledgedAt = now;
+    mMarks.push_back({position, now, mAcknowledged, mAcknowledgedAt});
+}
+
+void FlowWindow::Acknowledged(std::uint64_t position, Time now, bool bTimed) {
+    if (position < mAcknowledged) return;
+    bool found = false;
+    Mark mark{};
+    while (!mMarks.empty() && mMarks.front().position <= position) {
+        mark = mMarks.front();
+        mMarks.pop_front();
+        found = true;
+    }
+    const std::uint64_t before = mAcknowledged;
+    mAcknowledged = position;
+    if (bTimed && found && mark.position == position && position > before) TakeSample(mark, now);
+    mAcknowledgedAt = now;
+}
+
+void FlowWindow::TakeSample(const Mark& mark, Time now) {
+    mRoundTrip.Saw(now - mark.at);
+    if (mShortest == Time{0} || now - mark.at < mShortest)
+        mShortest = std::max(now - mark.at, Time{1});
+    const double bytes = static_cast<double>(mAcknowledged - mark.acknowledged);
+    mSamples.push_back(bytes / Seconds(now - mark.acknowledgedAt));
+    if (mSamples.size() > kSamples) mSamples.pop_front();
+    if (mAcknowledged >= mRoundEnd) Grow();
+}
+
+// Once a round trip, until the rate stops rising: the window doubles.
+void FlowWindow::Grow() {
+    mRoundEnd = mMarks.empty() ? mAcknowledged + 1 : mMarks.back().position;
+    if (mRounds >= kRoundsToSettle) return;
+    const double rate = Rate();
+    if (rate >= mGrowFrom * kGrowth) {
+        mGrowFrom = rate;
+        mRounds = 0;
+    } else {
+        ++mRounds;
+    }
+    mOpening = std::min(mOpening * 2, kLargest);
+}
+
+void FlowWindow::Restart(std::uint64_t position) {
+    mMarks.clear();
+    mAcknowledged = position;
+    mAcknowledgedAt = Time{0};
+    mRoundEnd = 0;
+}
+
+double FlowWindow::Rate() const {
+    double best = 0;
+    for (const double sample : mSamples) {
+        best = std::max(best, sample);
+    }
+    return best;
+}
+
+std::uint64_t FlowWindow::Size(std::uint64_t piece) const {
+    if (mSamples.empty()) return std::max(mOpening, piece * 2);
+    double slack = Rate() * kSlack;
+    if (mErrorRate > 0) slack = std::min(slack, mTolerance / mErrorRate);
+    const double held = Rate() * Seconds(mShortest + kJitter) + slack;
+    const double open = mRounds < kRoundsToSettle ? static_cast<double>(mOpening) : 0;
+    return std::min(kLargest, static_cast<std::uint64_t>(std::max(held, open)) + 2 * piece);
+}
+
+Time FlowWindow::RetryAfter(std::uint64_t piece) const {
+    const double rate = Rate();
+    if (rate <= 0) return mRoundTrip.RetryAfter();
+    const double full = static_cast<double>(Size(piece)) / rate;
+    const Time drained{static_cast<Time::rep>(std::min(full, kLongestDrain) * 1e6)};
+    return mRoundTrip.RetryAfter() + drained;
+}
+
+} // namespace qncomm::transfer

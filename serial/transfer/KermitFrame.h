@@ -1,0 +1,59 @@
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <string>
+#include <string_view>
+
+namespace qncomm::transfer {
+
+// The bytes and numbers of Kermit that both sides share.
+namespace kermit {
+
+inline constexpr char kMark = '\x01';
+inline constexpr char kEndOfLine = '\r';
+inline constexpr unsigned kSequences = 64;
+inline constexpr std::size_t kLongestShort = 94;
+inline constexpr std::size_t kLongestLong = 9024;
+inline constexpr unsigned kMostSlots = 31;
+
+// Packet types.
+inline constexpr char kSendInit = 'S';
+inline constexpr char kServerInit = 'I';
+inline constexpr char kFile = 'F';
+inline constexpr char kAttributes = 'A';
+inline constexpr char kData = 'D';
+inline constexpr char kEof = 'Z';
+inline constexpr char kBreak = 'B';
+inline constexpr char kAck = 'Y';
+inline constexpr char kNak = 'N';
+inline constexpr char kError = 'E';
+
+// A small number as a printable character, and back. A character below blank gives a number
+// above 94.
+inline char ToChar(unsigned value) {
+    return static_cast<char>(value + 32U);
+}
+inline unsigned FromChar(char c) {
+    return (static_cast<unsigned char>(c) - 32U) & 0xFFU;
+}
+inline char Control(char c) {
+    return static_cast<char>(c ^ 0x40);
+}
+inline unsigned Next(unsigned sequence) {
+    return (sequence + 1) % kSequences;
+}
+// How far `sequence` is after `from`, 0 to 63.
+inline unsigned After(unsigned from, unsigned sequence) {
+    return (sequence - from) % kSequences;
+}
+
+} // namespace kermit
+
+struct KermitPacket {
+    char type = 0;
+    unsigned sequence = 0;
+    std::string data; // as it travels, still prefixed
+};
+
+} // namespace qncomm::transfer

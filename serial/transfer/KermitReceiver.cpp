@@ -1,0 +1,167 @@
+#include "transfer/KermitReceiver.h"
+
+#include "KermitCheck.h"
+#include "KermitReceiverMachine.h"
+
+#include <algorithm>
+
+namespace qncomm::transfer {
+
+namespace {
+
+constexpr Time kSilence = std::chrono::seconds(2);
+constexpr Time kLongestSilence = std::chrono::seconds(8);
+constexpr Time kBetweenFiles = std::chrono::seconds(1);
+constexpr int kFarewellSilences = 5;
+
+} // namespace
+
+KermitReceiver::KermitReceiver(KermitOptions options) : m(std::make_unique<Machine>(options)) {
+    m->reader.StripParity(options.bSevenBits);
+    SetPatience(options.patience);
+}
+
+KermitReceiver::~KermitReceiver() = default;
+
+void KermitReceiver::OnStart(Time now) {
+    ArmSilence(now);
+}
+
+void KermitReceiver::OnProduce(Time) {}
+
+void KermitReceiver::OnCancel() {
+    Put(WriteKermitPacket(kermit::kError, m->low, "cancelled by the receiver", m->terms.check));
+}
+
+void KermitReceiver::Fail(const std::string& sReason) {
+    DropOutput();
+    Put(WriteKermitPacket(kermit::kError, m->low, m->coding.EncodeText(sReason, 80),
+                          m->terms.check));
+    End(Outcome::Failed, sReason);
+}
+
+void KermitReceiver::OnSilence(Time) {
+    Fail(m->state == State::Init ? "no Kermit sender answered" : "the sender fell silent");
+}
+
+void KermitReceiver::ArmSilence(Time now) {
+    const bool between = m->state == State::Ready && mProgress.files + mProgress.skipped != 0;
+    const Time span = std::min(kSilence * (1 << std::min(m->silences, 2)), kLongestSilence);
+    Arm(between ? kBetweenFiles : span, now);
+}
+
+void KermitReceiver::OnTimer(Time now) {
+    ++m->silences;
+    const bool between = m->state == State::Ready && mProgress.files + mProgress.skipped != 0;
+    if (between && m->silences >= kFarewellSilences) {
+        End(Outcome::Success, ""); // every file stands; the sender's last word was lost
+        return;
+    }
+    if (!HasOutput()) SendNak(m->low);
+    m->reader.Reset();
+    ArmSilence(now);
+}
+
+void KermitReceiver::SendNak(unsigned sequence) {
+    Put(WriteKermitPacket(kermit::kNak, sequence, {}, m->terms.check));
+}
+
+void KermitReceiver::Acknowledge(unsigned sequence, const std::string& data) {
+    m->replies[sequence] = data;
+    Put(WriteKermitPacket(kermit::kAck, sequence, data, m->terms.check));
+}
+
+bool KermitReceiver::OnInput(Time now) {
+    switch (m->reader.Next(Input())) {
+    case KermitReader::Item::None:
+        return false;
+    case KermitReader::Item::Packet:
+        OnPacket(now);
+        break;
+    case KermitReader::Item::Damage:
+        OnDamage();
+        break;
+    }
+    return true;
+}
+
+// While nothing later is here the damaged packet is most likely the next one; else the gap or the
+// sender's timer tells.
+void KermitReceiver::OnDamage() {
+    ++mProgress.repairs;
+    if (m->seen == 0 && OutputSize() < 32) SendNak(m->low);
+}
+
+void KermitReceiver::OnPacket(Time now) {
+    const KermitPacket& packet = m->reader.Packet();
+    if (packet.type == kermit::kAck || packet.type == kermit::kNak) return; // an echo of our own
+    Heard(now);
+    m->silences = 0;
+    ArmSilence(now);
+    if (packet.type == kermit::kError) {
+        std::string text;
+        m->coding.Decode(packet.data, text);
+        DropOutput();
+        End(Outcome::CancelledThere, "the sender stopped: " + text);
+        return;
+    }
+    if (packet.type == kermit::kSendInit || packet.type == kermit::kServerInit) {
+        OnOpening(now);
+        return;
+    }
+    if (m->state == State::Init) return;
+    const unsigned after = kermit::After(m->low, packet.sequence);
+    if (after == 0) {
+        m->current = packet;
+        Process(now);
+    } else if (after < std::max(m->terms.window, 1U)) {
+        OnLaterPacket();
+    } else if (kermit::After(packet.sequence, m->low) <= kermit::kMostSlots + 1) {
+        Acknowledge(packet.sequence,
+                    std::string(m->replies[packet.sequence])); // its answer was lost
+    }
+}
+
+// The sender's terms; said again when the answer was lost.
+void KermitReceiver::OnOpening(Time) {
+    const KermitPacket& packet = m->reader.Packet();
+    const bool again = kermit::Next(packet.sequence) == m->low && m->state == State::Ready;
+    if (m->state != State::Init && !again) return;
+    std::string reply;
+    const KermitTerms terms = AcceptKermitTerms(m->options, packet.data, reply);
+    Put(WriteKermitPacket(kermit::kAck, packet.sequence, reply, 1));
+    if (packet.type == kermit::kServerInit) return;
+    m->terms = terms;
+    m->coding = KermitCoding(m->terms, KermitPrefixing::All);
+    m->reader.SetCheck(m->terms.check);
+    m->low = kermit::Next(packet.sequence);
+    m->seen = 0;
+    m->state = State::Ready;
+}
+
+// A packet after one that is missing: kept, and the missing ones are asked for once; a second loss
+// the sender sees.
+void KermitReceiver::OnLaterPacket() {
+    const KermitPacket& packet = m->reader.Packet();
+    const unsigned after = kermit::After(m->low, packet.sequence);
+    if (packet.type != kermit::kData || m->state != State::File) return;
+    for (unsigned missing = m->seen == 0 ? 0 : m->seen + 1; missing < after; ++missing) {
+        SendNak((m->low + missing) % kermit::kSequences);
+    }
+    m->seen = std::max(m->seen, after);
+    m->early[packet.sequence] = packet.data;
+    Acknowledge(packet.sequence, m->discard ? "X" : "");
+}
+
+// Goes on behind the packet that was just dealt with.
+void KermitReceiver::TakeNext(Time now) {
+    m->low = kermit::Next(m->low);
+    if (m->seen > 0) --m->seen;
+    const auto next = m->early.find(m->low);
+    if (next == m->early.end()) return;
+    m->current = {kermit::kData, m->low, std::move(next->second)};
+    m->early.erase(next);
+    Process(now);
+}
+
+} // namespace qncomm::transfer

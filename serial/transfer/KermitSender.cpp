@@ -1,0 +1,195 @@
+#include "transfer/KermitSender.h"
+
+#include "KermitAttributes.h"
+#include "KermitCheck.h"
+#include "KermitSenderMachine.h"
+
+#include <algorithm>
+#include <utility>
+
+namespace qncomm::transfer {
+
+namespace {
+
+constexpr Time kLongestRetry = std::chrono::seconds(10);
+constexpr Time kBreakEvery =
+    std::chrono::milliseconds(330); // three of these: what a farewell may take
+constexpr int kBreakTries = 3;
+constexpr Time kNakGuard = std::chrono::milliseconds(50);
+
+} // namespace
+
+KermitSender::KermitSender(KermitOptions options) : m(std::make_unique<Machine>(options)) {
+    m->reader.StripParity(options.bSevenBits);
+    SetPatience(options.patience);
+}
+
+KermitSender::~KermitSender() = default;
+
+void KermitSender::OnStart(Time now) {
+    SendPacket(kermit::kSendInit, ProposeKermitTerms(m->options), 0, now);
+}
+
+void KermitSender::OnCancel() {
+    Put(WriteKermitPacket(kermit::kError, m->sequence, "cancelled by the sender", m->terms.check));
+}
+
+void KermitSender::Fail(const std::string& sReason) {
+    DropOutput();
+    Put(WriteKermitPacket(kermit::kError, m->sequence, m->coding.EncodeText(sReason, 80),
+                          m->terms.check));
+    End(Outcome::Failed, sReason);
+}
+
+void KermitSender::OnSilence(Time) {
+    Fail(m->state == State::Init ? "no Kermit receiver answered" : "the receiver fell silent");
+}
+
+bool KermitSender::OnInput(Time now) {
+    switch (m->reader.Next(Input())) {
+    case KermitReader::Item::None:
+        return false;
+    case KermitReader::Item::Packet:
+        OnPacket(now);
+        break;
+    case KermitReader::Item::Damage:
+        break; // the timer repeats what was not answered
+    }
+    return true;
+}
+
+void KermitSender::OnPacket(Time now) {
+    const KermitPacket& packet = m->reader.Packet();
+    switch (packet.type) {
+    case kermit::kAck:
+        Heard(now);
+        OnAck(packet.sequence, packet.data, now);
+        break;
+    case kermit::kNak:
+        Heard(now);
+        OnNak(packet.sequence, now);
+        break;
+    case kermit::kError: {
+        std::string text;
+        m->coding.Decode(packet.data, text);
+        DropOutput();
+        End(Outcome::CancelledThere, "the receiver stopped: " + text);
+        break;
+    }
+    default:
+        break; // an echo of our own
+    }
+}
+
+void KermitSender::SendPacket(char type, const std::string& data, std::size_t content, Time now) {
+    const unsigned check = type == kermit::kSendInit ? 1 : m->terms.check;
+    Slot slot;
+    slot.type = type;
+    slot.sequence = m->sequence;
+    slot.content = content;
+    slot.packet = WriteKermitPacket(type, m->sequence, data, check);
+    m->sequence = kermit::Next(m->sequence);
+    m->slots.push_back(std::move(slot));
+    Transmit(m->slots.back(), now);
+}
+
+void KermitSender::Transmit(Slot& slot, Time now) {
+    Put(slot.packet);
+    m->sentBytes += slot.packet.size();
+    slot.position = m->sentBytes;
+    slot.sentAt = now;
+    m->flow.Marked(slot.position, now);
+    ArmRetry(now);
+}
+
+void KermitSender::Resend(Slot& slot, Time now) {
+    ++slot.tries;
+    ++mProgress.repairs;
+    m->piece.Lost();
+    m->flow.SetErrorRate(m->piece.ErrorRate());
+    m->flow.Settle();
+    Transmit(slot, now);
+}
+
+void KermitSender::ArmRetry(Time now) {
+    Time span = m->flow.RetryAfter(m->piece.Current());
+    span = std::min(span * (1 << std::min(m->timeouts, 4)), std::max(span, kLongestRetry));
+    Arm(m->state == State::Break ? kBreakEvery : span, now);
+}
+
+void KermitSender::OnTimer(Time now) {
+    if (HasOutput() || m->slots.empty()) {
+        ArmRetry(now);
+        return;
+    }
+    ++m->timeouts;
+    if (m->state == State::Break && m->timeouts >= kBreakTries) {
+        End(Outcome::Success, ""); // every file was acknowledged
+        return;
+    }
+    const auto first = std::find_if(m->slots.begin(), m->slots.end(),
+                                    [](const Slot& slot) { return !slot.acknowledged; });
+    if (first != m->slots.end()) Resend(*first, now);
+}
+
+void KermitSender::OnAck(unsigned sequence, const std::string& data, Time now) {
+    if (m->slots.empty()) return;
+    const std::size_t at = kermit::After(m->slots.front().sequence, sequence);
+    if (at >= m->slots.size() || m->slots[at].acknowledged) return;
+    Slot& slot = m->slots[at];
+    slot.acknowledged = true;
+    slot.reply = data;
+    m->timeouts = 0;
+    m->flow.Acknowledged(slot.position, now, slot.tries == 0);
+    m->piece.Travelled(slot.packet.size());
+    m->flow.SetErrorRate(m->piece.ErrorRate());
+    if (m->flow.Rate() > 0) m->piece.Limit(static_cast<std::size_t>(m->flow.Rate()));
+    const std::uint64_t position = slot.position;
+    const bool timed = slot.tries == 0;
+    ArmRetry(now);
+    // The line keeps its order: what was sent before and is not answered now was lost, or its
+    // answer was.
+    for (Slot& earlier : m->slots) {
+        if (timed && !earlier.acknowledged && earlier.position < position) Resend(earlier, now);
+    }
+    while (!m->slots.empty() && m->slots.front().acknowledged && PendingRequest() == nullptr) {
+        RetireFront(now);
+    }
+}
+
+void KermitSender::RetireFront(Time now) {
+    const Slot slot = std::move(m->slots.front());
+    m->slots.pop_front();
+    mProgress.bytes += slot.content;
+    if (mProgress.size) mProgress.bytes = std::min(mProgress.bytes, *mProgress.size);
+    OnReply(slot.type, slot.reply, now);
+}
+
+void KermitSender::OnNak(unsigned sequence, Time now) {
+    if (m->slots.empty()) return;
+    const std::size_t at = kermit::After(m->slots.front().sequence, sequence);
+    const Time guard = std::max(m->flow.ShortestRoundTrip(), kNakGuard);
+    if (at < m->slots.size()) {
+        Slot& slot = m->slots[at];
+        if (!slot.acknowledged && now - slot.sentAt >= guard) Resend(slot, now);
+        return;
+    }
+    // Wanting the packet after the last one says that all before it have come, but not what they
+    // were answered with.
+    const char last = m->slots.back().type;
+    const bool matters = last == kermit::kSendInit || last == kermit::kAttributes;
+    if (sequence != m->sequence) return;
+    if (matters) {
+        if (now - m->slots.back().sentAt >= guard) Resend(m->slots.back(), now);
+        return;
+    }
+    for (Slot& slot : m->slots) {
+        slot.acknowledged = true;
+    }
+    m->flow.Acknowledged(m->sentBytes, now, false);
+    while (!m->slots.empty() && m->slots.front().acknowledged && PendingRequest() == nullptr) {
+        RetireFront(now);
+    }
+}
+
+} // namespace qncomm::transfer

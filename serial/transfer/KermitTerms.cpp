@@ -1,0 +1,162 @@
+#include "KermitTerms.h"
+
+#include <algorithm>
+
+namespace qncomm::transfer {
+
+namespace {
+
+constexpr unsigned kCanLong = 2;
+constexpr unsigned kCanWindow = 4;
+constexpr unsigned kCanAttributes = 8;
+constexpr unsigned kCanResume = 16;
+constexpr unsigned kMoreCapabilities = 1;
+constexpr unsigned kTimeout = 10; // seconds that the other side is asked to wait before it repeats
+constexpr unsigned kShortDefault = 80;
+constexpr std::size_t kLongFrame = 8; // mark, header with its check, end of line
+
+// Places in the data of a packet that opens a session.
+enum Field : std::size_t {
+    MaxLength = 0,
+    ControlPrefix = 5,
+    BitPrefix = 6,
+    Check = 7,
+    RepeatPrefix = 8,
+    Capabilities = 9,
+};
+
+// One side's words, taken apart; what is missing has its default.
+struct Words {
+    unsigned maxLength = kShortDefault;
+    char controlPrefix = '#';
+    char bitPrefix = 'N';
+    char check = '1';
+    char repeatPrefix = ' ';
+    unsigned capabilities = 0;
+    unsigned window = 1;
+    unsigned longest = 0;
+};
+
+bool IsPrefix(char c) {
+    return (c >= '!' && c <= '>') || (c >= '`' && c <= '~');
+}
+
+Words Parse(std::string_view data) {
+    Words words;
+    const auto at = [&](std::size_t i, char fallback) {
+        return i < data.size() ? data[i] : fallback;
+    };
+    const unsigned length = kermit::FromChar(at(MaxLength, ' '));
+    if (length >= 10 && length <= kermit::kLongestShort) words.maxLength = length;
+    if (IsPrefix(at(ControlPrefix, ' '))) words.controlPrefix = data[ControlPrefix];
+    words.bitPrefix = at(BitPrefix, 'N');
+    words.check = at(Check, '1');
+    words.repeatPrefix = at(RepeatPrefix, ' ');
+    std::size_t next = Capabilities;
+    words.capabilities = kermit::FromChar(at(next, ' '));
+    while (next < data.size() && (kermit::FromChar(data[next]) & kMoreCapabilities) != 0) {
+        ++next;
+    }
+    words.window = std::clamp(kermit::FromChar(at(next + 1, '!')), 1U, kermit::kMostSlots);
+    const unsigned high = kermit::FromChar(at(next + 2, ' '));
+    const unsigned low = kermit::FromChar(at(next + 3, ' '));
+    if (high < 95 && low < 95) words.longest = high * 95 + low;
+    return words;
+}
+
+unsigned OwnCapabilities(const KermitOptions& options) {
+    unsigned own = kCanResume;
+    if (options.packet > kermit::kLongestShort) own |= kCanLong;
+    if (options.window > 1) own |= kCanWindow;
+    if (options.bAttributes) own |= kCanAttributes;
+    return own;
+}
+
+std::string Say(const KermitOptions& options, char bitPrefix, char check, char repeatPrefix,
+                unsigned capabilities, unsigned window) {
+    const std::size_t packet = std::clamp<std::size_t>(options.packet, 20, kermit::kLongestLong);
+    const auto shortest = static_cast<unsigned>(std::min(packet, kermit::kLongestShort));
+    const auto extended = static_cast<unsigned>(packet);
+    return {kermit::ToChar(shortest),
+            kermit::ToChar(kTimeout),
+            kermit::ToChar(0),     // no padding
+            kermit::Control('\0'), // of this
+            kermit::ToChar(static_cast<unsigned char>(kermit::kEndOfLine)),
+            '#',
+            bitPrefix,
+            check,
+            repeatPrefix,
+            kermit::ToChar(capabilities),
+            kermit::ToChar(window),
+            kermit::ToChar(extended / 95),
+            kermit::ToChar(extended % 95)};
+}
+
+KermitTerms Common(const KermitOptions& options, const Words& words) {
+    KermitTerms terms;
+    const unsigned both = words.capabilities & OwnCapabilities(options);
+    terms.controlPrefix = words.controlPrefix;
+    terms.bAttributes = (both & kCanAttributes) != 0;
+    terms.bResume = (both & kCanResume) != 0;
+    terms.bLong = (both & kCanLong) != 0;
+    terms.longest = words.maxLength;
+    if (terms.bLong) {
+        // One that can but does not say how long takes 500.
+        terms.longest = words.longest != 0 ? words.longest : 500;
+        terms.longest = std::max<std::size_t>(terms.longest, 20);
+    }
+    terms.longest = std::min(terms.longest, std::max<std::size_t>(options.packet, 20));
+    if ((both & kCanWindow) != 0) terms.window = std::min(words.window, options.window);
+    return terms;
+}
+
+} // namespace
+
+std::size_t KermitTerms::DataRoom() const {
+    // The field of a short packet counts sequence, type, data and check. How a long one is meant is
+    // read in two ways; the whole packet from mark to end of line is counted here, which fits both.
+    if (longest > kermit::kLongestShort) return longest - kLongFrame - check;
+    return longest - 2 - check;
+}
+
+std::string ProposeKermitTerms(const KermitOptions& options) {
+    return Say(options, options.bSevenBits ? '&' : 'Y', static_cast<char>('0' + options.check),
+               options.bRepeats ? '~' : ' ', OwnCapabilities(options),
+               std::clamp(options.window, 1U, kermit::kMostSlots));
+}
+
+KermitTerms AcceptKermitTerms(const KermitOptions& options, std::string_view proposal,
+                              std::string& reply) {
+    const Words words = Parse(proposal);
+    KermitTerms terms = Common(options, words);
+    char bitReply = 'N';
+    if (IsPrefix(words.bitPrefix)) {
+        terms.bitPrefix = words.bitPrefix;
+        bitReply = 'Y';
+    } else if (words.bitPrefix == 'Y' && options.bSevenBits) {
+        terms.bitPrefix = '&';
+        bitReply = '&';
+    }
+    if (words.check >= '1' && words.check <= '3')
+        terms.check = static_cast<unsigned>(words.check - '0');
+    if (options.bRepeats && IsPrefix(words.repeatPrefix)) terms.repeatPrefix = words.repeatPrefix;
+    reply = Say(options, bitReply, static_cast<char>('0' + terms.check),
+                terms.repeatPrefix != 0 ? terms.repeatPrefix : ' ', OwnCapabilities(options),
+                terms.window);
+    return terms;
+}
+
+KermitTerms ConcludeKermitTerms(const KermitOptions& options, std::string_view reply) {
+    const Words words = Parse(reply);
+    KermitTerms terms = Common(options, words);
+    if (IsPrefix(words.bitPrefix)) {
+        terms.bitPrefix = words.bitPrefix;
+    } else if (words.bitPrefix == 'Y' && options.bSevenBits) {
+        terms.bitPrefix = '&';
+    }
+    if (words.check == static_cast<char>('0' + options.check)) terms.check = options.check;
+    if (options.bRepeats && words.repeatPrefix == '~') terms.repeatPrefix = '~';
+    return terms;
+}
+
+} // namespace qncomm::transfer

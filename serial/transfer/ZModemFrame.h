@@ -1,0 +1,90 @@
+#pragma once
+
+#include <array>
+#include <cstdint>
+#include <string>
+
+namespace qncomm::transfer {
+
+// The bytes and numbers of ZModem that both sides share.
+namespace zm {
+
+inline constexpr char kPad = '*';
+inline constexpr char kDle = '\x18'; // also CAN
+inline constexpr char kBin16 = 'A';
+inline constexpr char kHex = 'B';
+inline constexpr char kBin32 = 'C';
+
+// How a data subpacket ends.
+inline constexpr char kEndFrame = 'h'; // the frame is over, a header follows
+inline constexpr char kEndGo = 'i';    // the next subpacket follows
+inline constexpr char kEndQuery = 'j'; // the next follows, an acknowledgement is wanted
+inline constexpr char kEndWait = 'k';  // the frame is over, an acknowledgement is awaited
+
+enum Type : std::uint8_t {
+    RqInit = 0,
+    RInit = 1,
+    SInit = 2,
+    Ack = 3,
+    File = 4,
+    Skip = 5,
+    Nak = 6,
+    Abort = 7,
+    Fin = 8,
+    RPos = 9,
+    Data = 10,
+    Eof = 11,
+    FErr = 12,
+    Crc = 13,
+    Challenge = 14,
+    Compl = 15,
+    Can = 16,
+    FreeCnt = 17,
+    Command = 18,
+    StdErr = 19,
+};
+
+// Flags of RInit (in the last byte of the header): what the receiver can do.
+inline constexpr std::uint8_t kCanFullDuplex = 0x01;
+inline constexpr std::uint8_t kCanOverlapIo = 0x02;
+inline constexpr std::uint8_t kCanBreak = 0x04;
+inline constexpr std::uint8_t kCanCrc32 = 0x20;
+inline constexpr std::uint8_t kEscapeControls = 0x40; // of RInit and of SInit
+
+// Conversion (last byte of File): how the file is to be taken.
+inline constexpr std::uint8_t kConvertBinary = 1;
+inline constexpr std::uint8_t kConvertText = 2;
+inline constexpr std::uint8_t kConvertResume = 3;
+
+// What ends a session by force: enough CANs for any receiver, then backspaces that clean a command
+// line.
+inline constexpr char kCancelText[] = "\x18\x18\x18\x18\x18\x18\x18\x18\b\b\b\b\b\b\b\b\b\b";
+inline constexpr int kCansToCancel = 5;
+
+} // namespace zm
+
+// A header: its type and four bytes that are a position (low byte first) or flags (the first flag
+// byte is the last).
+struct ZModemHeader {
+    std::uint8_t type = 0;
+    std::array<std::uint8_t, 4> bytes{};
+
+    [[nodiscard]] std::uint32_t Position() const {
+        return bytes[0] | static_cast<std::uint32_t>(bytes[1]) << 8U
+               | static_cast<std::uint32_t>(bytes[2]) << 16U
+               | static_cast<std::uint32_t>(bytes[3]) << 24U;
+    }
+    [[nodiscard]] std::uint8_t Flags() const { return bytes[3]; }
+
+    static ZModemHeader At(std::uint8_t type, std::uint32_t position) {
+        return {type,
+                {static_cast<std::uint8_t>(position), static_cast<std::uint8_t>(position >> 8U),
+                 static_cast<std::uint8_t>(position >> 16U),
+                 static_cast<std::uint8_t>(position >> 24U)}};
+    }
+    static ZModemHeader WithFlags(std::uint8_t type, std::uint8_t flags) {
+        return {type, {0, 0, 0, flags}};
+    }
+};
+
+} // namespace qncomm::transfer
