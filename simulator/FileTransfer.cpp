@@ -18,6 +18,8 @@ using qncomm::transfer::Phase;
 using qncomm::transfer::Time;
 using qncomm::transfer::TransferEngine;
 
+// Both protocols put line ends behind their packets, ZModem with the eighth bit and an Xon too.
+constexpr std::string_view protocolLineEnd = "\r\n\x8D\x8A\x11";
 constexpr Micros afterSuccess = 100'000;
 constexpr Micros quietAfterFailure = 500'000;
 constexpr Micros longestQuietWait = 10'000'000; // for a line that never becomes quiet
@@ -38,16 +40,14 @@ std::unique_ptr<TransferEngine> MakeEngine(FileTransfer::Protocol protocol, bool
 
 FileTransfer::FileTransfer(Protocol protocol, bool sevenBits, Storage& storage, Micros now)
     : mEngine(MakeEngine(protocol, sevenBits, false)),
-      mSink(std::make_unique<StorageSink>(storage)),
-      mEndsWithReturn(protocol == Protocol::Kermit) {
+      mSink(std::make_unique<StorageSink>(storage)) {
     mEngine->Start(Time(now));
 }
 
 FileTransfer::FileTransfer(Protocol protocol, bool sevenBits, std::string name, std::string content,
                            Micros now)
     : mEngine(MakeEngine(protocol, sevenBits, true)),
-      mSource(std::make_unique<StorageSource>(std::move(name), std::move(content))),
-      mEndsWithReturn(protocol == Protocol::Kermit) {
+      mSource(std::make_unique<StorageSource>(std::move(name), std::move(content))) {
     mEngine->Start(Time(now));
 }
 
@@ -76,15 +76,17 @@ std::size_t FileTransfer::Receive(std::string_view bytes, Micros now) {
         taken += count;
     }
     if (taken == bytes.size()) return taken;
-    if (Succeeded()) return taken + TakeLineEnd(bytes.substr(taken));
+    if (Succeeded()) return taken + TakeLineEnd(bytes.substr(taken), now);
     if (mEndedAt) mFreeAt = std::min(now + quietAfterFailure, *mEndedAt + longestQuietWait);
     return bytes.size();
 }
 
-std::size_t FileTransfer::TakeLineEnd(std::string_view bytes) {
-    const bool there = mEndsWithReturn && bytes.front() == '\r';
-    mEndsWithReturn = false;
-    return there ? 1 : 0;
+std::size_t FileTransfer::TakeLineEnd(std::string_view bytes, Micros now) {
+    if (mLineEndTaken) return 0;
+    const std::size_t count = std::min(bytes.find_first_not_of(protocolLineEnd), bytes.size());
+    mLineEndTaken = count < bytes.size();
+    if (mEndedAt && count != 0) mFreeAt = now + afterSuccess;
+    return count;
 }
 
 void FileTransfer::Work(Micros now, std::size_t room, std::string& out) {

@@ -50,13 +50,13 @@ class FileTransfer {
     void Serve(Micros now);
     void LookForEnd(Micros now);
     bool Succeeded() const;
-    std::size_t TakeLineEnd(std::string_view bytes);
+    std::size_t TakeLineEnd(std::string_view bytes, Micros now);
 
     std::unique_ptr<qncomm::transfer::TransferEngine> mEngine;
     std::unique_ptr<qncomm::transfer::FileSource> mSource; // null when it receives
     std::unique_ptr<StorageSink> mSink;                    // null when it sends
     bool mHasOutput = false;
-    bool mEndsWithReturn; // the protocol's last packet has a CR behind it
+    bool mLineEndTaken = false; // the one behind the protocol's last packet
     bool mOver = false;
     std::optional<Micros> mEndedAt; // the protocol's last word was said
     Micros mFreeAt = 0;             // the moment after it is over then
