@@ -92,6 +92,7 @@ std::size_t FileTransfer::TakeLineEnd(std::string_view bytes, Micros now) {
 void FileTransfer::Work(Micros now, std::size_t room, std::string& out) {
     if (const auto deadline = mEngine->NextDeadline(); deadline && *deadline <= Time(now))
         mEngine->Tick(Time(now));
+    DropUnwanted(now);
     for (;;) {
         const std::string_view output =
             ServedOutput(*mEngine, mSource.get(), mSink.get(), Time(now)).substr(0, room);
@@ -102,6 +103,13 @@ void FileTransfer::Work(Micros now, std::size_t room, std::string& out) {
     }
     mHasOutput = !mEngine->Output(Time(now)).empty();
     LookForEnd(now);
+}
+
+/// A host that has cancelled wants none of the bytes that still wait for the line.
+void FileTransfer::DropUnwanted(Micros now) {
+    if (mEngine->Outcome() != Outcome::CancelledThere) return;
+    Serve(now);
+    mEngine->Sent(mEngine->Output(Time(now)).size(), Time(now));
 }
 
 void FileTransfer::LookForEnd(Micros now) {

@@ -48,6 +48,7 @@ class FileTransfer {
 
   private:
     void Serve(Micros now);
+    void DropUnwanted(Micros now);
     void LookForEnd(Micros now);
     bool Succeeded() const;
     std::size_t TakeLineEnd(std::string_view bytes, Micros now);
