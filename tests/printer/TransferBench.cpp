@@ -18,8 +18,8 @@ using qncomm::transfer::Time;
 constexpr std::size_t hostBuffer = 512; // bytes that the host lets queue on its line
 // What stands behind a last packet and behind the sign that cancels ZModem.
 constexpr std::string_view endOfProtocol = "\r\n\x8D\x8A\x11\x18\b";
-constexpr Micros longest = 3'600'000'000;      // no transfer here takes an hour
-constexpr Micros afterTheEnd = 12 * 1'000'000; // the printer is at its prompt by then
+constexpr Micros longest = 3'600'000'000;  // no transfer here takes an hour
+constexpr Micros afterTheEnd = 12'000'000; // the printer is at its prompt by then
 
 template <class Engine>
 std::unique_ptr<TransferEngine> Make() {
