@@ -24,7 +24,10 @@ Console::Console(Machine& machine, const Faults& faults)
       mErrorOnCommand(faults.errorOnCommand) {}
 
 bool Console::Busy() const {
-    return mInterpreter.Current() == Interpreter::State::Running || Waiting() != 0;
+    using State = Interpreter::State;
+    // What waits behind a transfer waits for its end.
+    if (mInterpreter.Current() == State::Transfers) return false;
+    return mInterpreter.Current() == State::Running || Waiting() != 0;
 }
 
 void Console::Work(int statements) {
@@ -42,6 +45,12 @@ void Console::Work(int statements) {
             if (Waiting() == 0) return;
             mRead += mInterpreter.TakeData(std::string_view(mInput).substr(mRead));
             MakeRoom();
+            Settle();
+            break;
+        case State::Transfers:
+            mRead += mInterpreter.WorkTransfer(std::string_view(mInput).substr(mRead));
+            MakeRoom();
+            if (mInterpreter.Current() == State::Transfers) return;
             Settle();
             break;
         default:

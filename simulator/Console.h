@@ -29,6 +29,9 @@ class Console {
     bool AwaitsData() const { return mInterpreter.Current() == Interpreter::State::NeedsData; }
     void DataTimedOut();
 
+    /// The file transfer that has the channel, or null.
+    const FileTransfer* Transfer() const { return mInterpreter.Transfer(); }
+
     /// A break condition on the line: what is running and what was typed ahead ends.
     void Break();
 

@@ -7,7 +7,7 @@
 namespace qnsim {
 namespace {
 
-constexpr std::array<std::pair<Error, std::string_view>, 40> errorTexts{{
+constexpr std::array<std::pair<Error, std::string_view>, 43> errorTexts{{
     {Error::IllegalArgument, "Illegal argument"},
     {Error::Overflow, "Overflow"},
     {Error::OutOfMemory, "Out of memory"},
@@ -46,6 +46,9 @@ constexpr std::array<std::pair<Error, std::string_view>, 40> errorTexts{{
     {Error::NotAFont, "Not a font"},
     {Error::ImageNotFound, "Image not found"},
     {Error::NotAnImage, "Not an image"},
+    {Error::TransferFailed, "File transfer failed"},
+    {Error::TransferCancelled, "File transfer cancelled"},
+    {Error::EightBitsNeeded, "Line carries seven bits only"},
     {Error::LabelLost, "Label could not be delivered"},
     {Error::PrintHead, "Print head fault"},
 }};

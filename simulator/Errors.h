@@ -45,6 +45,9 @@ enum class Error : int {
     NotAFont = 1041,
     ImageNotFound = 1042,
     NotAnImage = 1043,
+    TransferFailed = 1050,
+    TransferCancelled = 1051,
+    EightBitsNeeded = 1052,
     LabelLost = 1098,
     PrintHead = 1099,
 };

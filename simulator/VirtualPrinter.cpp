@@ -17,6 +17,9 @@ constexpr std::size_t outputLimit =
     256UL * 1024;                        // a host that does not read stops the printer here
 constexpr std::size_t stopHostAt = 3072; // of a receive buffer of 4096 bytes
 constexpr std::size_t resumeHostAt = 1024;
+// A transfer fills the line only so far: what it has not given away yet, it may still take back.
+constexpr std::size_t pacedLineTakes = 512;
+constexpr std::size_t lineTakes = 16UL * 1024;
 constexpr char xon = '\x11';
 constexpr char xoff = '\x13';
 
@@ -48,10 +51,12 @@ class VirtualPrinter::Impl {
     void Restart();
     void EndBoot();
     bool OutputBlocked() const;
+    std::size_t LineRoom() const;
     bool CanWork() const { return !mBootEnd && !mLine.IsCut() && !OutputBlocked(); }
 
     Faults mFaults;
     int mBootMs;
+    std::size_t mLineTakes;
     Machine mMachine;
     std::optional<StateFolder> mState;
     std::string mProblem;
@@ -69,6 +74,7 @@ class VirtualPrinter::Impl {
 VirtualPrinter::Impl::Impl(const Options& options)
     : mFaults(options.faults),
       mBootMs(options.bootMs),
+      mLineTakes(options.paced ? pacedLineTakes : lineTakes),
       mMachine(options),
       mConsole(std::make_unique<Console>(mMachine, mFaults)),
       mLine(mMachine.setup.Channel(options.uart), options) {
@@ -97,8 +103,14 @@ bool VirtualPrinter::Impl::OutputBlocked() const {
            || mLine.ToHost().Size() > outputLimit;
 }
 
+std::size_t VirtualPrinter::Impl::LineRoom() const {
+    return mLineTakes - std::min(mLineTakes, mLine.ToHost().Size());
+}
+
 void VirtualPrinter::Impl::Advance(Micros now) {
     mNow = std::max(mNow, now);
+    mMachine.now = mNow;
+    mMachine.lineRoom = LineRoom();
     if (mBootEnd && mNow >= *mBootEnd) EndBoot();
     Receive();
     if (!CanWork()) return;
@@ -187,6 +199,10 @@ std::optional<Micros> VirtualPrinter::Impl::NextDue() const {
     if (mConsole->Waiting() < bytesPerSlice) sooner(mLine.ToPrinter().NextDue());
     if (CanWork() && mConsole->Busy()) sooner(mNow);
     if (CanWork() && mConsole->AwaitsData()) sooner(mLastData + dataTimeout);
+    if (const FileTransfer* transfer = mConsole->Transfer(); transfer != nullptr && CanWork()) {
+        sooner(transfer->NextDue());
+        if (transfer->HasOutput() && LineRoom() != 0) sooner(mNow);
+    }
     return due;
 }
 

@@ -137,6 +137,7 @@ void TransferEngine::End(transfer::Outcome outcome, std::string reason) {
     if (mOutcome != Outcome::Running) return;
     mOutcome = outcome;
     mReason = std::move(reason);
+    if (outcome == transfer::Outcome::CancelledThere) DropOutput(); // nobody wants it any more
     mPhase = Phase::Over;
     mTimer.reset();
     mRequest.reset();

@@ -72,10 +72,12 @@ void Interpreter::Finish() {
 
 void Interpreter::Break() {
     if (mState == State::Idle) return;
+    if (mTransfer) mTransfer->Cancel(mMachine.now, mMachine.out);
     // A running program stops before its next statement, a waiting one in the statement that waits.
     const std::size_t at = mState == State::Running ? mAt : mAt - 1;
     mReport = Report{Error::None, at < mCode->size() ? (*mCode)[at].line : noLine};
     mData = {};
+    mTransfer.reset();
     Finish();
 }
 

@@ -1,12 +1,14 @@
 // Runs statements: what was typed, and the program.
 #pragma once
 
+#include "FileTransfer.h"
 #include "language/Evaluator.h"
 #include "language/FileTable.h"
 #include "language/Parser.h"
 #include "language/Program.h"
 
 #include <cstddef>
+#include <memory>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -21,6 +23,7 @@ class Interpreter {
         Running,
         NeedsLine, // INPUT waits for a line from the console
         NeedsData, // a load waits for its bytes
+        Transfers, // a file transfer has the channel
     };
 
     /// How a run ended other than well.
@@ -50,7 +53,13 @@ class Interpreter {
     /// The awaited bytes do not come: the load fails.
     void DataTimedOut();
 
-    /// Stops the program.
+    /// Goes on with the transfer that has the channel: what arrived, the time, what it says.
+    /// Returns how many bytes it took.
+    std::size_t WorkTransfer(std::string_view bytes);
+    /// The transfer, or null when there is none.
+    const FileTransfer* Transfer() const { return mTransfer.get(); }
+
+    /// Stops the program. A transfer tells the other side.
     void Break();
     std::optional<Report> TakeReport();
 
@@ -95,6 +104,8 @@ class Interpreter {
     void RemoveImage(const Statement& statement);
     void ImageLoad(const Statement& statement);
     void FileLoad(const Statement& statement);
+    void TransferKermit(const Statement& statement);
+    void TransferZModem(const Statement& statement);
     void ClearLabel(const Statement& statement);
     void Position(const Statement& statement);
     void Anchor(const Statement& statement);
@@ -153,6 +164,8 @@ class Interpreter {
     void WriteBytesLine(const Device& device);
     void AwaitData(const Statement& statement, bool image);
     void StoreData();
+    void BeginTransfer(const Statement& statement, FileTransfer::Protocol protocol);
+    void EndTransfer();
 
     Machine& mMachine;
     Variables mVariables;
@@ -174,6 +187,7 @@ class Interpreter {
     std::vector<CallFrame> mWhiles;
     Trap mTrap;
     DataWait mData;
+    std::unique_ptr<FileTransfer> mTransfer;
     std::optional<Report> mReport;
 };
 

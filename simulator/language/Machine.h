@@ -8,6 +8,7 @@
 #include "label/PngWriter.h"
 
 #include <array>
+#include <cstddef>
 #include <optional>
 #include <string>
 
@@ -54,6 +55,8 @@ struct Machine {
     SystemVariables system;
     Label label;
     std::optional<LabelFolder> labels; // where printed labels go as pictures
+    Micros now = 0;                    // the time that the caller gave last
+    std::size_t lineRoom = 0; // bytes that the wired channel takes without letting them queue
     bool immediate = true;
     bool setupChanged = false; // the line's settings take effect after the reply
     bool restartWanted = false;

@@ -59,6 +59,8 @@ constexpr std::array statements{
     StatementRow{"REMOVE IMAGE", "s", nullptr, &I::RemoveImage},
     StatementRow{"IMAGE LOAD", "sn?s", nullptr, &I::ImageLoad},
     StatementRow{"FILE& LOAD", "sn", nullptr, &I::FileLoad},
+    StatementRow{"TRANSFER K", "s?s", nullptr, &I::TransferKermit},
+    StatementRow{"TRANSFER Z", "s?s", nullptr, &I::TransferZModem},
     StatementRow{"CLL", "", nullptr, &I::ClearLabel},
     StatementRow{"PP", "nn", nullptr, &I::Position},
     StatementRow{"AN", "n", nullptr, &I::Anchor},

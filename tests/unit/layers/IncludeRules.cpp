@@ -21,7 +21,9 @@ struct Rule {
 constexpr std::array<std::string_view, 1> Common{"common"};
 constexpr std::array<std::string_view, 2> LinkCommon{"link", "common"};
 constexpr std::array<std::string_view, 4> BelowControl{"printer", "link", "dialogs", "common"};
-constexpr std::array<std::string_view, 3> BelowSerial{"common", "platform", "link/SerialControl.h"};
+constexpr std::array<std::string_view, 4> BelowSerial{"common", "platform", "link/SerialControl.h",
+                                                      "transfer"};
+constexpr std::array<std::string_view, 1> Transfer{"transfer"};
 constexpr std::array<std::string_view, 6> BelowFaces{"control", "printer", "link",
                                                      "dialogs", "common",  "platform"};
 
@@ -34,8 +36,9 @@ constexpr std::array Rules{
     Rule{"dialogs", LinkCommon, true},
     Rule{"control", BelowControl, true},
     Rule{"platform", Common, false},
+    Rule{"serial/transfer", {}, true},
     Rule{"serial", BelowSerial, false},
-    Rule{"simulator", {}, false},
+    Rule{"simulator", Transfer, false},
     Rule{"faces/console", BelowFaces, false},
     Rule{"faces/qt", BelowFaces, false},
 };
@@ -44,9 +47,9 @@ constexpr std::array Rules{
 constexpr std::string_view VirtualPrinterChannel = "serial/VirtualPrinterChannel.cpp";
 
 /// The project's folders as they stand at the start of an include.
-constexpr std::array<std::string_view, 14> ProjectFolders{
-    "common",    "link",  "printer", "dialogs", "control", "platform", "serial",
-    "simulator", "faces", "console", "qt",      "apps",    "bindings", "tests"};
+constexpr std::array<std::string_view, 15> ProjectFolders{
+    "transfer",  "common", "link",    "printer", "dialogs", "control",  "platform", "serial",
+    "simulator", "faces",  "console", "qt",      "apps",    "bindings", "tests"};
 
 const std::regex& StandardHeader() {
     // Standard headers have neither a folder nor an extension; their C forms (<stdio.h>) are not

@@ -64,6 +64,16 @@ TEST(IncludeRules, HoldTheTerminalToTheStandardLibrary) {
                 ElementsAre(HasSubstr("is not in the row of serial/terminal/")));
 }
 
+TEST(IncludeRules, LetTheTransferEnginesBeUsedBySerialAndTheSimulatorAlone) {
+    const std::string engine = Line("\"transfer/TransferEngine.h\"");
+    EXPECT_THAT(StrayIncludes("serial/PDQComm.cpp", engine), IsEmpty());
+    EXPECT_THAT(StrayIncludes("simulator/FileTransfer.h", engine), IsEmpty());
+    EXPECT_THAT(StrayIncludes("link/X.cpp", engine),
+                ElementsAre(HasSubstr("is not in the row of link/")));
+    EXPECT_THAT(StrayIncludes("serial/transfer/X.cpp", Line("\"common/Text.h\"")),
+                ElementsAre(HasSubstr("is not in the row of serial/transfer/")));
+}
+
 TEST(IncludeRules, HoldInEveryFileOfTheHouse) {
     namespace fs = std::filesystem;
     const fs::path root = QN_SOURCE_DIR;
