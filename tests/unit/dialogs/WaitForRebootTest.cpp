@@ -1,6 +1,8 @@
 #include "dialogs/frmWaitForReboot.h"
 
+#include "dialogs/Dialogs.h"
 #include "support/ManualLoop.h"
+#include "support/ScriptedForms.h"
 
 #include <gtest/gtest.h>
 
@@ -50,6 +52,18 @@ TEST(WaitForReboot, FacesFollowTheBarUntilTheFormGoes) {
     }
     Pass(loop, 5);
     EXPECT_EQ(changes, 30);
+}
+
+TEST(WaitForReboot, TheWindowIsShownOnceAndTakenAwayWithItsForm) {
+    ManualLoop loop;
+    testing::ScriptedForms forms;
+    Dialogs dialogs(loop, forms);
+    auto shown = dialogs.ShowWaitForReboot();
+    ASSERT_NE(forms.mReboot, nullptr);
+    Pass(loop, 3);
+    EXPECT_EQ(forms.mReboot->ProgressBar1.Value(), 3);
+    shown.reset();
+    EXPECT_EQ(forms.mReboot, nullptr);
 }
 
 } // namespace

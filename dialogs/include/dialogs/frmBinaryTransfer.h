@@ -1,0 +1,68 @@
+#pragma once
+
+#include "common/ControlModels.h"
+#include "common/Desktop.h"
+#include "common/FileDialog.h"
+#include "dialogs/FormModel.h"
+
+#include <array>
+#include <cstdint>
+#include <string>
+
+namespace qncomm {
+
+enum BinaryTransferAction : std::int16_t {
+    PrinterReceives = 0, ///< this side sends Filename
+    PrinterSends = 1,    ///< this side writes Filename
+};
+
+enum BinaryTransferProtocol : std::int16_t { ProtocolZModem = 5, ProtocolKermit = 6 };
+
+/// The modal dialog in which the person chooses protocol and host file of one binary transfer. It
+/// checks the file before the action button closes it and transfers nothing: its opener does, when
+/// Accepted says so.
+class frmBinaryTransfer : public FormModel {
+  public:
+    /// Loads the form for a BinaryTransferAction and a protocol; other values are kept as they are
+    /// and shown as the designed captions and as Kermit. Desktop and file dialogs outlive it.
+    frmBinaryTransfer(std::int16_t iAction, std::int16_t iProtocol, Desktop& desktop,
+                      FileDialogs& files);
+
+    std::int16_t Action() const { return mAction; }
+    /// Follows the list only when the person picks from it.
+    std::int16_t Protocol() const { return mProtocol; }
+    /// The full host path; empty before one was chosen or checked.
+    const std::string& Filename() const { return mFilename; }
+    /// Whether the dialog was left with Cancel.
+    bool Cancel() const { return mCancel; }
+    /// Whether the action button closed the dialog: the transfer may start.
+    bool Accepted() const { return mAccepted; }
+
+    const LabelModel lblProtocol{"Protocol:"};
+    ListModel cmbProtocol;
+    const LabelModel lblFilename{"Filename:"};
+    TextBoxModel txtFilename;
+    const LabelModel lblFolderCaption{"Folder:"};
+    LabelModel lblFolder;
+    ButtonModel cmdBrowse{"&Browse"};
+    std::array<ButtonModel, 2> cmdButton{ButtonModel("&Send"), ButtonModel("&Cancel")};
+
+  private:
+    void Form_Load();
+    void cmdBrowse_Click();
+    void cmdButton_Click(bool cancel);
+    bool QueryUnload(UnloadMode mode) override;
+
+    bool IsValidDestination();
+    bool Refuse(std::string_view message);
+
+    std::int16_t mAction;
+    std::int16_t mProtocol;
+    Desktop& mDesktop;
+    FileDialogs& mFiles;
+    std::string mFilename;
+    bool mCancel = false;
+    bool mAccepted = false;
+};
+
+} // namespace qncomm
