@@ -2,7 +2,7 @@
 
 #include "common/RuntimeErrors.h"
 #include "support/ExpectRaised.h"
-#include "support/TempFolder.h"
+#include "support/ScratchFolder.h"
 
 #include <gtest/gtest.h>
 
@@ -11,7 +11,7 @@
 namespace qncomm {
 namespace {
 
-using testing::TempFolder;
+using testing::ScratchFolder;
 
 TEST(HostPath, ANameIsJoinedToItsFolderWithOneSeparator) {
     EXPECT_EQ(PathIn("/a", "b"), "/a/b");
@@ -30,14 +30,14 @@ TEST(HostPath, TheFolderEndsWithItsSeparator) {
 }
 
 TEST(HostPath, TheSizeOfWhatIsNoFileIsNothing) {
-    const TempFolder folder;
+    const ScratchFolder folder;
     EXPECT_EQ(FileSize(folder.Write("f", "abc")), 3U);
     EXPECT_EQ(FileSize(folder.Path()), 0U);
     EXPECT_EQ(FileSize(folder.File("missing")), 0U);
 }
 
 TEST(HostPath, TryingToCreateAFileLeavesNothingBehindAndTouchesNothing) {
-    const TempFolder folder;
+    const ScratchFolder folder;
     EXPECT_TRUE(CanCreateFile(folder.File("new")));
     EXPECT_TRUE(folder.IsEmpty());
     const std::string there = folder.Write("there", "abc");
@@ -51,7 +51,7 @@ TEST(HostPath, TryingToCreateAFileLeavesNothingBehindAndTouchesNothing) {
 }
 
 TEST(HostPath, DeletingSaysWhatIsWrong) {
-    const TempFolder folder;
+    const ScratchFolder folder;
     const std::string path = folder.Write("f", "abc");
     DeleteFile(path);
     EXPECT_FALSE(folder.Has("f"));

@@ -3,7 +3,7 @@
 #include "common/HostPath.h"
 #include "support/DeskTools.h"
 #include "support/RecordingDesktop.h"
-#include "support/TempFolder.h"
+#include "support/ScratchFolder.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -13,8 +13,8 @@ namespace {
 
 using ::testing::ElementsAre;
 using testing::RecordingDesktop;
+using testing::ScratchFolder;
 using testing::ScriptedFileDialogs;
-using testing::TempFolder;
 
 class BinaryTransfer : public ::testing::Test {
   protected:
@@ -39,7 +39,7 @@ class BinaryTransfer : public ::testing::Test {
         return texts;
     }
 
-    TempFolder mFolder;
+    ScratchFolder mFolder;
     RecordingDesktop mDesktop;
     ScriptedFileDialogs mFiles;
     std::unique_ptr<frmBinaryTransfer> mForm;

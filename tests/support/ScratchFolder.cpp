@@ -1,4 +1,4 @@
-#include "support/TempFolder.h"
+#include "support/ScratchFolder.h"
 
 #include <cstdlib>
 #include <filesystem>
@@ -8,31 +8,31 @@
 
 namespace qncomm::testing {
 
-TempFolder::TempFolder()
+ScratchFolder::ScratchFolder()
     : mPath((std::filesystem::temp_directory_path() / "qncomm-XXXXXX").string()) {
     if (mkdtemp(mPath.data()) == nullptr) throw std::runtime_error("no folder for the test");
 }
 
-TempFolder::~TempFolder() {
+ScratchFolder::~ScratchFolder() {
     std::error_code error;
     std::filesystem::remove_all(mPath, error);
 }
 
-std::string TempFolder::File(std::string_view sName) const {
+std::string ScratchFolder::File(std::string_view sName) const {
     return (std::filesystem::path(mPath) / sName).string();
 }
 
-std::string TempFolder::Write(std::string_view sName, std::string_view sContent) const {
+std::string ScratchFolder::Write(std::string_view sName, std::string_view sContent) const {
     std::ofstream file(File(sName), std::ios::binary);
     file.write(sContent.data(), static_cast<std::streamsize>(sContent.size()));
     return File(sName);
 }
 
-bool TempFolder::Has(std::string_view sName) const {
+bool ScratchFolder::Has(std::string_view sName) const {
     return std::filesystem::exists(File(sName));
 }
 
-bool TempFolder::IsEmpty() const {
+bool ScratchFolder::IsEmpty() const {
     return std::filesystem::is_empty(mPath);
 }
 

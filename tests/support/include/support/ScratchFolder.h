@@ -6,12 +6,12 @@
 namespace qncomm::testing {
 
 /// A folder of its own for a test, removed with all that is in it.
-class TempFolder {
+class ScratchFolder {
   public:
-    TempFolder();
-    ~TempFolder();
-    TempFolder(const TempFolder&) = delete;
-    TempFolder& operator=(const TempFolder&) = delete;
+    ScratchFolder();
+    ~ScratchFolder();
+    ScratchFolder(const ScratchFolder&) = delete;
+    ScratchFolder& operator=(const ScratchFolder&) = delete;
 
     const std::string& Path() const { return mPath; }
     /// The path of a name in the folder.
