@@ -1,0 +1,55 @@
+#pragma once
+
+#include "control/QNComm.h"
+#include "dialogs/Dialogs.h"
+#include "link/clsDataLink.h"
+#include "printer/clsQuorin.h"
+
+#include <memory>
+#include <utility>
+#include <vector>
+
+namespace qncomm {
+
+/// Link and command layer of a control that runs. Shared with every operation on the stack, so that
+/// a host may end the control from within an event. The layer goes before the link.
+struct QNComm::Members {
+    explicit Members(const ControlServices& services)
+        : dialogs(services.loop, services.forms),
+          link(LinkHost{services.loop, services.desktop, dialogs}),
+          quorin(link, services.desktop) {}
+
+    Dialogs dialogs;
+    clsDataLink link;
+    clsQuorin quorin;
+    std::vector<Subscription> relays;
+    int events = 0;     ///< how many of their events are being relayed
+    int operations = 0; ///< how many of their operations are running
+};
+
+/// An operation of the control while it runs.
+class QNComm::Operation {
+  public:
+    explicit Operation(std::shared_ptr<Members> members) : mMembers(std::move(members)) {
+        ++mMembers->operations;
+    }
+    ~Operation() { --mMembers->operations; }
+    Operation(const Operation&) = delete;
+    Operation& operator=(const Operation&) = delete;
+
+    clsQuorin* operator->() const { return &mMembers->quorin; }
+
+  private:
+    std::shared_ptr<Members> mMembers;
+};
+
+/// Puts the screen's pointer back to the default at the end of an operation, however it ends.
+class EndBusy {
+  public:
+    EndBusy() = default;
+    ~EndBusy();
+    EndBusy(const EndBusy&) = delete;
+    EndBusy& operator=(const EndBusy&) = delete;
+};
+
+} // namespace qncomm

@@ -1,0 +1,135 @@
+// How the control comes into being, is shown, hidden and taken down.
+
+#include "control/QNComm.h"
+
+#include "Members.h"
+#include "common/QNError.h"
+#include "common/RuntimeErrors.h"
+
+namespace qncomm {
+namespace {
+
+constexpr std::int32_t SoonestTurn = 1; // ms
+
+/// An event of the members while it is being relayed.
+class Relaying {
+  public:
+    explicit Relaying(int& depth) : mDepth(depth) { ++mDepth; }
+    ~Relaying() { --mDepth; }
+    Relaying(const Relaying&) = delete;
+    Relaying& operator=(const Relaying&) = delete;
+
+  private:
+    int& mDepth;
+};
+
+/// Keeps an object until the loop's turn in which isFree first holds.
+template <class Object, class IsFree>
+void KeepUntil(MessageLoop& loop, std::shared_ptr<Object> object, IsFree isFree) {
+    struct Keeper {
+        std::shared_ptr<Object> object;
+        std::unique_ptr<RunningTimer> timer;
+    };
+    const auto keeper = std::make_shared<Keeper>();
+    keeper->object = std::move(object);
+    keeper->timer = loop.StartTimer(SoonestTurn, [keeper, isFree] {
+        if (!keeper->object || !isFree(*keeper->object)) return;
+        keeper->object.reset();
+        const auto ended = std::move(keeper->timer); // the last to hold this handler
+    });
+}
+
+} // namespace
+
+QNComm::QNComm(const ControlParts& parts, const ControlServices& services)
+    : mParts(parts),
+      mServices(services),
+      mPrompts(services.inputs, [&services = mServices] { services.loop.Yield(0); }) {
+    mHandlers.push_back(
+        Toolbar1.Clicked.Connect([this](const std::string& key) { Dispatch(key); }));
+    mHandlers.push_back(lblCaption.Clicked.Connect([this] { mParts.terminal.SetFocus(); }));
+    mHandlers.push_back(cmdClose.Clicked.Connect([this] { mParts.host.SetVisible(false); }));
+}
+
+QNComm::~QNComm() {
+    try {
+        Release();
+    } catch (const std::exception&) { // NOLINT(bugprone-empty-catch): there is nobody left to tell
+    }
+}
+
+const std::shared_ptr<QNComm::Members>& QNComm::Wired() const {
+    if (!mMembers) RaiseRuntimeError(RtObjectNotSet);
+    return mMembers;
+}
+
+QNComm::Operation QNComm::Begin() const {
+    return Operation(Wired());
+}
+
+void QNComm::Wire() {
+    mMembers = std::make_shared<Members>(mServices);
+    Members& members = *mMembers;
+    members.link.SetSerialPort(&mParts.PDQComm1);
+    const auto relayStatus = [this, &members](std::string& text, std::int16_t& progress,
+                                              bool& cancel) {
+        const Relaying relaying(members.events);
+        StatusEvent.Raise(text, progress, cancel);
+    };
+    members.relays.push_back(members.link.StatusEvent.Connect(relayStatus));
+    members.relays.push_back(members.quorin.StatusEvent.Connect(relayStatus));
+    members.relays.push_back(members.link.PortStateEvent.Connect([this, &members](bool& open) {
+        const Relaying relaying(members.events);
+        PortStateEvent.Raise(open);
+    }));
+}
+
+/// Lets go of the members, the link first. What of them is still on the stack ends on its own; they
+/// go when it has.
+void QNComm::Release() {
+    const std::shared_ptr<Members> members = std::exchange(mMembers, nullptr);
+    if (!members) return;
+    members->relays.clear();
+    if (members->events > 0)
+        KeepUntil(mServices.loop, members, [](const Members& kept) { return kept.events == 0; });
+    members->link.TearDown();
+    members->quorin.TearDown();
+    mParts.PDQComm1.SetTag({}); // the mark of an operation that was cut short
+}
+
+void QNComm::TearDown() {
+    Release();
+}
+
+void QNComm::UserControl_Show() {
+    if (!mParts.host.UserMode()) {
+        mParts.terminal.SetDisplayState(DisplayDesign);
+        return;
+    }
+    const auto members = Wired();
+    members->link.SetTerminalActive(true);
+    if (mMembers == members) mParts.terminal.SetFocus();
+}
+
+void QNComm::UserControl_Hide() {
+    if (!mParts.host.UserMode()) return;
+    if (const auto members = mMembers) members->link.SetTerminalActive(false);
+}
+
+void QNComm::UserControl_EnterFocus() {
+    lblCaption.SetColors(ActiveTitleColor, ActiveTitleTextColor);
+}
+
+void QNComm::UserControl_ExitFocus() {
+    lblCaption.SetColors(InactiveTitleColor, InactiveTitleTextColor);
+}
+
+void QNComm::SetRegSettings(std::shared_ptr<qncomm::RegSettings> settings) {
+    mRegSettings = std::move(settings);
+    const auto members = Wired();
+    members->quorin.SetRegSettings(mRegSettings);
+    members->link.SetRegSettings(mRegSettings);
+    LoadFunctionKeyTips();
+}
+
+} // namespace qncomm

@@ -1,0 +1,58 @@
+#pragma once
+
+#include "common/InputBox.h"
+#include "common/Launcher.h"
+#include "common/RegSettings.h"
+
+#include <functional>
+#include <map>
+#include <optional>
+#include <string>
+#include <string_view>
+
+namespace qncomm {
+
+/// What a stored function key says. A value without ";" is a kind alone.
+struct MacroRecord {
+    std::string kind; ///< "0" sends a text, "1" a file, "2" runs a program; others do nothing
+    std::string argument;
+};
+
+/// The record of key "F1" to "F8"; without a store or a value it is of no known kind.
+MacroRecord ReadMacro(const RegSettings* settings, std::string_view sKey);
+
+/// The tool tip of a key: the kind's label and up to 40 characters of the argument in quotes; empty
+/// for a key without a macro.
+std::string MacroTip(const MacroRecord& record);
+
+/// The text with every "<CR>" and the like, all in upper or all in lower case, replaced by its
+/// character. Linear in the text's length.
+std::string ReplaceControlNames(std::string_view sText);
+
+/// The program, arguments and folder of a command line: the program ends at its closing quote, or
+/// at the first blank. The arguments are split at blanks outside of quotes.
+LaunchRequest ParseCommandLine(std::string_view sCommandLine);
+
+/// The variables of text macros: what was answered last is offered again and stands for a plain
+/// reference. Names are told apart without regard to case.
+class MacroPrompts {
+  public:
+    /// Asks through inputs; giveTurn runs after each box. Both outlive it.
+    MacroPrompts(InputBoxes& inputs, std::function<void()> giveTurn)
+        : mInputs(inputs), mGiveTurn(std::move(giveTurn)) {}
+
+    /// The text with the references between pairs of "&&" replaced: "&&NAME&&" by what is
+    /// remembered, "&&?NAME&&" and "&&?NAME"prompt"&&" by what the person answers. Nothing for an
+    /// odd number of "&&"; then nothing was asked.
+    std::optional<std::string> Expand(std::string_view sText);
+
+  private:
+    std::string Resolve(std::string_view reference);
+    std::string Ask(const std::string& name, const std::string& prompt);
+
+    InputBoxes& mInputs;
+    std::function<void()> mGiveTurn;
+    std::map<std::string, std::string> mRemembered; ///< by upper-case name
+};
+
+} // namespace qncomm
