@@ -43,7 +43,7 @@ EndBusy::~EndBusy() {
     Pointer::Screen().Set(PointerDefault);
 }
 
-std::shared_ptr<PrinterFiles> QNComm::Files(std::string sDeviceName, bool brefresh,
+std::shared_ptr<PrinterFiles> QNComm::Files(const std::string& sDeviceName, bool brefresh,
                                             bool bShowSystemFiles) {
     const Operation operation = Begin();
     if (BeginBusy()) return nullptr;
@@ -91,6 +91,17 @@ std::int16_t QNComm::ImagesCount() const {
 
 std::int16_t QNComm::FontsCount() const {
     return CountOf("fonts:");
+}
+
+/// A printer file's size as its device's listing has it; 0 when that cannot be told.
+std::int32_t QNComm::ListedSize(const std::string& path) {
+    try {
+        const std::size_t name = path.find(':') + 1;
+        const auto files = Files(path.substr(0, name));
+        return files ? files->Item(path.substr(name))->Size : 0;
+    } catch (const QNError&) { // the transfer itself will tell what is wrong
+        return 0;
+    }
 }
 
 std::string QNComm::DeviceUsedMem(std::string_view sDev) const {

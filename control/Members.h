@@ -38,6 +38,7 @@ class QNComm::Operation {
     Operation& operator=(const Operation&) = delete;
 
     clsQuorin* operator->() const { return &mMembers->quorin; }
+    clsDataLink& Link() const { return mMembers->link; }
 
   private:
     std::shared_ptr<Members> mMembers;

@@ -4,6 +4,7 @@
 #include "common/HostPath.h"
 #include "common/RuntimeErrors.h"
 #include "common/Text.h"
+#include "dialogs/frmBinaryTransfer.h"
 #include "dialogs/frmFunctionKeysSetup.h"
 
 #include <algorithm>
@@ -35,6 +36,8 @@ void QNComm::Dispatch(const std::string& key) {
         ToolbarCommand{"Paste", [](QNComm& control) { control.PasteCB(); }},
         ToolbarCommand{"UploadA", [](QNComm& control) { control.UploadText(); }},
         ToolbarCommand{"DownloadA", [](QNComm& control) { control.DownloadText(); }},
+        ToolbarCommand{"UploadB", [](QNComm& control) { control.TransferFile(PrinterReceives); }},
+        ToolbarCommand{"DownloadB", [](QNComm& control) { control.TransferFile(PrinterSends); }},
         ToolbarCommand{"FunctionkeysSetup", [](QNComm& control) { control.ShowFunctionKeys(); }},
     };
     const auto command = std::ranges::find(Commands, key, &ToolbarCommand::key);

@@ -104,7 +104,7 @@ class QNComm {
     /// colon, in any case). Asks the printer only when the list is empty, out of date, or brefresh
     /// is set. Nothing while the screen's pointer shows the hourglass. Raises 1018 for other names
     /// and 1010 for a device that the printer does not have.
-    std::shared_ptr<PrinterFiles> Files(std::string sDeviceName, bool brefresh = false,
+    std::shared_ptr<PrinterFiles> Files(const std::string& sDeviceName, bool brefresh = false,
                                         bool bShowSystemFiles = false);
     std::shared_ptr<PrinterFiles> Images(bool brefresh = false);
     /// How many the last listing had, without asking the printer; 0 before any.
@@ -155,6 +155,17 @@ class QNComm {
     void SetupLoadFile(const std::string& sFullName);
     void FormatDev(const std::string& sDevName, bool bSystemLevel = false);
     void ChDir(const std::string& sDevName);
+
+    // -- Transfers. Raise 1022 (downloads) and 1023 (uploads) when the transfer failed.
+
+    /// Receives printer file sSource by Kermit into a host file; progress counts against the size
+    /// in its device's listing, 5120 bytes when that tells none.
+    void KermitDownload(const std::string& sSource, const std::string& sDestination);
+    /// Sends a host file over the open port to a printer that is waiting for it, and receives one
+    /// from a printer that is sending. iProtocol is a BinaryProtocol. Refused quietly while an
+    /// operation runs.
+    void BinaryUpload(const std::string& sSource, std::int16_t iProtocol = BinaryZModem);
+    void BinaryDownload(const std::string& sDestination, std::int16_t iProtocol = BinaryZModem);
 
     // -- Appearance. Colours are 0x00BBGGRR, or negative for a colour of the system.
 
@@ -243,7 +254,6 @@ class QNComm {
     struct PersistedProperties;
     struct ToolbarCommand;
     class Operation;
-    using ReadList = void (clsQuorin::*)();
 
     // QNComm.cpp
     const std::shared_ptr<Members>& Wired() const;
@@ -259,6 +269,7 @@ class QNComm {
     template <class List>
     std::shared_ptr<PrinterFiles> CachedList(const std::string& device, bool refresh, List list);
     std::int16_t CountOf(std::string_view device) const;
+    std::int32_t ListedSize(const std::string& path);
 
     // ToolbarCommands.cpp
     void Dispatch(const std::string& key);
@@ -270,6 +281,7 @@ class QNComm {
     void UploadText();
     void DownloadText();
     void ShowFunctionKeys();
+    void TransferFile(std::int16_t action);
     void SendText(std::string_view text);
     void SendFile(const std::string& path);
     bool MaySend() const;

@@ -9,9 +9,9 @@
 #include "support/ExpectRaised.h"
 #include "support/ManualLoop.h"
 #include "support/RecordingDesktop.h"
+#include "support/ScratchFolder.h"
 #include "support/ScriptedForms.h"
 #include "support/ScriptedSerial.h"
-#include "support/ScratchFolder.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -39,9 +39,10 @@ class ControlFixture : public ::testing::Test {
             ControlParts{mSerial, mTerminal, mHost, mWindow},
             ControlServices{mLoop, mDesktop, mInputs, mClipboard, mFiles, mLauncher, mForms});
         mWindow.mControl = mControl.get();
-        mStatus =
-            mControl->StatusEvent.Connect([this](std::string& text, std::int16_t, bool& cancel) {
+        mStatus = mControl->StatusEvent.Connect(
+            [this](std::string& text, std::int16_t progress, bool& cancel) {
                 mMessages.push_back(text);
+                mProgress.push_back(progress);
                 if (mOnStatus) mOnStatus(text, cancel);
             });
         mPortState = mControl->PortStateEvent.Connect([this](bool& busy) {
@@ -99,6 +100,7 @@ class ControlFixture : public ::testing::Test {
     Subscription mStatus;
     Subscription mPortState;
     Strings mMessages;
+    std::vector<std::int16_t> mProgress;
     std::vector<bool> mPortStates;
     std::function<void(std::string&, bool&)> mOnStatus;
     std::function<void(bool)> mOnPortState;

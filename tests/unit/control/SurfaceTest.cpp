@@ -202,6 +202,9 @@ TEST_F(Surface, EveryMemberThatReachesThePrinterNeedsALink) {
         [&] { mControl->ProgramLink({}); },
         [&] { mControl->RunProgram(); },
         [&] { mControl->IsProgramRunable(); },
+        [&] { mControl->KermitDownload("ram:x", "y"); },
+        [&] { mControl->BinaryUpload("x"); },
+        [&] { mControl->BinaryDownload("x"); },
     };
     for (const auto& call : calls)
         EXPECT_EQ(testing::NumberRaisedBy(call), RtObjectNotSet);

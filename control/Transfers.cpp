@@ -1,0 +1,39 @@
+// Files to and from the printer.
+
+#include "Members.h"
+#include "dialogs/frmBinaryTransfer.h"
+
+namespace qncomm {
+namespace {
+
+constexpr std::int32_t AssumedSize = 5120; // bytes of a file whose size is not known
+
+} // namespace
+
+void QNComm::KermitDownload(const std::string& sSource, const std::string& sDestination) {
+    const auto members = Wired();
+    const std::int32_t size = ListedSize(sSource);
+    Operation(members).Link().KermitDownload(sSource, sDestination, size != 0 ? size : AssumedSize);
+}
+
+void QNComm::BinaryUpload(const std::string& sSource, std::int16_t iProtocol) {
+    if (MaySend()) Begin().Link().BinaryUpload(sSource, iProtocol);
+}
+
+void QNComm::BinaryDownload(const std::string& sDestination, std::int16_t iProtocol) {
+    if (MaySend()) Begin().Link().BinaryDownload(sDestination, iProtocol);
+}
+
+/// Asks for protocol and file and runs the transfer; leaving the dialog in any way but by its
+/// action button transfers nothing.
+void QNComm::TransferFile(std::int16_t action) {
+    frmBinaryTransfer form(action, ProtocolKermit, mServices.desktop, mServices.files);
+    mServices.forms.ShowModal(form);
+    if (!form.Accepted()) return;
+    if (action == PrinterReceives)
+        BinaryUpload(form.Filename(), form.Protocol());
+    else
+        BinaryDownload(form.Filename(), form.Protocol());
+}
+
+} // namespace qncomm
