@@ -28,8 +28,7 @@ Outcome Redact(Session& session, const RedactArguments& arguments) {
 
 CommandTable TraceCommands() {
     const auto arguments = std::make_shared<RedactArguments>();
-    return {{"trace redact",
-             "Copy a trace without the contents of files and programs",
+    return {{"trace redact", "Copy a trace without the contents of files and programs",
              Needs::Nothing,
              [arguments](CLI::App& app) {
                  app.add_option("IN", arguments->from, "the trace")->required();
