@@ -132,7 +132,8 @@ void PDQComm::SetTransferState(std::int16_t iState) {
     if (iState != TransferAborting || !mTransfer) return;
     if (!mTransferStarted) mTransfer->Break("cancelled");
     mTransfer->Abort(mReactor.NowUs());
-    mTransferDue->SetDue(mReactor.NowUs());
+    SendForTransfer(); // the other side is told even when nobody yields any more
+    if (mTransfer) mTransferDue->SetDue(mReactor.NowUs());
 }
 
 std::string PDQComm::TransferFileName() const {

@@ -17,6 +17,7 @@ class Session;
 /// How far a session must have come before a command's own work begins.
 enum class Needs {
     Nothing, ///< settings and port numbers
+    Port,    ///< the chosen port, not opened yet
     Printer, ///< the chosen port claimed, with a printer found on it
 };
 
@@ -41,6 +42,7 @@ CommandTable ProgramCommands();
 CommandTable SetupCommands();
 CommandTable FontCommands();
 CommandTable ImageCommands();
+CommandTable TransferCommands();
 CommandTable TraceCommands();
 
 /// All commands in the order of the help text.

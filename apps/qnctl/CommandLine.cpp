@@ -40,6 +40,8 @@ constexpr std::array Groups{
     Group{"setup", "The printer's setup: list, set, write, load"},
     Group{"font", "One font: install, remove, print"},
     Group{"image", "One image: install, remove, print"},
+    Group{"kermit", "Files by Kermit: send, receive"},
+    Group{"binary", "Files by ZModem or Kermit with a printer that waits: send, receive"},
     Group{"trace", "A file that --trace wrote: redact"},
 };
 

@@ -182,6 +182,18 @@ class clsQuorin {
     /// InstallImage. sDevice has no effect: the printer decides where the file goes.
     void Fileload(const std::string& sFileName, std::string_view sDevice = {});
 
+    // -- Files by a transfer protocol; what they raise is told in clsDataLink.h
+
+    /// Sends a host file by Kermit in place of the printer's file of that name. The device that was
+    /// current stays so. With bManual the person has started the printer's side and nothing is sent
+    /// before the protocol. Also raises what SetDeviceDirty does: 1010 for a device that is none.
+    void KermitUpload(const std::string& sSource, const std::string& sDestination,
+                      bool bManual = false);
+    void KermitDownload(const std::string& sSource, const std::string& sDestination,
+                        std::int32_t lFileSize = 0);
+    void BinaryUpload(const std::string& sSource, std::int16_t iProtocol = BinaryZModem);
+    void BinaryDownload(const std::string& sDestination, std::int16_t iProtocol = BinaryZModem);
+
   private:
     using Reply = std::vector<std::string>;
     using AddRow = std::function<bool(PrinterFiles&, std::string_view)>;
@@ -231,6 +243,10 @@ class clsQuorin {
     Reply TypeModule(const std::vector<std::string>& lines, const std::string& message);
     void TypeLines(const std::vector<std::string>& lines, const std::string& message);
     void LinkModules(const Collection<std::string>& modules, std::string_view header);
+
+    // Transfers.cpp
+    void ReplaceByKermit(const std::string& source, const std::string& destination);
+    void MarkAfterFailure(const std::string& destination);
 
     // Images.cpp, RawFiles.cpp
     bool IsValidPcxImage(const std::string& path);

@@ -1,0 +1,70 @@
+// Files that travel by a transfer protocol: the link's operations, with this layer's care for the
+// printer's storage.
+
+#include "Exchange.h"
+#include "common/QNError.h"
+#include "common/Text.h"
+#include "common/modErrorHandling.h"
+
+namespace qncomm {
+namespace {
+
+std::string DeviceOf(std::string_view path) {
+    return LowerCase(path.substr(0, path.find(':') + 1));
+}
+
+} // namespace
+
+void clsQuorin::KermitUpload(const std::string& sSource, const std::string& sDestination,
+                             bool bManual) {
+    if (bManual) {
+        Link().KermitUpload(sSource, sDestination, true);
+    } else {
+        // Looked for first: a missing host file must not cost the printer's copy.
+        if (!FileExists(sSource)) RaiseError(ErrUploadName, "clsDataLink,Upload");
+        ReplaceByKermit(sSource, sDestination);
+    }
+    SetDeviceDirty(sDestination);
+}
+
+/// Deletes the printer's copy, sends the new one, and makes the device current again that was so
+/// before.
+void clsQuorin::ReplaceByKermit(const std::string& source, const std::string& destination) {
+    const std::string current = LowerCase(GetCurrentDevice());
+    try {
+        Kill(destination.empty() ? FileNameOf(source) : destination);
+    } catch (const QNError&) { // NOLINT(bugprone-empty-catch): there need be no old file
+    }
+    try {
+        Link().KermitUpload(source, destination);
+    } catch (const QNError&) {
+        MarkAfterFailure(destination);
+        throw;
+    }
+    const std::string device = DeviceOf(destination);
+    if (!device.empty() && !current.empty() && device != current) SetCurrentPrinterDir(current);
+}
+
+/// The old file may be gone although the new one did not come; the failure is what is reported.
+void clsQuorin::MarkAfterFailure(const std::string& destination) {
+    try {
+        SetDeviceDirty(destination);
+    } catch (const QNError& error) {
+        mDesktop.Log(error.Description());
+    }
+}
+
+void clsQuorin::KermitDownload(const std::string& sSource, const std::string& sDestination,
+                               std::int32_t lFileSize) {
+    Link().KermitDownload(sSource, sDestination, lFileSize);
+}
+
+void clsQuorin::BinaryUpload(const std::string& sSource, std::int16_t iProtocol) {
+    Link().BinaryUpload(sSource, iProtocol);
+}
+
+void clsQuorin::BinaryDownload(const std::string& sDestination, std::int16_t iProtocol) {
+    Link().BinaryDownload(sDestination, iProtocol);
+}
+
+} // namespace qncomm

@@ -1,0 +1,76 @@
+#include "PrinterFixture.h"
+#include "TempFolder.h"
+
+#include <filesystem>
+#include <fstream>
+
+namespace qncomm::testing {
+namespace {
+
+class Transfers : public PrinterFixture {
+  protected:
+    Transfers() {
+        std::ofstream(mPath) << "10 PRINT 1";
+        mSerial.mTransferSize = 10;
+        mSerial.mTransfer = {{1, TransferStarted}, {1, TransferAnnounced}, {1, TransferIdle}};
+    }
+    ~Transfers() override { std::filesystem::remove(mPath); }
+
+    void ScriptCurrentDevice(const std::string& device) {
+        mSerial.Handshake().Exchange("FILES \".\"",
+                                     {"FILES ON " + device, "1 BYTES FREE 1 BYTES USED"});
+    }
+    void ScriptKermit(const std::string& command) {
+        mSerial.Handshake().Expect(command + "\r\n").Reply(command + "\r\n").Reply("Ok\r\n", 100);
+    }
+
+    std::string mPath = ::testing::TempDir() + "kermit-upload.prg";
+};
+
+TEST_F(Transfers, AnUploadReplacesThePrintersFileAndKeepsTheCurrentDevice) {
+    Know("R7A");
+    ScriptCurrentDevice("ram:");
+    mSerial.Handshake().Exchange("KILL \"card1:X.PRG\"");
+    ScriptKermit("CHDIR\"card1:\":TRANSFER K \"R\"");
+    mSerial.Handshake().Exchange("CHDIR \"ram:\"");
+    mQuorin.KermitUpload(mPath, "card1:X.PRG");
+    EXPECT_TRUE(mQuorin.PrinterDevices()->Item("card1:")->Dirty);
+    EXPECT_TRUE(mSerial.ScriptDone());
+}
+
+TEST_F(Transfers, AnUploadToTheCurrentDeviceChangesNone) {
+    Know("R7A");
+    ScriptCurrentDevice("ram:");
+    mSerial.Handshake().Exchange("KILL \"ram:X.PRG\"", {"Error 1022: File not found"});
+    ScriptKermit("CHDIR\"ram:\":TRANSFER K \"R\"");
+    mQuorin.KermitUpload(mPath, "ram:X.PRG");
+    EXPECT_TRUE(mSerial.ScriptDone());
+}
+
+TEST_F(Transfers, AMissingHostFileDoesNotCostThePrintersCopy) {
+    EXPECT_RAISED_FROM(mQuorin.KermitUpload("/no/such/file", "ram:X.PRG"),
+                       "1011 clsDataLink,Upload");
+    EXPECT_EQ(mSerial.mSent, "");
+}
+
+TEST_F(Transfers, AFailedUploadMarksTheDeviceAllTheSame) {
+    Know("R7A");
+    ScriptCurrentDevice("ram:");
+    mSerial.Handshake().Exchange("KILL \"ram:X.PRG\"");
+    mSerial.Handshake()
+        .Expect("CHDIR\"ram:\":TRANSFER K \"R\"\r\n")
+        .Reply("CHDIR\"ram:\":TRANSFER K \"R\"\r\n");
+    mSerial.mTransfer = {{1, TransferStarted}, {1, TransferFailed}};
+    EXPECT_RAISED(mQuorin.KermitUpload(mPath, "ram:X.PRG"), 1023);
+    EXPECT_TRUE(mQuorin.PrinterDevices()->Item("ram:")->Dirty);
+}
+
+TEST_F(Transfers, AManualUploadSendsNothingBeforeTheProtocol) {
+    Know("R7A");
+    const std::size_t sent = mSerial.mSent.size();
+    mQuorin.KermitUpload(mPath, "ram:X.PRG", true);
+    EXPECT_EQ(mSerial.mSent.size(), sent);
+}
+
+} // namespace
+} // namespace qncomm::testing
