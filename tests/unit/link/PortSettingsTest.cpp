@@ -193,8 +193,8 @@ TEST_F(PortSettings, SavedSettingsComeBack) {
     mLink.SetParity("m");
     mLink.SetDSRDetectActive(true);
     mLink.SaveCommSettings();
-    clsDataLink other(LinkHost{mLoop, mDesktop, mDialogs});
     ScriptedSerial serial(mLoop);
+    clsDataLink other(LinkHost{mLoop, mDesktop, mDialogs});
     other.SetSerialPort(&serial);
     other.SetRegSettings(mSettings);
     EXPECT_EQ(other.SettingsText(), "57600,M,8,2");
