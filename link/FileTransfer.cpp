@@ -49,7 +49,7 @@ std::string InQuotes(std::string_view text) {
 }
 
 std::string UploadCommand(const std::string& destination) {
-    const std::string receive = "TRANSFER K " + InQuotes("R") + "\r\n";
+    std::string receive = "TRANSFER K " + InQuotes("R") + "\r\n";
     const std::size_t colon = destination.find(':');
     if (colon == std::string::npos) return receive;
     return "CHDIR" + InQuotes(destination.substr(0, colon + 1)) + ":" + receive;
