@@ -35,7 +35,7 @@ void Screen::PrintPiece(std::string_view& text) {
     text.remove_prefix(piece.size());
     GridRow row = mGrid.Row(mCursor.row);
     const auto length = static_cast<std::uint16_t>(piece.size());
-    if (mModes.insert && length < space) row.Insert(mCursor.column, length, Blank());
+    if (mModes.insert) row.Insert(mCursor.column, length, Blank());
     row.Put(mCursor.column, piece, mCursor.style);
     if (length < space) {
         mCursor.column = static_cast<std::uint16_t>(mCursor.column + length);

@@ -186,4 +186,18 @@ TEST(Appearance, IsKeptForItsOwnerAndTouchesNoCell) {
     EXPECT_FALSE(terminal.HasDamage());
 }
 
+TEST(Terminal, InsertedTextUpToTheEdgeEndsTheRowHoweverItIsCut) {
+    Terminal::Options options;
+    options.rows = 3;
+    options.columns = 4;
+    const std::string bytes = "abcdef\x1b[1;1H\x1b[4hWXYZ";
+    Terminal whole(options);
+    whole.Write(bytes);
+    Terminal pieces(options);
+    for (const char c : bytes)
+        pieces.Write(std::string(1, c));
+    EXPECT_EQ(whole.Row(1), pieces.Row(1));
+    EXPECT_FALSE(whole.Row(1).wrapped) << "what it went on with was pushed over the edge";
+}
+
 } // namespace
