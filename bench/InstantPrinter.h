@@ -48,6 +48,16 @@ class InstantPrinter : public qncomm::SerialControl, public qncomm::MessageLoop 
     std::string ReadLine(std::int32_t /*lTimeout*/) override { return {}; }
     bool WaitForReceive(std::int32_t /*lTimeout*/) override { return !mWaiting.empty(); }
     void Write(std::string_view sBytes) override;
+    void SetTransferKind(std::int16_t /*iKind*/) override {}
+    void SetBinaryProtocol(std::int16_t /*iProtocol*/) override {}
+    void SendFile(const std::string& /*sPath*/) override {}
+    void ReceiveFile(const std::string& /*sPath*/) override {}
+    std::int16_t TransferState() const override { return qncomm::TransferIdle; }
+    void SetTransferState(std::int16_t /*iState*/) override {}
+    std::int32_t TransferBytes() const override { return 0; }
+    std::int32_t TransferSize() const override { return 0; }
+    std::string TransferFileName() const override { return {}; }
+    void SetTransferFileName(std::string_view /*sName*/) override {}
     std::int16_t ReceiveMode() const override { return mMode; }
     void SetReceiveMode(std::int16_t iMode) override { mMode = iMode; }
     void SetReserved(std::int16_t /*iValue*/) override {}

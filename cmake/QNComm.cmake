@@ -2,6 +2,7 @@
 # a folder's library and a test program.
 
 option(QN_BENCH "Build the benchmarks" OFF)
+option(QN_QT "Build the desktop face (needs Qt 6.4)" ON)
 option(QN_FUZZ "Build the fuzz targets (needs clang)" OFF)
 
 set(CMAKE_CXX_STANDARD 20)
@@ -10,6 +11,8 @@ set(CMAKE_CXX_EXTENSIONS OFF)
 set(CMAKE_POSITION_INDEPENDENT_CODE ON)
 set(CMAKE_EXPORT_COMPILE_COMMANDS ON)
 set(CMAKE_RUNTIME_OUTPUT_DIRECTORY ${CMAKE_BINARY_DIR}/bin)
+
+include(${CMAKE_CURRENT_LIST_DIR}/Package.cmake)
 
 find_program(QN_CCACHE ccache)
 if(QN_CCACHE)
@@ -22,13 +25,26 @@ target_compile_options(qn_build_flags INTERFACE -Wall -Wextra -Wpedantic -Wconve
 # GCC 12 sees an overlap in `"literal" + std::string` that is not there.
 target_compile_options(qn_build_flags INTERFACE $<$<CXX_COMPILER_ID:GNU>:-Wno-restrict>)
 
-# qn_library(NAME SOURCES … LINKS … PRIVATE_LINKS …): the library of the folder that calls it. Its public headers stand
-# under include/FOLDER/, so a target that does not link it cannot include it.
+# qn_library(NAME SOURCES … LINKS … PRIVATE_LINKS … [HIDDEN] [COMPONENT PART]): the library of the folder that calls it.
+# Its public headers stand under include/FOLDER/, so a target that does not link it cannot include it.
+#
+# A library with public headers is part of the installed package, as qncomm::NAME without the "qn_", and known by that name
+# in the project too. HIDDEN installs the archive without its headers, for one that only other libraries use. COMPONENT
+# puts it into a part that hosts ask for by name, because it brings dependencies that not every host has.
 function(qn_library name)
-  cmake_parse_arguments(ARG "" "" "SOURCES;LINKS;PRIVATE_LINKS" ${ARGN})
+  cmake_parse_arguments(ARG "HIDDEN" "COMPONENT" "SOURCES;LINKS;PRIVATE_LINKS" ${ARGN})
   add_library(${name} STATIC ${ARG_SOURCES})
-  target_include_directories(${name} PUBLIC ${CMAKE_CURRENT_SOURCE_DIR}/include PRIVATE ${CMAKE_CURRENT_SOURCE_DIR})
+  target_compile_features(${name} PUBLIC cxx_std_20)
+  target_include_directories(${name} PUBLIC $<BUILD_INTERFACE:${CMAKE_CURRENT_SOURCE_DIR}/include>
+                                            $<INSTALL_INTERFACE:${QN_INSTALL_HEADERS}>
+                                     PRIVATE ${CMAKE_CURRENT_SOURCE_DIR})
   target_link_libraries(${name} PUBLIC ${ARG_LINKS} PRIVATE ${ARG_PRIVATE_LINKS} $<BUILD_INTERFACE:qn_build_flags>)
+  if(IS_DIRECTORY ${CMAKE_CURRENT_SOURCE_DIR}/include)
+    qn_export(${name} "${ARG_COMPONENT}")
+    if(NOT ARG_HIDDEN)
+      install(DIRECTORY include/ DESTINATION ${QN_INSTALL_HEADERS} COMPONENT development)
+    endif()
+  endif()
 endfunction()
 
 # qn_test(NAME SOURCES … LINKS … [LABELS …] [ALONE]): a GoogleTest program whose cases ctest runs one by one; ALONE keeps

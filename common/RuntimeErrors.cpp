@@ -45,7 +45,10 @@ constexpr std::array RuntimeMessages = {
     RuntimeMessage{76, "Path not found"},
     RuntimeMessage{91, "Object variable or With block variable not set"},
     RuntimeMessage{94, "Invalid use of Null"},
+    RuntimeMessage{438, "Object doesn't support this property or method"},
     RuntimeMessage{440, "Automation error"},
+    RuntimeMessage{449, "Argument not optional"},
+    RuntimeMessage{450, "Wrong number of arguments or invalid property assignment"},
     RuntimeMessage{457, "This key is already associated with an element of this collection"},
 };
 

@@ -91,16 +91,17 @@ std::string CollapseSpaces(std::string_view sText) {
 }
 
 std::string NormalizeLineEnds(std::string_view sText) {
+    const auto isEnd = [](char c) { return c == '\r' || c == '\n'; };
     std::string normalized;
     normalized.reserve(sText.size() + sText.size() / 16);
-    for (std::size_t at = 0; at < sText.size(); ++at) {
-        const auto isEnd = [&](std::size_t i) { return sText[i] == '\r' || sText[i] == '\n'; };
-        if (!isEnd(at)) {
-            normalized += sText[at];
-            continue;
-        }
+    while (!sText.empty()) {
+        const auto end = std::find_if(sText.begin(), sText.end(), isEnd);
+        const auto length = static_cast<std::size_t>(end - sText.begin());
+        normalized.append(sText, 0, length);
+        sText.remove_prefix(length);
+        if (sText.empty()) break;
         normalized += CrLf;
-        if (at + 1 < sText.size() && isEnd(at + 1)) ++at;
+        sText.remove_prefix(sText.size() > 1 && isEnd(sText[1]) ? 2 : 1);
     }
     return normalized;
 }

@@ -14,17 +14,20 @@ namespace qncomm {
 /// Link and command layer of a control that runs. Shared with every operation on the stack, so that
 /// a host may end the control from within an event. The layer goes before the link.
 struct QNComm::Members {
-    explicit Members(const ControlServices& services)
-        : dialogs(services.loop, services.forms),
+    Members(const ControlServices& services, std::shared_ptr<void> kept)
+        : keep(std::move(kept)),
+          dialogs(services.loop, services.forms),
           link(LinkHost{services.loop, services.desktop, dialogs}),
           quorin(link, services.desktop) {}
 
+    std::shared_ptr<void> keep; ///< the last to go
     Dialogs dialogs;
     clsDataLink link;
     clsQuorin quorin;
     std::vector<Subscription> relays;
-    int events = 0;     ///< how many of their events are being relayed
-    int operations = 0; ///< how many of their operations are running
+    bool released = false; ///< the control has let go of them
+    int events = 0;        ///< how many of their events are being relayed
+    int operations = 0;    ///< how many of their operations are running
 };
 
 /// An operation of the control while it runs.

@@ -1,6 +1,7 @@
 // What the control keeps in its host's property bag, and its appearance.
 
 #include "Members.h"
+#include "common/QNError.h"
 #include "common/RuntimeErrors.h"
 #include "common/Text.h"
 
@@ -44,6 +45,18 @@ float SizeOf(std::string_view text) {
     return size;
 }
 
+/// Resizes the terminal, or leaves it as it is when it cannot have that size.
+void Resize(ViewportTerminal& terminal, std::int16_t columns, std::int16_t rows) {
+    const std::int16_t former = terminal.Columns();
+    terminal.SetColumns(columns);
+    try {
+        terminal.SetRows(rows);
+    } catch (const QNError&) {
+        terminal.SetColumns(former);
+        throw;
+    }
+}
+
 } // namespace
 
 /// What a bag says, read as a whole before any of it is applied.
@@ -85,13 +98,12 @@ void QNComm::UserControl_InitProperties() {
 
 void QNComm::Apply(const PersistedProperties& properties) {
     ViewportTerminal& terminal = mParts.terminal;
+    Resize(terminal, properties.columns, properties.rows); // the only ones that may be refused
     terminal.SetBackColor(properties.backColor);
     terminal.SetForeColor(properties.foreColor);
     mEnabled = properties.enabled;
     mBackStyle = properties.backStyle;
     mBorderStyle = properties.borderStyle;
-    terminal.SetColumns(properties.columns);
-    terminal.SetRows(properties.rows);
     mCaption = properties.caption;
     lblCaption.SetCaption(mCaption);
     mToolbarVisible = properties.toolbarVisible; // the toolbar follows with the next paint

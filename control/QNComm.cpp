@@ -63,12 +63,20 @@ const std::shared_ptr<QNComm::Members>& QNComm::Wired() const {
     return mMembers;
 }
 
+clsQuorin& QNComm::Layer() const {
+    return Wired()->quorin;
+}
+
+clsDataLink& QNComm::Link() const {
+    return Wired()->link;
+}
+
 QNComm::Operation QNComm::Begin() const {
     return Operation(Wired());
 }
 
 void QNComm::Wire() {
-    mMembers = std::make_shared<Members>(mServices);
+    mMembers = std::make_shared<Members>(mServices, mParts.keep);
     Members& members = *mMembers;
     members.link.SetSerialPort(&mParts.PDQComm1);
     const auto relayStatus = [this, &members](std::string& text, std::int16_t& progress,
@@ -89,6 +97,7 @@ void QNComm::Wire() {
 void QNComm::Release() {
     const std::shared_ptr<Members> members = std::exchange(mMembers, nullptr);
     if (!members) return;
+    members->released = true;
     members->relays.clear();
     if (members->events > 0)
         KeepUntil(mServices.loop, members, [](const Members& kept) { return kept.events == 0; });
@@ -108,7 +117,7 @@ void QNComm::UserControl_Show() {
     }
     const auto members = Wired();
     members->link.SetTerminalActive(true);
-    if (mMembers == members) mParts.terminal.SetFocus();
+    if (!members->released) mParts.terminal.SetFocus(); // else there may be no control any more
 }
 
 void QNComm::UserControl_Hide() {

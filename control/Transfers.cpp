@@ -10,14 +10,19 @@ constexpr std::int32_t AssumedSize = 5120; // bytes of a file whose size is not 
 
 } // namespace
 
+void QNComm::KermitUpload(const std::string& sSource, const std::string& sDestination,
+                          bool bManual) {
+    Begin()->KermitUpload(sSource, sDestination, bManual);
+}
+
 void QNComm::KermitDownload(const std::string& sSource, const std::string& sDestination) {
     const auto members = Wired();
     const std::int32_t size = ListedSize(sSource);
-    Operation(members).Link().KermitDownload(sSource, sDestination, size != 0 ? size : AssumedSize);
+    Operation(members)->KermitDownload(sSource, sDestination, size != 0 ? size : AssumedSize);
 }
 
 void QNComm::BinaryUpload(const std::string& sSource, std::int16_t iProtocol) {
-    if (MaySend()) Begin().Link().BinaryUpload(sSource, iProtocol);
+    if (MaySend()) Begin()->BinaryUpload(sSource, iProtocol);
 }
 
 void QNComm::BinaryDownload(const std::string& sDestination, std::int16_t iProtocol) {

@@ -187,7 +187,7 @@ bool clsDataLink::WaitForOk(std::int32_t lTimeout) {
             watch.Restart();
         }
         const std::int32_t left = watch.UntilExceeds(lTimeout);
-        if (left == 0) return false;
+        if (left == 0 || !Serial().PortOpen()) return false; // a lost line says nothing more
         Serial().WaitForReceive(left);
     }
 }

@@ -77,7 +77,12 @@ void RaiseUnless(bool done, std::int32_t number, std::string_view source) {
 
 } // namespace
 
-FileTransfer::FileTransfer(clsDataLink& link, Job job) : mLink(link), mJob(std::move(job)) {}
+FileTransfer::FileTransfer(clsDataLink& link, Job job)
+    : mLink(link), mJob(std::move(job)), mMessage(OwnMessage()) {}
+
+std::string FileTransfer::OwnMessage() const {
+    return std::string(mJob.verb) + mJob.name;
+}
 
 FileTransfer::~FileTransfer() {
     if (mLink.mSerial == nullptr) return;
@@ -129,7 +134,11 @@ FileTransfer::Step FileTransfer::Follow(std::int16_t state) {
 
 void FileTransfer::Announced() {
     if (mJob.size == 0) mJob.size = Serial().TransferSize();
-    if (mJob.nameComesFromControl) mJob.name = Serial().TransferFileName();
+    if (mJob.nameComesFromControl) {
+        const bool own = mMessage == OwnMessage();
+        mJob.name = Serial().TransferFileName();
+        if (own) mMessage = OwnMessage();
+    }
     mStepPercent = mJob.size < SmallFile ? 1 : 2;
     ReportProgress();
 }
@@ -142,8 +151,7 @@ void FileTransfer::ReportProgress() {
 }
 
 void FileTransfer::Report(std::int16_t percent) {
-    if (mLink.ReportStatus(std::string(mJob.verb) + mJob.name, percent))
-        Serial().SetTransferState(TransferAborting);
+    if (mLink.ReportStatus(mMessage, percent)) Serial().SetTransferState(TransferAborting);
 }
 
 void FileTransfer::Abort() {

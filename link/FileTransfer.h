@@ -41,11 +41,13 @@ class FileTransfer {
 
     Step Follow(std::int16_t state);
     void Announced();
+    std::string OwnMessage() const;
     void ReportProgress();
     SerialControl& Serial() const { return mLink.Serial(); }
 
     clsDataLink& mLink;
     Job mJob;
+    std::string mMessage; ///< a handler of StatusEvent may change it for the rest of the transfer
     std::int32_t mStepPercent = 1;
     std::int16_t mReported = -1;
     bool mSeen = false; ///< there was activity

@@ -78,7 +78,7 @@ void clsDataLink::Delay(std::int32_t lMilliseconds) {
         Yield(left);
 }
 
-bool clsDataLink::ReportStatus(std::string message, std::int16_t progress) {
+bool clsDataLink::ReportStatus(std::string& message, std::int16_t progress) {
     const HostCall guard(*this);
     bool cancel = false;
     StatusEvent.Raise(message, progress, cancel);

@@ -29,7 +29,7 @@ void ChunkSender::SendText(std::string_view sName, std::string_view sText) const
 
 void ChunkSender::SendPieces(std::string_view name, std::uintmax_t length,
                              const NextPiece& next) const {
-    const std::string message = "Downloading " + std::string(name);
+    std::string message = "Downloading " + std::string(name);
     const double step = 100.0 / (static_cast<double>(length) / static_cast<double>(ChunkSize));
     double progress = 0;
     for (std::uintmax_t sent = 0; sent < length; sent += ChunkSize) {

@@ -14,7 +14,8 @@ namespace qncomm {
 class ChunkSender {
   public:
     using Send = std::function<void(std::string_view bytes)>;
-    using Report = std::function<void(const std::string& message, std::int16_t progress)>;
+    /// It may change the message for the rest of the sending.
+    using Report = std::function<void(std::string& message, std::int16_t progress)>;
 
     ChunkSender(Send send, Report report);
 

@@ -53,9 +53,9 @@ void clsQuorin::SetPrinterDevices(std::shared_ptr<PrinterDeviceTable> devices) {
 /// could tell its model.
 void clsQuorin::InitFileSystem() {
     if (!PrinterDevices()->IsEmpty() && !mModelMissing) return;
-    mPrinterDevices = NewTable();
-    mModelMissing = true;
     const std::string code = PrinterType();
+    Link(); // a host may have taken this object down meanwhile
+    mPrinterDevices = NewTable();
     mModelMissing = code.empty();
     const PrinterModel* model = FindModel(code);
     if (model == nullptr) RaiseError(ErrPrinterModel, "clsQuorin:InitFileSystem");

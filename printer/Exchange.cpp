@@ -58,8 +58,9 @@ clsQuorin::Reply clsQuorin::Ask(std::string_view line, std::int32_t timeout, boo
     return Read(timeout, checkErrors);
 }
 
-/// Raises StatusEvent in the middle of an exchange; True when a handler cancels.
-bool clsQuorin::Report(std::string message, std::int16_t progress) {
+/// Raises StatusEvent in the middle of an exchange; True when a handler cancels. What it makes of
+/// the message stays.
+bool clsQuorin::Report(std::string& message, std::int16_t progress) {
     const HostCall guard(Link());
     bool cancel = false;
     StatusEvent.Raise(message, progress, cancel);

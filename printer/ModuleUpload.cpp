@@ -82,8 +82,7 @@ std::shared_ptr<ModuleErrors> clsQuorin::ModuleUpload(const std::string& sSource
 }
 
 /// Types the lines into a cleared working memory; returns what the printer said.
-clsQuorin::Reply clsQuorin::TypeModule(const std::vector<std::string>& lines,
-                                       const std::string& message) {
+clsQuorin::Reply clsQuorin::TypeModule(const std::vector<std::string>& lines, std::string message) {
     NewProgram();
     BeginTyping();
     try {
@@ -103,7 +102,7 @@ clsQuorin::Reply clsQuorin::TypeModule(const std::vector<std::string>& lines,
     return reply;
 }
 
-void clsQuorin::TypeLines(const std::vector<std::string>& lines, const std::string& message) {
+void clsQuorin::TypeLines(const std::vector<std::string>& lines, std::string& message) {
     std::int16_t reported = 0;
     if (Report(message, reported)) return;
     const double step = 100.0 / static_cast<double>(lines.size());

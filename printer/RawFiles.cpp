@@ -84,7 +84,7 @@ void clsQuorin::SendFile(std::string_view command, const std::string& path,
          + std::to_string(file.Length()) + std::string(options) + "\r");
     const ChunkSender sender(
         [this](std::string_view bytes) { Send(bytes); },
-        [this](const std::string& message, std::int16_t progress) { Report(message, progress); });
+        [this](std::string& message, std::int16_t progress) { Report(message, progress); });
     sender.SendFile(file);
 }
 

@@ -77,6 +77,8 @@ void PDQComm::TraceOpened(KnownChannel& known) const {
 }
 
 void PDQComm::Close() {
+    if (mTransfer && !mTransfer->IsOver())
+        SetTransferState(TransferAborting); // the other side is not left waiting
     if (mOpen == nullptr) return;
     std::exchange(mOpen, nullptr)->Close();
     if (mTransfer) {
@@ -103,7 +105,7 @@ void PDQComm::Apply(const LineSettings& settings) {
 
 void PDQComm::Lose(const IoResult& reason) {
     mLastFailure = FailureFor(reason);
-    Trace(TraceKind::Event, mLastFailure->description);
+    Trace(TraceKind::Event, std::string(LostLineEvent) + mLastFailure->description);
     if (mTransfer) mTransfer->Break(mLastFailure->description);
     Close();
     mLossWaits = true;

@@ -103,7 +103,7 @@ void PDQComm::Write(std::string_view sBytes) {
 }
 
 std::size_t PDQComm::TypeKeys(std::string_view sKeys) {
-    if (mOpen == nullptr) return 0;
+    if (mOpen == nullptr || mTransfer) return 0;
     const auto pending = static_cast<std::size_t>(TransmitCount());
     const std::size_t space = mTransmit->Capacity() - std::min(mTransmit->Capacity(), pending);
     const std::string_view taken = sKeys.substr(0, space);

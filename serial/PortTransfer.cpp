@@ -40,6 +40,7 @@ void PDQComm::StartTransfer(bool sends, const std::string& path) {
                         .path = path,
                         .name = NameOf(path),
                         .sevenBits = mSettings.dataBits == 7,
+                        .reliable = mOpen != nullptr && mOpen->IsReliable(),
                         .preferences = mPreferences};
     mTransferStarted = false;
     mTransferReason.clear();
@@ -130,6 +131,8 @@ void PDQComm::OnTransferState(std::int16_t state) {
 
 void PDQComm::SetTransferState(std::int16_t iState) {
     if (iState != TransferAborting || !mTransfer) return;
+    // The other side hears of it now, not behind kilobytes that it will not keep.
+    if (mOpen != nullptr && mTransfer->IsRunning()) mOpen->DiscardOutput();
     if (!mTransferStarted) mTransfer->Break("cancelled");
     mTransfer->Abort(mReactor.NowUs());
     SendForTransfer(); // the other side is told even when nobody yields any more

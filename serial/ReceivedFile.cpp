@@ -69,7 +69,8 @@ transfer::OfferDecision ReceivedFile::Offer(const transfer::FileInfo& file) {
     if (!Open()) return {transfer::AnswerKind::Failed, 0, Reason()};
     const off_t have = mPreferences.resume ? ::lseek(mFile.Get(), 0, SEEK_END) : 0;
     auto offset = static_cast<std::uint64_t>(have > 0 ? have : 0);
-    if (file.size && offset > *file.size) { // what is there is of another file
+    const bool ofAnother = file.size && offset > *file.size;
+    if (offset > 0 && (ofAnother || !file.bFromAnywhere)) {
         if (::ftruncate(mFile.Get(), 0) != 0) return {transfer::AnswerKind::Failed, 0, Reason()};
         offset = 0;
     }

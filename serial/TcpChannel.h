@@ -30,6 +30,7 @@ class TcpChannel final : public FdChannel {
     void Close() override;
     IoResult Probe() override;
     IoResult Configure(const LineSettings& settings) override;
+    bool IsReliable() const override { return true; }
     std::size_t OutputPending() override { return 0; }
     void DiscardInput() override;
     void DiscardOutput() override {} // what the system took is on its way

@@ -24,6 +24,7 @@ std::unique_ptr<transfer::TransferEngine> EngineFor(const TransferOrder& order) 
     }
     transfer::KermitOptions options;
     options.bSevenBits = order.sevenBits;
+    options.bReliable = order.reliable;
     if (order.sends) return std::make_unique<transfer::KermitSender>(options);
     return std::make_unique<transfer::KermitReceiver>(options);
 }
@@ -100,6 +101,10 @@ void TransferInProgress::Abort(std::int64_t nowUs) {
 void TransferInProgress::Break(const std::string& reason) {
     mBroken = true;
     if (mReason.empty()) mReason = reason;
+}
+
+bool TransferInProgress::IsRunning() const {
+    return !mBroken && mEngine->Outcome() == transfer::Outcome::Running;
 }
 
 bool TransferInProgress::IsOver() const {

@@ -20,6 +20,7 @@ struct TransferOrder {
     std::string path;
     std::string name; ///< what a sent file is called on the other side, unless it is renamed
     bool sevenBits = false;
+    bool reliable = false; ///< the line damages nothing; the transfer may build on that
     TransferPreferences preferences;
 };
 
@@ -47,6 +48,8 @@ class TransferInProgress {
     /// The line is gone: fails without another byte.
     void Break(const std::string& reason);
 
+    /// Whether its end is still open.
+    bool IsRunning() const;
     /// True when nothing more will be asked of the line; Finish then reports how it ended.
     bool IsOver() const;
     /// Reports the end; returns the bytes that came behind it.

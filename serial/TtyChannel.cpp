@@ -74,7 +74,7 @@ void TtyChannel::DiscardInput() {
 }
 
 void TtyChannel::DiscardOutput() {
-    if (mHasLines) ::tcflush(Handle(), TCOFLUSH);
+    ::tcflush(Handle(), TCOFLUSH); // of a pseudo-terminal: what its other side has not read
 }
 
 std::optional<bool> TtyChannel::Dsr() {

@@ -45,6 +45,7 @@ VirtualPrinterChannel::~VirtualPrinterChannel() = default;
 IoResult VirtualPrinterChannel::Open(const LineSettings& settings) {
     if (mPrinter->device.LineCut()) return {IoStatus::Missing, 0, "the line is cut"};
     const std::int64_t now = mReactor.NowUs();
+    CatchUp(now);
     mPrinter->device.SetHostFormat(FormatOf(settings), now);
     mPrinter->device.HostOpened(now);
     mPrinter->device.SetHostLines(true, true, now);
@@ -56,6 +57,7 @@ IoResult VirtualPrinterChannel::Open(const LineSettings& settings) {
 void VirtualPrinterChannel::Close() {
     if (!std::exchange(mOpen, false)) return;
     const std::int64_t now = mReactor.NowUs();
+    mPrinter->device.Advance(now); // what has arrived has arrived
     mPrinter->device.DiscardFromHost(now);
     mPrinter->device.SetHostLines(false, false, now);
     mPrinter->device.HostClosed(now);
@@ -130,6 +132,17 @@ void VirtualPrinterChannel::Run() {
     // What the host does not take stays in the printer, which then waits as on a full line.
     if (mReceived.size() < InboxSize)
         mReceived += mPrinter->device.ToHost(now, InboxSize - mReceived.size());
+}
+
+/// Lets the printer live through the time in which nobody looked at it, step by step: it may have
+/// been waiting for something in vain.
+void VirtualPrinterChannel::CatchUp(std::int64_t now) {
+    constexpr int mostSteps = 10'000; // a program without an end has had its share then
+    for (int step = 0; step < mostSteps; ++step) {
+        const auto due = mPrinter->device.NextDue();
+        if (!due || *due > now) return;
+        mPrinter->device.Advance(*due);
+    }
 }
 
 void VirtualPrinterChannel::Schedule() {

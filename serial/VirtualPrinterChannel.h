@@ -29,6 +29,7 @@ class VirtualPrinterChannel final : public ByteChannel {
     IoResult SetBreak(bool bOn) override;
     IoCount Read(std::span<char> buffer) override;
     IoCount Write(std::string_view bytes) override;
+    bool IsReliable() const override { return true; }
     std::size_t OutputPending() override;
     void DiscardInput() override;
     void DiscardOutput() override;
@@ -42,6 +43,7 @@ class VirtualPrinterChannel final : public ByteChannel {
 
     /// Lets the printer work until now and takes what has reached the host.
     void Run();
+    void CatchUp(std::int64_t now);
     /// Sets the alarm to when there is something to do.
     void Schedule();
     /// Which of these is so now.

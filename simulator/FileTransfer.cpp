@@ -32,6 +32,8 @@ std::unique_ptr<TransferEngine> MakeEngine(FileTransfer::Protocol protocol, bool
     }
     qncomm::transfer::KermitOptions options;
     options.bSevenBits = sevenBits;
+    // Its line is a program's: only the host knows whether all of the way is as good, and says so.
+    options.bReliable = true;
     if (sends) return std::make_unique<qncomm::transfer::KermitSender>(options);
     return std::make_unique<qncomm::transfer::KermitReceiver>(options);
 }
@@ -86,6 +88,7 @@ std::size_t FileTransfer::TakeLineEnd(std::string_view bytes, Micros now) {
     const std::size_t count = std::min(bytes.find_first_not_of(protocolLineEnd), bytes.size());
     mLineEndTaken = count < bytes.size();
     if (mEndedAt && count != 0) mFreeAt = now + afterSuccess;
+    if (mLineEndTaken) mFreeAt = now; // the host goes on: it waits for the prompt by now
     return count;
 }
 
@@ -116,7 +119,8 @@ void FileTransfer::LookForEnd(Micros now) {
     if (!mEngine->IsOver()) return;
     if (!mEndedAt) {
         mEndedAt = now;
-        mFreeAt = now + (Succeeded() ? afterSuccess : quietAfterFailure);
+        mFreeAt = now;
+        if (!mLineEndTaken) mFreeAt += Succeeded() ? afterSuccess : quietAfterFailure;
     }
     mOver = now >= mFreeAt;
 }

@@ -63,6 +63,7 @@ class Line {
     Wire& ToHost() { return mToHost; }
     const Wire& ToHost() const { return mToHost; }
 
+    bool IsPaced() const { return mPaced; }
     bool IsCut() const { return mCut; }
 
     /// Every item that the endpoint carries is the same on both sides.

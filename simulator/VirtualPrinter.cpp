@@ -243,6 +243,10 @@ std::string VirtualPrinter::ToHost(Micros now, std::size_t max) {
     return mImpl->ToHost(now, max);
 }
 
+bool VirtualPrinter::Paced() const {
+    return mImpl->Wire().IsPaced();
+}
+
 std::size_t VirtualPrinter::PendingFromHost(Micros now) const {
     return mImpl->Wire().ToPrinter().OnTheWay(now);
 }

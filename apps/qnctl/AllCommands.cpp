@@ -8,7 +8,8 @@ CommandTable AllCommands() {
     CommandTable all;
     for (CommandTable family :
          {PortCommands(), ConnectionCommands(), LineCommands(), FileCommands(), ProgramCommands(),
-          SetupCommands(), FontCommands(), ImageCommands(), TransferCommands(), TraceCommands()})
+          SetupCommands(), FontCommands(), ImageCommands(), TransferCommands(), KeyCommands(),
+          MacroCommands(), CallCommands(), TraceCommands()})
         all.insert(all.end(), std::make_move_iterator(family.begin()),
                    std::make_move_iterator(family.end()));
     return all;

@@ -44,6 +44,9 @@ CommandTable FontCommands();
 CommandTable ImageCommands();
 CommandTable TransferCommands();
 CommandTable TraceCommands();
+CommandTable KeyCommands();
+CommandTable MacroCommands();
+CommandTable CallCommands();
 
 /// All commands in the order of the help text.
 CommandTable AllCommands();

@@ -42,6 +42,7 @@ constexpr std::array Groups{
     Group{"image", "One image: install, remove, print"},
     Group{"kermit", "Files by Kermit: send, receive"},
     Group{"binary", "Files by ZModem or Kermit with a printer that waits: send, receive"},
+    Group{"macros", "What the function keys do: list, set"},
     Group{"trace", "A file that --trace wrote: redact"},
 };
 

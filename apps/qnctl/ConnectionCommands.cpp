@@ -108,8 +108,8 @@ Outcome Connect(Session& session, const ConnectArguments& arguments) {
 }
 
 Outcome ShowIdentity(Session& session) {
-    const std::string model = qncomm::Utf8FromPrinter(session.Link().ModelText());
-    const std::string firmware = qncomm::Utf8FromPrinter(session.Link().VersionText());
+    const std::string model = qncomm::Utf8FromPrinter(session.Control().PrinterType());
+    const std::string firmware = qncomm::Utf8FromPrinter(session.Control().FirmwareVersion());
     const std::string number = session.Printer().FirmwareVersionNumber();
     const std::int16_t channel = session.Link().Stdio();
     if (session.Out().IsJson()) {
@@ -132,7 +132,7 @@ Outcome ShowIdentity(Session& session) {
 
 Outcome Reboot(Session& session) {
     session.Disconnect(); // the restart claims the port for itself
-    session.Printer().Reboot();
+    session.Control().Reboot();
     if (session.Out().IsJson())
         session.Out().Document({{"rebooted", true}});
     else

@@ -15,7 +15,7 @@ namespace qnctl {
 namespace {
 
 using qncomm::clsPrinterDevice;
-using qncomm::clsQuorin;
+using qncomm::QNComm;
 using Align = Output::Align;
 
 struct FilesArguments {
@@ -30,7 +30,7 @@ std::string Number(std::int32_t value) {
 /// The devices of the connected model. The table is filled by the first operation that names a
 /// device; naming one that no model has costs no command.
 const qncomm::PrinterDeviceTable& DeviceTable(Session& session) {
-    clsQuorin& printer = session.Printer();
+    qncomm::clsQuorin& printer = session.Printer();
     if (printer.PrinterDevices()->IsEmpty()) {
         try {
             printer.ChDir(":");
@@ -41,12 +41,25 @@ const qncomm::PrinterDeviceTable& DeviceTable(Session& session) {
     return *printer.PrinterDevices();
 }
 
+/// Lists a device into its record. The control knows the devices that hold files; of any other name
+/// the layer says itself what it thinks, as it does of a model that lists nothing.
+void List(Session& session, std::string name, bool system = false) {
+    try {
+        if (session.PrinterLists()) {
+            session.Control().Files(name, false, system);
+            return;
+        }
+    } catch (const qncomm::QNError& error) {
+        if (error.Number() != qncomm::ErrPropertyValue) throw;
+    }
+    session.Printer().Files(name, false, system);
+}
+
 /// Lists a device into its record. A device that the printer refuses to list (an empty card slot)
 /// is told by the printer's words.
 std::string ListDevice(Session& session, const clsPrinterDevice& device) {
     try {
-        std::string name = device.Name;
-        session.Printer().Files(name);
+        List(session, device.Name);
     } catch (const qncomm::QNError& error) {
         if (error.Number() < qncomm::PrinterErrorBase) throw;
         return qncomm::Utf8FromPrinter(error.Description());
@@ -54,14 +67,9 @@ std::string ListDevice(Session& session, const clsPrinterDevice& device) {
     return {};
 }
 
-/// The one model without a file listing.
-bool HasListings(Session& session) {
-    return session.Printer().PrinterType() != "R7C";
-}
-
 Outcome ShowDevices(Session& session) {
     const auto& table = DeviceTable(session);
-    const bool lists = HasListings(session);
+    const bool lists = session.PrinterLists();
     Json list = Json::array();
     std::vector<Output::Row> rows{{"DEVICE", "FILES", "USED", "FREE", ""}};
     for (const auto& device : table) {
@@ -109,11 +117,12 @@ void ShowFileTable(const Output& out, const clsPrinterDevice& device) {
 
 Outcome ListFiles(Session& session, const FilesArguments& arguments) {
     Outcome outcome;
-    auto name = ForPrinter(arguments.device, outcome);
-    if (!name) return outcome;
-    session.Printer().Files(*name, false, arguments.system);
-    if (!HasListings(session)) return Done(session); // a box has told so
-    const auto device = session.Printer().PrinterDevices()->Item(*name);
+    const auto given = ForPrinter(arguments.device, outcome);
+    if (!given) return outcome;
+    List(session, *given, arguments.system);
+    if (!session.PrinterLists()) return Done(session); // a box has told so
+    const std::string name = *given + (given->ends_with(':') ? "" : ":");
+    const auto device = session.Printer().PrinterDevices()->Item(name);
     if (session.Out().IsJson())
         session.Out().Document({{"device", device->Name},
                                 {"files", DocumentOf(*device->Files)},
@@ -143,7 +152,7 @@ Outcome Format(Session& session, const FilesArguments& arguments) {
     const auto name = ForPrinter(arguments.device, outcome);
     if (!name) return outcome;
     if (!session.Ask("Format", "Erase all files on " + arguments.device + "?")) return NotDone();
-    session.Printer().FormatPrinterDevice(*name, arguments.system);
+    session.Control().FormatDev(*name, arguments.system);
     return Done(session);
 }
 
@@ -180,19 +189,19 @@ CommandTable FileCommands() {
         {"devices", "List the printer's storage devices", Needs::Printer, {}, ShowDevices},
         FilesCommand(),
         PlainCommand("copy", "Copy a file on the printer", {{"SRC", "From"}, {"DST", "To"}},
-                     [](clsQuorin& printer, const Texts& t) { printer.CopyFile(t[0], t[1]); }),
+                     [](QNComm& control, const Texts& t) { control.CopyFile(t[0], t[1]); }),
         PlainCommand("rename", "Rename a file on the printer, also across devices",
                      {{"OLD", "Its name"}, {"NEW", "Its new name"}},
-                     [](clsQuorin& printer, const Texts& t) { printer.RenameFile(t[0], t[1]); }),
+                     [](QNComm& control, const Texts& t) { control.RenameFile(t[0], t[1]); }),
         PlainCommand("kill", "Delete a file", {{"NAME", "Such as ram:OLD.PRG"}},
-                     [](clsQuorin& printer, const Texts& t) { printer.Kill(t[0]); }),
+                     [](QNComm& control, const Texts& t) { control.KillQN(t[0]); }),
         PlainCommand("chdir", "Make a device the current one", {{"DEVICE", "Such as ram:"}},
-                     [](clsQuorin& printer, const Texts& t) { printer.ChDir(t[0]); }),
+                     [](QNComm& control, const Texts& t) { control.ChDir(t[0]); }),
         FormatCommand(),
         FormatAllCommand(),
         PlainCommand("fileload", "Send a file into the printer's storage",
                      {{"FILE", "A file of this machine", true}},
-                     [](clsQuorin& printer, const Texts& t) { printer.Fileload(t[0]); }),
+                     [](QNComm& control, const Texts& t) { control.Layer().Fileload(t[0]); }),
     };
 }
 

@@ -11,7 +11,7 @@
 namespace qnctl {
 namespace {
 
-using qncomm::clsQuorin;
+using qncomm::QNComm;
 
 struct FontFileArguments {
     std::string file;
@@ -29,12 +29,17 @@ struct FontSampleArguments {
     bool inverse = false;
 };
 
+std::shared_ptr<qncomm::PrinterFiles> Fonts(Session& session, bool filter) {
+    if (session.PrinterLists()) return session.Control().Fonts(false, filter);
+    session.Printer().Fonts(filter); // the control would ask, and tell the person, twice
+    return session.Printer().PrinterDevices()->Item("fonts:")->Files;
+}
+
 Outcome ListFonts(Session& session, bool filter) {
-    session.Printer().Fonts(filter);
-    const auto device = session.Printer().PrinterDevices()->Item("fonts:");
+    const auto fonts = Fonts(session, filter);
     Json list = Json::array();
     const bool json = session.Out().IsJson();
-    for (const auto& font : *device->Files) {
+    for (const auto& font : *fonts) {
         const std::string name = qncomm::Utf8FromPrinter(font->Name);
         if (json)
             list.push_back(name);
@@ -49,11 +54,13 @@ Outcome PrintFont(Session& session, const FontSampleArguments& arguments) {
     Outcome outcome;
     const auto name = ForPrinter(arguments.name, outcome);
     if (!name) return outcome;
-    auto text = ForPrinter(arguments.text, outcome);
+    const auto text = ForPrinter(arguments.text, outcome);
     if (!text) return outcome;
-    FontSampleArguments used = arguments; // what is left out comes back as what was taken
-    session.Printer().PrintFont(*text, *name, used.size, used.slant, used.width, used.direction,
-                                used.upper, used.inverse);
+    qncomm::PrintFontArgs sample{*text,           *name,
+                                 arguments.size,  arguments.slant,
+                                 arguments.width, arguments.direction,
+                                 arguments.upper, arguments.inverse};
+    session.Control().PrintFont(sample);
     return Done(session);
 }
 
@@ -74,7 +81,7 @@ Command InstallFontCommand() {
                 app.add_flag("--permanent", arguments->permanent, "Keep it through a restart");
             },
             [arguments](Session& session) {
-                session.Printer().InstallFont(arguments->file, arguments->permanent);
+                session.Control().InstallFont(arguments->file, arguments->permanent);
                 return Done(session);
             }};
 }
@@ -103,7 +110,7 @@ CommandTable FontCommands() {
         FontsCommand(),
         InstallFontCommand(),
         PlainCommand("font remove", "Remove a font from the printer", {{"NAME", "The font"}},
-                     [](clsQuorin& printer, const Texts& t) { printer.RemoveFont(t[0]); }),
+                     [](QNComm& control, const Texts& t) { control.Layer().RemoveFont(t[0]); }),
         PrintFontCommand(),
     };
 }

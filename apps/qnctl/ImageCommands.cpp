@@ -11,7 +11,7 @@
 namespace qnctl {
 namespace {
 
-using qncomm::clsQuorin;
+using qncomm::QNComm;
 
 struct ImageFileArguments {
     std::string file;
@@ -26,12 +26,17 @@ struct ImagePlaceArguments {
     bool reload = false;
 };
 
+std::shared_ptr<qncomm::PrinterFiles> Images(Session& session) {
+    if (session.PrinterLists()) return session.Control().Images();
+    session.Printer().Images(); // the control would ask, and tell the person, twice
+    return session.Printer().PrinterDevices()->Item("images:")->Files;
+}
+
 Outcome ListImages(Session& session) {
-    session.Printer().Images();
-    const auto device = session.Printer().PrinterDevices()->Item("images:");
+    const auto images = Images(session);
     Json list = Json::array();
     std::vector<Output::Row> rows;
-    for (const auto& image : *device->Files) {
+    for (const auto& image : *images) {
         const std::string name = qncomm::Utf8FromPrinter(image->Name);
         list.push_back({{"name", name}, {"size", image->Size}});
         rows.push_back({name, std::to_string(image->Size)});
@@ -51,7 +56,7 @@ Command InstallImageCommand() {
                 app.add_flag("--permanent", arguments->permanent, "Keep it through a restart");
             },
             [arguments](Session& session) {
-                session.Printer().InstallImage(arguments->file, arguments->permanent);
+                session.Control().InstallImage(arguments->file, arguments->permanent);
                 return Done(session);
             }};
 }
@@ -70,7 +75,7 @@ Command PrintImageCommand() {
             },
             [arguments](Session& session) {
                 const ImagePlaceArguments& a = *arguments;
-                session.Printer().PrintImage(a.file, a.x, a.y, a.inverse, a.reload);
+                session.Control().PrintImage(a.file, a.x, a.y, a.inverse, a.reload);
                 return Done(session);
             }};
 }
@@ -82,7 +87,7 @@ CommandTable ImageCommands() {
         {"images", "List the printer's images", Needs::Printer, {}, ListImages},
         InstallImageCommand(),
         PlainCommand("image remove", "Remove an image from the printer", {{"NAME", "The image"}},
-                     [](clsQuorin& printer, const Texts& t) { printer.RemoveImage(t[0]); }),
+                     [](QNComm& control, const Texts& t) { control.RemoveImage(t[0]); }),
         PrintImageCommand(),
     };
 }

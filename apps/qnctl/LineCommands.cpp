@@ -1,6 +1,8 @@
 #include "Command.h"
 #include "Session.h"
+#include "ShownTerminal.h"
 
+#include "common/HostPath.h"
 #include "common/QNError.h"
 #include "console/Charset.h"
 #include "console/ConsoleTerminal.h"
@@ -43,25 +45,6 @@ Outcome Send(Session& session, const SendArguments& arguments) {
     return {};
 }
 
-/// The terminal's claim of the port, given back however the session ends.
-class ShownTerminal {
-  public:
-    ShownTerminal(qncomm::clsDataLink& link, qncomm::PDQComm& serial)
-        : mLink(link), mSerial(serial) {
-        mLink.SetTerminalActive(true);
-    }
-    ~ShownTerminal() {
-        mSerial.SetTerminalSink({});
-        mLink.SetTerminalActive(false);
-    }
-    ShownTerminal(const ShownTerminal&) = delete;
-    ShownTerminal& operator=(const ShownTerminal&) = delete;
-
-  private:
-    qncomm::clsDataLink& mLink;
-    qncomm::PDQComm& mSerial;
-};
-
 void Greet(Session& session) {
     if (!session.Options().quiet)
         std::cerr << "Connected to " << session.PortName() << ". Ctrl-] ends.\r\n" << std::flush;
@@ -78,12 +61,13 @@ qncomm::ConsoleTerminal::Wiring WiringOf(Session& session) {
             [&session] { Greet(session); }};
 }
 
-Outcome RunTerminal(Session& session) {
+Outcome RunTerminal(Session& session, const std::string& capture) {
     qncomm::PDQComm& serial = session.Serial();
+    if (!capture.empty())
+        session.Control().SetCaptureToFile(qncomm::PathIn(qncomm::CurrentFolder(), capture));
     session.Status().Clear();
     qncomm::ConsoleTerminal terminal(session.Loop(), WiringOf(session));
-    serial.SetTerminalSink([&](std::string_view text) { terminal.Show(text); });
-    const ShownTerminal shown(session.Link(), serial);
+    const ShownTerminal shown(session, [&](std::string_view text) { terminal.Show(text); });
     session.Disconnect(); // the terminal's own claim keeps the port open
     const bool done = terminal.Run();
     if (::isatty(STDIN_FILENO) == 1) std::cerr << std::endl; // the prompt gets a line of its own
@@ -107,16 +91,23 @@ Command SendCommand() {
             [arguments](Session& session) { return Send(session, *arguments); }};
 }
 
+Command TerminalCommand() {
+    const auto capture = std::make_shared<std::string>();
+    return {"terminal",
+            "Talk to the printer; Ctrl-] ends. Without a terminal, send the lines of the input",
+            Needs::Printer,
+            [capture](CLI::App& app) {
+                app.add_option("--capture", *capture,
+                               "Append what the terminal shows, byte for byte")
+                    ->type_name("FILE");
+            },
+            [capture](Session& session) { return RunTerminal(session, *capture); }};
+}
+
 } // namespace
 
 CommandTable LineCommands() {
-    return {SendCommand(),
-            {"terminal",
-             "Talk to the printer; Ctrl-] ends. Without a terminal, send the lines of "
-             "the input",
-             Needs::Printer,
-             {},
-             RunTerminal}};
+    return {SendCommand(), TerminalCommand()};
 }
 
 } // namespace qnctl

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "common/QNError.h"
+
 #include <cstdint>
 #include <string>
 #include <utility>
@@ -22,12 +24,21 @@ struct Outcome {
     std::int32_t number = 0; ///< 0 when it is none of the system's errors
     std::string source;
     std::string message;
+    std::string place = {}; ///< "FILE:LINE" of a batch; empty elsewhere
 
     bool Ok() const { return status == ExitStatus::Done; }
 };
 
 inline Outcome Refused(ExitStatus status, std::string message) {
-    return {status, 0, "qnctl", std::move(message)};
+    return {status, 0, "qnctl", std::move(message), {}};
+}
+
+/// An error of the system as the program tells it.
+inline Outcome OutcomeOf(const qncomm::QNError& error) {
+    constexpr std::int32_t firstOfPort = 8000; // below are files, such as a capture's
+    const bool port = error.Source() == "PDQComm" && error.Number() >= firstOfPort;
+    return {port ? ExitStatus::PortUnavailable : ExitStatus::Error, error.Number(), error.Source(),
+            error.Description()};
 }
 
 inline Outcome Cancelled() {

@@ -50,15 +50,19 @@ void Output::Table(const std::vector<Align>& columns, const std::vector<Row>& ro
 void Output::Failure(const Outcome& outcome) const {
     const std::string message = qncomm::DisplayText(outcome.message);
     if (mJson) {
-        const Json error{
+        Json error{
             {"number", outcome.number}, {"source", outcome.source}, {"description", message}};
+        if (!outcome.place.empty()) error["place"] = outcome.place;
         std::cerr << TextOf(Json{{"error", error}}) << std::endl;
-    } else if (outcome.status == ExitStatus::Error && outcome.number != 0) {
-        std::cerr << "qnctl: error " << outcome.number << ": " << qncomm::WithoutControls(message)
-                  << " [" << outcome.source << "]" << std::endl;
+        return;
+    }
+    std::cerr << "qnctl: " << (outcome.place.empty() ? "" : outcome.place + ": ");
+    if (outcome.status == ExitStatus::Error && outcome.number != 0) {
+        std::cerr << "error " << outcome.number << ": " << qncomm::WithoutControls(message) << " ["
+                  << outcome.source << "]" << std::endl;
     } else {
         // Made here, and may have several lines.
-        std::cerr << "qnctl: " << message << std::endl;
+        std::cerr << message << std::endl;
     }
 }
 

@@ -12,7 +12,7 @@
 namespace qnctl {
 namespace {
 
-using Work = std::function<void(qncomm::clsQuorin&, const Texts&)>;
+using Work = std::function<void(qncomm::QNComm&, const Texts&)>;
 
 Outcome RunPlain(Session& session, const std::vector<TextArgument>& arguments, const Texts& given,
                  const Work& work) {
@@ -23,7 +23,7 @@ Outcome RunPlain(Session& session, const std::vector<TextArgument>& arguments, c
         if (!value) return outcome;
         values.push_back(*value);
     }
-    work(session.Printer(), values);
+    work(session.Control(), values);
     return Done(session);
 }
 

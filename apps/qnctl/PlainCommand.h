@@ -2,6 +2,7 @@
 
 #include "Command.h"
 
+#include "control/QNComm.h"
 #include "printer/clsQuorin.h"
 
 #include <functional>
@@ -22,10 +23,10 @@ struct TextArgument {
 /// in its bytes.
 using Texts = std::vector<std::string>;
 
-/// A command whose arguments are texts, whose work is one call of the printer layer, and which says
+/// A command whose arguments are texts, whose work is one call of the control, and which says
 /// nothing when it is done (as JSON: {"done":true}).
 Command PlainCommand(std::string name, std::string help, const std::vector<TextArgument>& arguments,
-                     std::function<void(qncomm::clsQuorin&, const Texts&)> work);
+                     std::function<void(qncomm::QNComm&, const Texts&)> work);
 
 /// A text of the command line in the printer's bytes; nothing, with the outcome set, when a
 /// character has none.

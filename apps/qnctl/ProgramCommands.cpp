@@ -16,7 +16,7 @@
 namespace qnctl {
 namespace {
 
-using qncomm::clsQuorin;
+using qncomm::QNComm;
 
 struct UploadArguments {
     std::string file;
@@ -29,7 +29,7 @@ struct LinkArguments {
 };
 
 Outcome Check(Session& session) {
-    const bool runs = session.Printer().IsProgramRunable();
+    const bool runs = session.Control().IsProgramRunable();
     if (session.Out().IsJson())
         session.Out().Document({{"runnable", runs}});
     else if (runs)
@@ -38,7 +38,7 @@ Outcome Check(Session& session) {
 }
 
 Outcome ShowFreeMemory(Session& session) {
-    const std::int32_t bytes = session.Printer().Fre();
+    const std::int32_t bytes = session.Control().Fre();
     if (session.Out().IsJson())
         session.Out().Document({{"bytesFree", bytes}});
     else
@@ -81,10 +81,10 @@ std::string ModuleText(const std::string& path) {
 
 Outcome UploadModule(Session& session, const UploadArguments& arguments) {
     Outcome outcome;
-    auto target = ForPrinter(arguments.target, outcome);
+    const auto target = ForPrinter(arguments.target, outcome);
     if (!target) return outcome;
-    std::string text = ModuleText(arguments.file);
-    const auto errors = session.Printer().ModuleUpload(arguments.file, *target, text);
+    qncomm::ModuleUploadArgs module{arguments.file, *target, ModuleText(arguments.file)};
+    const auto errors = session.Control().ModuleUpload(module);
     Json list = Json::array();
     const bool json = session.Out().IsJson();
     for (const auto& error : *errors) {
@@ -93,7 +93,7 @@ Outcome UploadModule(Session& session, const UploadArguments& arguments) {
         else
             ShowModuleError(*error);
     }
-    const std::string savedAs = qncomm::Utf8FromPrinter(*target);
+    const std::string savedAs = qncomm::Utf8FromPrinter(module.sTargetPath);
     if (json) session.Out().Document({{"target", savedAs}, {"errors", list}});
     if (errors->IsEmpty()) return {};
     const std::size_t count = errors->Count();
@@ -109,7 +109,7 @@ Outcome LinkProgram(Session& session, const LinkArguments& arguments) {
         if (!module) return outcome;
         modules.Add(std::move(*module));
     }
-    if (!session.Printer().ProgramLink(modules, ReadHostFile(arguments.header)))
+    if (!session.Control().ProgramLink(modules, ReadHostFile(arguments.header)))
         return Refused(ExitStatus::Error, "The program was not linked.");
     return Done(session);
 }
@@ -143,16 +143,16 @@ Command LinkCommand() {
 CommandTable ProgramCommands() {
     return {
         PlainCommand("program new", "Clear the printer's program", {},
-                     [](clsQuorin& printer, const Texts&) { printer.NewProgram(); }),
+                     [](QNComm& control, const Texts&) { control.NewProgram(); }),
         PlainCommand("program run", "Start the printer's program", {},
-                     [](clsQuorin& printer, const Texts&) { printer.RunProgram(); }),
+                     [](QNComm& control, const Texts&) { control.RunProgram(); }),
         {"program check", "Tell whether the program can be run", Needs::Printer, {}, Check},
         PlainCommand("program save", "Save the program on the printer",
                      {{"NAME", "Such as ram:LABEL.PRG"}},
-                     [](clsQuorin& printer, const Texts& t) { printer.SaveProgram(t[0]); }),
+                     [](QNComm& control, const Texts& t) { control.Layer().SaveProgram(t[0]); }),
         PlainCommand("program list", "Write the program's listing to a file",
                      {{"HOSTFILE", "A file of this machine", true}},
-                     [](clsQuorin& printer, const Texts& t) { printer.UploadQNProgram(t[0]); }),
+                     [](QNComm& control, const Texts& t) { control.UploadQNProgram(t[0]); }),
         {"fre", "Show the free bytes of working memory", Needs::Printer, {}, ShowFreeMemory},
         UploadCommand(),
         LinkCommand(),

@@ -1,10 +1,10 @@
 #include "Session.h"
 
-#include "SessionSettings.h"
-
+#include "assembly/NamedPortSettings.h"
 #include "common/QNError.h"
 
 #include <iostream>
+#include <utility>
 
 #include <sys/ioctl.h>
 #include <unistd.h>
@@ -36,11 +36,12 @@ std::shared_ptr<qncomm::FileSettings> StoreFor(const GlobalOptions& options) {
 Session::Session(const GlobalOptions& options, const Output& output)
     : mOptions(options),
       mOutput(output),
-      mInput(mLoop, STDIN_FILENO),
-      mStatus(std::cerr, StyleFor(options), TerminalWidth()),
-      mDesktop(std::cerr, mStatus, mInput, options.Answer(),
-               [this](std::string_view line) { Note(line); }),
-      mDialogs(std::cerr, mStatus, mLoop),
+      mDesk(mLoop, std::cerr,
+            {.input = STDIN_FILENO,
+             .answer = options.Answer(),
+             .style = StyleFor(options),
+             .width = TerminalWidth(),
+             .log = [this](std::string_view line) { Note(line); }}),
       mStore(StoreFor(options)) {}
 
 Session::~Session() {
@@ -79,33 +80,30 @@ Outcome Session::PassLabelsOn() {
 }
 
 void Session::Wire() {
-    mSerial = std::make_unique<qncomm::PDQComm>(mLoop, mBindings, mTrace.get());
-    mLink = std::make_unique<qncomm::clsDataLink>(qncomm::LinkHost{mLoop, mDesktop, mDialogs});
-    mPrinter = std::make_unique<qncomm::clsQuorin>(*mLink, mDesktop);
-    mLinkStatus =
-        mLink->StatusEvent.Connect([this](const std::string& message, std::int16_t progress,
-                                          bool& cancel) { OnStatus(message, progress, cancel); });
-    mPrinterStatus = mPrinter->StatusEvent.Connect(
+    qncomm::ControlAssembly::Options options;
+    options.bindings = mBindings;
+    options.trace = mTrace.get();
+    mAssembly = std::make_unique<qncomm::ControlAssembly>(mLoop, mDesk.Services(), mDesk.Glass(),
+                                                          std::move(options));
+    mDesk.Host().Hold(&Control());
+    mStatusEvent = Control().StatusEvent.Connect(
         [this](const std::string& message, std::int16_t progress, bool& cancel) {
             OnStatus(message, progress, cancel);
         });
-    mLink->SetSerialPort(mSerial.get());
+    Control().UserControl_ReadProperties(qncomm::MemoryPropertyBag());
     if (mPort.stored)
-        mLink->SetRegSettings(mStore);
+        Control().SetRegSettings(mStore);
     else
-        mLink->SetRegSettings(
-            std::make_shared<SessionSettings>(mStore, mPort.number, mPort.address));
+        Control().SetRegSettings(
+            std::make_shared<qncomm::NamedPortSettings>(mStore, mPort.number, mPort.address));
 }
 
 void Session::Unwire() {
     mClaim.reset();
-    mPrinterStatus = {};
-    mLinkStatus = {};
-    if (mPrinter) mPrinter->TearDown();
-    if (mLink) mLink->TearDown();
-    mPrinter.reset();
-    mLink.reset();
-    mSerial.reset();
+    mTransfer.reset();
+    mStatusEvent = {};
+    mDesk.Host().Hold(nullptr);
+    mAssembly.reset();
     mNote.clear();
 }
 
@@ -120,11 +118,11 @@ void Session::Remember() {
     // The link's own names for what it saves; its settings object keeps them for this run alone.
     mStore->WriteValues({{"Ports", "COM" + text, mPort.address},
                          {"Settings", "Commport", text},
-                         {"Settings", "Baudrate", mLink->Baudrate()},
-                         {"Settings", "Parity", mLink->Parity()},
-                         {"Settings", "Databits", mLink->Databits()},
-                         {"Settings", "Stopbits", mLink->Stopbits()},
-                         {"Settings", "FlowControl", mLink->Flowcontrol()}});
+                         {"Settings", "Baudrate", Link().Baudrate()},
+                         {"Settings", "Parity", Link().Parity()},
+                         {"Settings", "Databits", Link().Databits()},
+                         {"Settings", "Stopbits", Link().Stopbits()},
+                         {"Settings", "FlowControl", Link().Flowcontrol()}});
 }
 
 bool Session::PortIsLent() const {
@@ -139,9 +137,9 @@ std::string Session::PortName() const {
 
 Outcome Session::Connect() {
     // Opened here first: a port that cannot be opened says why, and nothing is searched on it.
-    mSerial->SetPortOpen(true);
-    mClaim.emplace(mLink->AcquirePort());
-    mStatus.Clear();
+    Serial().SetPortOpen(true);
+    mClaim.emplace(Link().AcquirePort());
+    Status().Clear();
     return *mClaim ? Outcome{} : NotFound();
 }
 
@@ -152,7 +150,7 @@ void Session::Disconnect() {
 
 Outcome Session::NotFound() {
     if (Interrupted()) return Cancelled();
-    if (const auto& failure = mSerial->LastFailure())
+    if (const auto& failure = Serial().LastFailure())
         return {ExitStatus::PortUnavailable, failure->number, "PDQComm", failure->description};
     std::string message = "No printer answered on " + PortName() + ".";
     if (!mNote.empty()) message += " " + mNote;
@@ -162,16 +160,35 @@ Outcome Session::NotFound() {
 bool Session::Ask(const std::string& title, const std::string& question) {
     const qncomm::MsgBox box{question, qncomm::MsgBoxButtons::YesNo, qncomm::MsgBoxIcon::Question,
                              title};
-    return mDesktop.ShowMsgBox(box) == qncomm::MsgBoxResult::Yes;
+    return mDesk.Boxes().ShowMsgBox(box) == qncomm::MsgBoxResult::Yes;
+}
+
+qncomm::TransferProgress& Session::FollowTransfer(qncomm::TransferProgress::Report report) {
+    return mTransfer.emplace(
+        mLoop, Status(),
+        [this] {
+            return qncomm::TransferProgress::Moved{Serial().TransferBytes(),
+                                                   Serial().TransferSize()};
+        },
+        std::move(report));
 }
 
 void Session::ShowEveryStatus() {
-    if (!mOptions.quiet && ::isatty(STDERR_FILENO) == 0) mStatus.SetStyle(StatusLine::Style::Lines);
+    if (!mOptions.quiet && ::isatty(STDERR_FILENO) == 0)
+        Status().SetStyle(StatusLine::Style::Lines);
 }
 
 void Session::OnStatus(const std::string& message, std::int16_t progress, bool& cancel) {
-    mStatus.Show(message, progress);
+    if (mTransfer)
+        mTransfer->Show(message, progress);
+    else
+        Status().Show(message, progress);
     if (mInterrupt.Raised()) cancel = true;
+}
+
+bool Session::TakePortRefusal() {
+    // Other lines of the log are for the trace alone.
+    return std::exchange(mNote, {}) == "port not available";
 }
 
 void Session::Note(std::string_view line) {

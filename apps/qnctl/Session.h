@@ -5,11 +5,11 @@
 #include "Output.h"
 #include "PortChoice.h"
 
+#include "assembly/ControlAssembly.h"
 #include "common/Event.h"
-#include "console/ConsoleDesktop.h"
-#include "console/ConsoleDialogs.h"
-#include "console/LineReader.h"
-#include "console/StatusLine.h"
+#include "console/ConsoleDesk.h"
+#include "console/TransferProgress.h"
+#include "control/QNComm.h"
 #include "link/clsDataLink.h"
 #include "platform/FileSettings.h"
 #include "platform/Interrupt.h"
@@ -25,8 +25,8 @@
 
 namespace qnctl {
 
-/// One run of the program: the loop, the settings, the port, the link and the printer layer, wired
-/// together and taken apart again in the right order, whatever ends the run.
+/// One run of the program: the loop, the settings, the port and a control on it like any other
+/// host's, put together and taken apart again in the right order, whatever ends the run.
 class Session {
   public:
     Session(const GlobalOptions& options, const Output& output);
@@ -37,26 +37,33 @@ class Session {
     const GlobalOptions& Options() const { return mOptions; }
     /// Where results go; a progress line is taken away first.
     const Output& Out() {
-        mStatus.Clear();
+        Status().Clear();
         return mOutput;
     }
     qncomm::PollLoop& Loop() { return mLoop; }
-    qncomm::StatusLine& Status() { return mStatus; }
+    qncomm::ConsoleDesk& Desk() { return mDesk; }
+    qncomm::StatusLine& Status() { return mDesk.Status(); }
     qncomm::FileSettings& Store() { return *mStore; }
 
     /// Binds the port numbers; every command's first step. Warns about bindings that do not parse.
     void Prepare();
     qncomm::PortBindings& Bindings() { return mBindings; }
 
-    /// Chooses the port (sNamed, or the configured one when it is empty) and makes the objects that
-    /// the members below give out; those of a port that was chosen before go away.
+    /// Chooses the port (sNamed, or the configured one when it is empty) and makes the control on
+    /// it; that of a port that was chosen before goes away.
     Outcome ChooseThePort(const std::string& sNamed);
     /// Makes the chosen port the configured one, with the settings that were found.
     void Remember();
     const PortChoice& Port() const { return mPort; }
-    qncomm::PDQComm& Serial() { return *mSerial; }
-    qncomm::clsDataLink& Link() { return *mLink; }
-    qncomm::clsQuorin& Printer() { return *mPrinter; }
+    qncomm::QNComm& Control() { return mAssembly->Control(); }
+    qncomm::ControlAssembly& Assembly() { return *mAssembly; }
+    /// What lies beneath the control, for what it does not offer.
+    qncomm::PDQComm& Serial() { return mAssembly->Serial(); }
+    qncomm::clsDataLink& Link() { return Control().Link(); }
+    qncomm::clsQuorin& Printer() { return Control().Layer(); }
+    /// Whether the printer can list its storage; the one model that cannot says so in a box each
+    /// time that it is asked to.
+    bool PrinterLists() { return Control().PrinterType() != "R7C"; }
     /// Whether the port's number was only made up for this run.
     bool PortIsLent() const;
     /// "COM3 (/dev/ttyUSB0)", or the address alone of a port without a number of its own.
@@ -66,17 +73,23 @@ class Session {
     /// session's end.
     Outcome Connect();
     void Disconnect();
+    /// Whether the port is claimed for this run. Raises 91 after the control's TearDown.
+    bool Connected() { return mClaim && *mClaim && Link().UseCount() > 0; }
     /// How a search that found nothing is told: cancelled, no printer, or the port's own failure.
     Outcome NotFound();
 
     /// Asks the person; True for yes.
     bool Ask(const std::string& title, const std::string& question);
 
-    /// Why an operation was quietly refused, empty when none was.
-    const std::string& RefusalNote() const { return mNote; }
+    /// Whether an operation was quietly refused for want of the port since the last call.
+    bool TakePortRefusal();
 
     /// Whether Ctrl-C was pressed.
     bool Interrupted() { return mInterrupt.Raised(); }
+
+    /// From here on, until another port is chosen, progress is that of a transfer: the status line
+    /// shows rate and time left, and the readings go to report, which may be empty.
+    qncomm::TransferProgress& FollowTransfer(qncomm::TransferProgress::Report report);
 
     /// Shows each progress message on a line of its own where there is no terminal.
     void ShowEveryStatus();
@@ -92,19 +105,14 @@ class Session {
     const Output& mOutput;
     qncomm::Interrupt mInterrupt;
     qncomm::PollLoop mLoop{&mInterrupt};
-    qncomm::LineReader mInput;
-    qncomm::StatusLine mStatus;
-    qncomm::ConsoleDesktop mDesktop;
-    qncomm::ConsoleDialogs mDialogs;
+    qncomm::ConsoleDesk mDesk;
     std::shared_ptr<qncomm::FileSettings> mStore;
     qncomm::PortBindings mBindings;
     PortChoice mPort;
     std::unique_ptr<qncomm::JsonLinesTrace> mTrace;
-    std::unique_ptr<qncomm::PDQComm> mSerial;
-    std::unique_ptr<qncomm::clsDataLink> mLink;
-    std::unique_ptr<qncomm::clsQuorin> mPrinter;
-    qncomm::Subscription mLinkStatus;
-    qncomm::Subscription mPrinterStatus;
+    std::unique_ptr<qncomm::ControlAssembly> mAssembly;
+    std::optional<qncomm::TransferProgress> mTransfer;
+    qncomm::Subscription mStatusEvent;
     std::optional<qncomm::PortClaim> mClaim;
     std::string mNote; ///< why something was quietly refused
 };

@@ -7,13 +7,13 @@
 namespace qnctl {
 namespace {
 
-using qncomm::clsQuorin;
+using qncomm::QNComm;
 
 Outcome ListSetup(Session& session) {
-    session.Printer().GetSetup();
     Json document = Json::object();
     std::vector<Output::Row> rows;
-    for (const auto& item : *session.Printer().PrinterSetupItems()) {
+    const auto setup = session.Control().Setup();
+    for (const auto& item : *setup) {
         const std::string key = qncomm::Utf8FromPrinter(item->Key);
         const std::string value = qncomm::Utf8FromPrinter(item->Value);
         document[key] = value;
@@ -35,13 +35,13 @@ CommandTable SetupCommands() {
             "setup set", "Change one item of the setup",
             {{"KEY", "As in the list, such as \"PRINT DEFS,DARKNESS\""},
              {"VALUE", "Its new value"}},
-            [](clsQuorin& printer, const Texts& t) { printer.ChangePrinterSetupItem(t[0], t[1]); }),
+            [](QNComm& control, const Texts& t) { control.ChangePrinterSetupItem(t[0], t[1]); }),
         PlainCommand("setup write", "Write the setup to a file on the printer",
                      {{"NAME", "Such as ram:MINE.SET"}},
-                     [](clsQuorin& printer, const Texts& t) { printer.SetupWriteFile(t[0]); }),
+                     [](QNComm& control, const Texts& t) { control.SetupWriteFile(t[0]); }),
         PlainCommand("setup load", "Read the setup from a file on the printer",
                      {{"NAME", "Such as ram:MINE.SET"}},
-                     [](clsQuorin& printer, const Texts& t) { printer.SetupLoadFile(t[0]); }),
+                     [](QNComm& control, const Texts& t) { control.SetupLoadFile(t[0]); }),
     };
 }
 

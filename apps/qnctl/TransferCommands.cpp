@@ -1,13 +1,18 @@
 #include "Command.h"
 #include "PlainCommand.h"
 #include "Session.h"
+#include "TransferLines.h"
 
 #include "common/QNError.h"
+#include "common/StopWatch.h"
 
 #include <CLI/CLI.hpp>
 
+#include <cstdint>
 #include <functional>
 #include <memory>
+#include <string>
+#include <string_view>
 
 namespace qnctl {
 namespace {
@@ -29,12 +34,41 @@ std::int16_t ProtocolOf(const TransferArguments& arguments) {
     return arguments.protocol == "kermit" ? BinaryKermit : BinaryZModem;
 }
 
+/// Cancels the transfer as soon as Ctrl-C is pressed, not with its next whole percent: what tells
+/// the printer is to leave the line before the port is closed.
+std::unique_ptr<qncomm::RunningTimer> CancelWithTheProgram(Session& session) {
+    constexpr std::int32_t lookMs = 50;
+    return session.Loop().StartTimer(lookMs, [&session] {
+        if (session.Interrupted()) session.Serial().SetTransferState(qncomm::TransferAborting);
+    });
+}
+
+/// Waits until a printer that was told of the cancel is back at its prompt, so that the next
+/// command finds it there. Not for long: the person has asked for the end.
+void AwaitPrompt(Session& session) {
+    constexpr std::int32_t mostMs = 400;
+    constexpr std::string_view prompt = "Ok\r\n";
+    const qncomm::StopWatch watch(session.Loop());
+    std::string text = session.Serial().Read();
+    while (text.find(prompt) == std::string::npos) {
+        const std::int32_t left = watch.UntilExceeds(mostMs);
+        if (left == 0 || !session.Serial().PortOpen()) return;
+        session.Serial().WaitForReceive(left);
+        text += session.Serial().Read();
+    }
+}
+
 /// Runs the transfer and tells, when it failed, why the line's side thinks so.
 Outcome Carry(Session& session, const TransferArguments& arguments,
               const std::function<void()>& transfer) {
     session.Serial().SetTransferPreferences({.resume = arguments.resume});
+    qncomm::TransferProgress& progress = session.FollowTransfer(ProgressLines(session));
+    const auto cancel = CancelWithTheProgram(session);
     try {
         transfer();
+    } catch (const qncomm::OperationCancelled&) {
+        AwaitPrompt(session);
+        throw;
     } catch (const qncomm::QNError& error) {
         if (session.Interrupted()) return Cancelled();
         const std::string& reason = session.Serial().TransferReason();
@@ -42,7 +76,8 @@ Outcome Carry(Session& session, const TransferArguments& arguments,
         return {ExitStatus::Error, error.Number(), error.Source(),
                 error.Description() + " (" + reason + ")"};
     }
-    return Done(session);
+    if (session.Out().IsJson()) session.Out().Document(ResultLine(progress));
+    return {};
 }
 
 /// The port open as for a shown terminal, with nothing sent.
@@ -76,12 +111,30 @@ Outcome SendKermit(Session& session, const TransferArguments& arguments) {
                  [&] { session.Printer().KermitUpload(arguments.hostFile, *name); });
 }
 
+/// Looks for the file where the printer can say what it holds: a printer that has nothing to send
+/// would be waited for until the protocol's patience is over. Sets the size of a file that is
+/// there.
+Outcome FindPrintersFile(Session& session, const std::string& name, std::int32_t& size) {
+    const std::size_t device = name.find(':') + 1;
+    if (device == 0 || !session.PrinterLists()) return {};
+    std::string listed = name.substr(0, device);
+    session.Printer().Files(listed, false, true);
+    const auto files = session.Printer().PrinterDevices()->Item(listed)->Files;
+    const std::string file = name.substr(device);
+    if (!files->Contains(file))
+        return Refused(ExitStatus::Error, "There is no file " + file + " on " + listed);
+    size = files->Item(file)->Size;
+    return {};
+}
+
 Outcome ReceiveKermit(Session& session, const TransferArguments& arguments) {
     Outcome outcome;
     const auto name = ForPrinter(arguments.printerName, outcome);
     if (!name) return outcome;
+    std::int32_t size = 0;
+    if (Outcome there = FindPrintersFile(session, *name, size); !there.Ok()) return there;
     return Carry(session, arguments,
-                 [&] { session.Printer().KermitDownload(*name, arguments.hostFile); });
+                 [&] { session.Printer().KermitDownload(*name, arguments.hostFile, size); });
 }
 
 void DeclareResume(CLI::App& app, const Arguments& arguments) {

@@ -11,12 +11,6 @@
 namespace qnctl {
 namespace {
 
-Outcome OutcomeOf(const qncomm::QNError& error) {
-    const bool port = error.Source() == "PDQComm";
-    return {port ? ExitStatus::PortUnavailable : ExitStatus::Error, error.Number(), error.Source(),
-            error.Description()};
-}
-
 Outcome Carry(const Request& request, Session& session) {
     session.Prepare();
     if (request.command->needs != Needs::Nothing)
@@ -25,9 +19,8 @@ Outcome Carry(const Request& request, Session& session) {
     if (request.command->needs == Needs::Printer)
         if (Outcome connected = session.Connect(); !connected.Ok()) return connected;
     Outcome outcome = request.command->run(session);
-    // Other lines of the log are for the trace alone.
-    if (outcome.Ok() && session.RefusalNote() == "port not available")
-        return Refused(ExitStatus::PortUnavailable, session.RefusalNote());
+    if (outcome.Ok() && session.TakePortRefusal())
+        return Refused(ExitStatus::PortUnavailable, "port not available");
     return outcome;
 }
 
@@ -40,7 +33,7 @@ Outcome Run(const Request& request, const Output& output) {
     } catch (const qncomm::QNError& error) {
         return OutcomeOf(error);
     } catch (const std::exception& error) {
-        return {ExitStatus::Error, 0, "qnctl", error.what()};
+        return Refused(ExitStatus::Error, error.what());
     }
 }
 

@@ -2,11 +2,14 @@
 
 #include "Clock.h"
 
+#include <algorithm>
+
 namespace qnsim {
 namespace {
 
 constexpr std::size_t pieceSize = 64UL * 1024;
 constexpr std::size_t backlogLimit = 64UL * 1024;
+constexpr std::size_t wireLimit = 128; // of a paced line
 
 } // namespace
 
@@ -59,9 +62,17 @@ void PrinterServer::CarryOut(const HostAction& action) {
     }
 }
 
+std::size_t PrinterServer::Room() const {
+    if (mPrinter.Backlog() >= backlogLimit) return 0;
+    // What a paced line has not carried stays with the host, as in a real port's buffer, where a
+    // flush still finds it.
+    if (!mPrinter.Paced()) return pieceSize;
+    return wireLimit - std::min(wireLimit, mPrinter.PendingFromHost(mNow));
+}
+
 void PrinterServer::Exchange() {
-    if (mHostThere && mPrinter.Backlog() < backlogLimit) {
-        for (const HostAction& action : mEndpoint.Receive(pieceSize))
+    if (const std::size_t room = Room(); mHostThere && room > 0) {
+        for (const HostAction& action : mEndpoint.Receive(room))
             CarryOut(action);
     }
     mPrinter.Advance(mNow);
@@ -73,7 +84,7 @@ void PrinterServer::Exchange() {
 
 bool PrinterServer::Wait() {
     std::vector<pollfd> waits{{mStop, POLLIN, 0}};
-    mEndpoint.AddWaits(waits, mPrinter.Backlog() < backlogLimit, !mOutput.empty());
+    mEndpoint.AddWaits(waits, Room() > 0, !mOutput.empty());
     const auto due = mPrinter.NextDue();
     // While the host does not take what is there, more of it is no reason to wake up.
     const bool blocked = !mOutput.empty() && due && *due <= mNow;

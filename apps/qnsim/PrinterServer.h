@@ -4,6 +4,8 @@
 #include "Endpoint.h"
 #include "simulator/VirtualPrinter.h"
 
+#include <cstddef>
+
 namespace qnsim {
 
 class PrinterServer {
@@ -21,6 +23,8 @@ class PrinterServer {
     void CarryOut(const HostAction& action);
     void Exchange();
     void FollowHost();
+    /// How many bytes of the host are welcome now.
+    std::size_t Room() const;
     bool Wait();
 
     VirtualPrinter& mPrinter;

@@ -16,6 +16,9 @@
 namespace qnsim {
 namespace {
 
+/// How soon after a host has put the device's settings back it has closed it.
+constexpr int leavingMs = 2;
+
 constexpr std::array<std::pair<speed_t, int>, 10> speeds{{{B300, 300},
                                                           {B600, 600},
                                                           {B1200, 1200},
@@ -99,16 +102,27 @@ void PtyEndpoint::AddWaits(std::vector<pollfd>& waits, bool wantInput, bool want
 
 void PtyEndpoint::Refresh() {
     alignas(inotify_event) std::array<char, 4096> events{};
-    while (::read(mOpenings.Get(), events.data(), events.size()) > 0) {
-    }
+    bool opened = false;
+    while (::read(mOpenings.Get(), events.data(), events.size()) > 0)
+        opened = true;
+    // Settings that change under an open device are a host's last act or a change for what it
+    // sends next; which of them, its leaving tells.
+    const bool changed = !opened && mConnected && CurrentFormat() != mFormat;
+    const bool left = HungUp(changed ? leavingMs : 0);
+    // A host that left may have left bytes behind; they are read first, as it sent them.
     pollfd state{mMaster.Get(), POLLIN, 0};
-    const bool known = ::poll(&state, 1, 0) >= 0;
-    // A host that left may have left bytes behind; they are read first.
-    const bool hungUp = (state.revents & POLLHUP) != 0 && (state.revents & POLLIN) == 0;
-    if (known) mConnected = !hungUp;
+    const bool bytes = ::poll(&state, 1, 0) > 0 && (state.revents & POLLIN) != 0;
+    mConnected = !left || bytes;
+    // Read anew: while one host was leaving the next may have come with settings of its own.
+    if (!left) mFormat = CurrentFormat();
 }
 
-LineFormat PtyEndpoint::HostFormat() const {
+bool PtyEndpoint::HungUp(int limitMs) const {
+    pollfd state{mMaster.Get(), 0, 0};
+    return ::poll(&state, 1, limitMs) > 0 && (state.revents & POLLHUP) != 0;
+}
+
+LineFormat PtyEndpoint::CurrentFormat() const {
     LineFormat format;
     termios settings{};
     if (::tcgetattr(mMaster.Get(), &settings) != 0) return format;

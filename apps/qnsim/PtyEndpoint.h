@@ -19,7 +19,7 @@ class PtyEndpoint : public Endpoint {
     void AddWaits(std::vector<pollfd>& waits, bool wantInput, bool wantOutput) override;
     void Refresh() override;
     bool Connected() const override { return mConnected; }
-    LineFormat HostFormat() const override;
+    LineFormat HostFormat() const override { return mFormat; }
     std::vector<HostAction> Receive(std::size_t max) override;
     std::size_t Write(std::string_view bytes) override;
 
@@ -28,12 +28,16 @@ class PtyEndpoint : public Endpoint {
   private:
     PtyEndpoint(Descriptor master, Descriptor openings, std::string device);
     bool MakeLink(const std::string& link);
+    LineFormat CurrentFormat() const;
+    /// Whether no host has the device open, or leaves it within the time.
+    bool HungUp(int limitMs) const;
 
     Descriptor mMaster;
     Descriptor mOpenings; // tells when a host opens the device
     std::string mDevice;
     std::string mLink;
     bool mConnected = false;
+    LineFormat mFormat; // of the host that is there, or was
 };
 
 } // namespace qnsim

@@ -18,6 +18,7 @@ std::string ReplayServer::Run() {
         mEndpoint.Refresh();
         Exchange();
         if (!mPlayer.Mismatch().empty()) return mPlayer.Mismatch();
+        if (mOutput.empty() && mPlayer.Lost(mNow)) return mPlayer.Missing();
         const bool there = mEndpoint.Connected();
         const bool played = mPlayer.Finished() && mOutput.empty();
         if (played && wasThere && !there) return {};

@@ -12,7 +12,8 @@ class ReplayServer {
     ReplayServer(TracePlayer& player, Endpoint& endpoint, int stop)
         : mPlayer(player), mEndpoint(endpoint), mStop(stop) {}
 
-    /// Serves until the session has been played and the host has left, the host did otherwise than
+    /// Serves until the session has been played and the host has left or the recorded line was lost
+    /// (the endpoint's end is then the loss), the host did otherwise than
     /// recorded, or the server was stopped. Returns an empty text when the whole session was
     /// played, else where it ended and how.
     std::string Run();

@@ -12,6 +12,7 @@ using qncomm::TraceRecord;
 
 constexpr std::size_t longestQuote = 40;
 constexpr Micros microsPerMilli = 1000;
+constexpr Micros beforeLoss = 100'000; // for a host to read what came before the line is lost
 
 /// Bytes as a person can read them in one line.
 std::string Quoted(std::string_view bytes) {
@@ -37,7 +38,9 @@ std::string Quoted(std::string_view bytes) {
 TracePlayer::TracePlayer(std::vector<TraceRecord> records, bool delays)
     : mRecords(std::move(records)), mDelays(delays) {
     std::erase_if(mRecords, [](const TraceRecord& record) {
-        return record.kind == TraceKind::Event || (record.bytes.empty() && record.redacted == 0);
+        if (record.kind == TraceKind::Event)
+            return !record.bytes.starts_with(qncomm::LostLineEvent);
+        return record.bytes.empty() && record.redacted == 0;
     });
 }
 
@@ -62,8 +65,8 @@ void TracePlayer::GiveOut(Micros now, bool hostGoesOn) {
 }
 
 std::optional<Micros> TracePlayer::NextDue() const {
-    if (Finished() || Current().kind != TraceKind::Received || !mMismatch.empty())
-        return std::nullopt;
+    if (Finished() || Current().kind == TraceKind::Sent || !mMismatch.empty()) return std::nullopt;
+    if (AtLoss() && !mDelays) return mBefore.value_or(0) + beforeLoss;
     if (!mDelays || mNext == 0 || !mBefore) return mBefore.value_or(0);
     return *mBefore + (Current().ms - mRecords[mNext - 1].ms) * microsPerMilli;
 }
@@ -75,7 +78,8 @@ std::string TracePlayer::ToHost(Micros now) {
 
 void TracePlayer::FromHost(std::string_view bytes, Micros now) {
     while (!bytes.empty() && mMismatch.empty()) {
-        GiveOut(now, true); // what a host that is ahead of the recording did not wait for
+        GiveOut(now, true);   // what a host that is ahead of the recording did not wait for
+        if (AtLoss()) return; // said to nobody, as it was then
         if (Finished())
             mMismatch = "the trace ends at line "
                         + std::to_string(mRecords.empty() ? 0 : mRecords.back().line)

@@ -29,6 +29,9 @@ class TracePlayer {
     /// When there is more for the host without its doing.
     std::optional<Micros> NextDue() const;
 
+    /// The recorded line was lost here, and by now it is to be lost again. There is no way on.
+    bool Lost(Micros now) const { return AtLoss() && NextDue().value_or(now) <= now; }
+
     /// Everything was sent and given out.
     bool Finished() const { return mNext == mRecords.size(); }
     /// Where the host did otherwise than recorded; empty as long as it did not.
@@ -39,11 +42,12 @@ class TracePlayer {
   private:
     const qncomm::TraceRecord& Current() const { return mRecords[mNext]; }
     std::size_t SizeOfCurrent() const;
+    bool AtLoss() const { return !Finished() && Current().kind == qncomm::TraceKind::Event; }
     void GiveOut(Micros now, bool hostGoesOn);
     void Advance(Micros now);
     void Compare(std::string_view& bytes, Micros now);
 
-    std::vector<qncomm::TraceRecord> mRecords; // those of bytes
+    std::vector<qncomm::TraceRecord> mRecords; // those of bytes and losses
     bool mDelays;
     std::size_t mNext = 0;         // the record that is played
     std::size_t mMatched = 0;      // bytes of it that the host has sent

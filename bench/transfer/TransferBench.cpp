@@ -1,8 +1,9 @@
 // Measures transfers between two programs over a relay that paces, delays and damages bytes:
 //   transfer_bench [--end PATH] [--runs N] [--seed N] ROW…
-// A row is a name of the table below, or "all". Each line of the result is one run: the share of
-// the line's rate that the file travelled with, whether it arrived identical, how long the end of
-// the session took.
+// A row is a name of the table below, or "all"; each has its number of runs unless one is given.
+// Each line of the result is one run: the share of the line's rate that the file travelled with,
+// whether it arrived identical, how long the end of the session took, how much memory the two ends
+// had at most. Several runs are summed up in one more line.
 
 #include "Relay.h"
 
@@ -37,6 +38,7 @@ struct Row {
     double rate;   // bytes per second, 0: unpaced
     double delay;  // seconds each way
     double damage; // flips per byte, both ways
+    unsigned long runs = 1;
 };
 
 constexpr std::size_t kMega = 1U << 20U;
@@ -48,6 +50,8 @@ const Words kZSend8 = {"END", "zmodem", "send", "-8", "FILE"};
 const Words kZReceive = {"END", "zmodem", "receive"};
 const Words kKSend = {"END", "kermit", "send", "FILE"};
 const Words kKLeast = {"END", "kermit", "send", "--prefix", "least", "FILE"};
+const Words kKStream = {"END", "kermit", "send", "--reliable", "--prefix", "least", "FILE"};
+const Words kKStreamReceive = {"END", "kermit", "receive", "--reliable"};
 const Words kKReceive = {"END", "kermit", "receive"};
 const Words kSz = {"sz", "-b", "-q", "FILE"};
 const Words kSz8 = {"sz", "-b", "-q", "-8", "FILE"};
@@ -68,9 +72,11 @@ std::vector<Row> Rows() {
         {"z-random", kZSend, kZReceive, kMega, Content::Random, kBaud115200, 0, 0},
         {"z-random-8k", kZSend8, kZReceive, kMega, Content::Random, kBaud115200, 0, 0},
         {"z-text", kZSend, kZReceive, kMega, Content::Text, kBaud115200, 0, 0},
-        {"z-damage-4", kZSend, kZReceive, kMega, Content::Random, kBaud115200, 0, 1e-4},
-        {"z-damage-3", kZSend, kZReceive, kMega, Content::Random, kBaud115200, 0, 1e-3},
-        {"z-ends", kZSend, kZReceive, 1000, Content::Random, 0, 0, 0},
+        {"z-damage-4", kZSend, kZReceive, kMega, Content::Random, kBaud115200, 0, 1e-4, 5},
+        {"z-damage-3", kZSend, kZReceive, kMega, Content::Random, kBaud115200, 0, 1e-3, 5},
+        {"z-ends", kZSend, kZReceive, 1000, Content::Random, 0, 0, 0, 1000},
+        {"z-memory-1", kZSend, kZReceive, kMega, Content::Random, 0, 0, 0},
+        {"z-memory-32", kZSend, kZReceive, 32 * kMega, Content::Random, 0, 0, 0},
         {"z-to-rz", kZSend, kRz, kMega, Content::Random, kBaud115200, 0, 0},
         {"z-from-sz", kSz, kZReceive, kMega, Content::Random, kBaud115200, 0, 0},
         {"z-fast", kZSend, kZReceive, 16 * kMega, Content::Random, 0, 0, 0},
@@ -78,8 +84,11 @@ std::vector<Row> Rows() {
         {"k-random", kKSend, kKReceive, kMega, Content::Random, kBaud115200, 0, 0},
         {"k-least", kKLeast, kKReceive, kMega, Content::Random, kBaud115200, 0, 0},
         {"k-delay", kKSend, kKReceive, kMega, Content::Random, kBaud115200, 0.025, 0},
-        {"k-damage-4", kKSend, kKReceive, kMega, Content::Random, kBaud115200, 0, 1e-4},
-        {"k-damage-3", kKSend, kKReceive, kMega, Content::Random, kBaud115200, 0, 1e-3},
+        {"k-damage-4", kKSend, kKReceive, kMega, Content::Random, kBaud115200, 0, 1e-4, 5},
+        {"k-damage-3", kKSend, kKReceive, kMega, Content::Random, kBaud115200, 0, 1e-3, 5},
+        {"k-stream", kKStream, kKStreamReceive, 16 * kMega, Content::Random, 0, 0, 0},
+        {"k-memory-1", kKSend, kKReceive, kMega, Content::Random, 0, 0, 0},
+        {"k-memory-32", kKSend, kKReceive, 32 * kMega, Content::Random, 0, 0, 0},
         {"k-fast", kKLeast, kKReceive, 16 * kMega, Content::Random, 0, 0, 0},
         {"peer-z-random", kSz, kRz, kMega, Content::Random, kBaud115200, 0, 0},
         {"peer-z-fast", kSz, kRz, 16 * kMega, Content::Random, 0, 0, 0},
@@ -119,7 +128,36 @@ std::string Slurp(const std::filesystem::path& path) {
     return text.str();
 }
 
-bool RunRow(const Row& row, const std::string& end, std::uint64_t seed) {
+// What an end of ours says of its memory; a program that says nothing has 0.
+unsigned long PeakOf(const std::filesystem::path& folder) {
+    const std::string log = Slurp(folder / "log");
+    const auto at = log.find("memory ");
+    return at == std::string::npos ? 0 : std::stoul(log.substr(at + 7));
+}
+
+struct Run {
+    bool good = false;
+    double speed = 0; // % of the line, MB/s where it has no rate
+    double end = 0;   // seconds
+};
+
+// All runs of a row in one line.
+bool SumUp(const std::string& name, const std::vector<Run>& runs) {
+    Run sum;
+    std::size_t good = 0;
+    for (const Run& run : runs) {
+        good += run.good ? 1 : 0;
+        sum.speed += run.speed / static_cast<double>(runs.size());
+        sum.end = std::max(sum.end, run.end);
+    }
+    if (runs.size() > 1)
+        std::cout << name << ": " << good << " of " << runs.size()
+                  << " complete and identical, mean " << sum.speed << ", slowest end " << sum.end
+                  << " s" << std::endl;
+    return good == runs.size();
+}
+
+Run RunRow(const Row& row, const std::string& end, std::uint64_t seed) {
     namespace fs = std::filesystem;
     const fs::path base =
         fs::temp_directory_path() / ("bench-" + row.name + "-" + std::to_string(seed));
@@ -144,16 +182,18 @@ bool RunRow(const Row& row, const std::string& end, std::uint64_t seed) {
     std::cout << row.name << ": " << (whole ? "identical" : "NOT IDENTICAL")
               << (result.bBothEnded ? "" : ", did not end") << ", status " << sender.Status() << '/'
               << receiver.Status() << ", " << result.seconds << " s, ";
+    const double speed = row.rate > 0 ? 100 * rate / row.rate : rate * 1e-6;
     if (row.rate > 0) {
         const double busy = static_cast<double>(result.carried) / row.rate / result.seconds;
-        std::cout << 100 * rate / row.rate << " % of the line (busy " << 100 * busy << " %)";
+        std::cout << speed << " % of the line (busy " << 100 * busy << " %)";
     } else {
-        std::cout << rate * 1e-6 << " MB/s";
+        std::cout << speed << " MB/s";
     }
     std::cout << ", faults " << result.faults << ", end " << result.seconds - result.dataSeconds
-              << " s" << std::endl;
+              << " s, memory " << PeakOf(base / "from") << '/' << PeakOf(base / "to") << " KiB"
+              << std::endl;
     fs::remove_all(base);
-    return whole && result.bBothEnded;
+    return {whole && result.bBothEnded, speed, result.seconds - result.dataSeconds};
 }
 
 } // namespace
@@ -161,14 +201,14 @@ bool RunRow(const Row& row, const std::string& end, std::uint64_t seed) {
 int main(int argc, char** argv) {
     const Words words(argv + 1, argv + argc);
     std::string end = (std::filesystem::absolute(argv[0]).parent_path() / "transfer_end").string();
-    unsigned long runs = 1;
+    unsigned long wantedRuns = 0;
     unsigned long seed = 1;
     Words names;
     for (std::size_t i = 0; i < words.size(); ++i) {
         if (words[i] == "--end" && i + 1 < words.size()) {
             end = words[++i];
         } else if (words[i] == "--runs" && i + 1 < words.size()) {
-            runs = std::stoul(words[++i]);
+            wantedRuns = std::stoul(words[++i]);
         } else if (words[i] == "--seed" && i + 1 < words.size()) {
             seed = std::stoul(words[++i]);
         } else {
@@ -179,9 +219,10 @@ int main(int argc, char** argv) {
     for (const auto& row : Rows()) {
         const bool wanted = std::find(names.begin(), names.end(), row.name) != names.end();
         if (!wanted && names != Words{"all"}) continue;
-        for (unsigned long run = 0; run < runs; ++run) {
-            good = RunRow(row, end, seed + run) && good;
-        }
+        std::vector<Run> runs;
+        while (runs.size() < (wantedRuns != 0 ? wantedRuns : row.runs))
+            runs.push_back(RunRow(row, end, seed + runs.size()));
+        good = SumUp(row.name, runs) && good;
     }
     return good ? 0 : 1;
 }

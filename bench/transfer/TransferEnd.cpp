@@ -1,7 +1,8 @@
 // One end of a transfer on standard input and output:
 //   transfer_end zmodem|kermit send FILE…      transfer_end zmodem|kermit receive
 // with options before the files: -8 (8 KiB subpackets), --prefix all|cautious|least, --length N,
-// --window N, --check N. It ends with 0 when every file travelled whole.
+// --window N, --check N, --reliable (Kermit may stream). It ends with 0 when every file travelled
+// whole, and says on standard error how much memory it had at most.
 
 #include "HostFiles.h"
 #include "transfer/KermitReceiver.h"
@@ -13,6 +14,7 @@
 #include <array>
 #include <chrono>
 #include <fcntl.h>
+#include <fstream>
 #include <iostream>
 #include <poll.h>
 #include <string>
@@ -51,6 +53,8 @@ Arguments Parse(const std::vector<std::string>& words) {
             arguments.kermit.packet = std::stoul(words.at(++i));
         } else if (words[i] == "--window") {
             arguments.kermit.window = static_cast<unsigned>(std::stoul(words.at(++i)));
+        } else if (words[i] == "--reliable") {
+            arguments.kermit.bReliable = true;
         } else if (words[i] == "--check") {
             arguments.kermit.check = static_cast<unsigned>(std::stoul(words.at(++i)));
         } else {
@@ -95,6 +99,16 @@ void WaitForLine(const transfer::TransferEngine& engine, bool bWrite) {
     poll(ready.data(), bWrite ? 2 : 1, static_cast<int>(wait));
 }
 
+// KiB of this program alone: what a process may have had before it became this one is not counted.
+unsigned long PeakMemory() {
+    std::ifstream status("/proc/self/status");
+    for (std::string word; status >> word;) {
+        unsigned long peak = 0;
+        if (word == "VmHWM:" && status >> peak) return peak;
+    }
+    return 0;
+}
+
 int Run(const Arguments& arguments) {
     const auto engine = MakeEngine(arguments);
     bench::HostSource source(arguments.files);
@@ -116,8 +130,8 @@ int Run(const Arguments& arguments) {
         if (got <= 0 && sent <= 0 && !engine->IsOver()) WaitForLine(*engine, !output.empty());
     }
     const auto& progress = engine->Progress();
-    std::cerr << "files " << progress.files << ", repairs " << progress.repairs << ' '
-              << engine->Reason() << '\n';
+    std::cerr << "memory " << PeakMemory() << " KiB, files " << progress.files << ", repairs "
+              << progress.repairs << ' ' << engine->Reason() << '\n';
     return engine->Outcome() == transfer::Outcome::Success ? 0 : 1;
 }
 

@@ -1,28 +1,23 @@
 #include "console/Charset.h"
 
+#include "common/Windows1252.h"
+
 #include <algorithm>
-#include <array>
 #include <cstdint>
 
 namespace qncomm {
 namespace {
 
-/// What 0x80 to 0x9F stand for.
-constexpr std::array<char32_t, 32> UpperControls{
-    0x20AC, 0x0081, 0x201A, 0x0192, 0x201E, 0x2026, 0x2020, 0x2021, 0x02C6, 0x2030, 0x0160,
-    0x2039, 0x0152, 0x008D, 0x017D, 0x008F, 0x0090, 0x2018, 0x2019, 0x201C, 0x201D, 0x2022,
-    0x2013, 0x2014, 0x02DC, 0x2122, 0x0161, 0x203A, 0x0153, 0x009D, 0x017E, 0x0178};
-
 char32_t CodePointOf(char c) {
     const auto byte = static_cast<unsigned char>(c);
-    return byte >= 0x80 && byte < 0xA0 ? UpperControls[byte - 0x80] : char32_t{byte};
+    return byte >= 0x80 && byte < 0xA0 ? Windows1252Upper[byte - 0x80] : char32_t{byte};
 }
 
 std::optional<char> ByteOf(char32_t point) {
     if (point < 0x80 || (point >= 0xA0 && point < 0x100)) return static_cast<char>(point);
-    const auto found = std::find(UpperControls.begin(), UpperControls.end(), point);
-    if (found == UpperControls.end()) return std::nullopt;
-    return static_cast<char>(0x80 + (found - UpperControls.begin()));
+    const auto found = std::find(Windows1252Upper.begin(), Windows1252Upper.end(), point);
+    if (found == Windows1252Upper.end()) return std::nullopt;
+    return static_cast<char>(0x80 + (found - Windows1252Upper.begin()));
 }
 
 void AppendUtf8(std::string& text, char32_t point) {

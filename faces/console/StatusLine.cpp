@@ -35,14 +35,15 @@ StatusLine::~StatusLine() {
     Clear();
 }
 
-void StatusLine::Show(std::string_view sMessage, std::int32_t lPercent) {
+void StatusLine::Show(std::string_view sMessage, std::int32_t lPercent, std::string_view sDetail) {
     const std::string message = WithoutControls(DisplayText(sMessage));
+    const std::string detail = sDetail.empty() ? "" : "  " + std::string(sDetail);
     switch (mStyle) {
     case Style::Off:
         return;
     case Style::Transient:
         // One column stays free: a full line would wrap.
-        mOut << '\r' << Cut(Bar(lPercent) + message, mWidth - 1) << "\x1B[K" << std::flush;
+        mOut << '\r' << Cut(Bar(lPercent) + message + detail, mWidth - 1) << "\x1B[K" << std::flush;
         mShown = true;
         return;
     case Style::Lines:

@@ -29,6 +29,10 @@ inline constexpr char kAck = 'Y';
 inline constexpr char kNak = 'N';
 inline constexpr char kError = 'E';
 
+// In a negative acknowledgement: what streams is not whole; the file is to be announced again under
+// this sequence and to go on in windows. Programs that do not know it see an ordinary one.
+inline constexpr std::string_view kStopStreaming = "S";
+
 // A small number as a printable character, and back. A character below blank gives a number
 // above 94.
 inline char ToChar(unsigned value) {

@@ -13,6 +13,8 @@ constexpr Time kSilence = std::chrono::seconds(2);
 constexpr Time kLongestSilence = std::chrono::seconds(8);
 constexpr Time kBetweenFiles = std::chrono::seconds(1);
 constexpr int kFarewellSilences = 5;
+constexpr Time kSignOfLife = std::chrono::seconds(5);
+constexpr Time kAskAgain = std::chrono::seconds(1);
 
 } // namespace
 
@@ -51,6 +53,12 @@ void KermitReceiver::ArmSilence(Time now) {
 }
 
 void KermitReceiver::OnTimer(Time now) {
+    if (m->broken) {
+        AskForFile(now);
+        ArmSilence(now);
+        return;
+    }
+    if (IsStreaming()) return; // a sender that streams waits for nothing
     ++m->silences;
     const bool between = m->state == State::Ready && mProgress.files + mProgress.skipped != 0;
     if (between && m->silences >= kFarewellSilences) {
@@ -66,6 +74,37 @@ void KermitReceiver::SendNak(unsigned sequence) {
     Put(WriteKermitPacket(kermit::kNak, sequence, {}, m->terms.check));
 }
 
+bool KermitReceiver::IsStreaming() const {
+    return m->terms.bStreaming && m->state == State::File;
+}
+
+// Data that streams is acknowledged only now and then, as a sign of life, or when there is
+// something to say.
+void KermitReceiver::AcknowledgeData(const std::string& data) {
+    if (IsStreaming() && data == m->said && LastHeard() - m->saidAt < kSignOfLife) return;
+    m->said = data;
+    m->saidAt = LastHeard();
+    Acknowledge(m->current.sequence, data);
+}
+
+// Damage on a line that promised none: what is written is whole, what streams behind it is let
+// pass.
+void KermitReceiver::StopStreaming(Time now) {
+    m->terms.bStreaming = false;
+    m->broken = true;
+    m->askedAt = Time{0};
+    ++mProgress.repairs;
+    AskForFile(now);
+    ArmSilence(now);
+}
+
+void KermitReceiver::AskForFile(Time now) {
+    if (m->askedAt != Time{0} && now - m->askedAt < kAskAgain) return;
+    m->askedAt = now;
+    Put(WriteKermitPacket(kermit::kNak, m->low, std::string(kermit::kStopStreaming),
+                          m->terms.check));
+}
+
 void KermitReceiver::Acknowledge(unsigned sequence, const std::string& data) {
     m->replies[sequence] = data;
     Put(WriteKermitPacket(kermit::kAck, sequence, data, m->terms.check));
@@ -79,7 +118,7 @@ bool KermitReceiver::OnInput(Time now) {
         OnPacket(now);
         break;
     case KermitReader::Item::Damage:
-        OnDamage();
+        OnDamage(now);
         break;
     }
     return true;
@@ -87,7 +126,12 @@ bool KermitReceiver::OnInput(Time now) {
 
 // While nothing later is here the damaged packet is most likely the next one; else the gap or the
 // sender's timer tells.
-void KermitReceiver::OnDamage() {
+void KermitReceiver::OnDamage(Time now) {
+    if (m->broken) return;
+    if (IsStreaming()) {
+        StopStreaming(now);
+        return;
+    }
     ++mProgress.repairs;
     if (m->seen == 0 && OutputSize() < 32) SendNak(m->low);
 }
@@ -95,6 +139,12 @@ void KermitReceiver::OnDamage() {
 void KermitReceiver::OnPacket(Time now) {
     const KermitPacket& packet = m->reader.Packet();
     if (packet.type == kermit::kAck || packet.type == kermit::kNak) return; // an echo of our own
+    const unsigned after = kermit::After(m->low, packet.sequence);
+    const bool announces = packet.type == kermit::kFile && after == 0;
+    if (m->broken && !announces && packet.type != kermit::kError) {
+        AskForFile(now);
+        return;
+    }
     Heard(now);
     m->silences = 0;
     ArmSilence(now);
@@ -110,8 +160,10 @@ void KermitReceiver::OnPacket(Time now) {
         return;
     }
     if (m->state == State::Init) return;
-    const unsigned after = kermit::After(m->low, packet.sequence);
-    if (after == 0) {
+    const bool streams = packet.type == kermit::kData || packet.type == kermit::kEof;
+    if (after != 0 && streams && IsStreaming()) {
+        StopStreaming(now);
+    } else if (after == 0) {
         m->current = packet;
         Process(now);
     } else if (after < std::max(m->terms.window, 1U)) {

@@ -1,6 +1,7 @@
 #include "KermitAttributes.h"
 #include "KermitReceiverMachine.h"
 
+#include <algorithm>
 #include <utility>
 
 namespace qncomm::transfer {
@@ -25,7 +26,7 @@ void KermitReceiver::Process(Time now) {
     const bool inFile = m->state == State::File;
     switch (m->current.type) {
     case kermit::kFile:
-        if (m->state == State::Ready) ProcessHeader();
+        if (m->state == State::Ready || m->broken) ProcessHeader();
         break;
     case kermit::kAttributes:
         if (inFile) ProcessAttributes();
@@ -57,9 +58,13 @@ void KermitReceiver::ProcessHeader() {
     }
     mFile = file;
     m->state = State::File;
-    m->position = 0;
-    m->discard = false;
+    m->skip = m->broken ? m->position : 0;
+    if (!m->broken) m->discard = false;
+    if (!mFileOpen) m->position = 0;
+    m->broken = false;
     m->pendingCr = false;
+    m->said.clear();
+    m->saidAt = LastHeard();
     m->early.clear();
     m->seen = 0;
     Enter(Phase::Opening);
@@ -68,7 +73,10 @@ void KermitReceiver::ProcessHeader() {
 
 void KermitReceiver::ProcessAttributes() {
     ReadKermitAttributes(m->current.data, mFile);
-    if (mFile.bResume && !mFileOpen && !m->discard) {
+    if (mFile.bResume && m->skip != 0) {
+        m->skip = 0;
+        Acknowledge(m->current.sequence, WriteKermitResume(m->position));
+    } else if (mFile.bResume && !mFileOpen && !m->discard) {
         AskOffer(); // the answer says where to go on
     } else {
         Acknowledge(m->current.sequence, "Y");
@@ -79,6 +87,7 @@ void KermitReceiver::AskOffer() {
     Request request;
     request.kind = RequestKind::Offer;
     request.file = mFile;
+    request.file.bFromAnywhere = m->current.type == kermit::kAttributes;
     Ask(std::move(request));
 }
 
@@ -106,7 +115,7 @@ void KermitReceiver::OnOffered(const transfer::Answer& answer, Time now) {
 
 void KermitReceiver::ProcessData() {
     if (m->discard) {
-        Acknowledge(m->current.sequence, "X");
+        AcknowledgeData("X");
         return;
     }
     if (!mFileOpen) {
@@ -119,8 +128,12 @@ void KermitReceiver::ProcessData() {
         return;
     }
     if (mFile.bText) m->content = ToLines(m->content, m->pendingCr);
+    const std::size_t known =
+        static_cast<std::size_t>(std::min<std::uint64_t>(m->skip, m->content.size()));
+    m->skip -= known;
+    m->content.erase(0, known);
     if (m->content.empty()) {
-        Acknowledge(m->current.sequence, {});
+        AcknowledgeData({});
         return;
     }
     Request request;
@@ -159,7 +172,8 @@ void KermitReceiver::ProcessEof() {
 void KermitReceiver::OnClosed(Time now) {
     (m->whole ? mProgress.files : mProgress.skipped) += 1;
     m->state = State::Ready;
-    Acknowledge(m->current.sequence, {});
+    // A sender that streams may have come to the end before it heard that the file is not wanted.
+    Acknowledge(m->current.sequence, m->terms.bStreaming && m->discard ? "X" : "");
     ArmSilence(now);
 }
 
@@ -178,7 +192,7 @@ void KermitReceiver::OnAnswer(RequestKind kind, const transfer::Answer& answer, 
             Process(now);
             break;
         }
-        Acknowledge(m->current.sequence, {});
+        AcknowledgeData({});
         TakeNext(now);
         break;
     case RequestKind::Close:

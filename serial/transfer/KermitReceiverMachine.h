@@ -34,6 +34,11 @@ struct KermitReceiver::Machine {
     bool discard = false; // the file is not wanted
     bool whole = false;   // the file that is being closed
     bool pendingCr = false;
+    bool broken = false;    // what streamed was not whole: the file is to be announced again
+    Time askedAt{0};        // for that
+    std::uint64_t skip = 0; // bytes of the file announced again that are here already
+    std::string said;       // to streaming data, the last time
+    Time saidAt{0};
     int silences = 0; // in a row
 };
 

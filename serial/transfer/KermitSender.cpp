@@ -15,6 +15,9 @@ constexpr Time kLongestRetry = std::chrono::seconds(10);
 constexpr Time kBreakEvery =
     std::chrono::milliseconds(330); // three of these: what a farewell may take
 constexpr int kBreakTries = 3;
+// How receivers that cannot leave streaming call damage; they end the session with it.
+constexpr std::string_view kDamagedStream = "reliable link";
+constexpr int kOverTries = 3;
 constexpr Time kNakGuard = std::chrono::milliseconds(50);
 
 } // namespace
@@ -67,17 +70,29 @@ void KermitSender::OnPacket(Time now) {
         break;
     case kermit::kNak:
         Heard(now);
-        OnNak(packet.sequence, now);
+        if (m->terms.bStreaming && mFileOpen && packet.data == kermit::kStopStreaming) {
+            StopStreaming(packet.sequence, now);
+        } else {
+            OnNak(packet.sequence, now);
+        }
         break;
-    case kermit::kError: {
-        std::string text;
-        m->coding.Decode(packet.data, text);
-        DropOutput();
-        End(Outcome::CancelledThere, "the receiver stopped: " + text);
+    case kermit::kError:
+        OnError(now);
         break;
-    }
     default:
         break; // an echo of our own
+    }
+}
+
+void KermitSender::OnError(Time now) {
+    std::string text;
+    m->coding.Decode(m->reader.Packet().data, text);
+    const std::string reason = "the receiver stopped: " + text;
+    if (m->terms.bStreaming && mFileOpen && text.find(kDamagedStream) != std::string::npos) {
+        StartOver(reason, now);
+    } else {
+        DropOutput();
+        End(Outcome::CancelledThere, reason);
     }
 }
 
@@ -127,12 +142,20 @@ void KermitSender::OnTimer(Time now) {
         End(Outcome::Success, ""); // every file was acknowledged
         return;
     }
+    if (!m->ended.empty() && m->state == State::Init && m->timeouts >= kOverTries) {
+        End(Outcome::CancelledThere, m->ended);
+        return;
+    }
     const auto first = std::find_if(m->slots.begin(), m->slots.end(),
                                     [](const Slot& slot) { return !slot.acknowledged; });
     if (first != m->slots.end()) Resend(*first, now);
 }
 
 void KermitSender::OnAck(unsigned sequence, const std::string& data, Time now) {
+    if (m->terms.bStreaming && m->state == State::Data) {
+        OnReply(kermit::kData, data, now); // a sign of life, or the file is not wanted
+        return;
+    }
     if (m->slots.empty()) return;
     const std::size_t at = kermit::After(m->slots.front().sequence, sequence);
     if (at >= m->slots.size() || m->slots[at].acknowledged) return;
@@ -152,6 +175,10 @@ void KermitSender::OnAck(unsigned sequence, const std::string& data, Time now) {
     for (Slot& earlier : m->slots) {
         if (timed && !earlier.acknowledged && earlier.position < position) Resend(earlier, now);
     }
+    OnWindowAcknowledged(now);
+}
+
+void KermitSender::OnWindowAcknowledged(Time now) {
     while (!m->slots.empty() && m->slots.front().acknowledged && PendingRequest() == nullptr) {
         RetireFront(now);
     }
@@ -174,22 +201,53 @@ void KermitSender::OnNak(unsigned sequence, Time now) {
         if (!slot.acknowledged && now - slot.sentAt >= guard) Resend(slot, now);
         return;
     }
-    // Wanting the packet after the last one says that all before it have come, but not what they
-    // were answered with.
-    const char last = m->slots.back().type;
-    const bool matters = last == kermit::kSendInit || last == kermit::kAttributes;
-    if (sequence != m->sequence) return;
-    if (matters) {
-        if (now - m->slots.back().sentAt >= guard) Resend(m->slots.back(), now);
+    // Wanting the packet after the last one says that the last one has come, but not what it was
+    // answered with; and nothing of others before it: some receivers ask for what follows the
+    // newest packet when they cannot tell which one was damaged.
+    const auto open = std::count_if(m->slots.begin(), m->slots.end(),
+                                    [](const Slot& slot) { return !slot.acknowledged; });
+    Slot& last = m->slots.back();
+    if (sequence != m->sequence || open != 1 || last.acknowledged) return;
+    if (last.type == kermit::kSendInit || last.type == kermit::kAttributes) {
+        if (now - last.sentAt >= guard) Resend(last, now);
         return;
     }
-    for (Slot& slot : m->slots) {
-        slot.acknowledged = true;
-    }
+    last.acknowledged = true;
     m->flow.Acknowledged(m->sentBytes, now, false);
-    while (!m->slots.empty() && m->slots.front().acknowledged && PendingRequest() == nullptr) {
-        RetireFront(now);
-    }
+    OnWindowAcknowledged(now);
+}
+
+// Damage on a line that promised none. What streamed was not kept and its sequences have come round
+// many times, so the file is announced again under the one that the receiver awaits: what is still
+// under way it tells from that.
+void KermitSender::StopStreaming(unsigned sequence, Time now) {
+    m->terms.bStreaming = false;
+    DropUnderWay();
+    m->sequence = sequence;
+    mFile.bResume = m->terms.bResume && !mFile.bText;
+    AnnounceFile(now);
+}
+
+void KermitSender::DropUnderWay() {
+    ++mProgress.repairs;
+    DropOutput();
+    m->slots.clear();
+    m->timeouts = 0;
+    m->flow.Restart(m->sentBytes);
+}
+
+// The receiver has ended the session because of damage. One that serves goes on listening: the file
+// is sent to it again, in windows. One that has left says nothing, and its reason stands.
+void KermitSender::StartOver(const std::string& sReason, Time now) {
+    DropUnderWay();
+    m->ended = sReason;
+    m->options.bReliable = false;
+    m->terms = {};
+    m->coding = KermitCoding(m->terms, KermitPrefixing::All);
+    m->reader.SetCheck(m->terms.check);
+    m->sequence = 0;
+    m->state = State::Init;
+    OnStart(now);
 }
 
 } // namespace qncomm::transfer

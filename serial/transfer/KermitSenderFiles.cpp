@@ -1,4 +1,5 @@
 #include "KermitAttributes.h"
+#include "KermitCheck.h"
 #include "KermitSenderMachine.h"
 
 #include <algorithm>
@@ -10,7 +11,7 @@ namespace qncomm::transfer {
 void KermitSender::OnReply(char type, const std::string& data, Time now) {
     switch (type) {
     case kermit::kSendInit:
-        OnTermsAgreed(data);
+        OnTermsAgreed(data, now);
         break;
     case kermit::kFile:
         if (m->terms.bAttributes) {
@@ -30,6 +31,7 @@ void KermitSender::OnReply(char type, const std::string& data, Time now) {
         if (data == "Z") m->discardAll = true;
         break;
     case kermit::kEof:
+        if (data == "X") m->discard = true;
         (m->discard ? mProgress.skipped : mProgress.files) += 1;
         if (!m->discard && mProgress.size) mProgress.bytes = *mProgress.size;
         Disarm();
@@ -43,14 +45,18 @@ void KermitSender::OnReply(char type, const std::string& data, Time now) {
     }
 }
 
-void KermitSender::OnTermsAgreed(const std::string& data) {
+void KermitSender::OnTermsAgreed(const std::string& data, Time now) {
     m->terms = ConcludeKermitTerms(m->options, data);
     m->coding = KermitCoding(m->terms, m->options.prefixing);
     m->reader.SetCheck(m->terms.check);
     const std::size_t longest = m->terms.DataRoom();
     const std::size_t first = std::min<std::size_t>(longest, 250);
     m->piece = PieceLength({first, std::min<std::size_t>(longest, 40), longest, 10, 8, 1.2});
-    AskNextFile();
+    if (mFileOpen) {
+        AnnounceFile(now); // the same once more
+    } else {
+        AskNextFile();
+    }
 }
 
 void KermitSender::OnAttributesReply(const std::string& data) {
@@ -101,7 +107,12 @@ void KermitSender::OnNextFile(const transfer::Answer& answer, Time now) {
         SendPacket(kermit::kBreak, {}, 0, now);
         return;
     }
-    OpenFile(answer.file, 0);
+    mFile = answer.file;
+    AnnounceFile(now);
+}
+
+void KermitSender::AnnounceFile(Time now) {
+    OpenFile(mFile, 0);
     Enter(Phase::Opening);
     m->ahead.clear();
     m->aheadUsed = 0;
@@ -143,6 +154,9 @@ void KermitSender::OnProduce(Time now) {
         request.offset = m->readAt;
         request.length = Machine::kReadAhead;
         Ask(std::move(request));
+    } else if (m->terms.bStreaming) {
+        Heard(now); // a line that takes bytes is alive, and nothing else is said to be
+        SendData(now);
     } else if (m->slots.size() < m->terms.window) {
         const std::uint64_t underWay = m->sentBytes - m->flow.AcknowledgedTo();
         if (m->slots.empty() || underWay < m->flow.Size(m->piece.Current())) SendData(now);
@@ -153,10 +167,24 @@ void KermitSender::SendData(Time now) {
     std::string_view rest = std::string_view(m->ahead).substr(m->aheadUsed);
     const std::size_t before = rest.size();
     std::string data;
-    m->coding.Encode(rest, m->piece.Current(), data);
+    m->coding.Encode(rest, m->terms.bStreaming ? m->terms.DataRoom() : m->piece.Current(), data);
     const std::size_t content = before - rest.size();
     m->aheadUsed += content;
+    if (m->terms.bStreaming) {
+        Stream(data, content);
+        return;
+    }
     SendPacket(kermit::kData, data, content, now);
+}
+
+// A data packet that nobody acknowledges and that is not kept.
+void KermitSender::Stream(const std::string& data, std::size_t content) {
+    const std::string packet = WriteKermitPacket(kermit::kData, m->sequence, data, m->terms.check);
+    Put(packet);
+    m->sentBytes += packet.size();
+    m->sequence = kermit::Next(m->sequence);
+    mProgress.bytes += content;
+    if (mProgress.size) mProgress.bytes = std::min(mProgress.bytes, *mProgress.size);
 }
 
 } // namespace qncomm::transfer

@@ -50,6 +50,7 @@ struct KermitSender::Machine {
     unsigned sequence = 0;       // of the next new packet
     std::uint64_t sentBytes = 0; // of packets, every try counted
     int timeouts = 0;            // in a row
+    std::string ended; // why a receiver ended the session that is now tried again; else empty
 
     std::string ahead; // of the file, with its line ends converted
     std::size_t aheadUsed = 0;

@@ -11,6 +11,9 @@ constexpr unsigned kCanWindow = 4;
 constexpr unsigned kCanAttributes = 8;
 constexpr unsigned kCanResume = 16;
 constexpr unsigned kMoreCapabilities = 1;
+// What a side says about itself; the first tells that the rest is meant.
+constexpr unsigned kSaysWhatItIs = 32;
+constexpr unsigned kStreams = 8;
 constexpr unsigned kTimeout = 10; // seconds that the other side is asked to wait before it repeats
 constexpr unsigned kShortDefault = 80;
 constexpr std::size_t kLongFrame = 8; // mark, header with its check, end of line
@@ -35,6 +38,7 @@ struct Words {
     unsigned capabilities = 0;
     unsigned window = 1;
     unsigned longest = 0;
+    bool bStreaming = false;
 };
 
 bool IsPrefix(char c) {
@@ -61,6 +65,9 @@ Words Parse(std::string_view data) {
     const unsigned high = kermit::FromChar(at(next + 2, ' '));
     const unsigned low = kermit::FromChar(at(next + 3, ' '));
     if (high < 95 && low < 95) words.longest = high * 95 + low;
+    constexpr unsigned both = kSaysWhatItIs | kStreams; // behind four places about checkpoints
+    const unsigned whatItIs = kermit::FromChar(at(next + 8, ' '));
+    words.bStreaming = whatItIs < 95 && (whatItIs & both) == both;
     return words;
 }
 
@@ -73,23 +80,27 @@ unsigned OwnCapabilities(const KermitOptions& options) {
 }
 
 std::string Say(const KermitOptions& options, char bitPrefix, char check, char repeatPrefix,
-                unsigned capabilities, unsigned window) {
+                unsigned capabilities, unsigned window, bool bStreaming) {
     const std::size_t packet = std::clamp<std::size_t>(options.packet, 20, kermit::kLongestLong);
     const auto shortest = static_cast<unsigned>(std::min(packet, kermit::kLongestShort));
     const auto extended = static_cast<unsigned>(packet);
-    return {kermit::ToChar(shortest),
-            kermit::ToChar(kTimeout),
-            kermit::ToChar(0),     // no padding
-            kermit::Control('\0'), // of this
-            kermit::ToChar(static_cast<unsigned char>(kermit::kEndOfLine)),
-            '#',
-            bitPrefix,
-            check,
-            repeatPrefix,
-            kermit::ToChar(capabilities),
-            kermit::ToChar(window),
-            kermit::ToChar(extended / 95),
-            kermit::ToChar(extended % 95)};
+    std::string words = {kermit::ToChar(shortest),
+                         kermit::ToChar(kTimeout),
+                         kermit::ToChar(0),     // no padding
+                         kermit::Control('\0'), // of this
+                         kermit::ToChar(static_cast<unsigned char>(kermit::kEndOfLine)),
+                         '#',
+                         bitPrefix,
+                         check,
+                         repeatPrefix,
+                         kermit::ToChar(capabilities),
+                         kermit::ToChar(window),
+                         kermit::ToChar(extended / 95),
+                         kermit::ToChar(extended % 95)};
+    if (!bStreaming) return words;
+    words += "0___"; // no checkpoints
+    words += kermit::ToChar(kSaysWhatItIs | kStreams);
+    return words;
 }
 
 KermitTerms Common(const KermitOptions& options, const Words& words) {
@@ -107,6 +118,7 @@ KermitTerms Common(const KermitOptions& options, const Words& words) {
     }
     terms.longest = std::min(terms.longest, std::max<std::size_t>(options.packet, 20));
     if ((both & kCanWindow) != 0) terms.window = std::min(words.window, options.window);
+    terms.bStreaming = options.bReliable && words.bStreaming;
     return terms;
 }
 
@@ -122,7 +134,7 @@ std::size_t KermitTerms::DataRoom() const {
 std::string ProposeKermitTerms(const KermitOptions& options) {
     return Say(options, options.bSevenBits ? '&' : 'Y', static_cast<char>('0' + options.check),
                options.bRepeats ? '~' : ' ', OwnCapabilities(options),
-               std::clamp(options.window, 1U, kermit::kMostSlots));
+               std::clamp(options.window, 1U, kermit::kMostSlots), options.bReliable);
 }
 
 KermitTerms AcceptKermitTerms(const KermitOptions& options, std::string_view proposal,
@@ -142,7 +154,7 @@ KermitTerms AcceptKermitTerms(const KermitOptions& options, std::string_view pro
     if (options.bRepeats && IsPrefix(words.repeatPrefix)) terms.repeatPrefix = words.repeatPrefix;
     reply = Say(options, bitReply, static_cast<char>('0' + terms.check),
                 terms.repeatPrefix != 0 ? terms.repeatPrefix : ' ', OwnCapabilities(options),
-                terms.window);
+                terms.window, terms.bStreaming);
     return terms;
 }
 

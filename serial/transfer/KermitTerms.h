@@ -17,6 +17,7 @@ struct KermitTerms {
     char repeatPrefix = 0;    // 0: none
     bool bAttributes = false;
     bool bResume = false;
+    bool bStreaming = false; // data packets are not acknowledged
 
     // Longest data field of a packet.
     [[nodiscard]] std::size_t DataRoom() const;

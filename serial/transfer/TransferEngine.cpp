@@ -8,6 +8,7 @@ namespace qncomm::transfer {
 namespace {
 
 constexpr std::size_t kBatch = 16384;
+constexpr Time kLastWords = std::chrono::seconds(10);
 
 } // namespace
 
@@ -38,13 +39,18 @@ void TransferEngine::Advance(Time now) {
 }
 
 std::optional<Time> TransferEngine::NextDeadline() const {
-    if (mPhase == Phase::Idle || mOutcome != Outcome::Running || mRequest) return std::nullopt;
+    if (mPhase == Phase::Idle || mRequest) return std::nullopt;
+    if (mOutcome != Outcome::Running) return HasOutput() ? mLastWordsBy : std::nullopt;
     const Time limit = mLastHeard + mPatience;
     return mTimer ? std::min(*mTimer, limit) : limit;
 }
 
 void TransferEngine::Tick(Time now) {
-    if (mPhase == Phase::Idle || mOutcome != Outcome::Running || mRequest) return;
+    if (mPhase == Phase::Idle || mRequest) return;
+    if (mOutcome != Outcome::Running) {
+        if (mLastWordsBy && now >= *mLastWordsBy) DropOutput();
+        return;
+    }
     if (now >= mLastHeard + mPatience) {
         OnSilence(now);
         return;
@@ -79,6 +85,7 @@ std::string_view TransferEngine::Output(Time now) {
             if (mOutcome == Outcome::Running && !mRequest) OnProduce(now);
         } while (mOutput.size() > before && mOutput.size() < kBatch);
     }
+    if (mOutcome != Outcome::Running && !mLastWordsBy) mLastWordsBy = now + kLastWords;
     return std::string_view(mOutput).substr(mOutputTaken);
 }
 
@@ -88,13 +95,15 @@ void TransferEngine::Sent(std::size_t count, Time now) {
         mOutput.clear();
         mOutputTaken = 0;
     }
+    if (mLastWordsBy && count != 0) mLastWordsBy = now + kLastWords;
     if (mTimer && mTimerSpan != Time{0} && count != 0) mTimer = now + mTimerSpan;
 }
 
-void TransferEngine::Cancel(Time) {
+void TransferEngine::Cancel(Time now) {
     if (mPhase == Phase::Idle || mOutcome != Outcome::Running) return;
     DropOutput();
     OnCancel();
+    mLastWordsBy = now + kLastWords;
     End(Outcome::CancelledHere, "cancelled");
 }
 

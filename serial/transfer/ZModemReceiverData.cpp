@@ -68,6 +68,7 @@ void ZModemReceiver::OnFileContent(Time now) {
     request.file = ReadZModemFileInfo(m->reader.Content());
     request.file.bText = m->reader.Header().Flags() == zm::kConvertText;
     request.file.bResume = m->reader.Header().Flags() == zm::kConvertResume;
+    request.file.bFromAnywhere = true;
     mFile = request.file;
     m->state = State::Offered;
     Enter(Phase::Opening);

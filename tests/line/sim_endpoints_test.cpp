@@ -83,6 +83,13 @@ std::string Ask(int descriptor, std::string_view line) {
     return ReadUntil(descriptor, "Ok\r\n");
 }
 
+void SetRate(int device, speed_t speed) {
+    termios settings{};
+    ::tcgetattr(device, &settings);
+    ::cfsetspeed(&settings, speed);
+    ::tcsetattr(device, TCSANOW, &settings);
+}
+
 Descriptor OpenDevice(const std::string& path, speed_t speed, bool twoStopBits) {
     Descriptor device(::open(path.c_str(), O_RDWR | O_NOCTTY | O_CLOEXEC));
     EXPECT_TRUE(device.IsOpen()) << path;
@@ -140,6 +147,35 @@ TEST(PtyEndpoint, SeesRateAndStopBitsOfTheHost) {
     EXPECT_EQ(::write(host.Get(), "\r", 1), 1);
     ReadUntil(host.Get(), "Ok\r\n", 100);
     EXPECT_EQ(Ask(host.Get(), "PRINT 1"), "PRINT 1\r\n1\r\nOk\r\n");
+}
+
+TEST(PtyEndpoint, LastBytesOfAHostCameWithItsSettingsNotWithThoseItPutBack) {
+    const OpenedEndpoint opened = PtyEndpoint::Open("");
+    ASSERT_TRUE(opened.endpoint) << opened.error;
+    Endpoint& endpoint = *opened.endpoint;
+    {
+        const Descriptor host = OpenDevice(endpoint.Address(), B9600, true);
+        endpoint.Refresh();
+        EXPECT_EQ(endpoint.HostFormat().baud, 9600);
+        EXPECT_EQ(::write(host.Get(), "OO", 2), 2);
+        SetRate(host.Get(), B38400);
+    }
+    endpoint.Refresh();
+    EXPECT_TRUE(endpoint.Connected()) << "its bytes are still to be read";
+    EXPECT_EQ(endpoint.HostFormat().baud, 9600);
+    EXPECT_EQ(endpoint.Receive(100).front().text, "OO");
+    endpoint.Refresh();
+    EXPECT_FALSE(endpoint.Connected());
+}
+
+TEST(PtyEndpoint, SettingsThatChangeUnderAnOpenDeviceCountForWhatComesNext) {
+    const OpenedEndpoint opened = PtyEndpoint::Open("");
+    ASSERT_TRUE(opened.endpoint) << opened.error;
+    const Descriptor host = OpenDevice(opened.endpoint->Address(), B9600, true);
+    opened.endpoint->Refresh();
+    SetRate(host.Get(), B38400);
+    opened.endpoint->Refresh();
+    EXPECT_EQ(opened.endpoint->HostFormat().baud, 38400);
 }
 
 TEST(PtyEndpoint, LinkIsMadeReplacedAndRemoved) {

@@ -28,12 +28,22 @@ std::string ScratchFolder::Write(std::string_view sName, std::string_view sConte
     return File(sName);
 }
 
+std::string ScratchFolder::MakeFolder(std::string_view sName) const {
+    std::filesystem::create_directories(File(sName));
+    return File(sName);
+}
+
+std::string ScratchFolder::Read(std::string_view sName) const {
+    return ContentOf(File(sName));
+}
+
 bool ScratchFolder::Has(std::string_view sName) const {
     return std::filesystem::exists(File(sName));
 }
 
-bool ScratchFolder::IsEmpty() const {
-    return std::filesystem::is_empty(mPath);
+std::size_t ScratchFolder::Count() const {
+    return static_cast<std::size_t>(std::distance(std::filesystem::directory_iterator(mPath),
+                                                  std::filesystem::directory_iterator()));
 }
 
 std::string ContentOf(const std::string& sPath) {

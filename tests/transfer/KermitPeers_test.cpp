@@ -1,8 +1,12 @@
+#include "FaultCampaign.h"
 #include "PeerRig.h"
 #include "transfer/KermitReceiver.h"
 #include "transfer/KermitSender.h"
 
 #include <gtest/gtest.h>
+
+#include <algorithm>
+#include <array>
 
 namespace qncomm::transfer::testing {
 
@@ -24,15 +28,20 @@ namespace {
 
 using namespace std::chrono_literals;
 
+std::string PrefixingOf(KermitPrefixing prefixing) {
+    if (prefixing == KermitPrefixing::All) return "set prefixing all, ";
+    return prefixing == KermitPrefixing::Least ? "set prefixing minimal, "
+                                               : "set prefixing cautious, ";
+}
+
 std::vector<std::string> CKermit(const KermitSetting& setting, const std::string& action) {
     const std::string length = std::to_string(setting.packet);
     std::string script = "set file type binary, set transfer mode manual, set file names literal, "
-                         "set file collision overwrite, set block-check "
+                         "set file collision overwrite, set delay 0, set block-check "
                          + std::to_string(setting.check) + ", set window "
                          + std::to_string(setting.window) + ", set receive packet-length " + length
                          + ", set send packet-length " + length + ", set streaming off, "
-                         + (setting.prefixing == KermitPrefixing::All ? "set prefixing all, "
-                                                                      : "set prefixing cautious, ")
+                         + PrefixingOf(setting.prefixing)
                          + (setting.bSevenBits ? "set parity space, " : "") + action + ", exit";
     return {"kermit", "-Y", "-q", "-C", script};
 }
@@ -47,15 +56,61 @@ KermitOptions Options(const KermitSetting& setting) {
     return options;
 }
 
-// Short packets take their time, so long files travel with the longer ones.
+// What a run may take; the machine may be busy with others.
+constexpr Time kLimit = 300s;
+
+// Packets of a few bytes take their time, so an ordinary run sends less in them.
 std::vector<MemoryFile> FilesFor(const KermitSetting& setting) {
     std::vector<MemoryFile> files = KeptFiles();
-    if (setting.packet < 1000 || setting.window == 1) {
-        for (auto& file : files) {
-            if (file.content.size() > 100000) file.content.resize(100000);
+    if (setting.packet >= 1000 || EveryCombinationIsWanted()) return files;
+    for (auto& file : files)
+        file.content.resize(std::min<std::size_t>(file.content.size(), 100000));
+    return files;
+}
+
+constexpr std::array<std::size_t, 6> kLengths = {20, 90, 94, 95, 1000, 9000};
+constexpr std::array<unsigned, 3> kWindows = {1, 8, 30};
+constexpr std::array<KermitPrefixing, 2> kPrefixings = {KermitPrefixing::All,
+                                                        KermitPrefixing::Least};
+constexpr std::array<unsigned, 3> kChecks = {1, 2, 3};
+
+// Every pair of values of two settings stands in one row at least: all lengths with all windows,
+// each of both with every prefixing and check.
+std::vector<KermitSetting> PairwiseSettings() {
+    std::vector<KermitSetting> settings;
+    for (std::size_t length = 0; length < kLengths.size(); ++length) {
+        for (std::size_t window = 0; window < kWindows.size(); ++window) {
+            settings.push_back({kLengths[length], kWindows[window],
+                                kChecks[(length + window) % kChecks.size()],
+                                kPrefixings[(length + window) % kPrefixings.size()]});
         }
     }
-    return files;
+    return settings;
+}
+
+std::vector<KermitSetting> EverySetting() {
+    std::vector<KermitSetting> settings;
+    for (const std::size_t length : kLengths)
+        for (const unsigned window : kWindows)
+            for (const KermitPrefixing prefixing : kPrefixings)
+                for (const unsigned check : kChecks)
+                    settings.push_back({length, window, check, prefixing});
+    return settings;
+}
+
+std::vector<KermitSetting> Settings() {
+    auto settings = EveryCombinationIsWanted() ? EverySetting() : PairwiseSettings();
+    settings.push_back({1000, 8, 3, KermitPrefixing::Cautious});
+    settings.push_back({1000, 8, 3, KermitPrefixing::All, true});
+    return settings;
+}
+
+// A program of short windows only: what counts are the lengths and what is prefixed.
+std::vector<KermitSetting> SettingsWithoutWindow() {
+    std::vector<KermitSetting> settings;
+    for (const auto& setting : Settings())
+        if (EveryCombinationIsWanted() || setting.window == 8) settings.push_back(setting);
+    return settings;
 }
 
 } // namespace
@@ -69,7 +124,7 @@ TEST_P(KermitPeers, CKermitReceivesWhatIsSent) {
     KermitSender sender(Options(GetParam()));
     const auto files = FilesFor(GetParam());
     MemorySource source(files);
-    EXPECT_TRUE(RunAgainst(sender, &source, nullptr, peer, 50s));
+    EXPECT_TRUE(RunAgainst(sender, &source, nullptr, peer, kLimit));
     EXPECT_EQ(sender.Outcome(), Outcome::Success) << sender.Reason();
     EXPECT_EQ(sender.Progress().files, files.size());
     ExpectArrived(folder, files);
@@ -81,28 +136,19 @@ TEST_P(KermitPeers, CKermitSendsWhatIsReceived) {
     const auto files = FilesFor(GetParam());
     std::string names;
     for (const auto& file : files) {
-        folder.Put(file);
+        folder.Write(file.sName, file.content);
         names +=
             file.sName.find(' ') == std::string::npos ? ' ' + file.sName : " {" + file.sName + "}";
     }
     PeerProcess peer(CKermit(GetParam(), "msend" + names), folder.Path());
     KermitReceiver receiver(Options(GetParam()));
     MemorySink sink;
-    EXPECT_TRUE(RunAgainst(receiver, nullptr, &sink, peer, 50s));
+    EXPECT_TRUE(RunAgainst(receiver, nullptr, &sink, peer, kLimit));
     EXPECT_EQ(receiver.Outcome(), Outcome::Success) << receiver.Reason();
     ExpectReceived(sink, files);
 }
 
-INSTANTIATE_TEST_SUITE_P(Settings, KermitPeers,
-                         ::testing::Values(KermitSetting{20, 1, 1, KermitPrefixing::All},
-                                           KermitSetting{90, 8, 2, KermitPrefixing::All},
-                                           KermitSetting{94, 1, 3, KermitPrefixing::Cautious},
-                                           KermitSetting{95, 8, 3, KermitPrefixing::All},
-                                           KermitSetting{1000, 30, 3, KermitPrefixing::Cautious},
-                                           KermitSetting{1000, 8, 1, KermitPrefixing::All},
-                                           KermitSetting{9000, 1, 3, KermitPrefixing::Cautious},
-                                           KermitSetting{9000, 30, 3, KermitPrefixing::Least},
-                                           KermitSetting{1000, 8, 3, KermitPrefixing::All, true}));
+INSTANTIATE_TEST_SUITE_P(Combinations, KermitPeers, ::testing::ValuesIn(Settings()));
 
 class GKermitPeers : public ::testing::TestWithParam<KermitSetting> {};
 
@@ -123,7 +169,7 @@ TEST_P(GKermitPeers, GKermitReceivesWhatIsSent) {
     KermitSender sender(Options(GetParam()));
     const auto files = FilesFor(GetParam());
     MemorySource source(files);
-    EXPECT_TRUE(RunAgainst(sender, &source, nullptr, peer, 50s));
+    EXPECT_TRUE(RunAgainst(sender, &source, nullptr, peer, kLimit));
     EXPECT_EQ(sender.Outcome(), Outcome::Success) << sender.Reason();
     ExpectArrived(folder, files);
 }
@@ -136,22 +182,17 @@ TEST_P(GKermitPeers, GKermitSendsWhatIsReceived) {
     if (GetParam().bSevenBits) command.insert(command.end(), {"-p", "s"});
     command.emplace_back("-s");
     for (const auto& file : files) {
-        folder.Put(file);
+        folder.Write(file.sName, file.content);
         command.push_back(file.sName);
     }
     PeerProcess peer(command, folder.Path());
     KermitReceiver receiver(Options(GetParam()));
     MemorySink sink;
-    EXPECT_TRUE(RunAgainst(receiver, nullptr, &sink, peer, 50s));
+    EXPECT_TRUE(RunAgainst(receiver, nullptr, &sink, peer, kLimit));
     EXPECT_EQ(receiver.Outcome(), Outcome::Success) << receiver.Reason();
     ExpectReceived(sink, files);
 }
 
-INSTANTIATE_TEST_SUITE_P(Settings, GKermitPeers,
-                         ::testing::Values(KermitSetting{40, 1, 3, KermitPrefixing::All},
-                                           KermitSetting{94, 1, 1, KermitPrefixing::All},
-                                           KermitSetting{1000, 8, 3, KermitPrefixing::Cautious},
-                                           KermitSetting{9000, 1, 3, KermitPrefixing::All},
-                                           KermitSetting{1000, 1, 3, KermitPrefixing::All, true}));
+INSTANTIATE_TEST_SUITE_P(Combinations, GKermitPeers, ::testing::ValuesIn(SettingsWithoutWindow()));
 
 } // namespace qncomm::transfer::testing

@@ -2,6 +2,7 @@
 #include "KermitCheck.h"
 #include "KermitCoding.h"
 #include "KermitReader.h"
+#include "KermitTerms.h"
 #include "MemoryFiles.h"
 
 #include <gtest/gtest.h>
@@ -162,6 +163,26 @@ TEST(KermitCoding, RefusesAPrefixWithNothingBehindIt) {
     for (const std::string_view data : {"#", "&", "~", "~%", "~%&", "~%&#"}) {
         EXPECT_FALSE(coding.Decode(data, bytes)) << data;
     }
+}
+
+// The words of C-Kermit on a line that it was told is reliable, and on one that is not.
+TEST(KermitTerms, StreamingIsWhatBothSidesSay) {
+    const std::string streams = "~/ @-#Y3~^>J)0___N\"U1A";
+    const std::string answers = "~/ @-#Y3~^>J)0___J\"U1A";
+    const std::string waits = "~/ @-#Y3~^>J)0___F\"U1A";
+    KermitOptions options;
+    std::string reply;
+    EXPECT_FALSE(AcceptKermitTerms(options, streams, reply).bStreaming);
+    EXPECT_EQ(reply.find("___"), std::string::npos);
+    options.bReliable = true;
+    EXPECT_TRUE(AcceptKermitTerms(options, streams, reply).bStreaming);
+    EXPECT_TRUE(ConcludeKermitTerms(options, reply).bStreaming);
+    EXPECT_TRUE(ConcludeKermitTerms(options, answers).bStreaming);
+    EXPECT_FALSE(AcceptKermitTerms(options, waits, reply).bStreaming);
+    EXPECT_FALSE(ConcludeKermitTerms(options, reply).bStreaming);
+    EXPECT_TRUE(AcceptKermitTerms(options, ProposeKermitTerms(options), reply).bStreaming);
+    for (std::size_t length = 0; length < 18; ++length)
+        EXPECT_FALSE(AcceptKermitTerms(options, streams.substr(0, length), reply).bStreaming);
 }
 
 TEST(KermitAttributes, ComeBackAsTheyWereWritten) {

@@ -1,13 +1,12 @@
 #include "PeerRig.h"
 
+#include "PeerRun.h"
+
 #include <algorithm>
 #include <chrono>
 #include <cstdlib>
-#include <fstream>
 #include <gtest/gtest.h>
 #include <iostream>
-#include <poll.h>
-#include <sstream>
 
 namespace qncomm::transfer::testing {
 
@@ -17,38 +16,7 @@ Time Now() {
     return std::chrono::duration_cast<Time>(std::chrono::steady_clock::now().time_since_epoch());
 }
 
-// How long an end may take to be over after the program at the other one has ended.
-constexpr Time kAfterPeer = std::chrono::seconds(5);
-
-void WaitFor(PeerProcess& peer, bool bWrite, Time span) {
-    pollfd ready{peer.Descriptor(), static_cast<short>(bWrite ? POLLIN | POLLOUT : POLLIN), 0};
-    const auto wait = std::chrono::ceil<std::chrono::milliseconds>(span).count();
-    poll(&ready, peer.HasEnded() ? 0 : 1, static_cast<int>(std::clamp<std::int64_t>(wait, 0, 100)));
-}
-
 } // namespace
-
-ScratchFolder::ScratchFolder() {
-    std::string name = (std::filesystem::temp_directory_path() / "transfer-XXXXXX").string();
-    mPath = mkdtemp(name.data());
-}
-
-ScratchFolder::~ScratchFolder() {
-    std::error_code ignored;
-    std::filesystem::remove_all(mPath, ignored);
-}
-
-void ScratchFolder::Put(const MemoryFile& file) const {
-    std::ofstream(mPath / file.sName, std::ios::binary) << file.content;
-}
-
-std::optional<std::string> ScratchFolder::Get(const std::string& sName) const {
-    std::ifstream in(mPath / sName, std::ios::binary);
-    if (!in) return std::nullopt;
-    std::ostringstream text;
-    text << in.rdbuf();
-    return text.str();
-}
 
 std::vector<MemoryFile> KeptFiles() {
     std::string all;
@@ -71,8 +39,8 @@ std::vector<MemoryFile> KeptFiles() {
 
 void ExpectArrived(const ScratchFolder& folder, const std::vector<MemoryFile>& files) {
     for (const auto& file : files) {
-        const auto content = folder.Get(file.sName);
-        EXPECT_TRUE(content && *content == file.content) << file.sName;
+        EXPECT_TRUE(folder.Has(file.sName)) << file.sName;
+        EXPECT_TRUE(folder.Read(file.sName) == file.content) << file.sName;
     }
 }
 
@@ -99,25 +67,11 @@ bool PeersAreInstalled(const std::vector<std::string>& programs) {
 
 bool RunAgainst(TransferEngine& engine, FileSource* source, FileSink* sink, PeerProcess& peer,
                 Time limit) {
-    const Time start = Now();
-    Time end = start + limit;
-    engine.Start(start);
-    for (Time now = start; now < end; now = Now()) {
-        const bool ended = peer.HasEnded();
-        const std::string arrived = peer.Read();
-        if (!arrived.empty()) engine.Receive(arrived, now);
-        if (const auto due = engine.NextDeadline(); due && *due <= now) engine.Tick(now);
-        const std::string_view output = ServedOutput(engine, source, sink, now);
-        // What is said to a program that has ended is not heard, and counts as said.
-        const std::size_t sent = ended ? output.size() : peer.Write(output);
-        engine.Sent(sent, now);
-        if (ended && arrived.empty()) {
-            if (engine.IsOver()) return true;
-            end = std::min(end, now + kAfterPeer);
-        }
-        const auto due = engine.NextDeadline();
-        const bool idle = arrived.empty() && sent == 0;
-        if (idle) WaitFor(peer, !output.empty(), due ? *due - now : std::chrono::milliseconds(20));
+    PeerRun run(engine, source, sink, peer);
+    for (const Time end = Now() + limit; Now() < end;) {
+        if (run.Step(Now())) continue;
+        if (run.IsOver() && peer.HasEnded()) return true;
+        run.WaitFor();
     }
     return false;
 }

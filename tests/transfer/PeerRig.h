@@ -2,27 +2,11 @@
 
 #include "MemoryFiles.h"
 #include "PeerProcess.h"
-
-#include <filesystem>
+#include "support/ScratchFolder.h"
 
 namespace qncomm::transfer::testing {
 
-// A directory that is gone with the object.
-class ScratchFolder {
-  public:
-    ScratchFolder();
-    ScratchFolder(const ScratchFolder&) = delete;
-    ScratchFolder& operator=(const ScratchFolder&) = delete;
-    ~ScratchFolder();
-
-    [[nodiscard]] const std::filesystem::path& Path() const { return mPath; }
-    void Put(const MemoryFile& file) const;
-    // The content, or empty when there is no such file.
-    [[nodiscard]] std::optional<std::string> Get(const std::string& sName) const;
-
-  private:
-    std::filesystem::path mPath;
-};
+using qncomm::testing::ScratchFolder;
 
 // Files that every peer has to carry in both directions.
 std::vector<MemoryFile> KeptFiles();
@@ -35,7 +19,8 @@ void ExpectReceived(const MemorySink& sink, const std::vector<MemoryFile>& files
 // when CI is set.
 bool PeersAreInstalled(const std::vector<std::string>& programs);
 
-// Runs the engine against the program on the machine's clock. True when both are over before
+// Runs the engine against the program, which has as long as it likes for nothing. True when both
+// are over before
 // `limit` has passed.
 bool RunAgainst(TransferEngine& engine, FileSource* source, FileSink* sink, PeerProcess& peer,
                 Time limit);

@@ -24,7 +24,7 @@ std::string Content() {
 void SendTheRest(TransferEngine& sender, const std::vector<std::string>& command) {
     if (!PeersAreInstalled({command[0]})) return;
     const ScratchFolder folder;
-    folder.Put({"part.bin", Content().substr(0, kHave)});
+    folder.Write("part.bin", Content().substr(0, kHave));
     PeerProcess peer(command, folder.Path());
     MemorySource source(std::vector<MemoryFile>{{"part.bin", Content()}});
     source.bResume = true;
@@ -37,7 +37,7 @@ void SendTheRest(TransferEngine& sender, const std::vector<std::string>& command
 void ReceiveTheRest(TransferEngine& receiver, const std::vector<std::string>& command) {
     if (!PeersAreInstalled({command[0]})) return;
     const ScratchFolder folder;
-    folder.Put({"part.bin", Content()});
+    folder.Write("part.bin", Content());
     PeerProcess peer(command, folder.Path());
     MemorySink sink;
     sink.resumeFrom = Content().substr(0, kHave);

@@ -56,7 +56,10 @@ std::string SimulatedLine::Damage(std::string_view bytes, Time now) {
     for (const char c : bytes) {
         if (++mCarried > faults.cutAfter || Chance(faults.drop)) continue;
         char arrived = mSettings.bSevenBits ? static_cast<char>(c & 0x7F) : c;
-        if (Chance(faults.flip)) arrived = static_cast<char>(arrived ^ (1 << (mRandom() % 8)));
+        const bool chosen = mCarried == faults.flipAt;
+        mFaults += chosen ? 1 : 0;
+        if (chosen || Chance(faults.flip))
+            arrived = static_cast<char>(arrived ^ (1 << (mRandom() % 8)));
         out.push_back(arrived);
         if (Chance(faults.repeat)) out.push_back(arrived);
         if (Chance(faults.insert)) out.push_back(static_cast<char>(mRandom() >> 56U));

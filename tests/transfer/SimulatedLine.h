@@ -16,6 +16,7 @@ struct LineFaults {
     double insert = 0;
     double stall = 0; // the line stands still for stallFor
     Time stallFor{std::chrono::seconds(2)};
+    std::uint64_t flipAt = 0;       // this byte alone, counted from 1; 0: none
     std::uint64_t cutAfter = ~0ULL; // bytes, then nothing arrives any more
 };
 

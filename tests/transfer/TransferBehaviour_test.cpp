@@ -182,6 +182,23 @@ TYPED_TEST(Behaviour, NobodyThereIsSaidWithinAMinute) {
     EXPECT_NE(pair.sender.Reason().find("answered"), std::string::npos);
 }
 
+// As when flow control stops it for good: nothing that the engine says is ever taken.
+TYPED_TEST(Behaviour, ALineThatTakesNothingHoldsNoEnd) {
+    LineSettings line = PacedLine();
+    line.buffer = 0;
+    TypeParam pair({{"a.bin", kContent}}, line);
+    ASSERT_TRUE(pair.rig.Run(61s));
+    EXPECT_EQ(pair.sender.Outcome(), Outcome::Failed);
+    EXPECT_EQ(pair.receiver.Outcome(), Outcome::Failed);
+    TypeParam cancelled({{"a.bin", kContent}}, line);
+    cancelled.rig.onStep = [&](Time now) {
+        cancelled.sender.Cancel(now);
+        cancelled.receiver.Cancel(now);
+    };
+    ASSERT_TRUE(cancelled.rig.Run(11s));
+    EXPECT_EQ(cancelled.sender.Outcome(), Outcome::CancelledHere);
+}
+
 TYPED_TEST(Behaviour, ALineThatIsCutIsSaidWithinAMinute) {
     LineSettings line = PacedLine();
     line.faults.cutAfter = 20000;

@@ -1,12 +1,11 @@
 #include "EnginePair.h"
+#include "FaultCampaign.h"
 #include "transfer/KermitReceiver.h"
 #include "transfer/KermitSender.h"
 #include "transfer/ZModemReceiver.h"
 #include "transfer/ZModemSender.h"
 
 #include <gtest/gtest.h>
-
-#include <cstdlib>
 
 namespace qncomm::transfer::testing {
 
@@ -17,16 +16,17 @@ using namespace std::chrono_literals;
 using ZPair = EnginePair<ZModemSender, ZModemReceiver, ZModemSenderOptions, ZModemReceiverOptions>;
 using KPair = EnginePair<KermitSender, KermitReceiver, KermitOptions, KermitOptions>;
 
-// How many faults each test goes through: a campaign sets more.
-std::uint64_t FaultsWanted() {
-    const char* wanted = std::getenv("QN_FAULTS"); // NOLINT(concurrency-mt-unsafe): no threads here
-    return wanted != nullptr ? std::strtoull(wanted, nullptr, 10) : 10000;
-}
+// What goes wrong is the remainder of the transfer's number; these end the transfer, and the others
+// may not.
+constexpr std::uint64_t kKinds = 9;
+constexpr std::uint64_t kCut = 5;
+constexpr std::uint64_t kKilled = 6;
+constexpr std::uint64_t kDiskFull = 7;
 
 LineFaults FaultsOf(std::uint64_t seed) {
     LineFaults faults;
-    const double rate = (seed / 7) % 2 == 0 ? 1e-3 : 2e-4;
-    switch (seed % 7) {
+    const double rate = (seed / kKinds) % 2 == 0 ? 1e-3 : 2e-4;
+    switch (seed % kKinds) {
     case 0:
         faults.flip = rate;
         break;
@@ -42,11 +42,14 @@ LineFaults FaultsOf(std::uint64_t seed) {
     case 4:
         faults.stall = 1e-4;
         break;
-    case 5:
+    case kCut:
         faults.cutAfter = 100 + (seed * 7919) % 60000;
         break;
+    case kKilled:
+    case kDiskFull:
+        break; // the line is good
     default:
-        faults = {rate / 4, rate / 4, rate / 4, rate / 4, 1e-5, 3s, ~0ULL};
+        faults = {rate / 4, rate / 4, rate / 4, rate / 4, 1e-5, 3s, 0, ~0ULL};
         break;
     }
     return faults;
@@ -54,26 +57,35 @@ LineFaults FaultsOf(std::uint64_t seed) {
 
 // Whatever the line does: no wrong file, no end that never comes, and a sender that says so only
 // when it is so.
-template <class Pair>
-void Survive(std::uint64_t seed, std::uint64_t& faults) {
+template <class Pair, class SenderOptions, class ReceiverOptions>
+void Survive(std::uint64_t seed, std::uint64_t& faults, const SenderOptions& sending,
+             const ReceiverOptions& receiving) {
     const std::string content = RandomBytes(40000 + (seed * 977) % 30000, seed);
     LineSettings line = PacedLine(seed % 3 == 0 ? 11520 : 115200);
     line.faults = FaultsOf(seed);
-    Pair pair({{"first.bin", content}, {"second.bin", "x"}}, line, seed);
+    Pair pair({{"first.bin", content}, {"second.bin", "x"}}, line, seed, sending, receiving);
+    const std::uint64_t kind = seed % kKinds;
+    const std::uint64_t place = (seed * 7919) % content.size();
+    if (kind == kDiskFull) pair.sink.failWriteAt = place;
+    pair.rig.onStep = [&](Time) {
+        if (kind != kKilled || pair.receiver.Progress().bytes < place) return;
+        (seed / kKinds % 2 == 0 ? pair.rig.bSenderDead : pair.rig.bReceiverDead) = true;
+    };
     ASSERT_TRUE(pair.rig.Run(900s)) << "seed " << seed;
     EXPECT_LE(pair.rig.Elapsed() - pair.rig.LastByte(), 60s) << "seed " << seed;
     EXPECT_FALSE(pair.sink.bGap);
-    const bool cut = line.faults.cutAfter != ~0ULL;
     const auto& whole = pair.sink.Whole();
     EXPECT_TRUE(whole.empty() || whole[0].content == content) << "seed " << seed;
     EXPECT_TRUE(pair.sender.Outcome() != Outcome::Success || whole.size() == 2) << "seed " << seed;
-    if (!cut) {
+    const bool mayFail = kind == kCut || kind == kKilled || kind == kDiskFull;
+    if (!mayFail) {
         EXPECT_EQ(pair.sender.Outcome(), Outcome::Success)
             << "seed " << seed << ": " << pair.sender.Reason();
         EXPECT_EQ(pair.receiver.Outcome(), Outcome::Success)
             << "seed " << seed << ": " << pair.receiver.Reason();
     }
-    faults += pair.rig.Forth().Faults() + pair.rig.Back().Faults() + (cut ? 1 : 0);
+    EXPECT_TRUE(kind != kDiskFull || whole.empty()) << "seed " << seed;
+    faults += pair.rig.Forth().Faults() + pair.rig.Back().Faults() + (mayFail ? 1 : 0);
 }
 
 } // namespace
@@ -81,14 +93,24 @@ void Survive(std::uint64_t seed, std::uint64_t& faults) {
 TEST(TransferFaults, ZModemSurvivesWhatLinesDo) {
     std::uint64_t faults = 0;
     for (std::uint64_t seed = 1; faults < FaultsWanted(); ++seed) {
-        Survive<ZPair>(seed, faults);
+        Survive<ZPair>(seed, faults, ZModemSenderOptions{}, ZModemReceiverOptions{});
     }
 }
 
 TEST(TransferFaults, KermitSurvivesWhatLinesDo) {
     std::uint64_t faults = 0;
     for (std::uint64_t seed = 1; faults < FaultsWanted(); ++seed) {
-        Survive<KPair>(seed, faults);
+        Survive<KPair>(seed, faults, KermitOptions{}, KermitOptions{});
+    }
+}
+
+// It ends at the first fault, so each file has only so many.
+TEST(TransferFaults, StreamingKermitSurvivesWhatLinesDo) {
+    KermitOptions options;
+    options.bReliable = true;
+    std::uint64_t faults = 0;
+    for (std::uint64_t seed = 1; faults < FaultsWanted(); ++seed) {
+        Survive<KPair>(seed, faults, options, options);
     }
 }
 

@@ -29,10 +29,12 @@ bool TransferRig::Run(Time limit) {
     mReceiver.engine.Start(mNow);
     mSender.engine.Start(mNow);
     while (mNow - kStart <= limit) {
-        const bool sent = Step(mSender, mForth, mBack);
-        const bool received = Step(mReceiver, mBack, mForth);
+        const bool sent = bSenderDead ? Drain(mBack) : Step(mSender, mForth, mBack);
+        const bool received = bReceiverDead ? Drain(mForth) : Step(mReceiver, mBack, mForth);
         if (onStep) onStep(mNow);
-        if (mSender.engine.IsOver() && mReceiver.engine.IsOver()) return true;
+        if ((bSenderDead || mSender.engine.IsOver())
+            && (bReceiverDead || mReceiver.engine.IsOver()))
+            return true;
         AdvanceClock(sent || received || !mForth.IsIdle() || !mBack.IsIdle());
     }
     return false;
@@ -40,6 +42,12 @@ bool TransferRig::Run(Time limit) {
 
 Time TransferRig::Farewell() const {
     return std::max(mSender.overAt, mReceiver.overAt) - std::min(mSender.overAt, mReceiver.overAt);
+}
+
+// What comes to an end that is dead is lost.
+bool TransferRig::Drain(SimulatedLine& in) {
+    in.Advance(mNow);
+    return !in.Arrived(mNow).empty();
 }
 
 // One end takes what arrived, is told the time, and puts what the line takes. True when anything

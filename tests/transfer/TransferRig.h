@@ -28,6 +28,10 @@ class TransferRig {
     // The last moment at which a byte reached an end.
     [[nodiscard]] Time LastByte() const { return mLastByte - kStart; }
 
+    // An end whose program was killed: it does nothing any more and counts as over.
+    bool bSenderDead = false;
+    bool bReceiverDead = false;
+
     // Called after every step; a test acts in it (cancels, looks at the phase).
     std::function<void(Time)> onStep;
 
@@ -42,6 +46,7 @@ class TransferRig {
     };
 
     bool Step(End& end, SimulatedLine& out, SimulatedLine& in);
+    bool Drain(SimulatedLine& in);
     void AdvanceClock(bool bBusy);
 
     End mSender;

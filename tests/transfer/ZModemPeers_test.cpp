@@ -6,54 +6,85 @@
 
 namespace qncomm::transfer::testing {
 
+// What the sending side is told.
+struct ZModemSetting {
+    bool bEscape;
+    bool bLong;
+    bool bWindow;
+};
+
 namespace {
 
 using namespace std::chrono_literals;
 
-using Flags = std::vector<std::string>;
+// What a run may take; the machine may be busy with others.
+constexpr Time kLimit = 300s;
+constexpr int kWindow = 4096; // bytes
+
+std::vector<ZModemSetting> Settings() {
+    std::vector<ZModemSetting> settings;
+    for (const bool escape : {false, true})
+        for (const bool isLong : {false, true})
+            for (const bool window : {false, true})
+                settings.push_back({escape, isLong, window});
+    return settings;
+}
 
 } // namespace
 
-class ZModemPeers : public ::testing::TestWithParam<Flags> {};
+void PrintTo(const ZModemSetting& setting, std::ostream* out) {
+    *out << (setting.bEscape ? "all controls escaped, " : "") << (setting.bLong ? "8" : "1")
+         << " KiB" << (setting.bWindow ? ", a window" : "");
+}
 
+class ZModemPeers : public ::testing::TestWithParam<ZModemSetting> {};
+
+// Once with what the sender is told, once with what the receiver asks for.
 TEST_P(ZModemPeers, ReceiveWhatIsSent) {
     if (!PeersAreInstalled({"rz"})) return;
-    const ScratchFolder folder;
-    Flags command = {"rz", "-b", "-q"};
-    command.insert(command.end(), GetParam().begin(), GetParam().end());
-    std::erase(command, "-8"); // is the sender's alone
-    if (GetParam().size() == 2 && GetParam()[0] == "-w") command = {"rz", "-b", "-q", "-B", "8192"};
-    PeerProcess peer(command, folder.Path());
-    ZModemSenderOptions options;
-    options.bEscapeControls = !GetParam().empty() && GetParam()[0] == "-e";
-    options.subpacket = !GetParam().empty() && GetParam()[0] == "-8" ? 8192 : 1024;
-    ZModemSender sender(options);
-    MemorySource source(KeptFiles());
-    EXPECT_TRUE(RunAgainst(sender, &source, nullptr, peer, 50s));
-    EXPECT_EQ(sender.Outcome(), Outcome::Success) << sender.Reason();
-    EXPECT_EQ(sender.Progress().repairs, 0U);
-    ExpectArrived(folder, KeptFiles());
+    for (const bool asked : {false, true}) {
+        const ScratchFolder folder;
+        std::vector<std::string> command = {"rz", "-b", "-q"};
+        if (asked && GetParam().bEscape) command.emplace_back("-e");
+        if (asked && GetParam().bWindow)
+            command.insert(command.end(), {"-w", std::to_string(kWindow)});
+        PeerProcess peer(command, folder.Path());
+        ZModemSenderOptions options;
+        options.bEscapeControls = !asked && GetParam().bEscape;
+        options.subpacket = GetParam().bLong ? 8192 : 1024;
+        options.window = !asked && GetParam().bWindow ? kWindow : 0;
+        ZModemSender sender(options);
+        MemorySource source(KeptFiles());
+        EXPECT_TRUE(RunAgainst(sender, &source, nullptr, peer, kLimit));
+        EXPECT_EQ(sender.Outcome(), Outcome::Success) << sender.Reason();
+        EXPECT_EQ(sender.Progress().repairs, 0U);
+        ExpectArrived(folder, KeptFiles());
+    }
 }
 
 TEST_P(ZModemPeers, SendWhatIsReceived) {
     if (!PeersAreInstalled({"sz"})) return;
     const ScratchFolder folder;
-    Flags command = {"sz", "-b", "-q"};
-    command.insert(command.end(), GetParam().begin(), GetParam().end());
+    std::vector<std::string> command = {"sz", "-b", "-q"};
+    if (GetParam().bEscape) command.emplace_back("-e");
+    if (GetParam().bLong) command.emplace_back("-8");
+    if (GetParam().bWindow) command.insert(command.end(), {"-w", std::to_string(kWindow)});
     for (const auto& file : KeptFiles()) {
-        folder.Put(file);
+        folder.Write(file.sName, file.content);
         command.push_back(file.sName);
     }
     PeerProcess peer(command, folder.Path());
     ZModemReceiver receiver;
     MemorySink sink;
-    EXPECT_TRUE(RunAgainst(receiver, nullptr, &sink, peer, 50s));
+    EXPECT_TRUE(RunAgainst(receiver, nullptr, &sink, peer, kLimit));
     EXPECT_EQ(receiver.Outcome(), Outcome::Success) << receiver.Reason();
-    EXPECT_EQ(receiver.Progress().repairs, 0U);
+    // A window that holds no whole subpacket stops sz until it is asked again, by whomever.
+    if (!GetParam().bLong || !GetParam().bWindow) {
+        EXPECT_EQ(receiver.Progress().repairs, 0U);
+    }
     ExpectReceived(sink, KeptFiles());
 }
 
-INSTANTIATE_TEST_SUITE_P(Settings, ZModemPeers,
-                         ::testing::Values(Flags{}, Flags{"-e"}, Flags{"-8"}, Flags{"-w", "4096"}));
+INSTANTIATE_TEST_SUITE_P(Combinations, ZModemPeers, ::testing::ValuesIn(Settings()));
 
 } // namespace qncomm::transfer::testing

@@ -39,8 +39,8 @@ class Event {
     }
 
     void Raise(Args... args) const {
-        const auto slots = mSlots; // handlers may connect others
-        for (const auto& weak : slots)
+        const auto connected = mSlots; // handlers may connect others
+        for (const auto& weak : connected)
             if (const auto slot = weak.lock()) (*slot)(args...);
     }
 

@@ -29,7 +29,10 @@ enum RuntimeErrorNumber : std::int32_t {
     RtPathFileAccess = 75,
     RtPathNotFound = 76,
     RtObjectNotSet = 91,
+    RtNoSuchMember = 438,
     RtAutomation = 440,
+    RtArgumentMissing = 449,
+    RtArgumentCount = 450,
     RtDuplicateKey = 457,
 };
 

@@ -32,6 +32,7 @@
 
 namespace qncomm {
 
+class clsDataLink;
 class clsQuorin;
 
 /// What a control asks of the desktop it runs on.
@@ -51,6 +52,9 @@ struct ControlParts {
     ViewportTerminal& terminal;
     ControlHost& host;
     ControlWindow& window;
+    /// Whoever owns the serial control; kept as long as an operation or an event of the control is
+    /// on the stack. May be null: the serial control then outlives them by other means.
+    std::shared_ptr<void> keep = {};
 };
 
 /// The arguments of PrintFont; what it uses in place of 0 and empty texts is written back.
@@ -81,7 +85,8 @@ struct ModuleUploadArgs {
 /// text that a macro or PasteCB would send is refused quietly. TearDown may be called, and the
 /// control may be destroyed, from within its own events.
 ///
-/// Parts and services outlive the control and the turn of the loop after its end.
+/// Parts and services outlive the control, and what of it is on the stack at its end, by a turn of
+/// the loop; ControlParts::keep does that for the serial control.
 class QNComm {
   public:
     QNComm(const ControlParts& parts, const ControlServices& services);
@@ -158,6 +163,11 @@ class QNComm {
 
     // -- Transfers. Raise 1022 (downloads) and 1023 (uploads) when the transfer failed.
 
+    /// Sends a host file by Kermit in place of the printer's file sDestination ("ram:NAME"; the
+    /// file's own name when it is empty). With bManual the person has started the printer's side
+    /// and no command is sent. Raises 1011 for a host file that is not there.
+    void KermitUpload(const std::string& sSource, const std::string& sDestination,
+                      bool bManual = false);
     /// Receives printer file sSource by Kermit into a host file; progress counts against the size
     /// in its device's listing, 5120 bytes when that tells none.
     void KermitDownload(const std::string& sSource, const std::string& sDestination);
@@ -219,6 +229,14 @@ class QNComm {
     void TearDown();
     bool IsProgramRunable();
 
+    // -- For hosts that need what the surface does not offer. Both raise 91 at design time and
+    // after TearDown, which they do not outlive.
+
+    /// The printer's command layer.
+    clsQuorin& Layer() const;
+    /// The link that owns the port.
+    clsDataLink& Link() const;
+
     // -- What a face shows and hands in
 
     const std::string& Caption() const { return mCaption; }
@@ -229,7 +247,7 @@ class QNComm {
     /// A new instance on a form: docked at the bottom, font "Courier".
     void UserControl_InitProperties();
     /// Reads the properties and, in user mode, makes and wires link and command layer. Raises 13 or
-    /// 6 for a value of a wrong type; nothing has changed then.
+    /// 6 for a value of a wrong type and 5 for a grid that cannot be; nothing has changed then.
     void UserControl_ReadProperties(const PropertyBag& bag);
     void UserControl_WriteProperties(PropertyBag& bag) const;
     void UserControl_Show();

@@ -262,8 +262,11 @@ class clsDataLink {
     [[noreturn]] void Fail(std::int32_t number, std::string_view source);
 
     void Yield(std::int32_t limit);
-    /// Raises StatusEvent; True when a handler cancels.
-    bool ReportStatus(std::string message, std::int16_t progress);
+    /// Raises StatusEvent; True when a handler cancels. What it makes of the message stays.
+    bool ReportStatus(std::string& message, std::int16_t progress);
+    bool ReportStatus(std::string&& message, std::int16_t progress) {
+        return ReportStatus(message, progress);
+    }
     void Handshake();
     void WaitForEcho();
     /// Waits until the received text holds "Ok" CR LF; raises what InputText raises for none.

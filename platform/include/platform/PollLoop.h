@@ -1,5 +1,6 @@
 #pragma once
 
+#include "platform/AlarmQueue.h"
 #include "platform/Reactor.h"
 
 #include <cstddef>
@@ -42,23 +43,17 @@ class PollLoop final : public Reactor {
 
   private:
     class WatchSlot;
-    class AlarmSlot;
-    class IntervalTimer;
     friend class WatchSlot;
-    friend class AlarmSlot;
 
     using FdHandler = std::shared_ptr<const std::function<void(FdEvents)>>;
 
-    bool RunAlarms(std::int64_t now);
     void RunWatches();
-    std::int64_t NextDue() const;
     void CheckInterrupt(std::int64_t now);
     std::size_t FreeSlot();
 
     std::vector<pollfd> mPoll; ///< one entry for each watch; the first is the interrupt's
     std::vector<FdHandler> mHandlers;
-    std::vector<AlarmSlot*> mAlarms;
-    std::vector<AlarmSlot*> mDue; ///< those that the running round still has to call
+    AlarmQueue mAlarms;
     Interrupt* mInterrupt;
     std::int64_t mGraceUs;
     std::int64_t mCancelAt;          ///< when a raised interrupt ends the running operation

@@ -208,7 +208,8 @@ class clsQuorin {
     void SendLine(std::string_view line);
     Reply Read(std::int32_t timeout, bool checkErrors = true);
     Reply Ask(std::string_view line, std::int32_t timeout, bool checkErrors = true);
-    bool Report(std::string message, std::int16_t progress);
+    bool Report(std::string& message, std::int16_t progress);
+    bool Report(std::string&& message, std::int16_t progress) { return Report(message, progress); }
     void ReportDone(std::string message);
     MsgBoxResult AskPerson(const MsgBox& box);
 
@@ -240,8 +241,8 @@ class clsQuorin {
     // ModuleUpload.cpp
     void BeginTyping();
     Reply EndTyping();
-    Reply TypeModule(const std::vector<std::string>& lines, const std::string& message);
-    void TypeLines(const std::vector<std::string>& lines, const std::string& message);
+    Reply TypeModule(const std::vector<std::string>& lines, std::string message);
+    void TypeLines(const std::vector<std::string>& lines, std::string& message);
     void LinkModules(const Collection<std::string>& modules, std::string_view header);
 
     // Transfers.cpp

@@ -52,6 +52,9 @@ class ByteChannel {
 
     /// Bytes that Write took and that have not left for the line, as far as the device tells.
     virtual std::size_t OutputPending() = 0;
+    /// Whether what is written arrives as it is or the channel is lost, as far as this side can
+    /// tell.
+    virtual bool IsReliable() const { return false; }
     virtual void DiscardInput() = 0;
     virtual void DiscardOutput() = 0;
 

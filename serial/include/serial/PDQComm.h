@@ -109,7 +109,7 @@ class PDQComm final : public SerialControl {
     void SetTerminalSink(TerminalSink sink) { mTerminal = std::move(sink); }
 
     /// Keys typed at the terminal, to the line. Takes as many bytes as there is space for and
-    /// returns how many; none while the port is closed.
+    /// returns how many; none while the port is closed or a transfer has it.
     std::size_t TypeKeys(std::string_view sKeys);
 
     /// How the next transfers are done.

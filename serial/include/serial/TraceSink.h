@@ -7,6 +7,9 @@ namespace qncomm {
 
 enum class TraceKind { Sent, Received, Event };
 
+/// How the text of the event begins that tells that the open line was lost; the reason follows.
+inline constexpr std::string_view LostLineEvent = "lost: ";
+
 /// Receives everything that travels on the line and what happens to the port.
 class TraceSink {
   public:

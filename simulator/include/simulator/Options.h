@@ -20,6 +20,8 @@ struct LineFormat {
     std::optional<int> dataBits; // 7 or 8
     std::optional<int> stopBits; // 1 or 2
     std::optional<char> parity;  // 'n', 'e', 'o', 'm' or 's'
+
+    bool operator==(const LineFormat&) const = default;
 };
 
 /// Something that happens to a byte with a probability; the same seed gives the same bytes.

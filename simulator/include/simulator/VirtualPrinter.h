@@ -52,6 +52,9 @@ class VirtualPrinter {
     /// work first).
     std::string ToHost(Micros now, std::size_t max);
 
+    /// Whether bytes take their time on the line.
+    bool Paced() const;
+
     /// Host bytes still on the wire: 0 unless the line is paced.
     std::size_t PendingFromHost(Micros now) const;
 

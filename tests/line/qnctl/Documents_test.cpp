@@ -1,12 +1,11 @@
 #include "ConsoleBlocks.h"
 #include "Program.h"
+#include "support/ScratchFolder.h"
 
 #include <gmock/gmock.h>
 
 #include <cstdlib>
 #include <filesystem>
-#include <fstream>
-#include <iterator>
 #include <memory>
 
 namespace {
@@ -40,28 +39,18 @@ TEST(ConsoleBlocks, MatchLineForLineAndAnEllipsisStandsForAny) {
     EXPECT_FALSE(Matches({"a", "…", "z"}, {"a", "m"}));
 }
 
-std::string BytesOf(const fs::path& path) {
-    std::ifstream in(path, std::ios::binary);
-    return {std::istreambuf_iterator<char>(in), {}};
+/// A file of the project.
+std::string BytesOf(const std::string& name) {
+    return qncomm::testing::ContentOf(std::string(QN_SOURCE_DIR) + "/" + name);
 }
 
 /// Runs a document's sessions in an empty folder, as a reader would: the programs are found by
 /// name, and what a document keeps in /tmp is kept in that folder.
 class Document : public testing::TestWithParam<const char*> {
   protected:
-    Document() {
-        std::string name = (fs::temp_directory_path() / "qn-docs-XXXXXX").string();
-        if (::mkdtemp(name.data()) == nullptr) throw 0;
-        mFolder = name;
-    }
-    ~Document() override {
-        mServers.clear();
-        fs::remove_all(mFolder);
-    }
-
     std::string InFolder(std::string text) const {
         const std::string shown = "/tmp/";
-        const std::string real = mFolder.string() + "/";
+        const std::string real = mFolder.Path() + "/";
         for (std::size_t at = 0; (at = text.find(shown, at)) != std::string::npos;
              at += real.size())
             text.replace(at, shown.size(), real);
@@ -79,10 +68,10 @@ class Document : public testing::TestWithParam<const char*> {
         const char* path = std::getenv("PATH");
         return std::make_unique<Program>(
             Lines{"bash", "-c",
-                  "cd '" + mFolder.string() + "' && { " + InFolder(command) + "\n} 2>&1"},
+                  "cd '" + mFolder.Path() + "' && { " + InFolder(command) + "\n} 2>&1"},
             Program::Stdio::Pipes,
             Lines{"PATH=" QN_PROGRAMS ":" + std::string(path != nullptr ? path : "/usr/bin:/bin"),
-                  "XDG_CONFIG_HOME=" + mFolder.string(), "HOME=" + mFolder.string()});
+                  "XDG_CONFIG_HOME=" + mFolder.Path(), "HOME=" + mFolder.Path()});
     }
 
     void Check(const ShownCommand& shown) {
@@ -104,12 +93,12 @@ class Document : public testing::TestWithParam<const char*> {
             << program->Out();
     }
 
-    fs::path mFolder;
+    qncomm::testing::ScratchFolder mFolder;
     std::vector<std::unique_ptr<Program>> mServers;
 };
 
 TEST_P(Document, ShowsWhatItsCommandsReallyPrint) {
-    const auto commands = CommandsOf(BytesOf(fs::path(QN_SOURCE_DIR) / GetParam()));
+    const auto commands = CommandsOf(BytesOf(GetParam()));
     EXPECT_FALSE(commands.empty());
     for (const ShownCommand& shown : commands)
         Check(shown);
@@ -119,11 +108,11 @@ TEST_P(Document, ShowsWhatItsCommandsReallyPrint) {
 class DocumentWithLabel : public Document {};
 
 TEST_P(DocumentWithLabel, ShowsTheLabelThatItsCommandsPrint) {
-    for (const ShownCommand& shown : CommandsOf(BytesOf(fs::path(QN_SOURCE_DIR) / GetParam())))
+    for (const ShownCommand& shown : CommandsOf(BytesOf(GetParam())))
         if (shown.command.find("label.txt") != std::string::npos) Check(shown);
-    const std::string printed = BytesOf(mFolder / "pictures" / "label-0001.png");
+    const std::string printed = mFolder.Read("pictures/label-0001.png");
     EXPECT_FALSE(printed.empty());
-    EXPECT_TRUE(printed == BytesOf(fs::path(QN_SOURCE_DIR) / "docs" / "label.png"));
+    EXPECT_TRUE(printed == BytesOf("docs/label.png"));
 }
 
 INSTANTIATE_TEST_SUITE_P(Readme, DocumentWithLabel, testing::Values("README.md"));

@@ -1,8 +1,5 @@
 #include "QnctlFixture.h"
 
-#include <cstdlib>
-#include <fstream>
-#include <iterator>
 #include <stdexcept>
 
 namespace qntest {
@@ -28,36 +25,28 @@ nlohmann::json Ended::Failure() const {
     return Parsed(err);
 }
 
-QnctlFixture::QnctlFixture() {
-    std::string name = (fs::temp_directory_path() / "qnctl-XXXXXX").string();
-    if (::mkdtemp(name.data()) == nullptr) throw std::runtime_error("no folder");
-    mFolder = name;
+Ended EndedOf(Program& program) {
+    Ended ended;
+    ended.status = program.Wait();
+    ended.out = program.Out();
+    ended.err = program.Err();
+    ended.peakKb = program.PeakKb();
+    return ended;
 }
 
-QnctlFixture::~QnctlFixture() {
-    mSimulator.reset();
-    fs::remove_all(mFolder);
-}
-
-std::unique_ptr<Program> QnctlFixture::Start(const Arguments& arguments,
-                                             Program::Stdio stdio) const {
-    Arguments command{(Programs / "qnctl").string()};
+std::unique_ptr<Program> QnctlFixture::Start(const Arguments& arguments, Program::Stdio stdio,
+                                             Arguments command) const {
+    command.push_back((Programs / "qnctl").string());
     command.insert(command.end(), arguments.begin(), arguments.end());
     return std::make_unique<Program>(
-        command, stdio,
-        Arguments{"XDG_CONFIG_HOME=" + mFolder.string(), "HOME=" + mFolder.string()});
+        command, stdio, Arguments{"XDG_CONFIG_HOME=" + mFolder.Path(), "HOME=" + mFolder.Path()});
 }
 
 Ended QnctlFixture::Run(const Arguments& arguments, std::string_view input) const {
     const auto program = Start(arguments);
     if (!input.empty()) program->Type(input);
     program->CloseInput();
-    Ended ended;
-    ended.status = program->Wait();
-    ended.out = program->Out();
-    ended.err = program->Err();
-    ended.peakKb = program->PeakKb();
-    return ended;
+    return EndedOf(*program);
 }
 
 void QnctlFixture::StartSimulator(const Arguments& options) {
@@ -67,15 +56,6 @@ void QnctlFixture::StartSimulator(const Arguments& options) {
     command.insert(command.end(), options.begin(), options.end());
     mSimulator = std::make_unique<Program>(command);
     if (!mSimulator->WaitForOut("\n")) throw std::runtime_error("qnsim: " + mSimulator->Err());
-}
-
-std::string QnctlFixture::SettingsText() const {
-    std::ifstream in(SettingsPath(), std::ios::binary);
-    return {std::istreambuf_iterator<char>(in), {}};
-}
-
-void QnctlFixture::WriteHostFile(const std::string& name, std::string_view text) const {
-    std::ofstream(mFolder / name, std::ios::binary) << text;
 }
 
 } // namespace qntest

@@ -1,11 +1,11 @@
 #pragma once
 
 #include "Program.h"
+#include "support/ScratchFolder.h"
 
 #include <gmock/gmock.h>
 #include <nlohmann/json.hpp>
 
-#include <filesystem>
 #include <memory>
 #include <string>
 #include <vector>
@@ -27,16 +27,17 @@ struct Ended {
     nlohmann::json Failure() const;
 };
 
+/// Waits for the program's end.
+Ended EndedOf(Program& program);
+
 /// Runs the command line in a folder of its own, with settings of its own, and a virtual printer
 /// beside it when a test asks for one.
 class QnctlFixture : public testing::Test {
   protected:
-    QnctlFixture();
-    ~QnctlFixture() override;
-
-    /// Starts qnctl with these arguments.
+    /// Starts qnctl with these arguments, behind a command that runs it when there is one.
     std::unique_ptr<Program> Start(const Arguments& arguments,
-                                   Program::Stdio stdio = Program::Stdio::Pipes) const;
+                                   Program::Stdio stdio = Program::Stdio::Pipes,
+                                   Arguments command = {}) const;
     /// Runs qnctl to its end, with this input.
     Ended Run(const Arguments& arguments, std::string_view input = {}) const;
 
@@ -45,15 +46,20 @@ class QnctlFixture : public testing::Test {
     /// The virtual printer's program.
     Program& Simulator() { return *mSimulator; }
     void StopSimulator() { mSimulator.reset(); }
-    std::string Printer() const { return (mFolder / "printer").string(); }
+    std::string Printer() const { return mFolder.File("printer"); }
 
-    std::string SettingsPath() const { return (mFolder / "qncomm" / "settings.ini").string(); }
-    std::string SettingsText() const;
-    std::string PathOf(const std::string& name) const { return (mFolder / name).string(); }
-    void WriteHostFile(const std::string& name, std::string_view text) const;
+    std::string SettingsPath() const { return mFolder.File("qncomm/settings.ini"); }
+    std::string SettingsText() const { return mFolder.Read("qncomm/settings.ini"); }
+    std::string PathOf(const std::string& name) const { return mFolder.File(name); }
+    void WriteHostFile(const std::string& name, std::string_view text) const {
+        mFolder.Write(name, text);
+    }
+    /// The whole content of a file in the folder, empty when there is none.
+    std::string HostFile(const std::string& name) const { return mFolder.Read(name); }
+    bool HasHostFile(const std::string& name) const { return mFolder.Has(name); }
 
   private:
-    std::filesystem::path mFolder;
+    qncomm::testing::ScratchFolder mFolder;
     std::unique_ptr<Program> mSimulator;
 };
 

@@ -2,8 +2,6 @@
 #include "QnctlFixture.h"
 
 #include <csignal>
-#include <fstream>
-#include <iterator>
 
 namespace {
 
@@ -21,11 +19,6 @@ class Replay : public qntest::QnctlFixture {
                                         Printer(), std::string("--quiet")})
             arguments.push_back(word);
         return Run(arguments);
-    }
-
-    std::string Contents(const std::string& name) const {
-        std::ifstream in(PathOf(name), std::ios::binary);
-        return {std::istreambuf_iterator<char>(in), {}};
     }
 
   private:
@@ -67,6 +60,25 @@ TEST_F(Replay, TellsWhatTheHostLeftOut) {
     EXPECT_THAT(Simulator().Err(), HasSubstr("got nothing more"));
 }
 
+TEST_F(Replay, LineThatWasLostIsCutAgain) {
+    StartSimulator({"--model", "R7A", "--fault", "cut=300"});
+    const Ended recorded = RunFresh({"files", "ram:", "--trace", PathOf("trace")});
+    EXPECT_NE(recorded.status, 0);
+    ASSERT_THAT(HostFile("trace"), HasSubstr("\"event\",\"bytes\":\"lost: "));
+    for (const bool tcp : {false, true}) {
+        Arguments options{"--replay", PathOf("trace")};
+        if (tcp) options.insert(options.end(), {"--tcp", "0"});
+        StartSimulator(options);
+        std::string address = Simulator().Out();
+        address.erase(address.find('\n'));
+        const Ended replayed = Run({"files", "ram:", "--settings", PathOf(tcp ? "tcp" : "pty"),
+                                    "--port", address, "--trace", PathOf("again"), "--quiet"});
+        EXPECT_EQ(replayed.status, recorded.status) << replayed.err;
+        EXPECT_THAT(HostFile("again"), HasSubstr("\"event\",\"bytes\":\"lost: "));
+        EXPECT_EQ(Simulator().Wait(), 0) << Simulator().Err();
+    }
+}
+
 TEST_F(Replay, FileThatIsNoTraceIsRefused) {
     WriteHostFile("text", "no trace\n\n");
     EXPECT_THROW(StartSimulator({"--replay", PathOf("text")}), std::runtime_error);
@@ -78,10 +90,10 @@ TEST_F(Replay, RedactedTraceLacksTheFileAndStillPlays) {
     const Ended recorded =
         RunFresh({"fileload", PathOf("DATA.BIN"), "--trace", PathOf("trace"), "--yes"});
     ASSERT_EQ(recorded.status, 0) << recorded.err;
-    ASSERT_THAT(Contents("trace"), HasSubstr("the secret of the file"));
+    ASSERT_THAT(HostFile("trace"), HasSubstr("the secret of the file"));
     EXPECT_EQ(Run({"trace", "redact", PathOf("trace"), PathOf("redacted")}).status, 0);
-    EXPECT_THAT(Contents("redacted"), testing::Not(HasSubstr("secret")));
-    EXPECT_THAT(Contents("redacted"), HasSubstr("\"redacted\":22"));
+    EXPECT_THAT(HostFile("redacted"), testing::Not(HasSubstr("secret")));
+    EXPECT_THAT(HostFile("redacted"), HasSubstr("\"redacted\":22"));
     StartSimulator({"--replay", PathOf("redacted")});
     const Ended replayed = RunFresh({"fileload", PathOf("DATA.BIN"), "--yes"});
     EXPECT_EQ(replayed.status, 0) << replayed.err;

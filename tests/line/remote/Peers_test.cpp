@@ -2,6 +2,7 @@
 #include "Rfc2217Endpoint.h"
 #include "ServedPrinter.h"
 #include "platform/PollLoop.h"
+#include "support/ScratchFolder.h"
 #include "support/Stack.h"
 
 #include <gmock/gmock.h>
@@ -78,14 +79,6 @@ bool Have(std::initializer_list<const char*> paths) {
 
 class Peers : public ::testing::Test {
   protected:
-    Peers() { fs::create_directories(mFolder); }
-    ~Peers() override { fs::remove_all(mFolder); }
-
-    std::string Contents(const std::string& name) const {
-        std::ifstream in(mFolder / name, std::ios::binary);
-        return {std::istreambuf_iterator<char>(in), {}};
-    }
-
     /// A port that was free a moment ago.
     static std::string FreePort() {
         const auto opened = qnsim::Rfc2217Endpoint::Open(0);
@@ -93,7 +86,7 @@ class Peers : public ::testing::Test {
         return address.substr(address.rfind(':') + 1);
     }
 
-    fs::path mFolder = fs::path(::testing::TempDir()) / ("qn-peers-" + std::to_string(::getpid()));
+    ScratchFolder mFolder;
     PollLoop mLoop;
 };
 
@@ -103,15 +96,16 @@ TEST_F(Peers, Ser2netCarriesTheSearchAndTheExchange) {
     if (!Have({Ser2net})) return;
     const auto printer = PrinterOnPty("R7G?baud=57600&format=n,7,1");
     const std::string port = FreePort();
-    std::ofstream(mFolder / "ser2net.yaml")
+    std::ofstream(mFolder.File("ser2net.yaml"))
         << "%YAML 1.1\n---\nconnection: &printer\n  accepter: telnet(rfc2217),tcp,127.0.0.1,"
         << port << "\n  connector: serialdev," << printer->Address() << ",9600n81,local\n";
-    const Peer server({Ser2net, "-n", "-c", mFolder / "ser2net.yaml"}, mFolder / "ser2net.log");
+    const Peer server({Ser2net, "-n", "-c", mFolder.File("ser2net.yaml")},
+                      mFolder.File("ser2net.log"));
     Stack stack(mLoop, "rfc2217://127.0.0.1:" + port, {{"AutoConnctSettings", "Baud1", "57600"}});
     const std::int64_t limit = mLoop.NowMs() + 20'000;
     while (!stack.mSerial.ProbePort(1) && mLoop.NowMs() < limit)
         mLoop.WaitFor(-1, {}, 5000);
-    ASSERT_TRUE(stack.mLink.AutoConnect(1)) << Contents("ser2net.log");
+    ASSERT_TRUE(stack.mLink.AutoConnect(1)) << mFolder.Read("ser2net.log");
     EXPECT_EQ(stack.mLink.Baudrate(), "57600");
     EXPECT_EQ(stack.mLink.Stopbits(), "1");
     EXPECT_EQ(stack.mMessages.at(4), "Searching... 57600,n,7,1")
@@ -161,13 +155,14 @@ port.close()
 TEST_F(Peers, PySerialSetsTheLineAsksAndBreaks) {
     if (!Have({Python, PySerial})) return;
     const auto printer = PrinterOnRfc2217("R7G?baud=57600&format=e,8,2");
-    std::ofstream(mFolder / "client.py") << Script;
-    Peer client({Python, mFolder / "client.py", printer->Address()}, mFolder / "client.log");
+    std::ofstream(mFolder.File("client.py")) << Script;
+    Peer client({Python, mFolder.File("client.py"), printer->Address()},
+                mFolder.File("client.log"));
     EXPECT_EQ(client.Wait(), 0);
-    EXPECT_EQ(Contents("client.log"), "answer b'PRINT 6*7\\r\\n42\\r\\nOk\\r\\n'\n"
-                                      "dsr True\n"
-                                      "understood at another rate False\n"
-                                      "stopped by the break True\n");
+    EXPECT_EQ(mFolder.Read("client.log"), "answer b'PRINT 6*7\\r\\n42\\r\\nOk\\r\\n'\n"
+                                          "dsr True\n"
+                                          "understood at another rate False\n"
+                                          "stopped by the break True\n");
 }
 
 TEST_F(Peers, OwnChannelBreaksARunningProgramToo) {

@@ -6,6 +6,7 @@
 #include "serial/PortBindings.h"
 #include "serial/PortListing.h"
 #include "serial/SerialDevices.h"
+#include "support/ScratchFolder.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -116,12 +117,12 @@ TEST(Bindings, TheStrongerSourceKeepsTheNumber) {
 }
 
 TEST(Bindings, ADeviceKnownByALinkGetsNoSecondNumber) {
-    const TempFolder folder;
-    std::ofstream(folder.Path("ttyUSB0")) << "";
-    std::filesystem::create_symlink(folder.Path("ttyUSB0"), folder.Path("by-id"));
+    const ScratchFolder folder;
+    std::ofstream(folder.File("ttyUSB0")) << "";
+    std::filesystem::create_symlink(folder.File("ttyUSB0"), folder.File("by-id"));
     PortBindings bindings;
-    EXPECT_EQ(bindings.Give(5, folder.Path("by-id")), "");
-    bindings.AddDevices({{folder.Path("ttyUSB0"), "Adapter"}});
+    EXPECT_EQ(bindings.Give(5, folder.File("by-id")), "");
+    bindings.AddDevices({{folder.File("ttyUSB0"), "Adapter"}});
     EXPECT_THAT(bindings.List(), SizeIs(1));
     EXPECT_EQ(bindings.Find(5)->description, "Adapter");
 }
@@ -170,12 +171,12 @@ TEST(Listing, TellsTheStateOfEachPort) {
 class DevicesTest : public ::testing::Test {
   protected:
     void Add(const std::string& name, bool hardware, const std::string& type = "") {
-        const std::filesystem::path entry = std::filesystem::path(mFolder.Path("tty")) / name;
+        const std::filesystem::path entry = std::filesystem::path(mFolder.File("tty")) / name;
         std::filesystem::create_directories(hardware ? entry / "device" : entry);
         if (!type.empty()) std::ofstream(entry / "type") << type << "\n";
     }
 
-    TempFolder mFolder;
+    ScratchFolder mFolder;
 };
 
 TEST_F(DevicesTest, OnlyThoseWithHardwareAreFoundInAStableOrder) {
@@ -188,27 +189,27 @@ TEST_F(DevicesTest, OnlyThoseWithHardwareAreFoundInAStableOrder) {
     Add("console", true);
     Add("ttyprintk", true);
     std::vector<std::string> paths;
-    for (const SerialDevice& device : FindSerialDevices({mFolder.Path("tty"), "/dev"}))
+    for (const SerialDevice& device : FindSerialDevices({mFolder.File("tty"), "/dev"}))
         paths.push_back(device.path);
     EXPECT_THAT(paths, ElementsAre("/dev/ttyUSB9", "/dev/ttyUSB10", "/dev/ttyACM0", "/dev/ttyS0",
                                    "/dev/ttyS2", "/dev/ttyS10", "/dev/ttyAMA1"));
 }
 
 TEST_F(DevicesTest, AUsbAdapterIsCalledByItsName) {
-    const std::filesystem::path usb = mFolder.Path("usb1");
+    const std::filesystem::path usb = mFolder.File("usb1");
     std::filesystem::create_directories(usb / "1-1:1.0" / "ttyUSB0");
     std::ofstream(usb / "product") << "Serial Adapter\n";
     std::ofstream(usb / "manufacturer") << "Somebody\n";
-    std::filesystem::create_directories(mFolder.Path("tty") + "/ttyUSB0");
+    std::filesystem::create_directories(mFolder.File("tty") + "/ttyUSB0");
     std::filesystem::create_symlink(usb / "1-1:1.0" / "ttyUSB0",
-                                    mFolder.Path("tty") + "/ttyUSB0/device");
-    const auto devices = FindSerialDevices({mFolder.Path("tty"), "/dev"});
+                                    mFolder.File("tty") + "/ttyUSB0/device");
+    const auto devices = FindSerialDevices({mFolder.File("tty"), "/dev"});
     ASSERT_THAT(devices, SizeIs(1));
     EXPECT_EQ(devices[0].description, "Somebody Serial Adapter");
 }
 
 TEST_F(DevicesTest, AMachineWithoutThemHasNone) {
-    EXPECT_THAT(FindSerialDevices({mFolder.Path("none"), "/dev"}), IsEmpty());
+    EXPECT_THAT(FindSerialDevices({mFolder.File("none"), "/dev"}), IsEmpty());
 }
 
 // -- Trace
@@ -223,12 +224,12 @@ TEST(Trace, ALineHoldsEveryByte) {
 }
 
 TEST(Trace, AFileHoldsOneLineForEachRecordFromTimeZero) {
-    const TempFolder folder;
-    JsonLinesTrace trace(folder.Path("trace"));
+    const ScratchFolder folder;
+    JsonLinesTrace trace(folder.File("trace"));
     ASSERT_TRUE(trace.Result().Ok());
     trace.Record(5000, TraceKind::Sent, "A");
     trace.Record(5017, TraceKind::Received, "B");
-    std::ifstream stream(folder.Path("trace"));
+    std::ifstream stream(folder.File("trace"));
     const std::string text{std::istreambuf_iterator<char>(stream), {}};
     EXPECT_EQ(text, "{\"ms\":0,\"kind\":\"tx\",\"bytes\":\"A\"}\n"
                     "{\"ms\":17,\"kind\":\"rx\",\"bytes\":\"B\"}\n");

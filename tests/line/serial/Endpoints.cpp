@@ -1,6 +1,7 @@
 #include "Endpoint.h"
 #include "FakeChannel.h"
 #include "PtyPair.h"
+#include "support/ScratchFolder.h"
 
 #include <gtest/gtest.h>
 
@@ -64,7 +65,7 @@ class FakeEndpoint final : public Endpoint {
 class PtyEndpoint final : public Endpoint {
   public:
     PtyEndpoint() { PlugIn(); }
-    std::string Address() const override { return mFolder.Path("tty"); }
+    std::string Address() const override { return mFolder.File("tty"); }
     void Pump() override { PumpFd(mPty.master.Get(), deaf, mToHost, mFromHost); }
     void Unplug() override {
         std::filesystem::remove(Address());
@@ -76,7 +77,7 @@ class PtyEndpoint final : public Endpoint {
     }
 
   private:
-    TempFolder mFolder;
+    ScratchFolder mFolder;
     PtyPair mPty;
 };
 

@@ -1,9 +1,10 @@
 // The serial control over a line of which every failure can be switched on, on a driven clock.
 
 #include "FakeChannel.h"
-#include "ManualReactor.h"
 #include "common/QNError.h"
 #include "serial/PDQComm.h"
+#include "support/ManualReactor.h"
+#include "support/ScratchFolder.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -17,6 +18,7 @@ using ::testing::Contains;
 using ::testing::ElementsAre;
 using ::testing::HasSubstr;
 using ::testing::IsEmpty;
+using ::testing::StartsWith;
 
 class RecordingTrace final : public TraceSink {
   public:
@@ -164,6 +166,23 @@ TEST_F(SerialControlTest, AFlushOfTheTransmitBufferEmptiesQueueAndDevice) {
     mPort.FlushTransmit();
     EXPECT_EQ(mPort.TransmitCount(), 0);
     EXPECT_EQ(mLine.outputDiscards, 1);
+}
+
+TEST_F(SerialControlTest, ACancelGoesAheadOfWhatWaitsForTheLine) {
+    Open();
+    const ScratchFolder folder;
+    mPort.SetTransferKind(TransferBinary);
+    mPort.SetBinaryProtocol(BinaryZModem);
+    mPort.SendFile(folder.Write("a.bin", std::string(5000, 'x')));
+    mReactor.Yield(0);
+    mLine.pending = 4000; // on their way
+    mLine.written.clear();
+    for (int again = 0; again < 3; ++again)
+        mPort.SetTransferState(TransferAborting);
+    EXPECT_EQ(mLine.outputDiscards, 1) << "the cancel itself is not discarded";
+    EXPECT_THAT(mLine.written, StartsWith(std::string(8, '\x18')));
+    mReactor.Pass(3000);
+    EXPECT_LT(mPort.TransferState(), TransferStarted);
 }
 
 TEST_F(SerialControlTest, AWaitWithoutDispatchStillSendsWhatIsQueued) {

@@ -1,12 +1,8 @@
 #include "PtyPair.h"
 
-#include <gtest/gtest.h>
-
 #include <cstdlib>
 #include <fcntl.h>
-#include <filesystem>
 #include <stdexcept>
-#include <system_error>
 
 namespace qncomm::testing {
 
@@ -20,17 +16,6 @@ PtyPair OpenPty() {
         throw std::runtime_error("no pseudo-terminal");
     pair.path = path.c_str();
     return pair;
-}
-
-TempFolder::TempFolder() {
-    std::string name = (std::filesystem::temp_directory_path() / "qncomm-XXXXXX").string();
-    if (::mkdtemp(name.data()) == nullptr) throw std::runtime_error("no temporary folder");
-    mPath = name;
-}
-
-TempFolder::~TempFolder() {
-    std::error_code error;
-    std::filesystem::remove_all(mPath, error);
 }
 
 } // namespace qncomm::testing

@@ -14,18 +14,4 @@ struct PtyPair {
 
 PtyPair OpenPty();
 
-/// A folder that goes away with the object.
-class TempFolder {
-  public:
-    TempFolder();
-    ~TempFolder();
-    TempFolder(const TempFolder&) = delete;
-    TempFolder& operator=(const TempFolder&) = delete;
-
-    std::string Path(const std::string& name) const { return mPath + "/" + name; }
-
-  private:
-    std::string mPath;
-};
-
 } // namespace qncomm::testing

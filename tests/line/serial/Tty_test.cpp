@@ -7,6 +7,7 @@
 #include "platform/PollLoop.h"
 #include "serial/PDQComm.h"
 #include "serial/PortListing.h"
+#include "support/ScratchFolder.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -316,11 +317,11 @@ TEST_F(TtyTest, WhatIsNoSerialDeviceIsRefusedWithTheReason) {
         std::int32_t number;
         const char* text;
     };
-    TempFolder folder;
-    std::ofstream(folder.Path("file")) << "text";
+    ScratchFolder folder;
+    std::ofstream(folder.File("file")) << "text";
     for (const Row& row : {Row{"/dev/qncomm-none", SerialErrNoSuchPort, "there is no such device"},
                            Row{"/dev/null", SerialErrDevice, "this is no serial device"},
-                           Row{folder.Path("file"), SerialErrDevice, "this is no serial device"},
+                           Row{folder.File("file"), SerialErrDevice, "this is no serial device"},
                            Row{"/dev", SerialErrDevice, "is a directory"}}) {
         EXPECT_EQ(mPort.Bindings().Give(2, row.path), "");
         mPort.SetPortNumber(2);

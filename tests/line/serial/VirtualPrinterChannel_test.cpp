@@ -1,8 +1,8 @@
 // The virtual printer in process as a line, on a driven clock.
 
-#include "ManualReactor.h"
 #include "common/QNError.h"
 #include "serial/PDQComm.h"
+#include "support/ManualReactor.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>

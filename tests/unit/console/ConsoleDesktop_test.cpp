@@ -1,11 +1,7 @@
 #include "console/ConsoleDesktop.h"
-#include "console/ConsoleDialogs.h"
 #include "console/RawTerminal.h"
-#include "link/clsDataLink.h"
 #include "platform/Fd.h"
 #include "platform/PollLoop.h"
-#include "support/ManualLoop.h"
-#include "support/RecordingDesktop.h"
 
 #include <gmock/gmock.h>
 
@@ -99,32 +95,6 @@ TEST_F(ConsoleDesktopTest, OkAndCancelAreAQuestionToo) {
     box.buttons = MsgBoxButtons::OkCancel;
     EXPECT_EQ(Answer(box, GivenAnswer::Yes, -1), MsgBoxResult::Ok);
     EXPECT_EQ(Answer(box, GivenAnswer::None, -1), MsgBoxResult::Cancel);
-}
-
-TEST(ConsoleDialogs, HaveNoSettingsDialogAndSayWhatToDoInstead) {
-    std::ostringstream err;
-    StatusLine status(err, StatusLine::Style::Off);
-    qncomm::testing::ManualLoop loop;
-    qncomm::ConsoleDialogs dialogs(err, status, loop);
-    qncomm::testing::RecordingDesktop desktop;
-    qncomm::clsDataLink link({loop, desktop, dialogs});
-    EXPECT_EQ(dialogs.ShowCommSettings(link), 2);
-    EXPECT_THAT(err.str(), HasSubstr("--port"));
-}
-
-TEST(ConsoleDialogs, ShowARebootThatCreepsForwardAndGoesAway) {
-    std::ostringstream err;
-    StatusLine status(err, StatusLine::Style::Transient);
-    qncomm::testing::ManualLoop loop;
-    qncomm::ConsoleDialogs dialogs(err, status, loop);
-    {
-        const auto window = dialogs.ShowWaitForReboot();
-        EXPECT_EQ(err.str(), "\rPrinter Reboot...\x1B[K");
-        for (int second = 0; second < 15; ++second)
-            loop.Yield(1000);
-        EXPECT_THAT(err.str(), HasSubstr("[##########..........] 50 % Printer Reboot..."));
-    }
-    EXPECT_TRUE(err.str().ends_with("\r\x1B[K"));
 }
 
 TEST(RawTerminal, PutsTheTerminalBackAsItWas) {

@@ -1,10 +1,10 @@
 #pragma once
 
-#include "ControlStandIns.h"
 #include "common/MemorySettings.h"
 #include "common/Pointer.h"
 #include "common/RuntimeErrors.h"
 #include "control/QNComm.h"
+#include "support/ControlStandIns.h"
 #include "support/DeskTools.h"
 #include "support/ExpectRaised.h"
 #include "support/ManualLoop.h"

@@ -87,6 +87,22 @@ TEST_F(Lifecycle, TipsAreEmptyWithoutAStoreAndFollowTheSettings) {
     EXPECT_EQ(mControl->Toolbar1.Find("F2")->toolTip, "Text:\"abc\"");
 }
 
+TEST_F(Lifecycle, LinkAndTipsAreThereBeforeTheTerminalGetsItsSize) {
+    Run();
+    SetMacro("F2", "0;abc");
+    bool linked = false;
+    std::string tip;
+    mTerminal.mOnRows = [&] {
+        linked = mSerial.HasSink();
+        tip = mControl->Toolbar1.Find("F2")->toolTip;
+    };
+    mTerminal.mLog.clear();
+    mControl->UserControl_ReadProperties(MemoryPropertyBag());
+    EXPECT_TRUE(linked);
+    EXPECT_EQ(tip, "Text:\"abc\"");
+    EXPECT_EQ(mTerminal.mLog.back(), "Move") << "laid out at the very end";
+}
+
 TEST_F(Lifecycle, AHostThatCancelsStopsTheRunningOperation) {
     mSilent = true;
     Run();

@@ -1,4 +1,5 @@
 #include "ControlFixture.h"
+#include "support/CommaLocale.h"
 
 namespace qncomm {
 namespace {
@@ -151,6 +152,15 @@ TEST_F(Properties, TheFontSizeIsATextWithAPoint) {
     EXPECT_RAISED(mControl->SetTerminalFontSize("nan"), RtInvalidCall);
     EXPECT_RAISED(mControl->SetTerminalFontSize("1e99"), RtOverflow);
     EXPECT_EQ(mTerminal.mFont.size, 8.25F);
+}
+
+TEST_F(Properties, TheFontSizeHasItsPointWhereNumbersHaveCommas) {
+    const testing::CommaLocale elsewhere;
+    mControl->SetTerminalFontSize("9.75");
+    EXPECT_EQ(mTerminal.mFont.size, 9.75F);
+    EXPECT_EQ(mControl->TerminalFontSize(), "9.75");
+    mControl->SetTerminalFontSize("1234.5");
+    EXPECT_EQ(mControl->TerminalFontSize(), "1234.5");
 }
 
 TEST_F(Properties, TheHelpFileGoesToTheApplication) {

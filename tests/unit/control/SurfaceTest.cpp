@@ -1,12 +1,16 @@
 #include "ControlFixture.h"
 #include "common/modErrorHandling.h"
+#include "link/clsDataLink.h"
+#include "printer/clsQuorin.h"
 
 namespace qncomm {
 namespace {
 
+using ::testing::Contains;
 using testing::ControlFixture;
 using testing::ElementsAre;
 using testing::IsEmpty;
+using ::testing::IsSupersetOf;
 using testing::Strings;
 
 class Surface : public ControlFixture {
@@ -76,6 +80,15 @@ TEST_F(Surface, OnlySixDevicesHaveFiles) {
 TEST_F(Surface, ADeviceThatTheModelLacksIsRefusedByTheLayer) {
     Run();
     EXPECT_RAISED_FROM(mControl->Files("tmp:"), "1010 clsQuorin:IsValidPrinterDevice");
+}
+
+TEST_F(Surface, AListedDeviceThatIsNoLongerValidIsRefusedByTheControl) {
+    Run();
+    mControl->Files("ram:");
+    mControl->Layer().PrinterDevices()->Item("ram:")->Valid = false;
+    TakeSent();
+    EXPECT_RAISED_FROM(mControl->Files("ram"), "1010 QNComm:Property Get Files");
+    EXPECT_EQ(TakeSent(), "");
 }
 
 TEST_F(Surface, WhileTheHourglassShowsThereAreNoFilesAndNoBytes) {
@@ -165,6 +178,58 @@ TEST_F(Surface, TheRestIsPassedOnWithItsArguments) {
                             "SETUP\"ram:s\""));
 }
 
+TEST_F(Surface, ImagesAreRemovedAndPrintedOnTheLayer) {
+    Run();
+    mControl->RemoveImage("logo.1");
+    EXPECT_THAT(TakeCommands(), ElementsAre("IMAGES", "REMOVE IMAGE \"logo.1\""));
+    EXPECT_RAISED(mControl->PrintImage("/no/such.pcx", 5, 6, true), ErrImageName);
+    EXPECT_RAISED(mControl->InstallFont("/no/such.ttf"), ErrFontName);
+}
+
+TEST_F(Surface, WhatPrintFontTookInPlaceOfNothingComesBack) {
+    Run();
+    PrintFontArgs args;
+    args.sFontName = "MS050RMN";
+    mControl->PrintFont(args);
+    EXPECT_EQ(args.sText, "The quick brown fox...");
+    EXPECT_EQ(args.iSize, 12);
+    EXPECT_EQ(args.iWidth, 100);
+    EXPECT_EQ(args.iDir, 1);
+}
+
+TEST_F(Surface, ProgramsArePassedOn) {
+    Run();
+    mControl->UploadQNProgram(mFolder.File("p.prg"));
+    EXPECT_THAT(TakeCommands(), ElementsAre("LIST"));
+    EXPECT_FALSE(mControl->IsProgramRunable()) << "the printer did not say that it ran";
+    EXPECT_THAT(TakeCommands(), ElementsAre("List 1", "1 PRINT \"RUN MODE\":END", "RUN", "1"));
+    mControl->RunProgram();
+    EXPECT_THAT(TakeCommands(), Contains("RUN"));
+    Collection<std::string> modules;
+    modules.Add("ram:a.prg");
+    EXPECT_TRUE(mControl->ProgramLink(modules, "10 REM"));
+    EXPECT_THAT(TakeCommands(), IsSupersetOf({"NEW", "10 REM", "MERGE\"ram:a.prg\""}));
+}
+
+TEST_F(Surface, TheSetupIsReadAndWrittenOnThePrinter) {
+    mReplies["SETUP WRITE\"ram:s\""] = {};
+    Run();
+    EXPECT_EQ(mControl->Setup()->Item("UART1,BAUDRATE")->Value, "9600");
+    mControl->SetupWriteFile("ram:s");
+    EXPECT_THAT(TakeCommands(), ElementsAre("SETUP WRITE\"ram:s\""));
+}
+
+TEST_F(Surface, LinkAndLayerAreThereWhileTheControlRuns) {
+    EXPECT_RAISED(mControl->Layer(), RtObjectNotSet);
+    EXPECT_RAISED(mControl->Link(), RtObjectNotSet);
+    Run();
+    EXPECT_EQ(mControl->Layer().RegSettings(), mSettings);
+    EXPECT_EQ(mControl->Link().Commport(), "1");
+    mControl->TearDown();
+    EXPECT_RAISED(mControl->Layer(), RtObjectNotSet);
+    EXPECT_RAISED(mControl->Link(), RtObjectNotSet);
+}
+
 TEST_F(Surface, EveryMemberThatReachesThePrinterNeedsALink) {
     PrintFontArgs font;
     ModuleUploadArgs module;
@@ -202,6 +267,7 @@ TEST_F(Surface, EveryMemberThatReachesThePrinterNeedsALink) {
         [&] { mControl->ProgramLink({}); },
         [&] { mControl->RunProgram(); },
         [&] { mControl->IsProgramRunable(); },
+        [&] { mControl->KermitUpload("x", "ram:y"); },
         [&] { mControl->KermitDownload("ram:x", "y"); },
         [&] { mControl->BinaryUpload("x"); },
         [&] { mControl->BinaryDownload("x"); },

@@ -80,6 +80,12 @@ TEST_F(Toolbar, ATextMacroIsExpandedNamedAndSentAsItIs) {
     EXPECT_EQ(TakeSent(), "PF 5\r") << "remembered for the control's life";
 }
 
+TEST_F(Toolbar, ATextMacroMaySendNul) {
+    Show();
+    Macro("0;a<NUL><nul>b");
+    EXPECT_EQ(TakeSent(), std::string("a\0\0b", 4));
+}
+
 TEST_F(Toolbar, ABadMacroShowsABoxAndSendsNothing) {
     Show();
     Macro("0;PF &&N");

@@ -106,6 +106,34 @@ TEST_F(Transfers, AKermitDownloadCountsAgainstTheListedSizeOrAgainst5120) {
     }
 }
 
+TEST_F(Transfers, AKermitUploadReplacesThePrintersFile) {
+    mReplies["KILL \"ram:A.PRG\""] = {};
+    Run();
+    const std::string path = mFolder.Write("a.prg", "abc");
+    TransferGoesWell(3);
+    mControl->KermitUpload(path, "ram:A.PRG");
+    const Strings commands = TakeCommands();
+    EXPECT_THAT(commands, Contains("KILL \"ram:A.PRG\""));
+    EXPECT_THAT(commands, Contains("CHDIR\"ram:\":TRANSFER K \"R\""));
+    EXPECT_THAT(mSerial.mLog, Contains("SendFile " + path));
+}
+
+TEST_F(Transfers, AManualKermitUploadSendsTheFileAndNoCommand) {
+    Run().PrinterType();
+    const std::string path = mFolder.Write("a.prg", "abc");
+    TransferGoesWell(3);
+    TakeCommands();
+    mControl->KermitUpload(path, "ram:A.PRG", true);
+    EXPECT_THAT(TakeCommands(), IsEmpty());
+    EXPECT_THAT(mSerial.mLog, Contains("SendFile " + path));
+}
+
+TEST_F(Transfers, AKermitUploadOfNoFileDoesNotReachThePrinter) {
+    Run();
+    EXPECT_RAISED_FROM(mControl->KermitUpload("/no/such", "ram:A.PRG"), "1011 clsDataLink,Upload");
+    EXPECT_EQ(TakeSent(), "");
+}
+
 TEST_F(Transfers, ABinaryTransferIsRefusedWithinAnOperation) {
     Run();
     mOnStatus = [this](std::string&, bool&) { mControl->BinaryUpload("/no/such"); };

@@ -4,6 +4,7 @@
 #include "common/Pointer.h"
 #include "common/Text.h"
 #include "dialogs/Dialogs.h"
+#include "support/CommaLocale.h"
 #include "support/ManualLoop.h"
 #include "support/RecordingDesktop.h"
 #include "support/ScriptedForms.h"
@@ -120,6 +121,15 @@ TEST_F(CommSettings, EachListHasItsEntriesAndTheirValues) {
                 ElementsAre("None", "Software (Xon/Xoff)", "Hardware (RTS/CTS)",
                             "Both (Xon/Xoff+RTS/CTS)"));
     EXPECT_EQ(ValuesOf(form.cmbFlowcontrol), (Values{0, 1, 2, 3}));
+}
+
+TEST_F(CommSettings, TheSpeedsAreWrittenAndStoredTheSameWhereNumbersHaveCommas) {
+    const testing::CommaLocale elsewhere;
+    frmCommSettings form(mLink);
+    EXPECT_EQ(form.cmbBaudrate.Entries().back().text, "115.200 baud");
+    form.cmbBaudrate.Pick(6);
+    form.cmdOK.Click();
+    EXPECT_EQ(mLink.Baudrate(), "115200");
 }
 
 TEST_F(CommSettings, EveryPortFromZeroToSixteenIsTried) {

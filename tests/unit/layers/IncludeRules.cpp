@@ -24,8 +24,12 @@ constexpr std::array<std::string_view, 4> BelowControl{"printer", "link", "dialo
 constexpr std::array<std::string_view, 4> BelowSerial{"common", "platform", "link/SerialControl.h",
                                                       "transfer"};
 constexpr std::array<std::string_view, 1> Transfer{"transfer"};
-constexpr std::array<std::string_view, 6> BelowFaces{"control", "printer", "link",
-                                                     "dialogs", "common",  "platform"};
+constexpr std::array<std::string_view, 8> BelowAssembly{
+    "control", "printer", "link", "dialogs", "common", "platform", "serial", "terminal"};
+constexpr std::array<std::string_view, 7> BelowConsole{"assembly", "control", "printer", "link",
+                                                       "dialogs",  "common",  "platform"};
+constexpr std::array<std::string_view, 8> BelowQt{"assembly", "terminal", "control", "printer",
+                                                  "link",     "dialogs",  "common",  "platform"};
 
 /// A folder inside another one with a row of its own stands before it.
 constexpr std::array Rules{
@@ -39,17 +43,19 @@ constexpr std::array Rules{
     Rule{"serial/transfer", {}, true},
     Rule{"serial", BelowSerial, false},
     Rule{"simulator", Transfer, false},
-    Rule{"faces/console", BelowFaces, false},
-    Rule{"faces/qt", BelowFaces, false},
+    Rule{"assembly", BelowAssembly, false},
+    Rule{"faces/console", BelowConsole, false},
+    Rule{"faces/qt", BelowQt, false},
 };
 
 /// The one file that may reach beyond its folder's row.
 constexpr std::string_view VirtualPrinterChannel = "serial/VirtualPrinterChannel.cpp";
 
 /// The project's folders as they stand at the start of an include.
-constexpr std::array<std::string_view, 15> ProjectFolders{
-    "transfer",  "common", "link",    "printer", "dialogs", "control",  "platform", "serial",
-    "simulator", "faces",  "console", "qt",      "apps",    "bindings", "tests"};
+constexpr std::array<std::string_view, 17> ProjectFolders{
+    "transfer", "terminal", "common", "link",      "printer",  "dialogs",
+    "control",  "platform", "serial", "simulator", "assembly", "faces",
+    "console",  "qt",       "apps",   "bindings",  "tests"};
 
 const std::regex& StandardHeader() {
     // Standard headers have neither a folder nor an extension; their C forms (<stdio.h>) are not

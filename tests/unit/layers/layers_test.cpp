@@ -74,6 +74,16 @@ TEST(IncludeRules, LetTheTransferEnginesBeUsedBySerialAndTheSimulatorAlone) {
                 ElementsAre(HasSubstr("is not in the row of serial/transfer/")));
 }
 
+TEST(IncludeRules, LetTheAssemblyAloneJoinTheControlToTheSerialControl) {
+    EXPECT_THAT(StrayIncludes("assembly/X.cpp", Line("\"serial/PDQComm.h\"")), IsEmpty());
+    EXPECT_THAT(StrayIncludes("faces/qt/X.cpp", Line("\"assembly/ControlAssembly.h\"")), IsEmpty());
+    EXPECT_THAT(StrayIncludes("faces/qt/X.cpp", Line("\"terminal/Terminal.h\"")), IsEmpty());
+    EXPECT_THAT(StrayIncludes("assembly/X.cpp", Line("\"qt/QNCommWidget.h\"")),
+                ElementsAre(HasSubstr("is not in the row of assembly/")));
+    EXPECT_THAT(StrayIncludes("control/X.cpp", Line("\"assembly/ControlAssembly.h\"")),
+                ElementsAre(HasSubstr("is not in the row of control/")));
+}
+
 TEST(IncludeRules, HoldInEveryFileOfTheHouse) {
     namespace fs = std::filesystem;
     const fs::path root = QN_SOURCE_DIR;

@@ -1,7 +1,7 @@
 #include "PrinterFixture.h"
-#include "TempFolder.h"
 #include "common/Numbers.h"
 #include "common/Text.h"
+#include "support/ScratchFolder.h"
 
 #include <map>
 
@@ -44,7 +44,7 @@ class AdjustSettings : public PrinterFixture {
     int mChannel = 1;
     Lines mHeard;
     std::string mRawBytes;
-    TempFolder mFolder;
+    ScratchFolder mFolder;
 
   private:
     void Listen(std::string& sent) {

@@ -1,8 +1,11 @@
 #include "ChunkSender.h"
-#include "TempFolder.h"
 #include "support/ExpectRaised.h"
+#include "support/ScratchFolder.h"
 
 #include <gmock/gmock.h>
+
+#include <filesystem>
+#include <fstream>
 
 namespace qncomm::testing {
 namespace {
@@ -17,10 +20,10 @@ class Chunks : public ::testing::Test {
         mSender.SendFile(file);
     }
     std::string Event(int progress) const {
-        return "Downloading " + mFolder.Path("f") + " " + std::to_string(progress);
+        return "Downloading " + mFolder.File("f") + " " + std::to_string(progress);
     }
 
-    TempFolder mFolder;
+    ScratchFolder mFolder;
     std::string mSent;
     std::vector<std::size_t> mSizes;
     std::vector<std::string> mEvents;
@@ -64,14 +67,14 @@ TEST_F(Chunks, OfATextAreTheSame) {
 
 TEST_F(Chunks, AreAsManyBytesAsTheFileHeldWhenItWasOpened) {
     HostFile file(mFolder.Write("f", "abc"));
-    std::ofstream(mFolder.Path("f"), std::ios::app) << "more";
+    std::ofstream(mFolder.File("f"), std::ios::app) << "more";
     mSender.SendFile(file);
     EXPECT_EQ(mSent, "abc");
 }
 
 TEST_F(Chunks, OfAFileThatShrankRaise) {
     HostFile file(mFolder.Write("f", "abc"));
-    std::filesystem::resize_file(mFolder.Path("f"), 1);
+    std::filesystem::resize_file(mFolder.File("f"), 1);
     EXPECT_RAISED(mSender.SendFile(file), 62);
 }
 

@@ -1,5 +1,5 @@
 #include "PrinterFixture.h"
-#include "TempFolder.h"
+#include "support/ScratchFolder.h"
 
 namespace qncomm::testing {
 namespace {
@@ -25,7 +25,7 @@ class Fonts : public PrinterFixture {
         mQuorin.PrintFont(text, font, size, 0, width, direction);
     }
 
-    TempFolder mFolder;
+    ScratchFolder mFolder;
 };
 
 // -- Listing
@@ -177,8 +177,8 @@ TEST_F(Fonts, AFontThatIsNotPermanentHasAnEmptyOption) {
 }
 
 TEST_F(Fonts, AMissingFileIsRefusedBeforeThePrinterIsAsked) {
-    EXPECT_RAISED_FROM(mQuorin.InstallFont(mFolder.Path("none.ttf")), "1016 clsQuorin:InstallFont");
-    EXPECT_RAISED_FROM(mQuorin.InstallFont(mFolder.Path("")), "1016 clsQuorin:InstallFont");
+    EXPECT_RAISED_FROM(mQuorin.InstallFont(mFolder.File("none.ttf")), "1016 clsQuorin:InstallFont");
+    EXPECT_RAISED_FROM(mQuorin.InstallFont(mFolder.File("")), "1016 clsQuorin:InstallFont");
     EXPECT_EQ(mSerial.mSent, "");
 }
 

@@ -1,8 +1,11 @@
 #include "HostFile.h"
-#include "TempFolder.h"
 #include "support/ExpectRaised.h"
+#include "support/ScratchFolder.h"
 
 #include <gmock/gmock.h>
+
+#include <filesystem>
+#include <fstream>
 
 namespace qncomm::testing {
 namespace {
@@ -11,7 +14,7 @@ namespace fs = std::filesystem;
 
 class HostFiles : public ::testing::Test {
   protected:
-    TempFolder mFolder;
+    ScratchFolder mFolder;
 };
 
 TEST_F(HostFiles, AreReadByteForByte) {
@@ -24,25 +27,25 @@ TEST_F(HostFiles, AreReadByteForByte) {
 }
 
 TEST_F(HostFiles, ThatCannotBeReadAreTheRuntimesError) {
-    EXPECT_RAISED(HostFile(mFolder.Path("none")), 53);
-    EXPECT_RAISED(HostFile(mFolder.Path("none/f")), 53);
-    EXPECT_RAISED(HostFile(mFolder.Path("")), 75);
+    EXPECT_RAISED(HostFile(mFolder.File("none")), 53);
+    EXPECT_RAISED(HostFile(mFolder.File("none/f")), 53);
+    EXPECT_RAISED(HostFile(mFolder.File("")), 75);
     mFolder.Write("f", "x");
-    EXPECT_RAISED(HostFile(mFolder.Path("f/g")), 75) << "a file is no folder";
+    EXPECT_RAISED(HostFile(mFolder.File("f/g")), 75) << "a file is no folder";
 }
 
 TEST_F(HostFiles, AreReplacedWhole) {
     mFolder.Write("f", "a longer text than the new one");
-    WriteHostFile(mFolder.Path("f"), "new");
+    WriteHostFile(mFolder.File("f"), "new");
     EXPECT_EQ(mFolder.Read("f"), "new");
-    WriteHostFile(mFolder.Path("g"), "");
+    WriteHostFile(mFolder.File("g"), "");
     EXPECT_EQ(mFolder.Read("g"), "");
     EXPECT_EQ(mFolder.Count(), 2U) << "nothing is left beside them";
 }
 
 TEST_F(HostFiles, StayWholeForWhoeverReadsTheOldOne) {
     std::ifstream reader(mFolder.Write("f", "the old text"), std::ios::binary);
-    WriteHostFile(mFolder.Path("f"), "new");
+    WriteHostFile(mFolder.File("f"), "new");
     const std::string read{std::istreambuf_iterator<char>(reader), {}};
     EXPECT_EQ(read, "the old text");
 }
@@ -50,27 +53,27 @@ TEST_F(HostFiles, StayWholeForWhoeverReadsTheOldOne) {
 TEST_F(HostFiles, KeepTheirPermissionsAndWhatLinksToThem) {
     mFolder.Write("f", "old");
     const auto owner = fs::perms::owner_read | fs::perms::owner_write;
-    fs::permissions(mFolder.Path("f"), owner);
-    fs::create_symlink("f", mFolder.Path("link"));
-    WriteHostFile(mFolder.Path("link"), "new");
-    EXPECT_TRUE(fs::is_symlink(mFolder.Path("link")));
+    fs::permissions(mFolder.File("f"), owner);
+    fs::create_symlink("f", mFolder.File("link"));
+    WriteHostFile(mFolder.File("link"), "new");
+    EXPECT_TRUE(fs::is_symlink(mFolder.File("link")));
     EXPECT_EQ(mFolder.Read("f"), "new");
-    EXPECT_EQ(fs::status(mFolder.Path("f")).permissions(), owner);
+    EXPECT_EQ(fs::status(mFolder.File("f")).permissions(), owner);
 }
 
 TEST_F(HostFiles, AreNotWrittenOverAnotherFileOnTheWay) {
     mFolder.Write("f.new", "someone else's");
-    WriteHostFile(mFolder.Path("f"), "mine");
+    WriteHostFile(mFolder.File("f"), "mine");
     EXPECT_EQ(mFolder.Read("f.new"), "someone else's");
     EXPECT_EQ(mFolder.Count(), 2U);
 }
 
 TEST_F(HostFiles, ThatCannotBeWrittenAreTheRuntimesErrorAndStay) {
-    EXPECT_RAISED(WriteHostFile(mFolder.Path("none/f"), "x"), 76);
-    EXPECT_RAISED(WriteHostFile(mFolder.Path(""), "x"), 75);
+    EXPECT_RAISED(WriteHostFile(mFolder.File("none/f"), "x"), 76);
+    EXPECT_RAISED(WriteHostFile(mFolder.File(""), "x"), 75);
     EXPECT_RAISED(WriteHostFile("", "x"), 76);
     mFolder.Write("f", "old");
-    EXPECT_RAISED(WriteHostFile(mFolder.Path("f/g"), "x"), 75);
+    EXPECT_RAISED(WriteHostFile(mFolder.File("f/g"), "x"), 75);
     EXPECT_EQ(mFolder.Read("f"), "old");
     EXPECT_EQ(mFolder.Count(), 1U);
 }

@@ -1,5 +1,5 @@
 #include "PrinterFixture.h"
-#include "TempFolder.h"
+#include "support/ScratchFolder.h"
 
 #include <filesystem>
 
@@ -32,12 +32,12 @@ class Images : public PrinterFixture {
         for (const auto& entry : std::filesystem::directory_iterator("/proc/self/fd")) {
             std::error_code gone;
             const auto target = std::filesystem::read_symlink(entry.path(), gone).string();
-            open += target.starts_with(mFolder.Path("")) ? 1U : 0U;
+            open += target.starts_with(mFolder.File("")) ? 1U : 0U;
         }
         return open;
     }
 
-    TempFolder mFolder;
+    ScratchFolder mFolder;
 };
 
 // -- Listing and removing
@@ -136,10 +136,10 @@ TEST_F(Images, AnImageThatIsNotPermanentHasAnEmptyOption) {
 }
 
 TEST_F(Images, AMissingFileIsRefusedBeforeThePrinterIsAsked) {
-    EXPECT_RAISED_FROM(mQuorin.InstallImage(mFolder.Path("none.pcx")),
+    EXPECT_RAISED_FROM(mQuorin.InstallImage(mFolder.File("none.pcx")),
                        "1013 clsQuorin:InstallImage");
-    EXPECT_RAISED_FROM(mQuorin.InstallImage(mFolder.Path("")), "1013 clsQuorin:InstallImage");
-    EXPECT_RAISED_FROM(mQuorin.Fileload(mFolder.Path("none.bin")), "1013 clsQuorin:InstallImage");
+    EXPECT_RAISED_FROM(mQuorin.InstallImage(mFolder.File("")), "1013 clsQuorin:InstallImage");
+    EXPECT_RAISED_FROM(mQuorin.Fileload(mFolder.File("none.bin")), "1013 clsQuorin:InstallImage");
     EXPECT_EQ(mSerial.mSent, "");
 }
 
@@ -239,7 +239,7 @@ TEST_F(Images, AnErrorDeepInAPrintGivesBackEveryClaim) {
     EXPECT_RAISED(mQuorin.PrintImage(path, 1, 1, false, true), 61030);
     EXPECT_FALSE(mSerial.PortOpen());
     mSerial.Handshake();
-    EXPECT_RAISED_FROM(mQuorin.PrintImage(mFolder.Path("none.pcx")), "1013 clsQuorin:InstallImage");
+    EXPECT_RAISED_FROM(mQuorin.PrintImage(mFolder.File("none.pcx")), "1013 clsQuorin:InstallImage");
     EXPECT_FALSE(mSerial.PortOpen());
 }
 

@@ -1,5 +1,5 @@
 #include "PrinterFixture.h"
-#include "TempFolder.h"
+#include "support/ScratchFolder.h"
 
 namespace qncomm::testing {
 namespace {
@@ -28,7 +28,7 @@ class ModuleUpload : public PrinterFixture {
         return mQuorin.ModuleUpload("", target, text);
     }
 
-    TempFolder mFolder;
+    ScratchFolder mFolder;
 };
 
 TEST_F(ModuleUpload, TypesATextAndSavesItWithoutTouchingHostFiles) {
@@ -115,9 +115,9 @@ TEST_F(ModuleUpload, MissingNamesAndEmptyFilesAreRefusedBeforeAnythingIsSent) {
     std::string target = "ram:M";
     std::string text = "10 REM";
     EXPECT_RAISED_FROM(mQuorin.ModuleUpload("", none, none), "1020 clsQuorin, ModuleUpload");
-    EXPECT_RAISED_FROM(mQuorin.ModuleUpload(mFolder.Path("none"), target, none),
+    EXPECT_RAISED_FROM(mQuorin.ModuleUpload(mFolder.File("none"), target, none),
                        "1020 clsQuorin, ModuleUpload");
-    EXPECT_RAISED_FROM(mQuorin.ModuleUpload(mFolder.Path(""), target, none),
+    EXPECT_RAISED_FROM(mQuorin.ModuleUpload(mFolder.File(""), target, none),
                        "1020 clsQuorin, ModuleUpload");
     EXPECT_RAISED_FROM(mQuorin.ModuleUpload("", none, text), "1020 clsQuorin,DownloadQNModule");
     const std::string empty = mFolder.Write("empty.prg", "");

@@ -1,5 +1,5 @@
 #include "PrinterFixture.h"
-#include "TempFolder.h"
+#include "support/ScratchFolder.h"
 
 namespace qncomm::testing {
 namespace {
@@ -15,7 +15,7 @@ class ProgramControl : public PrinterFixture {
     /// After an error: a claim of its own that deletes the line.
     void ScriptRemoval() { mSerial.Handshake().Expect("1\r\n"); }
 
-    TempFolder mFolder;
+    ScratchFolder mFolder;
 };
 
 TEST_F(ProgramControl, NewAndSaveSendTheirLines) {
@@ -217,31 +217,31 @@ TEST_F(ProgramControl, ASilentCheckDeletesThePlantedLineAndTimesOut) {
 
 TEST_F(ProgramControl, AListingIsWrittenWithoutEchoAndOk) {
     Script("LIST", {"10 REM a", "20 PRINT \"\xE4\"", "30 END"});
-    mQuorin.UploadQNProgram(mFolder.Path("a.lst"));
+    mQuorin.UploadQNProgram(mFolder.File("a.lst"));
     EXPECT_EQ(mFolder.Read("a.lst"), "10 REM a\r\n20 PRINT \"\xE4\"\r\n30 END\r\n");
     Script("LIST");
-    mQuorin.UploadQNProgram(mFolder.Path("a.lst"));
+    mQuorin.UploadQNProgram(mFolder.File("a.lst"));
     EXPECT_EQ(mFolder.Read("a.lst"), "");
     EXPECT_EQ(mFolder.Count(), 1U);
 }
 
 TEST_F(ProgramControl, ARefusedPortWritesNoListing) {
     RefusePort();
-    mQuorin.UploadQNProgram(mFolder.Path("a.lst"));
+    mQuorin.UploadQNProgram(mFolder.File("a.lst"));
     EXPECT_EQ(mFolder.Count(), 0U);
     GrantPort();
 }
 
 TEST_F(ProgramControl, AListingThatCannotBeWrittenIsTheRuntimesError) {
     Script("LIST", {"10 REM"});
-    EXPECT_RAISED(mQuorin.UploadQNProgram(mFolder.Path("none/a.lst")), 76);
+    EXPECT_RAISED(mQuorin.UploadQNProgram(mFolder.File("none/a.lst")), 76);
     Script("LIST", {"10 REM"});
-    EXPECT_RAISED(mQuorin.UploadQNProgram(mFolder.Path("")), 75);
+    EXPECT_RAISED(mQuorin.UploadQNProgram(mFolder.File("")), 75);
 }
 
 TEST_F(ProgramControl, AListingLineThatEndsInOkEndsTheReply) {
     mSerial.Handshake().Expect("LIST\r\n").Reply("LIST\r\n10 REM Ok\r\n20 END\r\nOk\r\n");
-    mQuorin.UploadQNProgram(mFolder.Path("a.lst"));
+    mQuorin.UploadQNProgram(mFolder.File("a.lst"));
     EXPECT_EQ(mFolder.Read("a.lst"), "10 REM Ok\r\n20 END\r\n") << "what had come is kept";
 }
 

@@ -1,5 +1,5 @@
 #include "PrinterFixture.h"
-#include "TempFolder.h"
+#include "support/ScratchFolder.h"
 
 #include <filesystem>
 #include <fstream>

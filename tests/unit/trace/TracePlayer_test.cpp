@@ -66,6 +66,25 @@ TEST(TracePlayer, HostThatDoesNotWaitIsNotHeldUp) {
     EXPECT_EQ(player.ToHost(10'000), "end");
 }
 
+TEST(TracePlayer, LineThatWasLostIsLostAgainAfterWhatCameBefore) {
+    const TraceRecord loss{4, 500, TraceKind::Event, "lost: Port COM1: it went away.", 0};
+    const std::vector<TraceRecord> session{Event(1, 0), Sent(2, 100, "ASK"),
+                                           Received(3, 200, "half"), loss, Event(5, 510)};
+    for (const bool delays : {false, true}) {
+        TracePlayer player(session, delays);
+        EXPECT_FALSE(player.Lost(0));
+        player.FromHost("ASK", 1'000'000);
+        EXPECT_EQ(player.ToHost(1'100'000), "half");
+        const Micros due = delays ? 1'400'000 : 1'100'000;
+        EXPECT_EQ(player.NextDue(), due);
+        EXPECT_FALSE(player.Lost(due - 1));
+        player.FromHost("said to nobody", due - 1);
+        EXPECT_EQ(player.Mismatch(), "");
+        EXPECT_TRUE(player.Lost(due));
+        EXPECT_EQ(player.Missing(), "");
+    }
+}
+
 TEST(TracePlayer, MismatchNamesLinePlaceAndBothSides) {
     TracePlayer player(Session, false);
     player.FromHost("AS", 0);

@@ -25,8 +25,10 @@ class StatusLine {
 
     void SetStyle(Style style) { mStyle = style; }
 
-    /// Shows a message (UTF-8) and a percentage; one outside 1 to 100 shows no bar.
-    void Show(std::string_view sMessage, std::int32_t lPercent = 0);
+    /// Shows a message (UTF-8) and a percentage; one outside 1 to 100 shows no bar. The detail is
+    /// what changes all the time, such as a rate: only a transient line shows it, behind the
+    /// message.
+    void Show(std::string_view sMessage, std::int32_t lPercent = 0, std::string_view sDetail = {});
 
     /// Takes the transient line away, so that other text can be written.
     void Clear();

@@ -28,7 +28,7 @@ class KermitReceiver final : public TransferEngine {
     struct Machine;
 
     void OnPacket(Time now);
-    void OnDamage();
+    void OnDamage(Time now);
     void OnOpening(Time now);
     void OnLaterPacket();
     void Process(Time now);
@@ -41,7 +41,11 @@ class KermitReceiver final : public TransferEngine {
     void AskOffer();
     void TakeNext(Time now);
     void Acknowledge(unsigned sequence, const std::string& data);
+    void AcknowledgeData(const std::string& data);
     void SendNak(unsigned sequence);
+    void StopStreaming(Time now);
+    void AskForFile(Time now);
+    [[nodiscard]] bool IsStreaming() const;
     void ArmSilence(Time now);
     void Fail(const std::string& sReason);
 

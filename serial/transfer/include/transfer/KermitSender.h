@@ -30,9 +30,14 @@ class KermitSender final : public TransferEngine {
     void OnPacket(Time now);
     void OnAck(unsigned sequence, const std::string& data, Time now);
     void OnNak(unsigned sequence, Time now);
+    void OnWindowAcknowledged(Time now);
+    void OnError(Time now);
+    void StopStreaming(unsigned sequence, Time now);
+    void DropUnderWay();
+    void StartOver(const std::string& sReason, Time now);
     void OnReply(char type, const std::string& data, Time now);
     void OnAttributesReply(const std::string& data);
-    void OnTermsAgreed(const std::string& data);
+    void OnTermsAgreed(const std::string& data, Time now);
     void OnNextFile(const transfer::Answer& answer, Time now);
     void OnRead(std::string_view data);
     void SendPacket(char type, const std::string& data, std::size_t content, Time now);
@@ -40,7 +45,9 @@ class KermitSender final : public TransferEngine {
     void Resend(Slot& slot, Time now);
     void RetireFront(Time now);
     void SendData(Time now);
+    void Stream(const std::string& data, std::size_t content);
     void AskNextFile();
+    void AnnounceFile(Time now);
     void ArmRetry(Time now);
     void Fail(const std::string& sReason);
 

@@ -52,7 +52,8 @@ class TransferEngine {
     // The file that is travelling or was the last to travel.
     [[nodiscard]] const FileInfo& CurrentFile() const { return mFile; }
     // True when the outcome stands, no request is left and all output was taken. The line may then
-    // be closed or used for something else; bytes must not be flushed, only drained.
+    // be closed or used for something else; bytes must not be flushed, only drained. A line that
+    // has taken nothing for ten seconds gets no last word.
     [[nodiscard]] bool IsOver() const;
     // Bytes that came behind the transfer's last ones and belong to whoever uses the line next.
     [[nodiscard]] std::string TakeUnread();
@@ -106,6 +107,7 @@ class TransferEngine {
     std::optional<Request> mRequest;
     std::optional<Time> mTimer;
     Time mTimerSpan{0};
+    std::optional<Time> mLastWordsBy; // the line has to take something of them until then
     Time mLastHeard{0};
     Time mPatience{std::chrono::seconds(50)};
     transfer::Phase mPhase = Phase::Idle;

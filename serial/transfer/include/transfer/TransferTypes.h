@@ -21,6 +21,7 @@ struct FileInfo {
     std::optional<std::uint32_t> mode;      // permission bits
     std::optional<std::uint32_t> filesLeft; // files of the batch still to come, this one included
     bool bResume = false;                   // the sender wishes to go on where an earlier try ended
+    bool bFromAnywhere = false;             // an offer: the receiver chooses where to begin
     bool bText = false;                     // line ends are converted on the way
 };
 
@@ -29,7 +30,8 @@ struct FileInfo {
 enum class RequestKind {
     NextFile, // sender: which file is next? Answer Ok with `file`, or Skip when the batch is over
     Read,  // sender: up to `length` bytes at `offset`. Answer Ok with `data`; empty data is the end
-    Offer, // receiver: `file` is offered. Answer Ok with `offset` to start at, Skip, or Failed
+    Offer, // receiver: `file` is offered. Answer Ok with `offset` to start at (0 unless
+           // bFromAnywhere), Skip, or Failed
     Write, // receiver: `data` goes to `offset`. Answer Ok or Failed
     Close, // both: the file is over, `bWhole` says whether it travelled whole. Answer Ok or Failed
 };
@@ -76,7 +78,9 @@ enum class Outcome {
 };
 
 struct Progress {
-    std::uint64_t bytes = 0;           // of the current file, agreed on by both sides or written
+    // Of the current file: agreed on by both sides, or written; sent where they are not
+    // acknowledged. It falls back when damage is found among those.
+    std::uint64_t bytes = 0;
     std::optional<std::uint64_t> size; // of the current file
     std::uint32_t files = 0;           // that travelled whole
     std::uint32_t skipped = 0;         // that one side did not want

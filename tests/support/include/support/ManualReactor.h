@@ -22,6 +22,9 @@ class ManualReactor final : public Reactor {
     std::unique_ptr<Alarm> CreateAlarm(std::function<void()> handler) override;
     FdEvents WaitFor(int fd, FdEvents events, std::int64_t lLimitUs) override;
 
+    /// How often somebody yielded.
+    std::int64_t Yields() const { return mYields; }
+
     /// Yields until lMilliseconds have passed.
     void Pass(std::int32_t lMilliseconds);
 

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstddef>
 #include <string>
 #include <string_view>
 
@@ -18,8 +19,14 @@ class ScratchFolder {
     std::string File(std::string_view sName) const;
     /// Writes a file and returns its path.
     std::string Write(std::string_view sName, std::string_view sContent) const;
+    /// Makes a folder in it and returns its path.
+    std::string MakeFolder(std::string_view sName) const;
+    /// The whole content of a file of it, empty when there is none.
+    std::string Read(std::string_view sName) const;
     bool Has(std::string_view sName) const;
-    bool IsEmpty() const;
+    /// How many files and folders it holds.
+    std::size_t Count() const;
+    bool IsEmpty() const { return Count() == 0; }
 
   private:
     std::string mPath;

@@ -1,0 +1,90 @@
+#include "BatchFile.h"
+
+#include <cerrno>
+#include <fstream>
+#include <iostream>
+#include <system_error>
+
+namespace qnctl {
+namespace {
+
+constexpr std::string_view Blanks = " \t\r";
+
+/// One word at the start of a text, which it is cut off from; nothing for a quote that does not
+/// end.
+std::optional<std::string> TakeWord(std::string_view& text) {
+    std::string word;
+    bool quoted = false;
+    while (!text.empty()) {
+        const char c = text.front();
+        if (!quoted && Blanks.find(c) != std::string_view::npos) break;
+        text.remove_prefix(1);
+        if (c != '"') {
+            word += c;
+        } else if (quoted && text.starts_with('"')) {
+            word += c;
+            text.remove_prefix(1);
+        } else {
+            quoted = !quoted;
+        }
+    }
+    return quoted ? std::nullopt : std::optional(word);
+}
+
+Outcome At(Outcome outcome, const std::string& place) {
+    outcome.place = place;
+    return outcome;
+}
+
+bool AddLine(std::vector<BatchLine>& lines, const std::string& text, const std::string& place,
+             Outcome& outcome) {
+    auto words = WordsOf(text);
+    if (!words) {
+        outcome = At(Refused(ExitStatus::Usage, "a quote does not end."), place);
+        return false;
+    }
+    if (words->empty()) return true;
+    const std::string member = words->front();
+    words->erase(words->begin());
+    Outcome wrong;
+    const auto call = UnderstandCall(member, *words, wrong);
+    if (call) lines.push_back({place, *call});
+    if (!call) outcome = At(wrong, place);
+    return call.has_value();
+}
+
+std::vector<BatchLine> ReadFrom(std::istream& in, const std::string& name, Outcome& outcome) {
+    std::vector<BatchLine> lines;
+    std::string text;
+    for (int number = 1; std::getline(in, text); ++number)
+        if (!AddLine(lines, text, name + ":" + std::to_string(number), outcome)) break;
+    return lines;
+}
+
+} // namespace
+
+std::optional<std::vector<std::string>> WordsOf(std::string_view line) {
+    std::vector<std::string> words;
+    for (;;) {
+        const std::size_t start = line.find_first_not_of(Blanks);
+        if (start == std::string_view::npos || line[start] == '#') return words;
+        line.remove_prefix(start);
+        const auto word = TakeWord(line);
+        if (!word) return std::nullopt;
+        words.push_back(*word);
+    }
+}
+
+std::vector<BatchLine> ReadBatch(const std::string& file, Outcome& outcome) {
+    if (file == "-") return ReadFrom(std::cin, "-", outcome);
+    std::ifstream in(file, std::ios::binary);
+    if (!in || in.peek() == std::ifstream::traits_type::eof()) {
+        if (in.is_open() && !in.bad()) return {}; // an empty file calls nothing
+        outcome =
+            Refused(ExitStatus::Usage, file + ": " + std::generic_category().message(errno) + ".");
+        return {};
+    }
+    return ReadFrom(in, file, outcome);
+}
+
+} // namespace qnctl

@@ -1,0 +1,127 @@
+#include "Command.h"
+#include "Session.h"
+#include "ShownTerminal.h"
+
+#include "common/StopWatch.h"
+#include "common/Text.h"
+#include "console/Charset.h"
+#include "console/ConsoleTerminal.h"
+#include "dialogs/frmBinaryTransfer.h"
+
+#include <CLI/CLI.hpp>
+
+#include <algorithm>
+#include <array>
+#include <charconv>
+#include <iostream>
+#include <memory>
+
+namespace qnctl {
+namespace {
+
+struct KeyArguments {
+    std::string key;
+    std::vector<std::string> answers;
+    std::string file;
+    std::string protocol;
+};
+
+/// The keys that neither type text nor listen, so that no printer need be found first: a transfer's
+/// other side waits for it, and a search would disturb that.
+constexpr std::array<std::string_view, 7> Silent{
+    "CommSettings", "Autoconnect", "Clear", "Copy", "UploadB", "DownloadB", "FunctionkeysSetup"};
+
+/// The key as the toolbar has it, found by name or position.
+const qncomm::ToolbarButton* FindButton(Session& session, const std::string& named) {
+    const qncomm::ToolbarModel& toolbar = session.Control().Toolbar1;
+    std::size_t position = 0;
+    const char* end = named.data() + named.size();
+    const auto [stop, error] = std::from_chars(named.data(), end, position);
+    if (error != std::errc() || stop != end) return toolbar.Find(named);
+    const bool there = position >= 1 && position <= toolbar.Buttons().size();
+    return there ? &toolbar.Buttons()[position - 1] : nullptr;
+}
+
+Outcome NoSuchKey(Session& session, const std::string& named) {
+    std::string message = "There is no key \"" + named + "\". There are:";
+    for (const qncomm::ToolbarButton& button : session.Control().Toolbar1.Buttons())
+        message += " " + button.key;
+    return Refused(ExitStatus::Usage, message);
+}
+
+/// Collects what the printer says and waits until it has said it all.
+class Reply {
+  public:
+    explicit Reply(Session& session) : mSession(session), mSilence(session.Loop()) {}
+
+    void Take(std::string_view text) {
+        mSilence.Restart();
+        mText += text;
+        if (!mSession.Out().IsJson()) std::cout << qncomm::Utf8FromPrinter(text) << std::flush;
+    }
+
+    /// Returns after the printer's "Ok", or when nothing has come for as long as a terminal waits.
+    void Await() {
+        constexpr std::int32_t limit = qncomm::ConsoleTerminal::SilenceMs;
+        mSilence.Restart();
+        while (!mText.ends_with("Ok\r\n") && mSilence.ElapsedMs() <= limit
+               && mSession.Serial().PortOpen())
+            mSession.Loop().Yield(mSilence.UntilExceeds(limit));
+    }
+
+    const std::string& Text() const { return mText; }
+
+  private:
+    Session& mSession;
+    qncomm::StopWatch mSilence;
+    std::string mText;
+};
+
+void GiveAnswers(Session& session, const KeyArguments& arguments) {
+    for (const std::string& answer : arguments.answers)
+        session.Desk().Texts().Give(answer);
+    if (!arguments.file.empty()) session.Desk().Files().Give(arguments.file);
+    if (arguments.protocol == "zmodem") session.Desk().Forms().SetProtocol(qncomm::ProtocolZModem);
+    if (arguments.protocol == "kermit") session.Desk().Forms().SetProtocol(qncomm::ProtocolKermit);
+}
+
+Outcome PressKey(Session& session, const KeyArguments& arguments) {
+    const qncomm::ToolbarButton* button = FindButton(session, arguments.key);
+    if (button == nullptr) return NoSuchKey(session, arguments.key);
+    const std::string key = button->key;
+    const bool silent = std::ranges::find(Silent, key) != Silent.end();
+    if (!silent)
+        if (Outcome connected = session.Connect(); !connected.Ok()) return connected;
+    GiveAnswers(session, arguments);
+    session.Serial().SetPortOpen(true); // says why when it cannot be opened
+    Reply reply(session);
+    const ShownTerminal shown(session, [&](std::string_view text) { reply.Take(text); });
+    session.Disconnect(); // the terminal's own claim keeps the port open
+    session.Status().Clear();
+    session.Control().PressToolbarKey(key);
+    if (!silent) reply.Await();
+    if (session.Out().IsJson())
+        session.Out().Document({{"key", key}, {"reply", qncomm::Utf8FromPrinter(reply.Text())}});
+    return {};
+}
+
+} // namespace
+
+CommandTable KeyCommands() {
+    const auto arguments = std::make_shared<KeyArguments>();
+    return {{"key", "Press a key of the control's toolbar and show the printer's answer",
+             Needs::Port,
+             [arguments](CLI::App& app) {
+                 app.add_option("NAME", arguments->key, "Such as F1, or its position")->required();
+                 app.add_option("--answer", arguments->answers,
+                                "An answer to a macro's question; once for each")
+                     ->type_name("TEXT");
+                 app.add_option("--file", arguments->file, "The file that the key asks for")
+                     ->type_name("PATH");
+                 app.add_option("--protocol", arguments->protocol, "zmodem or kermit")
+                     ->check(CLI::IsMember({"zmodem", "kermit"}));
+             },
+             [arguments](Session& session) { return PressKey(session, *arguments); }}};
+}
+
+} // namespace qnctl

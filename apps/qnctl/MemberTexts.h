@@ -1,0 +1,45 @@
+#pragma once
+
+#include "Outcome.h"
+#include "Output.h"
+
+#include "control/SurfaceMembers.h"
+
+#include <optional>
+#include <string>
+#include <vector>
+
+namespace qnctl {
+
+// The control's members in the words of a command line.
+
+/// A call that has been understood: the member and its arguments.
+struct MemberCall {
+    const qncomm::SurfaceMember* member = nullptr;
+    std::vector<qncomm::MemberValue> arguments;
+};
+
+/// Understands a member's name and its arguments: in their order, or as "name:=value". Nothing,
+/// with the outcome set, for a member that there is not, for too many or too few of them, and for a
+/// character that the printer lacks. What a value stands for is the call's business.
+std::optional<MemberCall> UnderstandCall(const std::string& name,
+                                         const std::vector<std::string>& texts, Outcome& outcome);
+
+/// "Files(sDeviceName, brefresh:=False, bShowSystemFiles:=False)".
+std::string SignatureOf(const qncomm::SurfaceMember& member);
+
+/// A value as JSON, texts in UTF-8.
+Json JsonOf(const qncomm::MemberValue& value);
+
+/// A value as lines: a list of records as a table under its fields' names; no line for nothing.
+void ShowValue(const Output& out, const qncomm::MemberValue& value);
+
+/// One value in one line.
+std::string LineOf(const qncomm::MemberValue& value);
+
+/// What kind a member is, what a type takes and what a call needs, in one word each.
+const char* NameOf(qncomm::MemberKind kind);
+const char* NameOf(qncomm::MemberType type);
+const char* NameOf(qncomm::MemberNeeds needs);
+
+} // namespace qnctl

@@ -1,0 +1,18 @@
+#pragma once
+
+#include "Output.h"
+
+#include "console/TransferProgress.h"
+
+namespace qnctl {
+
+class Session;
+
+/// Writes each reading as an object on a line of its own where results are to be JSON; empty
+/// elsewhere.
+qncomm::TransferProgress::Report ProgressLines(Session& session);
+
+/// The last line of a transfer that went well.
+Json ResultLine(const qncomm::TransferProgress& progress);
+
+} // namespace qnctl

@@ -1,0 +1,71 @@
+#include "CommandLine.h"
+
+#include "Version.h"
+
+#include <QCommandLineOption>
+#include <QCommandLineParser>
+
+namespace qnterm {
+namespace {
+
+constexpr int Usage = 2;
+
+/// The options that take a value: their places in the record, and what they are for.
+struct ValueOption {
+    const char* name;
+    const char* value;
+    QString StartOptions::*place;
+    const char* help;
+};
+constexpr ValueOption ValueOptions[] = {
+    {"port", "ADDRESS", &StartOptions::port,
+     "the port for this run: a device, tcp://HOST:PORT, rfc2217://HOST:PORT, sim:MODEL (the "
+     "virtual printer), or a number such as COM3"},
+    {"settings", "FILE", &StartOptions::settings, "the settings file, instead of your own"},
+    {"labels", "FOLDER", &StartOptions::labels,
+     "where the virtual printer puts pictures of its labels"},
+    {"trace", "FILE", &StartOptions::trace, "write what travels on the line, as JSON Lines"},
+};
+
+StartRequest Ended(int status, const QString& text) {
+    StartRequest request;
+    request.ended = status;
+    request.text = text;
+    return request;
+}
+
+} // namespace
+
+StartRequest ParseCommandLine(const QStringList& arguments) {
+    QCommandLineParser parser;
+    parser.setApplicationDescription(
+        QStringLiteral("A terminal for label printers that are programmed in Quorin, with their "
+                       "files, setup, program modules and labels beside it."));
+    const QCommandLineOption help({QStringLiteral("h"), QStringLiteral("help")},
+                                  QStringLiteral("show this text and end"));
+    const QCommandLineOption version({QStringLiteral("v"), QStringLiteral("version")},
+                                     QStringLiteral("show the version and end"));
+    for (const ValueOption& option : ValueOptions)
+        parser.addOption(QCommandLineOption(QString::fromLatin1(option.name),
+                                            QString::fromLatin1(option.help),
+                                            QString::fromLatin1(option.value)));
+    parser.addOption(version);
+    parser.addOption(help);
+
+    if (!parser.parse(arguments))
+        return Ended(Usage, QStringLiteral("qnterm: %1\n").arg(parser.errorText()));
+    if (parser.isSet(help)) // read before there is an application that would know its name
+        return Ended(0, parser.helpText().replace(QStringLiteral("<executable_name>"),
+                                                  QStringLiteral("qnterm")));
+    if (parser.isSet(version))
+        return Ended(0, QStringLiteral("qnterm %1\n").arg(QLatin1String(Version)));
+    if (!parser.positionalArguments().isEmpty())
+        return Ended(Usage, QStringLiteral("qnterm: what is \"%1\"? See qnterm --help.\n")
+                                .arg(parser.positionalArguments().constFirst()));
+    StartRequest request;
+    for (const ValueOption& option : ValueOptions)
+        request.options.*option.place = parser.value(QString::fromLatin1(option.name));
+    return request;
+}
+
+} // namespace qnterm

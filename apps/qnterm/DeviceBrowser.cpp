@@ -1,0 +1,226 @@
+#include "DeviceBrowser.h"
+
+#include "DeviceReader.h"
+#include "FileCommand.h"
+#include "FileView.h"
+#include "Icons.h"
+#include "Operations.h"
+#include "PreviewPane.h"
+
+#include "common/QNError.h"
+
+#include <QAction>
+#include <QHeaderView>
+#include <QMenu>
+#include <QSortFilterProxyModel>
+#include <QSplitter>
+#include <QToolBar>
+#include <QVBoxLayout>
+
+#include <algorithm>
+
+namespace qnterm {
+namespace {
+
+QTableView* NewDeviceView(DeviceList& devices) {
+    auto* view = new QTableView;
+    view->setModel(&devices);
+    view->setAccessibleName(DeviceBrowser::tr("Devices of the printer"));
+    view->setSelectionBehavior(QAbstractItemView::SelectRows);
+    view->setSelectionMode(QAbstractItemView::SingleSelection);
+    view->setShowGrid(false);
+    view->setTabKeyNavigation(false);
+    view->setWordWrap(false);
+    view->verticalHeader()->hide();
+    view->verticalHeader()->setSectionResizeMode(QHeaderView::ResizeToContents);
+    view->horizontalHeader()->setHighlightSections(false);
+    view->horizontalHeader()->setDefaultAlignment(Qt::AlignLeft | Qt::AlignVCenter);
+    view->horizontalHeader()->setSectionResizeMode(QHeaderView::ResizeToContents);
+    view->horizontalHeader()->setSectionResizeMode(DeviceList::NameColumn, QHeaderView::Stretch);
+    return view;
+}
+
+} // namespace
+
+DeviceBrowser::DeviceBrowser(Operations& operations, SentFiles& sent, QWidget* parent)
+    : QWidget(parent),
+      mOperations(operations),
+      mActions(operations, sent, this),
+      mSorted(new QSortFilterProxyModel(this)),
+      mDeviceView(NewDeviceView(mDevices)),
+      mFileView(new FileView),
+      mPreview(new PreviewPane(sent)),
+      mToolBar(new QToolBar) {
+    mSorted->setSourceModel(&mFiles);
+    mSorted->setSortRole(FileTable::SortRole);
+    mSorted->setSortCaseSensitivity(Qt::CaseInsensitive);
+    Build();
+    BuildCommands();
+    connect(mDeviceView->selectionModel(), &QItemSelectionModel::currentRowChanged, this,
+            &DeviceBrowser::ShowDevice);
+    connect(mFileView->selectionModel(), &QItemSelectionModel::selectionChanged, this,
+            &DeviceBrowser::OnSelection);
+    connect(mFileView, &FileView::FilesDropped, this, [this](const QStringList& paths) {
+        if (const DeviceListing* device = Device()) mActions.SendFiles(*device, paths);
+    });
+    connect(mFileView, &QWidget::customContextMenuRequested, this, &DeviceBrowser::ShowMenu);
+    connect(&mActions, &FileActions::Changed, this, &DeviceBrowser::Update);
+    connect(&mOperations, &Operations::RunningChanged, this, &DeviceBrowser::EnableCommands);
+    Empty();
+}
+
+void DeviceBrowser::Build() {
+    mFileView->setModel(mSorted);
+    mFileView->setAccessibleName(tr("Files on the device"));
+    mFileView->sortByColumn(FileTable::NameColumn, Qt::AscendingOrder);
+    mFileView->setContextMenuPolicy(Qt::CustomContextMenu);
+    mFileView->horizontalHeader()->setSectionResizeMode(QHeaderView::ResizeToContents);
+    mFileView->horizontalHeader()->setSectionResizeMode(FileTable::NameColumn,
+                                                        QHeaderView::Stretch);
+    auto* lower = new QWidget;
+    auto* lowerLayout = new QVBoxLayout(lower);
+    lowerLayout->setContentsMargins(0, 0, 0, 0);
+    lowerLayout->addWidget(mFileView, 1);
+    lowerLayout->addWidget(mPreview);
+    auto* splitter = new QSplitter(Qt::Vertical);
+    splitter->addWidget(mDeviceView);
+    splitter->addWidget(lower);
+    splitter->setStretchFactor(0, 1);
+    splitter->setStretchFactor(1, 3);
+    splitter->setChildrenCollapsible(false);
+    auto* layout = new QVBoxLayout(this);
+    layout->setContentsMargins(4, 0, 4, 4);
+    layout->setSpacing(4);
+    layout->addWidget(mToolBar);
+    layout->addWidget(splitter, 1);
+}
+
+void DeviceBrowser::BuildCommands() {
+    const auto add = [this](const QIcon& icon, const QString& text, const QString& tip,
+                            const QKeySequence& keys) {
+        auto* action = new QAction(icon, text, this);
+        action->setShortcut(keys);
+        action->setShortcutContext(Qt::WidgetWithChildrenShortcut);
+        action->setToolTip(QStringLiteral("%1 (%2)").arg(tip, keys.toString()));
+        action->setStatusTip(tip);
+        addAction(action);
+        mToolBar->addAction(action);
+        return action;
+    };
+    mToolBar->setIconSize(QSize(20, 20));
+    mRefresh = add(ThemedIcon("refresh"), tr("Re&fresh"), tr("Read the lists from the printer"),
+                   QKeySequence(Qt::Key_F5));
+    connect(mRefresh, &QAction::triggered, this, &DeviceBrowser::Refresh);
+    mToolBar->addSeparator();
+    for (const FileCommand& command : FileCommands()) {
+        QAction* action = add(ThemedIcon(command.icon), tr(command.text), tr(command.tip),
+                              QKeySequence(QString::fromLatin1(command.shortcut)));
+        connect(action, &QAction::triggered, this, [this, &command] { Carry(command); });
+        mCommands.push_back(action);
+    }
+}
+
+void DeviceBrowser::Carry(const FileCommand& command) {
+    const DeviceListing* device = Device();
+    if (device == nullptr) return;
+    const DeviceListing copy = *device; // the list may be read anew meanwhile
+    command.act(mActions, copy, Names());
+}
+
+void DeviceBrowser::Refresh() {
+    Reread(true);
+}
+
+void DeviceBrowser::Update() {
+    Reread(false);
+}
+
+void DeviceBrowser::Reread(bool refresh) {
+    if (!mKnown && !refresh) return;
+    std::vector<DeviceListing> listings;
+    // Only what the person asked for is told as done.
+    const QString title = refresh ? tr("Read the printer's files") : QString();
+    if (!mOperations.Run(title, [&](qncomm::QNComm& control) {
+            listings = ReadDevices(control, mDevices.Listings(), refresh);
+        }))
+        return;
+    mKnown = true;
+    const DeviceListing* shown = Device();
+    const std::string name = shown != nullptr ? shown->name : std::string();
+    mDevices.SetListings(std::move(listings));
+    const int row = std::max(0, mDevices.RowOf(name));
+    if (mDevices.rowCount() > 0) mDeviceView->selectRow(row);
+    ShowDevice();
+}
+
+void DeviceBrowser::Empty() {
+    mKnown = false;
+    mDevices.SetListings({});
+    ShowDevice();
+}
+
+const DeviceListing* DeviceBrowser::Device() const {
+    const QModelIndex current = mDeviceView->selectionModel()->currentIndex();
+    if (!current.isValid()) return nullptr;
+    return &mDevices.Listings().at(static_cast<std::size_t>(current.row()));
+}
+
+std::vector<std::string> DeviceBrowser::Names() const {
+    std::vector<std::string> names;
+    for (const QModelIndex& row : mFileView->selectionModel()->selectedRows())
+        names.push_back(mFiles.At(mSorted->mapToSource(row).row()).Name);
+    return names;
+}
+
+void DeviceBrowser::ShowDevice() {
+    const DeviceListing* device = Device();
+    const bool plain = device == nullptr || device->kind == DeviceKind::Files;
+    mFiles.SetFiles(device != nullptr ? device->files : nullptr,
+                    device == nullptr || device->kind != DeviceKind::Fonts);
+    mPreview->setVisible(!plain);
+    mPreview->ShowNothing();
+    if (!isEnabled())
+        mFileView->SetHint({});
+    else if (!mKnown)
+        mFileView->SetHint(tr("Press F5 to read the printer's files."));
+    else if (device == nullptr)
+        mFileView->SetHint(tr("This printer cannot list its files."));
+    else
+        mFileView->SetHint(tr("Nothing is here. Drop files to send them to the printer."));
+    EnableCommands();
+}
+
+void DeviceBrowser::OnSelection() {
+    EnableCommands();
+    const DeviceListing* device = Device();
+    const auto names = Names();
+    if (device == nullptr || device->kind == DeviceKind::Files) return;
+    if (names.size() == 1)
+        mPreview->ShowEntry(device->kind, names.front());
+    else
+        mPreview->ShowNothing();
+}
+
+void DeviceBrowser::EnableCommands() {
+    const DeviceListing* device = Device();
+    const std::size_t count = Names().size();
+    const bool idle = !mOperations.Running();
+    mRefresh->setEnabled(idle);
+    for (std::size_t i = 0; i < mCommands.size(); ++i) {
+        const FileCommand& command = FileCommands()[i];
+        const bool here = device != nullptr && command.IsFor(device->kind);
+        mCommands[i]->setVisible(device == nullptr || here);
+        mCommands[i]->setEnabled(idle && here && command.Fits(count));
+    }
+}
+
+void DeviceBrowser::ShowMenu(const QPoint& at) {
+    auto* menu = new QMenu(this);
+    menu->setAttribute(Qt::WA_DeleteOnClose);
+    menu->addAction(mRefresh);
+    menu->addSeparator();
+    menu->addActions({mCommands.begin(), mCommands.end()});
+    menu->popup(mFileView->viewport()->mapToGlobal(at));
+}
+
+} // namespace qnterm

@@ -1,0 +1,318 @@
+#include "MainWindow.h"
+
+#include "AddressDialog.h"
+#include "DeviceBrowser.h"
+#include "Icons.h"
+#include "LabelView.h"
+#include "ModuleBrowser.h"
+#include "Operations.h"
+#include "PrinterActions.h"
+#include "SetupBrowser.h"
+#include "StatusView.h"
+#include "Version.h"
+#include "WelcomePage.h"
+#include "WindowMemory.h"
+
+#include "common/QNError.h"
+#include "control/QNComm.h"
+#include "qt/Charset.h"
+#include "qt/Icons.h"
+#include "qt/QNCommWidget.h"
+#include "serial/PDQComm.h"
+#include "serial/PortListing.h"
+
+#include <QAction>
+#include <QCloseEvent>
+#include <QDockWidget>
+#include <QMenu>
+#include <QMenuBar>
+#include <QMessageBox>
+#include <QStackedWidget>
+#include <QStatusBar>
+
+#include <utility>
+
+namespace qnterm {
+namespace {
+
+constexpr QSize UsualSize{1180, 760};
+constexpr int UsualDockWidth = 400;
+constexpr const char* VirtualPrinter = "sim:R7G";
+
+/// What stands beside the terminal.
+struct DockPlace {
+    const char* name;
+    const char* title;
+    const char* keys;
+};
+constexpr DockPlace DockPlaces[] = {
+    {"devices", "Devices", "Ctrl+Shift+D"},
+    {"setup", "Setup", "Ctrl+Shift+S"},
+    {"modules", "Modules", "Ctrl+Shift+M"},
+    {"labels", "Labels", "Ctrl+Shift+L"},
+};
+constexpr int EndingPollMs = 20;
+
+} // namespace
+
+MainWindow::MainWindow(const StartOptions& options, std::shared_ptr<qncomm::FileSettings> store,
+                       qncomm::TraceSink* trace)
+    : mOptions(options), mStore(std::move(store)), mBook(mStore), mSent(mStore) {
+    mPort =
+        options.port.isEmpty() ? mBook.Configured() : mBook.ForThisRun(options.port.toStdString());
+    setWindowTitle(tr("QNComm Terminal"));
+    BuildCentre(trace);
+    BuildDocks();
+    BuildMenus();
+    ConnectParts();
+    resize(UsualSize);
+    if (!RestoreWindow(*this, *mStore)) {
+        const QList<QDockWidget*> docks = findChildren<QDockWidget*>();
+        resizeDocks({docks.front()}, {UsualDockWidth}, Qt::Horizontal);
+        docks.front()->raise();
+    }
+}
+
+MainWindow::~MainWindow() = default;
+
+void MainWindow::BuildCentre(qncomm::TraceSink* trace) {
+    // While none is chosen the control is set to the virtual printer: nothing of this machine is
+    // touched.
+    const ChosenPort port = mPort ? mPort : mBook.ForThisRun(VirtualPrinter);
+    mLabelFolder = IsVirtual(port.address) ? mBook.GiveLabels(port, LabelFolder()) : "";
+    qncomm::ControlAssembly::Options options;
+    options.bindings = mBook.Bindings();
+    options.trace = trace;
+    mControl = new qncomm::QNCommWidget(qncomm::QNCommWidget::RunMode, nullptr, std::move(options));
+    mControl->setRegSettings(mBook.SettingsFor(port));
+    mOperations = new Operations(mControl->control(),
+                                 {.any = [this] { return mControl->isBusy(); },
+                                  .cancel = [this] { mControl->cancelOperation(); }},
+                                 this);
+    mWelcome = new WelcomePage;
+    connect(mWelcome, &WelcomePage::ChooseWanted, this, &MainWindow::ChoosePort);
+    mCentre = new QStackedWidget;
+    mCentre->addWidget(new QWidget); // until it is known what belongs here
+    mCentre->addWidget(mWelcome);
+    mCentre->addWidget(mControl);
+    setCentralWidget(mCentre);
+    mStatus = new StatusView(*statusBar(), *mOperations);
+}
+
+/// The docks are there from the start, so that the window comes up as it was left; what they hold
+/// is made when the window is on the glass.
+void MainWindow::BuildDocks() {
+    setDockNestingEnabled(true);
+    QDockWidget* first = nullptr;
+    for (const DockPlace& place : DockPlaces) {
+        auto* dock = new QDockWidget(tr(place.title), this);
+        dock->setObjectName(QString::fromLatin1(place.name));
+        addDockWidget(Qt::RightDockWidgetArea, dock);
+        if (first == nullptr)
+            first = dock;
+        else
+            tabifyDockWidget(first, dock);
+    }
+}
+
+void MainWindow::FillDocks() {
+    mDevices = new DeviceBrowser(*mOperations, mSent);
+    mSetup = new SetupBrowser(*mOperations);
+    mModules = new ModuleBrowser(*mOperations);
+    mLabels = new LabelView;
+    QWidget* const contents[] = {mDevices, mSetup, mModules, mLabels};
+    const DockPlace* place = std::begin(DockPlaces);
+    for (QWidget* content : contents)
+        findChild<QDockWidget*>(QString::fromLatin1((place++)->name))->setWidget(content);
+    connect(mModules, &ModuleBrowser::Uploaded, mDevices, &DeviceBrowser::Update);
+    connect(mLabels, &LabelView::Printed, this,
+            [this] { mStatus->Say(tr("A label has been printed.")); });
+    mDevices->setEnabled(false);
+    mDevices->Empty();
+    mSetup->setEnabled(false);
+}
+
+void MainWindow::BuildMenus() {
+    mActions = new PrinterActions(*mOperations, this);
+    mActions->AddMenus(*menuBar());
+    auto* view = new QMenu(tr("&View"), this);
+    menuBar()->insertMenu(mActions->HelpMenu(), view);
+    for (const DockPlace& place : DockPlaces) {
+        auto* dock = findChild<QDockWidget*>(QString::fromLatin1(place.name));
+        auto* action = new QAction(dock->windowTitle(), this);
+        action->setShortcut(QKeySequence(QString::fromLatin1(place.keys)));
+        connect(action, &QAction::triggered, dock, [dock] {
+            dock->show();
+            dock->raise();
+            dock->widget()->setFocus();
+        });
+        addAction(action);
+        view->addAction(action);
+    }
+}
+
+void MainWindow::ConnectParts() {
+    mStarting.setSingleShot(true);
+    connect(&mStarting, &QTimer::timeout, this, &MainWindow::Start);
+    mEnding.setSingleShot(true);
+    mEnding.setInterval(EndingPollMs);
+    connect(&mEnding, &QTimer::timeout, this, &QWidget::close);
+    connect(mOperations, &Operations::Failed, this, &MainWindow::ShowFailure);
+    connect(mActions, &PrinterActions::Identified, this, &MainWindow::OnIdentified);
+    connect(mActions, &PrinterActions::ChoosePortWanted, this, &MainWindow::ChoosePort);
+    connect(mActions, &PrinterActions::QuitWanted, this, &QWidget::close);
+    connect(mActions, &PrinterActions::AboutWanted, this, &MainWindow::ShowAbout);
+    connect(mActions, &PrinterActions::Said, mStatus, &StatusView::Say);
+    connect(mControl, &qncomm::QNCommWidget::portStateEvent, this, &MainWindow::ShowPortState);
+    connect(mControl, &qncomm::QNCommWidget::error, this,
+            [this](int number, const QString& source, const QString& description) {
+                ShowFailure(
+                    {}, qncomm::QNError(number, source.toStdString(), description.toStdString()));
+            });
+    ShowPortState();
+}
+
+/// The window comes up first; then it is filled and connects.
+void MainWindow::paintEvent(QPaintEvent* event) {
+    QMainWindow::paintEvent(event);
+    if (std::exchange(mStarted, true)) return;
+    mStarting.start();
+}
+
+/// Opens the port that was named or configured, or asks for one.
+void MainWindow::Start() {
+    setWindowIcon(qncomm::ProductIcon());
+    FillDocks();
+    if (mPort) {
+        EnterPort();
+        return;
+    }
+    mCentre->setCurrentWidget(mWelcome);
+    if (!mPort.problem.empty()) mStatus->Say(QString::fromStdString(mPort.problem));
+    ChoosePort();
+}
+
+void MainWindow::ChoosePort() {
+    auto* dialog = new AddressDialog(qncomm::ListPorts(mBook.Bindings()), mPort.address, this);
+    dialog->setAttribute(Qt::WA_DeleteOnClose);
+    connect(dialog, &AddressDialog::Chosen, this, &MainWindow::TakeAddress, Qt::QueuedConnection);
+    dialog->open();
+}
+
+void MainWindow::TakeAddress(const std::string& address) {
+    ChosenPort port;
+    try {
+        port = mBook.Configure(address);
+    } catch (const qncomm::QNError& error) { // it is used all the same, but not remembered
+        ShowFailure(tr("Remember the port"), error);
+        port = mBook.ForThisRun(address);
+    }
+    if (port)
+        UsePort(port);
+    else
+        mStatus->Say(QString::fromStdString(port.problem));
+}
+
+/// Where the virtual printer's labels go; made when it is asked for.
+std::string MainWindow::LabelFolder() {
+    if (!mOptions.labels.isEmpty()) return mOptions.labels.toStdString();
+    if (!mScratchLabels) mScratchLabels.emplace();
+    return mScratchLabels->path().toStdString();
+}
+
+/// Sets the control to another port.
+void MainWindow::UsePort(const ChosenPort& port) {
+    mPort = port;
+    mLabelFolder = IsVirtual(port.address) ? mBook.GiveLabels(port, LabelFolder()) : "";
+    mCentre->setCurrentWidget(mWelcome); // the control gives the former port back
+    qncomm::QNComm& control = mControl->control();
+    mControl->assembly().Serial().Bindings() = mBook.Bindings();
+    qncomm::MemoryPropertyBag looks;
+    control.UserControl_WriteProperties(looks);
+    control.UserControl_ReadProperties(looks); // forgets what was known of the former printer
+    control.SetRegSettings(mBook.SettingsFor(port));
+    EnterPort();
+}
+
+/// Shows the control, which opens its port, and finds out what is there.
+void MainWindow::EnterPort() {
+    mPrinter.clear();
+    mDevices->setEnabled(true);
+    mDevices->Empty();
+    mSetup->setEnabled(true);
+    mSetup->Empty();
+    mLabels->SetFolder(QString::fromStdString(mLabelFolder));
+    mCentre->setCurrentWidget(mControl);
+    mActions->SetHasPort(true);
+    ShowPortState();
+    mActions->Connect();
+    mControl->setTerminalFocus();
+}
+
+void MainWindow::ShowPortState() {
+    PortFacts facts;
+    if (mPort) {
+        const qncomm::PDQComm& serial = mControl->assembly().Serial();
+        facts.open = serial.PortOpen();
+        facts.name = QString::fromStdString(mPort.address);
+        facts.printer = mPrinter;
+        if (!facts.open && serial.LastFailure())
+            facts.failure = QString::fromStdString(serial.LastFailure()->description);
+    }
+    mStatus->ShowPort(facts);
+}
+
+void MainWindow::OnIdentified(const QString& model, const QString& firmware) {
+    mPrinter = model;
+    setWindowTitle(tr("%1, %2 – QNComm Terminal").arg(model, firmware));
+    ShowPortState();
+    mDevices->Refresh();
+    mStatus->Say(tr("Connected to %1, %2.").arg(model, firmware));
+}
+
+/// Tells the person why an operation failed, in a box that blocks nothing.
+void MainWindow::ShowFailure(const QString& title, const qncomm::QNError& error) {
+    if (mClosing) return;
+    auto* box = new QMessageBox(QMessageBox::Warning, windowTitle(),
+                                qncomm::FromEither(error.Description()), QMessageBox::Ok, this);
+    box->setAttribute(Qt::WA_DeleteOnClose);
+    QString detail = title;
+    if (error.Number() != 0)
+        detail = tr("%1: error %2 from %3")
+                     .arg(title.isEmpty() ? tr("QNComm") : title)
+                     .arg(error.Number())
+                     .arg(QString::fromStdString(error.Source()));
+    box->setInformativeText(detail);
+    box->open();
+}
+
+void MainWindow::ShowAbout() {
+    auto* box = new QMessageBox(QMessageBox::NoIcon, tr("About qnterm"),
+                                tr("<b>QNComm Terminal %1</b>").arg(QLatin1String(Version)),
+                                QMessageBox::Ok, this);
+    box->setIconPixmap(windowIcon().pixmap(64, 64));
+    box->setInformativeText(tr("Korvane Quorin Communications Control: a terminal for label "
+                               "printers that are programmed in Quorin, with their files, setup, "
+                               "program modules and labels beside it."));
+    box->setAttribute(Qt::WA_DeleteOnClose);
+    box->open();
+}
+
+void MainWindow::closeEvent(QCloseEvent* event) {
+    if (!mClosing) KeepWindow(*this, *mStore);
+    mClosing = true;
+    mOperations->Shut();
+    if (!mOperations->Busy()) {
+        mControl->tearDown(); // closes the port
+        event->accept();
+        emit Closed();
+        return;
+    }
+    // What waits is on the stack below this event: it ends first, and the window then.
+    event->ignore();
+    hide();
+    mOperations->Cancel();
+    mEnding.start();
+}
+
+} // namespace qnterm

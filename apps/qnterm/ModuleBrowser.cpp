@@ -1,0 +1,237 @@
+#include "ModuleBrowser.h"
+
+#include "Ask.h"
+#include "CodeView.h"
+#include "FileView.h"
+#include "Icons.h"
+#include "Operations.h"
+
+#include "common/Collection.h"
+#include "common/QNError.h"
+#include "control/QNComm.h"
+#include "qt/Charset.h"
+
+#include <QAction>
+#include <QDropEvent>
+#include <QFile>
+#include <QFileInfo>
+#include <QHeaderView>
+#include <QLabel>
+#include <QLineEdit>
+#include <QMimeData>
+#include <QSaveFile>
+#include <QSplitter>
+#include <QTableView>
+#include <QToolBar>
+#include <QVBoxLayout>
+
+namespace qnterm {
+namespace {
+
+QTableView* NewErrorView(ModuleErrorTable& errors) {
+    auto* view = new QTableView;
+    view->setModel(&errors);
+    view->setAccessibleName(ModuleBrowser::tr("Errors that the printer found"));
+    view->setSelectionBehavior(QAbstractItemView::SelectRows);
+    view->setSelectionMode(QAbstractItemView::SingleSelection);
+    view->setShowGrid(false);
+    view->setTabKeyNavigation(false);
+    view->setWordWrap(false);
+    view->verticalHeader()->hide();
+    view->verticalHeader()->setSectionResizeMode(QHeaderView::ResizeToContents);
+    view->horizontalHeader()->setHighlightSections(false);
+    view->horizontalHeader()->setDefaultAlignment(Qt::AlignLeft | Qt::AlignVCenter);
+    view->horizontalHeader()->setSectionResizeMode(QHeaderView::ResizeToContents);
+    view->horizontalHeader()->setStretchLastSection(true);
+    return view;
+}
+
+} // namespace
+
+ModuleBrowser::ModuleBrowser(Operations& operations, QWidget* parent)
+    : QWidget(parent),
+      mOperations(operations),
+      mToolBar(new QToolBar),
+      mTarget(new QLineEdit),
+      mCode(new CodeView),
+      mErrorView(NewErrorView(mErrors)),
+      mResult(new QLabel) {
+    setAcceptDrops(true);
+    Build();
+    connect(mErrorView, &QTableView::activated, this, &ModuleBrowser::JumpTo);
+    connect(mErrorView->selectionModel(), &QItemSelectionModel::currentRowChanged, this,
+            &ModuleBrowser::JumpTo);
+    connect(&mOperations, &Operations::RunningChanged, this, [this](bool running) {
+        mToolBar->setEnabled(!running);
+        mCode->setReadOnly(running);
+    });
+}
+
+QAction* ModuleBrowser::AddCommand(const char* icon, const QString& text, const QString& tip,
+                                   const char* keys, void (ModuleBrowser::*run)()) {
+    auto* action = new QAction(ThemedIcon(icon), text, this);
+    const QKeySequence sequence(QString::fromLatin1(keys));
+    action->setShortcut(sequence);
+    action->setShortcutContext(Qt::WidgetWithChildrenShortcut);
+    action->setToolTip(
+        sequence.isEmpty() ? tip : QStringLiteral("%1 (%2)").arg(tip, sequence.toString()));
+    action->setStatusTip(tip);
+    addAction(action);
+    mToolBar->addAction(action);
+    connect(action, &QAction::triggered, this, run);
+    return action;
+}
+
+void ModuleBrowser::Build() {
+    mToolBar->setIconSize(QSize(20, 20));
+    mToolBar->setToolButtonStyle(Qt::ToolButtonTextBesideIcon);
+    AddCommand("open", tr("&Open…"), tr("Open a module's source file"), "Ctrl+O",
+               &ModuleBrowser::ChooseFile);
+    AddCommand("save", tr("&Save"), tr("Save the source file"), "Ctrl+S", &ModuleBrowser::SaveFile);
+    mToolBar->addSeparator();
+    AddCommand("send", tr("&Upload"), tr("Type the module into the printer and save it there"),
+               "F5", &ModuleBrowser::Upload);
+    AddCommand("link", tr("&Link"), tr("Build the working program from modules of the printer"), "",
+               &ModuleBrowser::Link);
+    mTarget->setPlaceholderText(tr("Name on the printer: as the file is called"));
+    mTarget->setAccessibleName(tr("Name on the printer"));
+    mCode->setAccessibleName(tr("Text of the module"));
+    mCode->setPlaceholderText(tr("Open a source file, drop one here, or type a module."));
+    mResult->setWordWrap(true);
+    mResult->hide();
+    mErrorView->hide();
+    auto* splitter = new QSplitter(Qt::Vertical);
+    splitter->addWidget(mCode);
+    splitter->addWidget(mErrorView);
+    splitter->setStretchFactor(0, 3);
+    splitter->setStretchFactor(1, 1);
+    splitter->setChildrenCollapsible(false);
+    auto* layout = new QVBoxLayout(this);
+    layout->setContentsMargins(4, 0, 4, 4);
+    layout->setSpacing(4);
+    layout->addWidget(mToolBar);
+    layout->addWidget(mTarget);
+    layout->addWidget(splitter, 1);
+    layout->addWidget(mResult);
+}
+
+void ModuleBrowser::ChooseFile() {
+    AskOpenFile(this, tr("Open a module"), tr("Programs (*.prg *.PRG *.txt *.TXT);;All files (*)"),
+                [this](const QString& path) { OpenFile(path); });
+}
+
+void ModuleBrowser::OpenFile(const QString& sPath) {
+    constexpr qint64 largest = qint64{4} * 1024 * 1024; // beyond any printer's memory
+    QFile file(sPath);
+    if (!file.open(QIODevice::ReadOnly)) {
+        Say(tr("%1: %2").arg(sPath, file.errorString()));
+        return;
+    }
+    if (file.size() > largest) {
+        Say(tr("%1 is too large for a module.").arg(QFileInfo(sPath).fileName()));
+        return;
+    }
+    mPath = QFileInfo(sPath).absoluteFilePath();
+    mCode->setPlainText(qncomm::FromLine(file.readAll().toStdString()));
+    mTarget->setText(QFileInfo(sPath).fileName());
+    mErrors.SetErrors(nullptr);
+    mErrorView->hide();
+    mResult->hide();
+}
+
+void ModuleBrowser::SaveFile() {
+    if (mPath.isEmpty())
+        SaveAs();
+    else
+        WriteTo(mPath);
+}
+
+void ModuleBrowser::SaveAs() {
+    AskSaveFile(this, tr("Save the module"), mTarget->text(),
+                [this](const QString& path) { WriteTo(path); });
+}
+
+/// Lines end in CR LF, as in the printer's own files.
+void ModuleBrowser::WriteTo(const QString& path) {
+    QString text = mCode->toPlainText();
+    text.replace(QLatin1Char('\n'), QLatin1String("\r\n"));
+    const std::string bytes = qncomm::ToLine(text);
+    QSaveFile file(path);
+    const bool written = file.open(QIODevice::WriteOnly)
+                         && file.write(bytes.data(), static_cast<qint64>(bytes.size())) >= 0
+                         && file.commit();
+    if (written) mPath = path;
+    Say(written ? tr("Saved as %1.").arg(path) : tr("%1: %2").arg(path, file.errorString()));
+}
+
+void ModuleBrowser::Upload() {
+    qncomm::ModuleUploadArgs args;
+    args.sTargetPath = qncomm::ToLine(mTarget->text().trimmed());
+    args.sSourcePath = mPath.isEmpty() ? args.sTargetPath : mPath.toStdString();
+    args.sModuleText =
+        qncomm::ToLine(mCode->toPlainText().replace(QLatin1Char('\n'), QLatin1String("\r\n")));
+    if (args.sSourcePath.empty() || args.sModuleText.empty()) {
+        Say(args.sModuleText.empty() ? tr("There is no text to upload.")
+                                     : tr("Say what the module is called on the printer."));
+        return;
+    }
+    std::shared_ptr<qncomm::ModuleErrors> errors;
+    const QString name = QFileInfo(QString::fromStdString(args.sSourcePath)).fileName();
+    const bool done = mOperations.Run(tr("Upload %1").arg(name), [&](qncomm::QNComm& control) {
+        errors = control.ModuleUpload(args);
+    });
+    if (errors) ShowErrors(errors, qncomm::FromLine(args.sTargetPath));
+    if (done) emit Uploaded();
+}
+
+void ModuleBrowser::ShowErrors(const std::shared_ptr<qncomm::ModuleErrors>& errors,
+                               const QString& target) {
+    mErrors.SetErrors(errors);
+    mErrorView->setVisible(!errors->IsEmpty());
+    if (errors->IsEmpty()) {
+        mCode->GoToLine(0);
+        Say(tr("No errors. Saved on the printer as %1.").arg(target));
+        return;
+    }
+    Say(errors->Count() == 1
+            ? tr("The printer found an error and did not save the module.")
+            : tr("The printer found %1 errors and did not save the module.").arg(errors->Count()));
+    mErrorView->selectRow(0);
+}
+
+void ModuleBrowser::JumpTo(const QModelIndex& error) {
+    if (error.isValid()) mCode->GoToLine(mErrors.LineAt(error.row()));
+}
+
+void ModuleBrowser::Link() {
+    AskText(this, tr("Link modules"),
+            tr("Modules on the printer, in their order, separated by blanks:"), mTarget->text(),
+            [this](const QString& answer) {
+                qncomm::Collection<std::string> modules;
+                for (const QString& name : answer.split(QLatin1Char(' '), Qt::SkipEmptyParts))
+                    modules.Add(qncomm::ToLine(name));
+                const bool linked =
+                    mOperations.Run(tr("Link the program"), [&](qncomm::QNComm& control) {
+                        if (!control.ProgramLink(modules))
+                            throw qncomm::QNError(0, "qnterm",
+                                                  "The printer did not take the modules.");
+                    });
+                if (linked) Say(tr("The working program is linked from %1.").arg(answer));
+            });
+}
+
+void ModuleBrowser::Say(const QString& text) {
+    mResult->setText(text);
+    mResult->show();
+}
+
+void ModuleBrowser::dragEnterEvent(QDragEnterEvent* event) {
+    if (!LocalFilesOf(event->mimeData()).isEmpty()) event->acceptProposedAction();
+}
+
+void ModuleBrowser::dropEvent(QDropEvent* event) {
+    const QStringList files = LocalFilesOf(event->mimeData());
+    if (!files.isEmpty()) OpenFile(files.front());
+}
+
+} // namespace qnterm

@@ -1,0 +1,50 @@
+#include "ModuleErrorTable.h"
+
+#include "qt/Charset.h"
+
+namespace qnterm {
+
+void ModuleErrorTable::SetErrors(const std::shared_ptr<qncomm::ModuleErrors>& errors) {
+    beginResetModel();
+    mErrors.clear();
+    if (errors) mErrors.assign(errors->begin(), errors->end());
+    endResetModel();
+}
+
+int ModuleErrorTable::LineAt(int iRow) const {
+    return mErrors.at(static_cast<std::size_t>(iRow))->QNErrInLine;
+}
+
+int ModuleErrorTable::rowCount(const QModelIndex& parent) const {
+    return parent.isValid() ? 0 : static_cast<int>(mErrors.size());
+}
+
+int ModuleErrorTable::columnCount(const QModelIndex& parent) const {
+    return parent.isValid() ? 0 : ColumnCount;
+}
+
+QVariant ModuleErrorTable::data(const QModelIndex& index, int role) const {
+    if (!index.isValid()) return {};
+    const qncomm::clsQNModuleError& error = *mErrors.at(static_cast<std::size_t>(index.row()));
+    if (role == Qt::TextAlignmentRole && index.column() == LineColumn)
+        return static_cast<int>(Qt::AlignRight | Qt::AlignVCenter);
+    if (role != Qt::DisplayRole && role != Qt::ToolTipRole) return {};
+    switch (index.column()) {
+    case LineColumn:
+        return error.QNErrInLine;
+    case ErrorColumn:
+        return QStringLiteral("%1 (%2)")
+            .arg(qncomm::FromLine(error.QNErrDesc))
+            .arg(error.QNErrCode);
+    default:
+        return qncomm::FromLine(error.QNText);
+    }
+}
+
+QVariant ModuleErrorTable::headerData(int section, Qt::Orientation orientation, int role) const {
+    static const QStringList titles{tr("Line"), tr("Error"), tr("Text")};
+    if (orientation != Qt::Horizontal || role != Qt::DisplayRole) return {};
+    return titles.at(section);
+}
+
+} // namespace qnterm

@@ -1,0 +1,78 @@
+#pragma once
+
+#include "common/Event.h"
+#include "common/QNError.h"
+
+#include <QObject>
+#include <QString>
+
+#include <functional>
+
+namespace qncomm {
+class QNComm;
+}
+
+namespace qnterm {
+
+/// Runs the control's members on behalf of actions, one at a time, and tells in one way how they
+/// fare: progress while they run, a failure when one raised an error. What is cancelled ends
+/// without a failure.
+///
+/// The events of the window are dispatched while an operation waits for the printer, so an action
+/// may ask for a second one meanwhile: it is refused.
+class Operations : public QObject {
+    Q_OBJECT
+
+  public:
+    using Work = std::function<void(qncomm::QNComm&)>;
+
+    /// What the control's place on the desktop knows of operations that wait, its own toolbar's
+    /// among them.
+    struct Waits {
+        std::function<bool()> any;    ///< whether one waits; empty = never
+        std::function<void()> cancel; ///< ends those that wait, by OperationCancelled
+    };
+
+    /// The control outlives this object.
+    Operations(qncomm::QNComm& control, Waits waits, QObject* parent = nullptr);
+
+    /// Runs work. sTitle names it for the person: "Delete c:LAYOUT.LBL". False when it was refused,
+    /// cancelled or failed.
+    bool Run(const QString& sTitle, const Work& work);
+
+    bool Running() const { return mRunning; }
+    /// Whether anything waits for the printer, also what was not started here.
+    bool Busy() const { return mRunning || (mWaits.any && mWaits.any()); }
+    /// Whether Cancel was asked for since the operation began.
+    bool Cancelled() const { return mCancelled; }
+
+    /// Asks what runs to end: it is told with its next report of progress, and what goes on waiting
+    /// is ended.
+    void Cancel();
+
+    /// From now on nothing starts any more.
+    void Shut() { mShut = true; }
+
+  signals:
+    void RunningChanged(bool bRunning);
+    /// sText may be empty; iPercent is -1 where the progress is not known.
+    void Progress(const QString& sText, int iPercent);
+    /// The operation of that title has ended well or was cancelled.
+    void Done(const QString& sTitle, bool bCancelled);
+    void Failed(const QString& sTitle, const qncomm::QNError& error);
+    /// Another operation is running, so this one was not started.
+    void Refused(const QString& sTitle);
+
+  private:
+    bool Carry(const QString& title, const Work& work);
+    void OnStatus(const std::string& text, int percent, bool& cancel);
+
+    qncomm::QNComm& mControl;
+    Waits mWaits;
+    qncomm::Subscription mStatus;
+    bool mRunning = false;
+    bool mCancelled = false;
+    bool mShut = false;
+};
+
+} // namespace qnterm

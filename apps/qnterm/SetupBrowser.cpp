@@ -1,0 +1,137 @@
+#include "SetupBrowser.h"
+
+#include "Ask.h"
+#include "Icons.h"
+#include "Operations.h"
+
+#include "control/QNComm.h"
+#include "qt/Charset.h"
+
+#include <QAction>
+#include <QHeaderView>
+#include <QLineEdit>
+#include <QSortFilterProxyModel>
+#include <QToolBar>
+#include <QTreeView>
+#include <QVBoxLayout>
+
+namespace qnterm {
+
+SetupBrowser::SetupBrowser(Operations& operations, QWidget* parent)
+    : QWidget(parent),
+      mOperations(operations),
+      mFound(new QSortFilterProxyModel(this)),
+      mToolBar(new QToolBar),
+      mSearch(new QLineEdit),
+      mTree(new QTreeView) {
+    mFound->setSourceModel(&mModel);
+    mFound->setRecursiveFilteringEnabled(true);
+    mFound->setAutoAcceptChildRows(true);
+    mFound->setFilterKeyColumn(-1);
+    mFound->setFilterCaseSensitivity(Qt::CaseInsensitive);
+    Build();
+    connect(mSearch, &QLineEdit::textChanged, this, &SetupBrowser::Search);
+    // What is edited is done with before the printer is asked: the answer may change the tree.
+    connect(&mModel, &SetupModel::ChangeWanted, this, &SetupBrowser::Change, Qt::QueuedConnection);
+    connect(&mOperations, &Operations::RunningChanged, this, [this](bool running) {
+        mToolBar->setEnabled(!running);
+        mTree->setEditTriggers(running ? QAbstractItemView::NoEditTriggers
+                                       : QAbstractItemView::DoubleClicked
+                                             | QAbstractItemView::EditKeyPressed
+                                             | QAbstractItemView::SelectedClicked);
+    });
+}
+
+QAction* SetupBrowser::AddCommand(const char* icon, const QString& text, const QString& tip,
+                                  void (SetupBrowser::*run)()) {
+    auto* action = new QAction(ThemedIcon(icon), text, this);
+    action->setToolTip(tip);
+    action->setStatusTip(tip);
+    action->setShortcutContext(Qt::WidgetWithChildrenShortcut);
+    addAction(action);
+    mToolBar->addAction(action);
+    connect(action, &QAction::triggered, this, run);
+    return action;
+}
+
+void SetupBrowser::Build() {
+    mToolBar->setIconSize(QSize(20, 20));
+    mToolBar->setToolButtonStyle(Qt::ToolButtonTextBesideIcon);
+    AddCommand("refresh", tr("Re&fresh"), tr("Read the setup from the printer (F5)"),
+               &SetupBrowser::Read)
+        ->setShortcut(QKeySequence(Qt::Key_F5));
+    mToolBar->addSeparator();
+    AddCommand("save", tr("&Write…"), tr("Write the setup to a file on the printer"),
+               &SetupBrowser::WriteFile);
+    AddCommand("open", tr("&Load…"), tr("Take the setup of a file on the printer"),
+               &SetupBrowser::LoadFile);
+    mSearch->setPlaceholderText(tr("Search items and values"));
+    mSearch->setAccessibleName(tr("Search the setup"));
+    mSearch->setClearButtonEnabled(true);
+    mTree->setModel(mFound);
+    mTree->setAccessibleName(tr("Setup of the printer"));
+    mTree->setUniformRowHeights(true);
+    mTree->setAlternatingRowColors(true);
+    mTree->setAllColumnsShowFocus(true);
+    mTree->header()->setStretchLastSection(true);
+    auto* layout = new QVBoxLayout(this);
+    layout->setContentsMargins(4, 0, 4, 4);
+    layout->setSpacing(4);
+    layout->addWidget(mToolBar);
+    layout->addWidget(mSearch);
+    layout->addWidget(mTree, 1);
+}
+
+void SetupBrowser::Read() {
+    std::shared_ptr<qncomm::PrinterSetup> setup;
+    if (mOperations.Run(tr("Read the printer's setup"),
+                        [&](qncomm::QNComm& control) { setup = control.Setup(); })
+        && setup)
+        ShowSetup(*setup);
+}
+
+void SetupBrowser::ShowSetup(const qncomm::PrinterSetup& setup) {
+    const bool first = mModel.rowCount() == 0;
+    mModel.SetItems(setup);
+    if (!first) return;
+    mTree->expandAll();
+    mTree->resizeColumnToContents(SetupModel::NameColumn);
+}
+
+void SetupBrowser::Empty() {
+    mModel.Clear();
+}
+
+void SetupBrowser::Search(const QString& text) {
+    mFound->setFilterFixedString(text);
+    if (!text.isEmpty()) mTree->expandAll();
+}
+
+/// Changes an item and reads the setup again: what the printer made of the value is what counts.
+void SetupBrowser::Change(const QString& key, const QString& value) {
+    const bool changed = mOperations.Run(tr("Change %1").arg(key), [&](qncomm::QNComm& control) {
+        control.ChangePrinterSetupItem(qncomm::ToLine(key), qncomm::ToLine(value));
+    });
+    if (changed) Read();
+}
+
+void SetupBrowser::WriteFile() {
+    AskText(this, tr("Write the setup"), tr("File on the printer:"), QStringLiteral("c:SETUP.TXT"),
+            [this](const QString& name) {
+                mOperations.Run(
+                    tr("Write the setup to %1").arg(name),
+                    [&](qncomm::QNComm& control) { control.SetupWriteFile(qncomm::ToLine(name)); });
+            });
+}
+
+void SetupBrowser::LoadFile() {
+    AskText(this, tr("Load a setup"), tr("File on the printer:"), QStringLiteral("c:SETUP.TXT"),
+            [this](const QString& name) {
+                const bool loaded = mOperations.Run(
+                    tr("Load the setup from %1").arg(name),
+                    [&](qncomm::QNComm& control) { control.SetupLoadFile(qncomm::ToLine(name)); });
+                if (loaded) Read();
+            });
+}
+
+} // namespace qnterm

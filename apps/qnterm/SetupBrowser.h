@@ -1,0 +1,47 @@
+#pragma once
+
+#include "SetupModel.h"
+
+#include <QWidget>
+
+class QAction;
+class QLineEdit;
+class QSortFilterProxyModel;
+class QToolBar;
+class QTreeView;
+
+namespace qnterm {
+
+class Operations;
+
+/// The printer's setup as a tree that can be searched and changed in place.
+class SetupBrowser final : public QWidget {
+    Q_OBJECT
+
+  public:
+    explicit SetupBrowser(Operations& operations, QWidget* parent = nullptr);
+
+    /// Reads the setup from the printer.
+    void Read();
+    /// Shows nothing, as for a printer that is not connected.
+    void Empty();
+
+  private:
+    void Build();
+    QAction* AddCommand(const char* icon, const QString& text, const QString& tip,
+                        void (SetupBrowser::*run)());
+    void Change(const QString& key, const QString& value);
+    void WriteFile();
+    void LoadFile();
+    void Search(const QString& text);
+    void ShowSetup(const qncomm::PrinterSetup& setup);
+
+    Operations& mOperations;
+    SetupModel mModel;
+    QSortFilterProxyModel* mFound;
+    QToolBar* mToolBar;
+    QLineEdit* mSearch;
+    QTreeView* mTree;
+};
+
+} // namespace qnterm

@@ -1,0 +1,61 @@
+#pragma once
+
+#include "printer/clsPrinterSetupItem.h"
+
+#include <QAbstractItemModel>
+#include <QString>
+
+#include <memory>
+#include <string>
+#include <vector>
+
+namespace qnterm {
+
+/// The printer's setup as a tree: sections within sections, the items' values in the second column.
+/// A value that the person changes is asked of the printer and stands here when it has been read
+/// from there.
+class SetupModel final : public QAbstractItemModel {
+    Q_OBJECT
+
+  public:
+    enum Column { NameColumn, ValueColumn, ColumnCount };
+    /// An item's whole key, such as "SER-COM,UART1,BAUDRATE"; empty for a section.
+    static constexpr int KeyRole = Qt::UserRole;
+
+    explicit SetupModel(QObject* parent = nullptr);
+    ~SetupModel() override;
+
+    /// Shows a setup. One with the same keys as before only changes values, so that a view stays as
+    /// it is.
+    void SetItems(const qncomm::PrinterSetup& items);
+    void Clear();
+
+    /// Where the value of an item stands; invalid for a key that is not there.
+    QModelIndex ValueIndex(const QString& sKey) const;
+
+    QModelIndex index(int row, int column, const QModelIndex& parent = {}) const override;
+    QModelIndex parent(const QModelIndex& child) const override;
+    int rowCount(const QModelIndex& parent = {}) const override;
+    int columnCount(const QModelIndex& parent = {}) const override;
+    QVariant data(const QModelIndex& index, int role) const override;
+    QVariant headerData(int section, Qt::Orientation orientation, int role) const override;
+    Qt::ItemFlags flags(const QModelIndex& index) const override;
+    bool setData(const QModelIndex& index, const QVariant& value, int role) override;
+
+  signals:
+    /// The person wants the item to have this value.
+    void ChangeWanted(const QString& sKey, const QString& sValue);
+
+  private:
+    struct Node;
+
+    const Node& NodeOf(const QModelIndex& index) const;
+    Node& Place(const std::string& key);
+    bool HasSameKeys(const qncomm::PrinterSetup& items) const;
+    void TakeValues(const qncomm::PrinterSetup& items);
+
+    std::unique_ptr<Node> mRoot;
+    std::vector<Node*> mItems; ///< those that have a value, in the printer's order
+};
+
+} // namespace qnterm

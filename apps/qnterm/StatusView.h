@@ -1,0 +1,56 @@
+#pragma once
+
+#include <QObject>
+#include <QString>
+
+class QLabel;
+class QProgressBar;
+class QStatusBar;
+class QTimer;
+class QToolButton;
+
+namespace qnterm {
+
+class Operations;
+
+/// What is known of the port.
+struct PortFacts {
+    bool open = false;
+    QString name;    ///< for the person, such as "COM3 (/dev/ttyUSB0)"; empty = none is chosen
+    QString printer; ///< what answers there; empty = not known
+    QString failure; ///< why it did not open or went away; empty = neither
+};
+
+/// The status bar: the state of the port, and of what runs its progress with a button that cancels
+/// it.
+class StatusView final : public QObject {
+    Q_OBJECT
+
+  public:
+    StatusView(QStatusBar& bar, Operations& operations);
+
+    void ShowPort(const PortFacts& facts);
+    /// A message that stands for a while.
+    void Say(const QString& sText);
+
+    // What is shown now.
+    QString PortText() const;
+    QString Message() const;
+    bool OffersCancel() const;
+
+  private:
+    void OnProgress(const QString& text, int percent);
+    void OnRunning(bool running);
+    void OnDone(const QString& title, bool cancelled);
+
+    QStatusBar& mBar;
+    Operations& mOperations;
+    QLabel* mText;
+    QProgressBar* mProgress;
+    QToolButton* mCancel;
+    QLabel* mPort;
+    QTimer* mSettle; ///< what is said of an operation that is over goes after a while
+    QTimer* mWatch;  ///< runs while something goes on that was not started by an action
+};
+
+} // namespace qnterm

@@ -1,0 +1,109 @@
+#include "console/ProcessLauncher.h"
+
+#include "common/HostPath.h"
+#include "common/Text.h"
+#include "platform/Fd.h"
+
+#include <cerrno>
+#include <csignal>
+#include <system_error>
+#include <vector>
+
+#include <fcntl.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+namespace qncomm {
+namespace {
+
+/// What the new process tells when it cannot become the program; it tells nothing when it does.
+struct Hindrance {
+    enum Step : int { Fork, Folder, Program };
+    int step = Fork;
+    int error = 0;
+};
+
+/// A request as this machine understands it.
+LaunchRequest ForThisMachine(LaunchRequest request) {
+    if (request.program.find('\\') != std::string::npos && !FileExists(request.program)) {
+        request.program = ReplaceAll(request.program, "\\", "/");
+        request.folder = ReplaceAll(request.folder, "\\", "/");
+    }
+    // The folder is entered before the program is started.
+    if (request.program.find('/') != std::string::npos)
+        request.program = PathIn(CurrentFolder(), request.program);
+    return request;
+}
+
+/// Handlers, masks and streams of this process are none of the program's business.
+void ForgetThisProcess() {
+    sigset_t none;
+    ::sigemptyset(&none);
+    ::sigprocmask(SIG_SETMASK, &none, nullptr);
+    for (const int ignored : {SIGPIPE, SIGINT, SIGTERM, SIGHUP, SIGCHLD})
+        ::signal(ignored, SIG_DFL);
+    ::setsid();
+    const int nowhere = ::open("/dev/null", O_RDWR | O_CLOEXEC);
+    for (const int stream : {STDIN_FILENO, STDOUT_FILENO, STDERR_FILENO})
+        ::dup2(nowhere, stream);
+}
+
+[[noreturn]] void Tell(int report, Hindrance::Step step) {
+    const Hindrance hindrance{step, errno};
+    const ssize_t written = ::write(report, &hindrance, sizeof hindrance);
+    ::_exit(written == sizeof hindrance ? 126 : 127);
+}
+
+/// The new process; between fork and exec it calls nothing that needs memory.
+[[noreturn]] void BecomeProgram(const LaunchRequest& request, char* const* arguments, int report) {
+    const pid_t second = ::fork(); // whose parent ends at once, so that the system looks after it
+    if (second < 0) Tell(report, Hindrance::Fork);
+    if (second > 0) ::_exit(0);
+    ForgetThisProcess();
+    if (!request.folder.empty() && ::chdir(request.folder.c_str()) != 0)
+        Tell(report, Hindrance::Folder);
+    ::execvp(request.program.c_str(), arguments);
+    Tell(report, Hindrance::Program);
+}
+
+LaunchResult ResultOf(const Hindrance& hindrance, const LaunchRequest& request) {
+    const bool missing = hindrance.step == Hindrance::Program && hindrance.error == ENOENT;
+    const std::string& what =
+        hindrance.step == Hindrance::Folder ? request.folder : request.program;
+    return {missing ? LaunchResult::Kind::NotFound : LaunchResult::Kind::Refused, hindrance.error,
+            what + ": " + std::generic_category().message(hindrance.error)};
+}
+
+/// Reads what the new process tells; nothing when it has become the program.
+bool ReadHindrance(int report, Hindrance& hindrance) {
+    ssize_t got = 0;
+    do
+        got = ::read(report, &hindrance, sizeof hindrance);
+    while (got < 0 && errno == EINTR);
+    return got == sizeof hindrance;
+}
+
+} // namespace
+
+LaunchResult ProcessLauncher::Launch(const LaunchRequest& request) {
+    LaunchRequest own = ForThisMachine(request);
+    std::vector<char*> arguments{own.program.data()};
+    for (std::string& argument : own.arguments)
+        arguments.push_back(argument.data());
+    arguments.push_back(nullptr);
+    int ends[2] = {-1, -1};
+    if (::pipe2(ends, O_CLOEXEC) != 0) return ResultOf({Hindrance::Fork, errno}, own);
+    const Fd reading(ends[0]);
+    Fd writing(ends[1]);
+    const pid_t first = ::fork();
+    if (first < 0) return ResultOf({Hindrance::Fork, errno}, own);
+    if (first == 0) BecomeProgram(own, arguments.data(), writing.Get());
+    writing.Reset();
+    Hindrance hindrance;
+    const bool hindered = ReadHindrance(reading.Get(), hindrance);
+    while (::waitpid(first, nullptr, 0) < 0 && errno == EINTR)
+        continue;
+    return hindered ? ResultOf(hindrance, own) : LaunchResult{};
+}
+
+} // namespace qncomm

@@ -1,0 +1,59 @@
+#pragma once
+
+#include "assembly/TerminalViewport.h"
+#include "console/ConsoleAsker.h"
+#include "control/ControlHost.h"
+
+#include <cstdint>
+#include <memory>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace qncomm {
+
+class QNComm;
+
+/// Container, window and glass of a control that nobody sees: it runs, and what it would show goes
+/// nowhere. Its form is as large as the control.
+class ConsoleHost final : public ControlHost, public ControlWindow, public TerminalGlass {
+  public:
+    /// The asker outlives the object; it tells the person when a capture ends for want of space.
+    explicit ConsoleHost(ConsoleAsker& asker) : mAsker(asker) {}
+
+    /// The control that sits here, so that it can be hidden; nullptr takes it away.
+    void Hold(QNComm* control) { mControl = control; }
+
+    bool UserMode() const override { return true; }
+    void PropertyChanged(std::string_view /*sName*/) override {}
+    void SetAlign(std::int16_t /*iAlign*/) override {}
+    /// Shows and hides the control, which takes the port and gives it back.
+    void SetVisible(bool bVisible) override;
+    std::int32_t Height() const override { return FormHeight; }
+    void SetHeight(std::int32_t /*lHeight*/) override {}
+    std::int32_t ParentScaleHeight() const override { return FormHeight; }
+    std::vector<std::shared_ptr<ContainerControl>> ParentControls() override { return {}; }
+
+    std::int32_t ScaleWidth() const override { return FormWidth; }
+    std::int32_t ScaleHeight() const override { return FormHeight; }
+    std::int32_t TitleHeight() const override { return 0; }
+    std::int32_t ToolbarHeight() const override { return 0; }
+    std::int32_t RowHeight() const override { return 1; }
+    void Repaint() override {}
+    void ShowPopUpMenu(const PopUpMenu& /*menu*/) override {}
+    void SetHelpFile(std::string_view /*sPath*/) override {}
+
+    void SetFocus() override {}
+    void Move(const Rectangle& /*place*/) override {}
+    void Changed() override {}
+    void CaptureFailed(const std::string& sPath, const std::string& sReason) override;
+
+  private:
+    static constexpr std::int32_t FormWidth = 80; ///< as a terminal counts
+    static constexpr std::int32_t FormHeight = 25;
+
+    ConsoleAsker& mAsker;
+    QNComm* mControl = nullptr;
+};
+
+} // namespace qncomm

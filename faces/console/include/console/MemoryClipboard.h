@@ -1,0 +1,21 @@
+#pragma once
+
+#include "common/Clipboard.h"
+
+#include <string>
+#include <string_view>
+
+namespace qncomm {
+
+/// A clipboard of this process alone.
+class MemoryClipboard final : public Clipboard {
+  public:
+    std::string Text() override { return mText; }
+    /// Line ends become CR LF.
+    void SetText(std::string_view sText) override;
+
+  private:
+    std::string mText;
+};
+
+} // namespace qncomm

@@ -1,0 +1,285 @@
+// How the view comes into being, what it is made of and how what changed gets to the glass.
+
+#include "TerminalView.h"
+
+#include "TerminalViewParts.h"
+#include "qt/Charset.h"
+#include "qt/Colours.h"
+
+#include <QApplication>
+#include <QFontDatabase>
+#include <QKeyEvent>
+#include <QResizeEvent>
+#include <QScrollBar>
+
+#include <algorithm>
+#include <cmath>
+#include <utility>
+
+namespace qncomm {
+namespace {
+
+constexpr qint64 FrameMs = 16;
+constexpr qint64 LongestFrameMs = 50;
+constexpr qint64 FrameShare = 10; // frames take at most a tenth of the time
+constexpr qint64 NsPerMs = 1'000'000;
+constexpr int BellMs = 120;
+constexpr int FewestZoomSteps = -8;
+constexpr int MostZoomSteps = 15;
+constexpr qreal ZoomStep = 1.1;
+constexpr qreal LeastPoints = 4;
+constexpr QSize UsualCells(80, 16);
+
+QFont FontFor(const terminal::TerminalAppearance& appearance, int zoom) {
+    QFont font(FromHost(appearance.fontName));
+    font.setStyleHint(QFont::Monospace); // in place of one that is not there
+    font.setFixedPitch(true);
+    const qreal size = std::max(1.0F, appearance.fontSize);
+    font.setPointSizeF(std::max(LeastPoints, size * std::pow(ZoomStep, zoom)));
+    font.setKerning(false);
+    return font;
+}
+
+} // namespace
+
+TerminalView::TerminalView(Terminal& grid, TerminalInput& input, QWidget* parent)
+    : QAbstractScrollArea(parent), mParts(std::make_unique<Parts>(grid, input)) {
+    InstallTerminalAccessibility();
+    setFrameShape(QFrame::NoFrame);
+    setFocusPolicy(Qt::StrongFocus);
+    setAttribute(Qt::WA_InputMethodEnabled);
+    setVerticalScrollBarPolicy(Qt::ScrollBarAlwaysOn);
+    setHorizontalScrollBarPolicy(Qt::ScrollBarAsNeeded);
+    viewport()->setAttribute(Qt::WA_OpaquePaintEvent);
+    viewport()->setCursor(Qt::IBeamCursor);
+    viewport()->setFocusProxy(this);
+    setAccessibleName(tr("Terminal"));
+    Parts& p = *mParts;
+    p.search = new SearchBar(this);
+    p.search->hide();
+    const auto find = [this](bool forward) {
+        mParts->search->ShowFound(Find(mParts->search->Text(), forward));
+    };
+    connect(p.search, &SearchBar::nextAsked, this, [find] { find(true); });
+    connect(p.search, &SearchBar::previousAsked, this, [find] { find(false); });
+    connect(p.search, &SearchBar::textChanged, this, [this] { mParts->search->ShowFound(true); });
+    connect(p.search, &SearchBar::closed, this, [this] {
+        mParts->search->hide();
+        PlaceSearchBar();
+        setFocus();
+    });
+    UseFont();
+    p.grid.TakeDamage(); // all of it is shown with the first paint
+}
+
+TerminalView::~TerminalView() = default;
+
+// -- Looks
+
+void TerminalView::UseFont() {
+    Parts& p = *mParts;
+    p.shown = p.grid.Appearance();
+    p.devicePixels = devicePixelRatioF();
+    p.font = CellFont(FontFor(p.shown, p.zoom), p.devicePixels);
+    const QPalette& looks = palette();
+    p.colours.back = ColourOf(p.shown.backColor, looks, QPalette::Base);
+    p.colours.text = ReadableOn(p.colours.back, ColourOf(p.shown.foreColor, looks, QPalette::Text));
+    p.colours.markedBack = looks.color(QPalette::Active, QPalette::Highlight);
+    p.colours.markedText = looks.color(QPalette::Active, QPalette::HighlightedText);
+    LayOut();
+    viewport()->update();
+    updateGeometry();
+}
+
+int TerminalView::RowHeight() const {
+    return static_cast<int>(mParts->font.Height());
+}
+
+void TerminalView::ZoomBy(int steps) {
+    const int zoom = std::clamp(mParts->zoom + steps, FewestZoomSteps, MostZoomSteps);
+    if (zoom == mParts->zoom) return;
+    mParts->zoom = zoom;
+    UseFont();
+}
+
+void TerminalView::ZoomReset() {
+    ZoomBy(-mParts->zoom);
+}
+
+int TerminalView::ZoomSteps() const {
+    return mParts->zoom;
+}
+
+QSize TerminalView::sizeHint() const {
+    const qreal width = UsualCells.width() * mParts->font.Width() + 2 * Parts::PadLeft
+                        + verticalScrollBar()->sizeHint().width();
+    return {static_cast<int>(std::ceil(width)),
+            UsualCells.height() * RowHeight() + 2 * Parts::PadTop};
+}
+
+QSize TerminalView::minimumSizeHint() const {
+    return {0, 0}; // a host may make the control as small as it likes
+}
+
+// -- Events of the widget
+
+bool TerminalView::event(QEvent* event) {
+    switch (event->type()) {
+    case QEvent::ShortcutOverride:
+        // A key that goes to the line is no shortcut of the program around.
+        if (auto* key = static_cast<QKeyEvent*>(event); TakesKey(*key)) key->accept();
+        return true;
+    case QEvent::ScreenChangeInternal:
+        UseFont();
+        break;
+    default:
+        break;
+    }
+    return QAbstractScrollArea::event(event);
+}
+
+void TerminalView::changeEvent(QEvent* event) {
+    QAbstractScrollArea::changeEvent(event);
+    switch (event->type()) {
+    case QEvent::PaletteChange:
+    case QEvent::StyleChange:
+    case QEvent::EnabledChange:
+        UseFont();
+        break;
+    default:
+        break;
+    }
+}
+
+void TerminalView::resizeEvent(QResizeEvent* event) {
+    QAbstractScrollArea::resizeEvent(event);
+    PlaceSearchBar();
+    LayOut();
+}
+
+void TerminalView::showEvent(QShowEvent* event) {
+    QAbstractScrollArea::showEvent(event);
+    if (!qFuzzyCompare(mParts->devicePixels, devicePixelRatioF())) UseFont();
+    ShowFrame();
+    RestartBlink();
+}
+
+void TerminalView::hideEvent(QHideEvent* event) {
+    QAbstractScrollArea::hideEvent(event);
+    mParts->frameTimer.stop();
+    RestartBlink();
+}
+
+void TerminalView::focusInEvent(QFocusEvent* event) {
+    QAbstractScrollArea::focusInEvent(event);
+    RestartBlink();
+}
+
+void TerminalView::focusOutEvent(QFocusEvent* event) {
+    QAbstractScrollArea::focusOutEvent(event);
+    mParts->preedit.clear();
+    RestartBlink();
+}
+
+bool TerminalView::focusNextPrevChild(bool /*bNext*/) {
+    return false; // Tab is a character of the line
+}
+
+void TerminalView::timerEvent(QTimerEvent* event) {
+    Parts& p = *mParts;
+    if (event->timerId() == p.frameTimer.timerId()) {
+        p.frameTimer.stop();
+        ShowFrame();
+    } else if (event->timerId() == p.blinkTimer.timerId()) {
+        Blink();
+    } else if (event->timerId() == p.bellTimer.timerId()) {
+        p.bellTimer.stop();
+        viewport()->update();
+    } else if (event->timerId() == p.dragTimer.timerId()) {
+        DragTo(p.dragAt);
+    } else {
+        QAbstractScrollArea::timerEvent(event);
+    }
+}
+
+// -- Frames
+
+void TerminalView::GridChanged() {
+    Parts& p = *mParts;
+    if (p.frameTimer.isActive() || !isVisible()) return;
+    // What comes faster than it can be shown has most of the time for coming.
+    const qint64 apart = std::clamp(p.frameCostNs * FrameShare / NsPerMs, FrameMs, LongestFrameMs);
+    const qint64 since = p.sinceFrame.isValid() ? p.sinceFrame.elapsed() : apart;
+    p.frameTimer.start(static_cast<int>(std::max<qint64>(apart - since, 0)), Qt::PreciseTimer,
+                       this);
+}
+
+void TerminalView::ShowFrame() {
+    Parts& p = *mParts;
+    p.sinceFrame.start();
+    ++p.frames;
+    if (p.shown != p.grid.Appearance()) UseFont();
+    const terminal::Damage damage = p.grid.TakeDamage();
+    const std::uint64_t formerBegin = std::exchange(p.screenBegin, p.text.ScreenBegin());
+    // Rows that moved without leaving into the scroll-back have become other lines.
+    const bool renumbered = p.screenBegin - formerBegin != damage.scrolled;
+    TrackContent(damage, renumbered);
+    if (p.follows)
+        FollowCursor();
+    else
+        ScrollTo(p.top, false); // the oldest lines may be gone
+    UpdateScrollBars();
+    if (renumbered) viewport()->update();
+    for (const std::uint16_t row : damage.rows)
+        UpdateLine(p.screenBegin + row - 1);
+    UpdateCursorCell();
+    if (p.grid.TakeBell()) Ring();
+    p.readers.Tell(*this, p.text, p.contentEnd);
+    p.frameCostNs = p.sinceFrame.nsecsElapsed(); // painting adds its part
+}
+
+ReaderScreen TerminalView::ScreenForReaders() const {
+    return ReaderScreenOf(mParts->text, mParts->contentEnd);
+}
+
+std::uint64_t TerminalView::Frames() const {
+    return mParts->frames;
+}
+
+/// Follows where the text ends, and forgets a selection whose text has changed.
+void TerminalView::TrackContent(const terminal::Damage& damage, bool renumbered) {
+    Parts& p = *mParts;
+    const std::uint64_t least = p.text.CursorLine() + 1;
+    std::uint64_t end = p.contentEnd;
+    if (!damage.rows.empty()) end = std::max(end, p.screenBegin + damage.rows.back());
+    end = std::clamp(end, least, p.text.End());
+    while (end > least && p.text.IsBlank(end - 1))
+        --end;
+    p.contentEnd = end;
+    if (p.selection.Empty() || p.dragging) return;
+    const auto marked = [&](std::uint16_t row) {
+        const std::uint64_t line = p.screenBegin + row - 1;
+        return line >= p.selection.From().line && line <= p.selection.To().line;
+    };
+    const bool changed = renumbered ? p.selection.To().line >= p.screenBegin
+                                    : std::ranges::any_of(damage.rows, marked);
+    if (changed || p.selection.From().line < p.text.Begin()) ClearSelection();
+}
+
+/// The bell is seen: the text lights up, and a window in the background asks for attention.
+void TerminalView::Ring() {
+    if (!isActiveWindow()) QApplication::alert(this);
+    if (mParts->bellTimer.isActive()) return;
+    mParts->bellTimer.start(BellMs, this);
+    viewport()->update();
+}
+
+void TerminalView::PlaceSearchBar() {
+    SearchBar& bar = *mParts->search;
+    const int height = bar.isHidden() ? 0 : bar.sizeHint().height();
+    if (viewportMargins().bottom() != height) setViewportMargins(0, 0, 0, height);
+    const QRect inner = viewport()->geometry();
+    bar.setGeometry(inner.left(), inner.bottom() + 1, inner.width(), height);
+}
+
+} // namespace qncomm

@@ -1,0 +1,169 @@
+#include "qt/ToolbarView.h"
+
+#include "qt/Charset.h"
+#include "qt/Icons.h"
+
+#include <QKeyEvent>
+#include <QPointer>
+#include <QToolButton>
+
+#include <algorithm>
+#include <array>
+#include <vector>
+
+namespace qncomm {
+namespace {
+
+/// What a button does, in words, and whether a gap stands before it.
+struct ButtonWords {
+    std::string_view key;
+    const char* name;
+    bool gap = false;
+};
+
+constexpr std::array Words{
+    ButtonWords{"CommSettings", QT_TRANSLATE_NOOP("ToolbarView", "Serial port setup")},
+    ButtonWords{"Autoconnect", QT_TRANSLATE_NOOP("ToolbarView", "Find the printer")},
+    ButtonWords{"Clear", QT_TRANSLATE_NOOP("ToolbarView", "Clear the screen"), true},
+    ButtonWords{"Copy", QT_TRANSLATE_NOOP("ToolbarView", "Copy the screen")},
+    ButtonWords{"Paste", QT_TRANSLATE_NOOP("ToolbarView", "Paste to the printer")},
+    ButtonWords{"UploadA", QT_TRANSLATE_NOOP("ToolbarView", "Send a text file"), true},
+    ButtonWords{"DownloadA", QT_TRANSLATE_NOOP("ToolbarView", "Receive text into a file")},
+    ButtonWords{"UploadB", QT_TRANSLATE_NOOP("ToolbarView", "Send a binary file")},
+    ButtonWords{"DownloadB", QT_TRANSLATE_NOOP("ToolbarView", "Receive a binary file")},
+    ButtonWords{"FunctionkeysSetup", QT_TRANSLATE_NOOP("ToolbarView", "Function keys setup"), true},
+};
+
+bool IsFunctionKey(std::string_view key) {
+    return key.size() == 2 && key.front() == 'F';
+}
+
+QString NameOf(std::string_view key) {
+    const auto found = std::ranges::find(Words, key, &ButtonWords::key);
+    return found != Words.end() ? ToolbarView::tr(found->name) : FromHost(key);
+}
+
+bool HasGapBefore(std::string_view key) {
+    const auto found = std::ranges::find(Words, key, &ButtonWords::key);
+    return found != Words.end() && found->gap;
+}
+
+/// A tip's lines: what the button does with the keys for it, then what the model adds.
+QStringList TipOf(const ToolbarButton& button) {
+    QStringList lines(NameOf(button.key));
+    if (IsFunctionKey(button.key))
+        lines.first() += QStringLiteral(" (%1)").arg(
+            QKeySequence(FromHost("Ctrl+Shift+" + button.key)).toString(QKeySequence::NativeText));
+    if (!button.toolTip.empty()) lines << FromEither(button.toolTip);
+    return lines;
+}
+
+/// Tips may be taken for markup, which a macro's "<CR>" is not.
+QString AsMarkup(const QStringList& lines) {
+    return QStringLiteral("<p style='white-space:pre'>%1</p>")
+        .arg(lines.join(u'\n').toHtmlEscaped());
+}
+
+} // namespace
+
+ToolbarView::ToolbarView(ToolbarModel& model, const ActionGuard& guard, QWidget* parent)
+    : QToolBar(parent), mModel(model), mGuard(guard) {
+    setAccessibleName(tr("Printer toolbar"));
+    setContextMenuPolicy(Qt::PreventContextMenu);
+    for (const ToolbarButton& button : model.Buttons())
+        AddButton(button);
+    if (!mActions.empty()) MakeTabStop(*ButtonOf(model.Buttons().front().key));
+    ShowPictures();
+    mChanges = model.Changed.Connect([this] { Show(); });
+    Show();
+}
+
+void ToolbarView::AddButton(const ToolbarButton& button) {
+    if (HasGapBefore(button.key)) addSeparator();
+    QAction* action = addAction(NameOf(button.key));
+    action->setObjectName(FromHost(button.key));
+    connect(action, &QAction::triggered, this, [this, key = button.key] { Click(key); });
+    mActions[button.key] = action;
+    QToolButton* shown = ButtonOf(button.key);
+    shown->setObjectName(FromHost(button.key));
+    shown->installEventFilter(this);
+}
+
+QToolButton* ToolbarView::ButtonOf(const std::string& sKey) const {
+    const auto found = mActions.find(sKey);
+    return found != mActions.end() ? qobject_cast<QToolButton*>(widgetForAction(found->second))
+                                   : nullptr;
+}
+
+void ToolbarView::Click(const std::string& key) {
+    const QPointer<ToolbarView> self(this);
+    ToolbarModel& model = mModel;
+    const std::string clicked = key; // the view may go meanwhile
+    mGuard.Run([&] { model.Click(clicked); });
+    if (self) Show();
+}
+
+void ToolbarView::Show() {
+    setEnabled(mModel.Enabled());
+    if (mModel.Visible() == isHidden()) setVisible(mModel.Visible());
+    for (const ToolbarButton& button : mModel.Buttons()) {
+        QAction& action = *mActions.at(button.key);
+        action.setCheckable(button.style == ToolbarButtonStyle::Toggle);
+        action.setChecked(button.pressed);
+        const QStringList tip = TipOf(button);
+        action.setToolTip(AsMarkup(tip));
+        ButtonOf(button.key)->setAccessibleDescription(tip.join(u'\n'));
+    }
+}
+
+void ToolbarView::ShowPictures() {
+    for (const auto& [key, action] : mActions)
+        action->setIcon(LineIcon(FromHost(key), palette()));
+}
+
+void ToolbarView::changeEvent(QEvent* event) {
+    QToolBar::changeEvent(event);
+    if (event->type() == QEvent::PaletteChange) ShowPictures();
+}
+
+bool ToolbarView::eventFilter(QObject* watched, QEvent* event) {
+    auto* button = qobject_cast<QToolButton*>(watched);
+    if (button != nullptr && event->type() == QEvent::KeyPress
+        && MoveFocus(*button, static_cast<QKeyEvent*>(event)->key()))
+        return true;
+    if (button != nullptr && event->type() == QEvent::FocusIn) MakeTabStop(*button);
+    return QToolBar::eventFilter(watched, event);
+}
+
+bool ToolbarView::MoveFocus(QToolButton& from, int key) {
+    std::vector<QToolButton*> shown;
+    for (const ToolbarButton& button : mModel.Buttons())
+        if (QToolButton* each = ButtonOf(button.key); each->isVisible() && each->isEnabled())
+            shown.push_back(each);
+    const auto here = std::ranges::find(shown, &from);
+    if (here == shown.end()) return false;
+    const bool leftToRight = layoutDirection() == Qt::LeftToRight;
+    const auto last = std::prev(shown.end());
+    auto to = here;
+    if (key == Qt::Key_Home) {
+        to = shown.begin();
+    } else if (key == Qt::Key_End) {
+        to = last;
+    } else if (key == (leftToRight ? Qt::Key_Right : Qt::Key_Left)) {
+        to = here == last ? shown.begin() : std::next(here);
+    } else if (key == (leftToRight ? Qt::Key_Left : Qt::Key_Right)) {
+        to = here == shown.begin() ? last : std::prev(here);
+    } else {
+        return false;
+    }
+    (*to)->setFocus(Qt::TabFocusReason);
+    return true;
+}
+
+void ToolbarView::MakeTabStop(QToolButton& button) {
+    for (const auto& [key, action] : mActions)
+        ButtonOf(key)->setFocusPolicy(Qt::NoFocus);
+    button.setFocusPolicy(Qt::TabFocus);
+}
+
+} // namespace qncomm

@@ -1,0 +1,18 @@
+#pragma once
+
+#include <QString>
+
+#include <exception>
+
+class QWidget;
+
+namespace qncomm {
+
+/// What the error says to a person; empty for an operation that the person has cancelled.
+QString ErrorText(const std::exception_ptr& error);
+
+/// Shows the error in a message box of its own and returns at once; nothing for one without text.
+/// A box that is still open with the same text is enough.
+void ShowError(QWidget* parent, const std::exception_ptr& error);
+
+} // namespace qncomm

@@ -1,0 +1,22 @@
+#pragma once
+
+#include "control/PropertyBag.h"
+
+#include <QVariant>
+
+namespace qncomm {
+
+/// A property bag with the toolkit's values: fonts as QFont, texts as QString.
+class QtPropertyBag : public MemoryPropertyBag {
+  public:
+    /// The stored value, or the fallback when there is none.
+    QVariant Value(std::string_view sName, const PropertyValue& fallback) const;
+    void SetValue(std::string_view sName, const PropertyValue& value);
+};
+
+/// A value of a bag as the toolkit has it, and back. Numbers become 32-bit ones.
+QVariant VariantOf(const PropertyValue& value);
+QFont FontOf(const TerminalFont& font);
+TerminalFont TerminalFontOf(const QFont& font);
+
+} // namespace qncomm

@@ -1,0 +1,16 @@
+#pragma once
+
+#include "platform/Reactor.h"
+
+#include <cstdint>
+
+namespace qncomm {
+
+/// Microseconds of the monotonic clock.
+std::int64_t MonotonicUs();
+
+/// Sleeps until the descriptor is ready or lLimitUs microseconds have passed; signals do not cut it
+/// short. Returns what it is ready for. fd -1 only sleeps.
+FdEvents WaitForFd(int fd, FdEvents events, std::int64_t lLimitUs);
+
+} // namespace qncomm

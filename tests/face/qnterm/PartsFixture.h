@@ -1,0 +1,57 @@
+#pragma once
+
+#include "../../printer/control/AssembledFixture.h"
+
+#include "Operations.h"
+
+#include <QApplication>
+#include <QDialog>
+#include <QMessageBox>
+#include <QPushButton>
+#include <QString>
+#include <QWidget>
+
+#include <string>
+#include <utility>
+#include <vector>
+
+namespace qnterm::test {
+
+/// The parts of the window over a control with a virtual printer at port 1, on a driven clock.
+class PartsFixture : public qncomm::testing::AssembledFixture {
+  protected:
+    PartsFixture() {
+        QObject::connect(&mOperations, &Operations::Failed, &mOperations,
+                         [this](const QString& title, const qncomm::QNError& error) {
+                             mFailures.push_back(title.toStdString() + ": " + error.Description());
+                         });
+        QObject::connect(&mOperations, &Operations::Done, &mOperations,
+                         [this](const QString& title, bool cancelled) {
+                             mDone.push_back(title.toStdString()
+                                             + (cancelled ? ": cancelled" : ""));
+                         });
+    }
+
+    /// The visible dialog of that type over the widgets.
+    template <class Dialog>
+    static Dialog* OpenDialog() {
+        for (QWidget* window : QApplication::topLevelWidgets())
+            if (auto* dialog = qobject_cast<Dialog*>(window); dialog && dialog->isVisible())
+                return dialog;
+        ADD_FAILURE() << "no such dialog is open";
+        return nullptr;
+    }
+
+    /// Lets queued events be delivered.
+    static void Settle() {
+        for (int pass = 0; pass < 5; ++pass)
+            QApplication::processEvents();
+    }
+
+    std::vector<std::string> mFailures;
+    std::vector<std::string> mDone;
+    Operations mOperations{Control(), {.any = {}, .cancel = [this] { ++mCancelWaits; }}};
+    int mCancelWaits = 0;
+};
+
+} // namespace qnterm::test

@@ -1,0 +1,118 @@
+// The program itself, driven from outside by real keys: what the printer received, what was kept,
+// how it ended.
+
+#include "support/ScratchFolder.h"
+
+#include <gmock/gmock.h>
+
+#include <QElapsedTimer>
+#include <QGuiApplication>
+#include <QPixmap>
+#include <QProcess>
+#include <QScreen>
+#include <QTest>
+
+#include <functional>
+
+namespace qnterm::test {
+namespace {
+
+using qncomm::testing::ScratchFolder;
+using ::testing::HasSubstr;
+
+constexpr int Patience = 20000; // ms that only a hang reaches
+
+class ProgramTest : public ::testing::Test {
+  protected:
+    ~ProgramTest() override {
+        mProgram.kill();
+        mProgram.waitForFinished(Patience);
+    }
+
+    void Start(QStringList arguments) {
+        arguments << "--settings" << Path("settings.ini") << "--trace" << Path("trace.jsonl");
+        mProgram.setProcessChannelMode(QProcess::ForwardedErrorChannel);
+        mProgram.start(QN_PROGRAMS "/qnterm", arguments);
+        EXPECT_TRUE(mProgram.waitForStarted(Patience));
+    }
+    QString Path(const char* name) const { return QString::fromStdString(mFolder.File(name)); }
+
+    /// Runs xdotool; what it printed.
+    static std::string Act(const QStringList& arguments) {
+        QProcess tool;
+        tool.start("xdotool", arguments);
+        EXPECT_TRUE(tool.waitForFinished(Patience));
+        return tool.readAllStandardOutput().trimmed().toStdString();
+    }
+    /// Waits for the window of that name and gives it the keys.
+    static void Enter(const QString& name) {
+        const std::string window =
+            Act({"search", "--sync", "--onlyvisible", "--limit", "1", "--name", name});
+        ASSERT_NE(window, "") << name.toStdString();
+        Act({"windowfocus", "--sync", QString::fromStdString(window)});
+    }
+
+    bool EventuallyTraced(const std::string& text) {
+        return QTest::qWaitFor(
+            [&] { return mFolder.Read("trace.jsonl").find(text) != std::string::npos; }, Patience);
+    }
+
+    /// The status with which the program ends by itself.
+    int End() {
+        EXPECT_TRUE(mProgram.waitForFinished(Patience));
+        EXPECT_EQ(mProgram.exitStatus(), QProcess::NormalExit);
+        return mProgram.exitCode();
+    }
+
+    ScratchFolder mFolder;
+    QProcess mProgram;
+};
+
+TEST_F(ProgramTest, KeysGoToThePrinterAndTheProgramEndsWell) {
+    Start({"--port", "sim:R7G"});
+    Enter("R7G, Quorin");
+    Act({"type", "--delay", "5", "PRINT 6*7"});
+    Act({"key", "Return"});
+    EXPECT_TRUE(EventuallyTraced("42\\r\\nOk\\r\\n")) << mFolder.Read("trace.jsonl");
+    Act({"key", "ctrl+shift+q"});
+    EXPECT_EQ(End(), 0);
+    EXPECT_THAT(mFolder.Read("settings.ini"), HasSubstr("Geometry"));
+    EXPECT_THAT(mFolder.Read("settings.ini"), testing::Not(HasSubstr("Commport")))
+        << "a port for one run became the configured one";
+}
+
+TEST_F(ProgramTest, TheFirstStartTakesOneKeyToASession) {
+    Start({});
+    Enter("Choose a printer");
+    Act({"key", "Return"});
+    Enter("R7G, Quorin");
+    EXPECT_THAT(mFolder.Read("settings.ini"), HasSubstr("sim:R7G"));
+    Act({"key", "ctrl+shift+q"});
+    EXPECT_EQ(End(), 0);
+}
+
+TEST_F(ProgramTest, ClosingDuringASearchEndsTheProgramWell) {
+    Start({"--port", "sim:R7G?baud=300&format=s,7,1"}); // no search finds this one
+    Enter("QNComm Terminal");
+    EXPECT_TRUE(EventuallyTraced("tx"));
+    Act({"key", "ctrl+shift+q"});
+    EXPECT_EQ(End(), 0);
+}
+
+TEST_F(ProgramTest, HelpAndVersionNeedNoDisplay) {
+    QProcessEnvironment bare = QProcessEnvironment::systemEnvironment();
+    bare.remove("DISPLAY");
+    mProgram.setProcessEnvironment(bare);
+    mProgram.start(QN_PROGRAMS "/qnterm", {"--version"});
+    EXPECT_EQ(End(), 0);
+    EXPECT_THAT(mProgram.readAllStandardOutput().toStdString(), HasSubstr("qnterm "));
+    mProgram.start(QN_PROGRAMS "/qnterm", {"--help"});
+    EXPECT_EQ(End(), 0);
+    EXPECT_THAT(mProgram.readAllStandardOutput().toStdString(),
+                testing::StartsWith("Usage: qnterm [options]"));
+    mProgram.start(QN_PROGRAMS "/qnterm", {"--nonsense"});
+    EXPECT_EQ(End(), 2);
+}
+
+} // namespace
+} // namespace qnterm::test

@@ -1,0 +1,99 @@
+// The printer's setup as a tree: searched, and changed in place on the printer.
+
+#include "PartsFixture.h"
+
+#include "SetupBrowser.h"
+
+#include <QLineEdit>
+#include <QTest>
+#include <QTreeView>
+
+namespace qnterm::test {
+namespace {
+
+using ::testing::Contains;
+using ::testing::ElementsAre;
+using ::testing::HasSubstr;
+
+class SetupTest : public PartsFixture {
+  protected:
+    SetupTest() {
+        mBrowser.resize(420, 640);
+        mBrowser.show();
+        mBrowser.Read();
+        Settle();
+    }
+
+    QTreeView& Tree() { return *mBrowser.findChild<QTreeView*>(); }
+    QLineEdit& Search() { return *mBrowser.findChild<QLineEdit*>(); }
+
+    /// The value's place of an item in what the tree shows; invalid when it shows none.
+    QModelIndex Shown(const QStringList& path) {
+        QAbstractItemModel& model = *Tree().model();
+        QModelIndex at;
+        for (const QString& name : path) {
+            const QModelIndexList found =
+                model.match(model.index(0, 0, at), Qt::DisplayRole, name, 1, Qt::MatchExactly);
+            if (found.isEmpty()) return {};
+            at = found.front();
+        }
+        return at.siblingAtColumn(1);
+    }
+
+    SetupBrowser mBrowser{mOperations};
+    const QStringList mBaudrate{"SER-COM", "UART1", "BAUDRATE"};
+};
+
+TEST_F(SetupTest, SectionsHoldItemsAndOnlyValuesAreChanged) {
+    const QModelIndex baud = Shown(mBaudrate);
+    ASSERT_TRUE(baud.isValid());
+    EXPECT_EQ(baud.data().toString().toStdString(), "9600");
+    EXPECT_TRUE(baud.flags() & Qt::ItemIsEditable);
+    EXPECT_FALSE(baud.siblingAtColumn(0).flags() & Qt::ItemIsEditable);
+    EXPECT_FALSE(Shown({"SER-COM"}).flags() & Qt::ItemIsEditable);
+}
+
+TEST_F(SetupTest, ASearchLeavesWhatMatchesWithItsSections) {
+    QTest::keyClicks(&Search(), "baudr");
+    EXPECT_TRUE(Shown(mBaudrate).isValid());
+    EXPECT_FALSE(Shown({"LABEL"}).isValid());
+    Search().clear();
+    EXPECT_TRUE(Shown({"LABEL"}).isValid());
+}
+
+TEST_F(SetupTest, AValueIsChangedOnThePrinterAndReadBack) {
+    const QModelIndex width = Shown({"LABEL", "WIDTH"});
+    ASSERT_TRUE(width.isValid());
+    TakeSent();
+    Tree().setCurrentIndex(width);
+    QTest::keyClick(Tree().viewport(), Qt::Key_F2);
+    auto* editor = Tree().viewport()->findChild<QLineEdit*>();
+    ASSERT_NE(editor, nullptr);
+    editor->selectAll();
+    QTest::keyClicks(editor, "640");
+    QTest::keyClick(editor, Qt::Key_Return);
+    Settle();
+    EXPECT_THAT(TakeCommands(), Contains(HasSubstr("LABEL,WIDTH,640")));
+    EXPECT_EQ(Shown({"LABEL", "WIDTH"}).data().toString().toStdString(), "640");
+    EXPECT_THAT(mFailures, testing::IsEmpty());
+}
+
+TEST_F(SetupTest, AValueThatThePrinterRefusesIsToldAndStaysAsItWas) {
+    const QModelIndex width = Shown({"LABEL", "WIDTH"});
+    const QString former = width.data().toString();
+    Tree().model()->setData(width, "wide", Qt::EditRole);
+    Settle();
+    EXPECT_THAT(mFailures, ElementsAre(HasSubstr("LABEL,WIDTH")));
+    EXPECT_EQ(Shown({"LABEL", "WIDTH"}).data().toString(), former);
+}
+
+TEST_F(SetupTest, TheSearchIsKeptWhenTheSetupIsReadAgain) {
+    QTest::keyClicks(&Search(), "width");
+    mBrowser.Read();
+    Settle();
+    EXPECT_FALSE(Shown(mBaudrate).isValid());
+    EXPECT_TRUE(Shown({"LABEL", "WIDTH"}).isValid());
+}
+
+} // namespace
+} // namespace qnterm::test
