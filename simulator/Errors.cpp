@@ -7,7 +7,8 @@
 namespace qnsim {
 namespace {
 
-constexpr std::array<std::pair<Error, std::string_view>, 43> errorTexts{{
+constexpr std::array<std::pair<Error, std::string_view>, 44> errorTexts{{
+    {Error::OutOfData, "Out of data"},
     {Error::IllegalArgument, "Illegal argument"},
     {Error::Overflow, "Overflow"},
     {Error::OutOfMemory, "Out of memory"},

@@ -7,6 +7,7 @@ namespace qnsim {
 
 enum class Error : int {
     None = 0,
+    OutOfData = 4,
     IllegalArgument = 5,
     Overflow = 6,
     OutOfMemory = 7,

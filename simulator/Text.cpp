@@ -4,6 +4,7 @@
 #include <array>
 #include <charconv>
 #include <cmath>
+#include <cstdint>
 
 namespace qnsim {
 
@@ -57,6 +58,23 @@ double TextNumber(std::string_view text) {
     double value = 0;
     const auto result = std::from_chars(text.data(), text.data() + text.size(), value);
     return result.ec == std::errc() && std::isfinite(value) ? value : 0;
+}
+
+std::optional<double> WholeTextNumber(std::string_view text) {
+    if (text.empty()) return 0;
+    const char* const end = text.data() + text.size();
+    double value = 0;
+    std::from_chars_result result{};
+    if (Upper(text.substr(0, 2)) == "&H") {
+        std::uint32_t bits = 0;
+        result = std::from_chars(text.data() + 2, end, bits, 16);
+        value = bits;
+    } else {
+        if (text.front() == '+' && !text.starts_with("+-")) text.remove_prefix(1);
+        result = std::from_chars(text.data(), end, value);
+    }
+    const bool whole = result.ec == std::errc() && result.ptr == end && std::isfinite(value);
+    return whole ? std::optional(value) : std::nullopt;
 }
 
 } // namespace qnsim

@@ -2,6 +2,7 @@
 // are left alone.
 #pragma once
 
+#include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -23,5 +24,8 @@ std::string NumberText(double value);
 
 /// The number at the start of a text (leading blanks skipped), 0 when there is none.
 double TextNumber(std::string_view text);
+
+/// The number that a text without blanks around it is, decimal or after &H; 0 for an empty text.
+std::optional<double> WholeTextNumber(std::string_view text);
 
 } // namespace qnsim

@@ -43,7 +43,7 @@ struct Expr {
     int slot = 0;       // variables: where it is kept; calls: the function's row
     int depth = 1;      // height of the tree, which a limit holds down
     double number = 0;
-    std::string text;
+    std::string text; // Text, and an item of DATA as it was written
     std::vector<Expr> args;
 
     bool IsText() const {

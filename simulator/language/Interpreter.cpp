@@ -87,25 +87,28 @@ std::optional<Interpreter::Report> Interpreter::TakeReport() {
     return report;
 }
 
-Error Interpreter::Link() {
-    if (mLinked) return Error::None;
+bool Interpreter::Link() {
+    if (!mLinked) {
+        mReport = LinkLines();
+        if (mReport) Finish();
+    }
+    return mLinked;
+}
+
+std::optional<Interpreter::Report> Interpreter::LinkLines() {
     mProgramCode.clear();
     mLineStarts.clear();
+    mReading = {};
     for (const auto& [number, text] : mProgram.All()) {
         mLineStarts.emplace(number, mProgramCode.size());
         const Error error = Parser(text, number, mVariables).Read(mProgramCode);
-        if (error != Error::None) {
-            mReport = Report{error, number};
-            return error;
-        }
+        if (error != Error::None) return Report{error, number};
     }
     for (Statement& statement : mProgramCode) {
-        if (ResolveTargets(statement)) continue;
-        mReport = Report{Error::UndefinedLine, statement.line};
-        return Error::UndefinedLine;
+        if (!ResolveTargets(statement)) return Report{Error::UndefinedLine, statement.line};
     }
     mLinked = true;
-    return Error::None;
+    return std::nullopt;
 }
 
 bool Interpreter::ResolveTargets(Statement& statement) {
@@ -118,10 +121,7 @@ bool Interpreter::ResolveTargets(Statement& statement) {
 }
 
 void Interpreter::JumpToLine(int line) {
-    if (!mLinked && Link() != Error::None) {
-        Finish();
-        return;
-    }
+    if (!Link()) return;
     const auto start = mLineStarts.find(line);
     if (start == mLineStarts.end()) return Fail(Error::UndefinedLine);
     mCode = &mProgramCode;
@@ -130,12 +130,10 @@ void Interpreter::JumpToLine(int line) {
 
 void Interpreter::StartProgram(int line) {
     if (!mMachine.model.programmable) return Fail(Error::NotProgrammable);
-    if (Link() != Error::None) {
-        Finish();
-        return;
-    }
+    if (!Link()) return;
     mFiles.CloseAll();
     mVariables.Clear();
+    mReading = {};
     mLoops.clear();
     mCalls.clear();
     mWhiles.clear();

@@ -81,6 +81,8 @@ class Interpreter {
     void Resume(const Statement& statement);
     void Print(const Statement& statement);
     void Input(const Statement& statement);
+    void Read(const Statement& statement);
+    void Restore(const Statement& statement);
     void Open(const Statement& statement);
     void Close(const Statement& statement);
     void New(const Statement& statement);
@@ -131,6 +133,11 @@ class Interpreter {
         const Code* code;
         std::size_t at;
     };
+    /// The item of DATA that READ takes next.
+    struct DataPlace {
+        std::size_t statement = 0;
+        std::size_t item = 0;
+    };
     struct DataWait {
         bool image = false; // IMAGE LOAD; else FILE& LOAD
         bool permanent = false;
@@ -150,12 +157,17 @@ class Interpreter {
     void Fail(Error error) { mEvaluator.Fail(error); }
     void HandleFailure(const Statement& statement, std::size_t at);
     void Finish();
-    Error Link();
+    /// Makes the program ready to run. False = it does not read: the run is over, the report says
+    /// why.
+    bool Link();
+    std::optional<Report> LinkLines();
     bool ResolveTargets(Statement& statement);
     void JumpToLine(int line);
     void StartProgram(int line);
     void SkipLoop(std::string_view opening, std::string_view closing, Error missing);
     bool LoopGoesOn(const ForFrame& frame) const;
+    /// The item at the place of reading, which goes on to it; null = there is none left.
+    const Expr* NextItem();
     std::string PrintedText(const Statement& statement);
     void AcceptInput(const std::string& line);
     void ReplaceProgram(const std::string& path, bool merge);
@@ -176,6 +188,7 @@ class Interpreter {
     Code mTypedCode;
     Code mProgramCode;
     std::map<int, std::size_t> mLineStarts;
+    DataPlace mReading;
     bool mLinked = false;
 
     State mState = State::Idle;

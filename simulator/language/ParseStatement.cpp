@@ -1,6 +1,7 @@
 // The statements that have a form of their own.
 #include "language/Parser.h"
 
+#include "Text.h"
 #include "language/Words.h"
 
 namespace qnsim {
@@ -158,6 +159,25 @@ void Parser::ReadOnOff(Statement& statement) {
 void Parser::ReadLooseText(Statement& statement) {
     // A text or a number to print on the label.
     statement.args.push_back(ReadExpression());
+}
+
+void Parser::ReadData(Statement& statement) {
+    // A number keeps its text, for a text variable that reads it.
+    do {
+        mTokens.RereadAsItem();
+        const Token& token = mTokens.Current();
+        Expr& item = statement.args.emplace_back();
+        item.text = token.text;
+        const bool quoted = token.kind == TokenKind::Text;
+        const auto number = quoted ? std::nullopt : WholeTextNumber(token.text);
+        item.node = number ? Node::Number : Node::Text;
+        item.number = number.value_or(0);
+        mTokens.Next();
+    } while (TakeSign(','));
+}
+
+void Parser::ReadRestore(Statement& statement) {
+    if (!AtStatementEnd()) statement.lines.push_back(ReadLineNumber());
 }
 
 } // namespace qnsim

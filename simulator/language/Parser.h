@@ -36,6 +36,9 @@ class Parser {
     void ReadResume(Statement& statement);
     void ReadOnOff(Statement& statement);
     void ReadLooseText(Statement& statement);
+    void ReadData(Statement& statement);
+    void ReadVariables(Statement& statement);
+    void ReadRestore(Statement& statement);
 
   private:
     void ReadStatements();
@@ -46,7 +49,6 @@ class Parser {
     void ReadArguments(Statement& statement, std::string_view pattern);
     void ReadArgument(Statement& statement, char kind);
     void ReadFileNumber(Statement& statement);
-    void ReadVariables(Statement& statement);
     int ReadLineNumber();
     Expr ReadVariable(std::string_view name);
 

@@ -10,6 +10,7 @@ void Interpreter::New(const Statement& /*statement*/) {
     mVariables.Clear();
     mProgramCode.clear();
     mLineStarts.clear();
+    mReading = {};
     mLinked = false;
     mLoops.clear();
     mCalls.clear();

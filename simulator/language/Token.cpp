@@ -3,6 +3,7 @@
 #include "Text.h"
 #include "language/Words.h"
 
+#include <algorithm>
 #include <charconv>
 #include <cmath>
 
@@ -21,16 +22,26 @@ bool IsDigit(char c) {
 void Lexer::Stop(Error error) {
     if (mError == Error::None) mError = error;
     mAt = mLine.size();
-    mToken = {};
-    mToken.begin = mAt;
+    mToken.kind = TokenKind::End;
 }
 
 std::string_view Lexer::TakeRest() {
+    mError = Error::None; // what was read ahead need not be a token
     const std::string_view rest = mLine.substr(mToken.begin);
     mAt = mLine.size();
     mToken = {};
     mToken.begin = mAt;
     return rest;
+}
+
+void Lexer::RereadAsItem() {
+    mError = Error::None; // as above
+    mAt = mToken.begin;
+    if (mAt < mLine.size() && mLine[mAt] == '"') return ReadText();
+    const std::size_t end = std::min(mLine.find_first_of(",:", mAt), mLine.size());
+    mToken.kind = TokenKind::Item;
+    mToken.text = Trim(mLine.substr(mAt, end - mAt));
+    mAt = end;
 }
 
 void Lexer::Next() {

@@ -9,7 +9,7 @@
 
 namespace qnsim {
 
-enum class TokenKind { End, Number, Text, Word, Sign };
+enum class TokenKind { End, Number, Text, Word, Sign, Item };
 
 /// Signs of two characters are held as one letter of their own.
 constexpr char signNotEqual = 'n';
@@ -18,9 +18,10 @@ constexpr char signGreaterEqual = 'g';
 
 struct Token {
     TokenKind kind = TokenKind::End;
-    char sign = 0;         // Sign: the character, or one of the three above
-    double number = 0;     // Number
-    std::string text;      // Text: without its quotes. Word: upper case, with its "$", "%" or "&"
+    char sign = 0;     // Sign: the character, or one of the three above
+    double number = 0; // Number
+    std::string text; // Text: without its quotes. Word: upper case, with its "$", "%" or "&". Item:
+                      // as written
     std::size_t begin = 0; // where it starts in the line
 };
 
@@ -34,6 +35,9 @@ class Lexer {
     void Next();
     /// The rest of the line from the current token on, and the end of reading.
     std::string_view TakeRest();
+    /// Reads the current token again as an item of DATA: a text in quotes, or all up to the next
+    /// comma or colon.
+    void RereadAsItem();
     /// What was wrong with the line's characters, or None.
     Error Failure() const { return mError; }
     /// Ends reading: everything after is End.
