@@ -27,10 +27,12 @@ Heard Hear(std::string_view talk, std::size_t cut) {
     client.Receive(talk.substr(0, cut), heard.data);
     client.Receive(talk.substr(cut), heard.data);
     heard.output = client.Output();
+    const qncomm::LineErrors errors = client.TakeLineErrors();
     heard.state = std::to_string(client.Agreed()) + std::to_string(client.Settled())
                   + std::to_string(client.Purging()) + std::to_string(client.Suspended())
-                  + std::to_string(client.Dsr().value_or(true)) + client.Unanswered()
-                  + client.Refusal().text;
+                  + std::to_string(client.Dsr().value_or(true)) + std::to_string(errors.frame)
+                  + std::to_string(errors.overrun) + std::to_string(errors.parity)
+                  + client.Unanswered() + client.Refusal().text;
     return heard;
 }
 

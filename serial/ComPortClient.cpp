@@ -111,8 +111,9 @@ void ComPortClient::HoldLines(bool dtr, bool rts) {
     Tell({comport::SetControl, {rts ? comport::ControlRtsOn : comport::ControlRtsOff}});
 }
 
-void ComPortClient::AskForModemState() {
+void ComPortClient::AskForStates() {
     Tell({comport::SetModemStateMask, {comport::ModemMask}});
+    Tell({comport::SetLineStateMask, {comport::LineMask}});
 }
 
 void ComPortClient::SetBreak(bool on) {
@@ -154,10 +155,13 @@ void ComPortClient::OnSubnegotiation(std::string_view bytes) {
     if (bytes.size() < 2 || bytes[0] != telnet::ComPort) return;
     const auto command = static_cast<char>(bytes[1] - comport::ServerOffset);
     const std::string_view value = bytes.substr(2);
+    const unsigned state = value.empty() ? 0 : static_cast<unsigned char>(value.front());
     switch (command) {
+    case comport::NotifyLineState:
+        NoteLineState(state);
+        return;
     case comport::NotifyModemState:
-        if (!value.empty())
-            mDsr = (static_cast<unsigned char>(value.front()) & comport::ModemDsr) != 0;
+        if (!value.empty()) mDsr = (state & comport::ModemDsr) != 0;
         return;
     case comport::FlowSuspend:
         mSuspended = true;
@@ -168,6 +172,12 @@ void ComPortClient::OnSubnegotiation(std::string_view bytes) {
     default:
         Answer({command, std::string(value)});
     }
+}
+
+void ComPortClient::NoteLineState(unsigned state) {
+    if ((state & comport::LineOverrun) != 0) mLineErrors.overrun = true;
+    if ((state & comport::LineParity) != 0) mLineErrors.parity = true;
+    if ((state & comport::LineFrame) != 0) mLineErrors.frame = true;
 }
 
 void ComPortClient::Answer(const comport::Request& answer) {

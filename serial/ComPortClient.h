@@ -3,6 +3,7 @@
 #include "ComPortCodes.h"
 #include "TelnetDecoder.h"
 #include "serial/IoResult.h"
+#include "serial/LineErrors.h"
 #include "serial/LineSettings.h"
 
 #include <array>
@@ -11,6 +12,7 @@
 #include <optional>
 #include <string>
 #include <string_view>
+#include <utility>
 
 namespace qncomm {
 
@@ -43,7 +45,8 @@ class ComPortClient final : private TelnetSink {
     /// DTR and RTS, and that their like at the other end is to be told. No answer is awaited: a
     /// server whose device has no modem lines gives none.
     void HoldLines(bool dtr, bool rts);
-    void AskForModemState();
+    /// Asks to be told of the modem lines and of line errors.
+    void AskForStates();
     void SetBreak(bool on);
     /// Bytes for the line.
     void Send(std::string_view data);
@@ -64,6 +67,8 @@ class ComPortClient final : private TelnetSink {
     std::string Unanswered() const;
     /// The DSR line as last reported; nothing when it never was.
     std::optional<bool> Dsr() const { return mDsr; }
+    /// The line errors that the server has told of since the last call.
+    LineErrors TakeLineErrors() { return std::exchange(mLineErrors, {}); }
     /// The server asked for a pause.
     bool Suspended() const { return mSuspended; }
 
@@ -81,6 +86,7 @@ class ComPortClient final : private TelnetSink {
     void OnOption(char verb, char option) override;
     void OnSubnegotiation(std::string_view bytes) override;
 
+    void NoteLineState(unsigned state);
     void Answer(const comport::Request& answer);
     void Say(char verb, char option);
     /// Sends a request whose answer is awaited.
@@ -101,6 +107,7 @@ class ComPortClient final : private TelnetSink {
     std::string* mData = nullptr;
     IoResult mRefusal;
     std::optional<bool> mDsr;
+    LineErrors mLineErrors;
     bool mSuspended = false;
 };
 

@@ -15,9 +15,11 @@ inline constexpr char SetDatasize = 2;
 inline constexpr char SetParity = 3;
 inline constexpr char SetStopsize = 4;
 inline constexpr char SetControl = 5;
+inline constexpr char NotifyLineState = 6;
 inline constexpr char NotifyModemState = 7;
 inline constexpr char FlowSuspend = 8;
 inline constexpr char FlowResume = 9;
+inline constexpr char SetLineStateMask = 10;
 inline constexpr char SetModemStateMask = 11;
 inline constexpr char PurgeData = 12;
 inline constexpr char ServerOffset = 100; ///< what the server adds to a command that it answers
@@ -32,6 +34,11 @@ inline constexpr char ControlRtsOff = 12;
 inline constexpr char PurgeReceived = 1; ///< what the device has sent and the client has not got
 inline constexpr char PurgeUnsent = 2;   ///< what the client has sent and the device has not got
 inline constexpr char PurgeBoth = 3;
+
+inline constexpr unsigned LineOverrun = 0x02; ///< bits of the line state
+inline constexpr unsigned LineParity = 0x04;
+inline constexpr unsigned LineFrame = 0x08;
+inline constexpr char LineMask = LineOverrun | LineParity | LineFrame;
 
 inline constexpr unsigned ModemDsr = 0x20; ///< bits of the modem state
 inline constexpr char ModemMask = 0x33;    ///< DSR and CTS, and that they changed

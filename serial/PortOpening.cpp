@@ -87,6 +87,7 @@ void PDQComm::Close() {
     }
     mReceive->Clear();
     mTransmit->Clear();
+    mLineErrors = {};
     mFire->Clear();
     mDrain->Clear();
     Trace(TraceKind::Event, "close");

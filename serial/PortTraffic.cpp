@@ -6,12 +6,27 @@
 #include "serial/PDQComm.h"
 
 #include <algorithm>
+#include <array>
+#include <utility>
 
 namespace qncomm {
 namespace {
 
 /// How long a CR that came last may be the first half of a line end.
 constexpr std::int64_t LineEndUs = 50'000;
+
+struct LineErrorKind {
+    bool LineErrors::*kind;
+    SerialEvent event;
+    const char* name;
+};
+
+constexpr std::array LineErrorKinds{
+    LineErrorKind{&LineErrors::frame, SerialEventFrame, " frame"},
+    LineErrorKind{&LineErrors::overrun, SerialEventOverrun, " overrun"},
+    LineErrorKind{&LineErrors::parity, SerialEventParity, " parity"},
+    LineErrorKind{&LineErrors::overflow, SerialEventReceiveOverflow, " overflow"},
+};
 
 } // namespace
 
@@ -30,6 +45,7 @@ void PDQComm::Receive() {
     const IoCount got = mOpen->Read(space);
     const std::string_view bytes(space.data(), got.count);
     if (mTrace != nullptr && got.count > 0) Trace(TraceKind::Received, bytes);
+    Note(mOpen->TakeLineErrors());
     if (mTransferStarted)
         mTransfer->Receive(bytes, mReactor.NowUs());
     else
@@ -38,6 +54,18 @@ void PDQComm::Receive() {
         Lose(got.result);
     else if (mReceive->Full())
         WantEvents();
+}
+
+void PDQComm::Note(const LineErrors& errors) {
+    std::string names;
+    for (const LineErrorKind& row : LineErrorKinds) {
+        if (!(errors.*row.kind)) continue;
+        names += row.name;
+        mLineErrors.*row.kind = mSink != nullptr; // nobody hears later what nobody heard now
+    }
+    if (names.empty()) return;
+    Trace(TraceKind::Event, "line errors:" + names);
+    if (mSink != nullptr) mFire->SetDue(mReactor.NowUs());
 }
 
 std::string PDQComm::Read() {
@@ -151,6 +179,10 @@ void PDQComm::ScheduleEvents() {
 }
 
 void PDQComm::FireEvents() {
+    mFire->Clear();
+    const LineErrors errors = std::exchange(mLineErrors, {});
+    for (const LineErrorKind& row : LineErrorKinds)
+        if (errors.*row.kind) Raise(row.event);
     const auto enough = static_cast<std::size_t>(std::max(mReceive->threshold, std::int16_t{1}));
     if (mReceive->threshold > 0 && mReceive->Count() >= enough) Raise(SerialEventReceive);
     if (mLossWaits && mSink != nullptr) {

@@ -49,6 +49,7 @@ IoResult Rfc2217Channel::Open(const LineSettings& settings) {
         return result;
     }
     mSession->received.clear();
+    mSession->protocol.TakeLineErrors();
     mWanted = {};
     mWatch = mReactor.Watch(mSession->fd.Get(), {}, [this](FdEvents events) { OnWatch(events); });
     Rewatch();
@@ -102,7 +103,7 @@ IoResult Rfc2217Channel::PutSettings(const LineSettings& settings) {
     ComPortClient& protocol = mSession->protocol;
     const bool first = !std::exchange(mSession->toldModemLines, true);
     DiscardInput(); // goes first: when the others are answered and it is not, it never is
-    if (first) protocol.AskForModemState();
+    if (first) protocol.AskForStates();
     protocol.HoldLines(true, true);
     if (IoResult result = Configure(settings); !result.Ok()) return result;
     if (protocol.Purging()) protocol.ForgetPurges(true);
@@ -202,6 +203,10 @@ IoCount Rfc2217Channel::Write(std::string_view bytes) {
 
 bool Rfc2217Channel::MayWrite() const {
     return mSession->protocol.Output().empty() && !mSession->protocol.Suspended();
+}
+
+LineErrors Rfc2217Channel::TakeLineErrors() {
+    return mSession->protocol.TakeLineErrors();
 }
 
 std::size_t Rfc2217Channel::OutputPending() {

@@ -44,6 +44,7 @@ class Rfc2217Channel final : public ByteChannel {
     IoResult SetBreak(bool bOn) override;
     IoCount Read(std::span<char> buffer) override;
     IoCount Write(std::string_view bytes) override;
+    LineErrors TakeLineErrors() override;
     std::size_t OutputPending() override;
     void DiscardInput() override;
     void DiscardOutput() override;

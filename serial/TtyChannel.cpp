@@ -10,8 +10,10 @@
 #include <utility>
 
 namespace qncomm {
-TtyChannel::TtyChannel(Reactor& reactor, std::string sPath)
-    : FdChannel(reactor, "the device went away"), mPath(std::move(sPath)) {}
+TtyChannel::TtyChannel(Reactor& reactor, std::string sPath, CountErrors count)
+    : FdChannel(reactor, "the device went away"),
+      mPath(std::move(sPath)),
+      mCountErrors(std::move(count)) {}
 
 IoResult TtyChannel::Open(const LineSettings& settings) {
     Fd fd;
@@ -26,6 +28,7 @@ IoResult TtyChannel::Open(const LineSettings& settings) {
         return applied;
     }
     ::tcflush(fd.Get(), TCIFLUSH); // what came before belongs to nobody
+    mErrorCounts = mCountErrors(fd.Get());
     Attach(std::move(fd));
     return {};
 }
@@ -61,6 +64,13 @@ IoResult TtyChannel::Apply(int fd, const LineSettings& settings) const {
     if (refused.empty()) return {};
     return {IoStatus::Unsupported, 0,
             "the device does not take " + refused + " of " + TextOf(settings)};
+}
+
+LineErrors TtyChannel::TakeLineErrors() {
+    if (!mErrorCounts) return {};
+    const std::optional<TtyErrorCounts> before =
+        std::exchange(mErrorCounts, mCountErrors(Handle()));
+    return mErrorCounts ? ErrorsBetween(*before, *mErrorCounts) : LineErrors{};
 }
 
 std::size_t TtyChannel::OutputPending() {

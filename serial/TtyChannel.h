@@ -1,8 +1,10 @@
 #pragma once
 
 #include "FdChannel.h"
+#include "TtyErrorCounts.h"
 
 #include <cstddef>
+#include <functional>
 #include <optional>
 #include <string>
 #include <termios.h>
@@ -16,7 +18,10 @@ namespace qncomm {
 /// back would lose what the other side is about to read.
 class TtyChannel final : public FdChannel {
   public:
-    TtyChannel(Reactor& reactor, std::string sPath);
+    /// How to look at a device's counts of line errors.
+    using CountErrors = std::function<std::optional<TtyErrorCounts>(int fd)>;
+
+    TtyChannel(Reactor& reactor, std::string sPath, CountErrors count = ErrorCountsOf);
     ~TtyChannel() override { Close(); }
     TtyChannel(const TtyChannel&) = delete;
     TtyChannel& operator=(const TtyChannel&) = delete;
@@ -26,6 +31,7 @@ class TtyChannel final : public FdChannel {
     IoResult Probe() override;
     IoResult Configure(const LineSettings& settings) override;
     IoResult SetBreak(bool bOn) override;
+    LineErrors TakeLineErrors() override;
     std::size_t OutputPending() override;
     void DiscardInput() override;
     void DiscardOutput() override;
@@ -38,6 +44,8 @@ class TtyChannel final : public FdChannel {
     IoResult Apply(int fd, const LineSettings& settings) const;
 
     std::string mPath;
+    CountErrors mCountErrors;
+    std::optional<TtyErrorCounts> mErrorCounts; ///< at the last look; nothing = it does not count
     termios mFormer{};
     bool mHasLines = false;
 };

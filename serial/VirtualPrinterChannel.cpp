@@ -93,6 +93,11 @@ IoCount VirtualPrinterChannel::Write(std::string_view bytes) {
     return {bytes.size(), {}};
 }
 
+LineErrors VirtualPrinterChannel::TakeLineErrors() {
+    const qnsim::HostErrors errors = mPrinter->device.TakeHostErrors();
+    return {.frame = errors.frame, .parity = errors.parity};
+}
+
 std::size_t VirtualPrinterChannel::OutputPending() {
     return mPrinter->device.PendingFromHost(mReactor.NowUs());
 }

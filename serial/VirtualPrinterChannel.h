@@ -30,6 +30,7 @@ class VirtualPrinterChannel final : public ByteChannel {
     IoCount Read(std::span<char> buffer) override;
     IoCount Write(std::string_view bytes) override;
     bool IsReliable() const override { return true; }
+    LineErrors TakeLineErrors() override;
     std::size_t OutputPending() override;
     void DiscardInput() override;
     void DiscardOutput() override;

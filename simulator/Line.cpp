@@ -104,11 +104,21 @@ Line::Line(const Uart& uart, const Options& options)
     if (mCutAfter && *mCutAfter == 0) mCut = true;
 }
 
-bool Line::Matches() const {
+bool Line::TimingMatches() const {
     return mHost.baud.value_or(mUart.baud) == mUart.baud
            && mHost.dataBits.value_or(mUart.dataBits) == mUart.dataBits
-           && mHost.stopBits.value_or(mUart.stopBits) == mUart.stopBits
-           && mHost.parity.value_or(mUart.parity) == mUart.parity;
+           && mHost.stopBits.value_or(mUart.stopBits) == mUart.stopBits;
+}
+
+void Line::DropToHost() {
+    mToHost.Clear();
+    mHostErrors = {};
+}
+
+void Line::NoteHostErrors() {
+    // A receiver without parity takes the sender's for the end of the byte.
+    const bool parityAlone = TimingMatches() && mHost.parity != 'n';
+    (parityAlone ? mHostErrors.parity : mHostErrors.frame) = true;
 }
 
 std::string Line::Garble(std::string_view bytes, int fromBaud, int toBaud) {
@@ -171,7 +181,10 @@ void Line::PrinterSends(std::string_view bytes, Micros now) {
     if (mCut || bytes.empty()) return;
     std::string received(bytes.substr(0, UntilCut(bytes.size())));
     mSentToHost += received.size();
-    if (!Matches()) received = Garble(received, mUart.baud, mHost.baud.value_or(mUart.baud));
+    if (!Matches()) {
+        received = Garble(received, mUart.baud, mHost.baud.value_or(mUart.baud));
+        NoteHostErrors();
+    }
     StripToSevenBits(received);
     Damage(received);
     if (mStall.rate <= 0) {

@@ -3,6 +3,7 @@
 
 #include "Setup.h"
 #include "simulator/Options.h"
+#include "simulator/VirtualPrinter.h"
 
 #include <cstddef>
 #include <deque>
@@ -10,6 +11,7 @@
 #include <random>
 #include <string>
 #include <string_view>
+#include <utility>
 
 namespace qnsim {
 
@@ -62,12 +64,15 @@ class Line {
     const Wire& ToPrinter() const { return mToPrinter; }
     Wire& ToHost() { return mToHost; }
     const Wire& ToHost() const { return mToHost; }
+    /// Takes back what has not reached the host.
+    void DropToHost();
+    HostErrors TakeHostErrors() { return std::exchange(mHostErrors, {}); }
 
     bool IsPaced() const { return mPaced; }
     bool IsCut() const { return mCut; }
 
     /// Every item that the endpoint carries is the same on both sides.
-    bool Matches() const;
+    bool Matches() const { return TimingMatches() && ParityMatches(); }
 
   private:
     struct FaultDie {
@@ -75,7 +80,11 @@ class Line {
         std::mt19937_64 source;
         bool Strikes();
     };
+    /// The same as Matches, parity left aside.
+    bool TimingMatches() const;
+    bool ParityMatches() const { return mHost.parity.value_or(mUart.parity) == mUart.parity; }
     std::string Garble(std::string_view bytes, int fromBaud, int toBaud);
+    void NoteHostErrors();
     void Damage(std::string& bytes);
     void StripToSevenBits(std::string& bytes) const;
     std::size_t UntilCut(std::size_t bytes);
@@ -93,6 +102,7 @@ class Line {
     int mStallMs;
     std::optional<std::size_t> mCutAfter;
     std::size_t mSentToHost = 0;
+    HostErrors mHostErrors;
     std::mt19937_64 mNoise{1};
     bool mCut = false;
 };

@@ -89,7 +89,7 @@ VirtualPrinter::Impl::Impl(const Options& options)
 
 void VirtualPrinter::Impl::HostClosed() {
     mHostOpen = false;
-    mLine.ToHost().Clear();
+    mLine.DropToHost();
 }
 
 void VirtualPrinter::Impl::Break() {
@@ -243,6 +243,10 @@ std::string VirtualPrinter::ToHost(Micros now, std::size_t max) {
     return mImpl->ToHost(now, max);
 }
 
+HostErrors VirtualPrinter::TakeHostErrors() {
+    return mImpl->Wire().TakeHostErrors();
+}
+
 bool VirtualPrinter::Paced() const {
     return mImpl->Wire().IsPaced();
 }
@@ -260,7 +264,7 @@ void VirtualPrinter::DiscardFromHost(Micros /*now*/) {
 }
 
 void VirtualPrinter::DiscardToHost(Micros /*now*/) {
-    mImpl->Wire().ToHost().Clear();
+    mImpl->Wire().DropToHost();
 }
 
 std::optional<Micros> VirtualPrinter::NextDue() const {

@@ -36,10 +36,13 @@ constexpr std::array<KnownOption, 4> knownOptions{{{optBinary, true, true},
 
 // Values of the remote port's requests.
 constexpr unsigned char answerOffset = 100;
+constexpr unsigned char notifyLineState = 106;
 constexpr unsigned char notifyModemState = 107;
 constexpr unsigned char requestControl = 5;
 constexpr std::array<char, 5> parities{'n', 'o', 'e', 'm', 's'}; // counted from 1
 constexpr std::array<int, 10> bauds{300, 600, 1200, 2400, 4800, 9600, 19200, 38400, 57600, 115200};
+constexpr unsigned char frameError = 0x08;
+constexpr unsigned char parityError = 0x04;
 constexpr unsigned char modemDsr = 0x20;
 constexpr unsigned char modemCts = 0x10;
 constexpr unsigned char changedDsr = 0x02;
@@ -290,7 +293,8 @@ void ComPortServer::Sign(std::string_view value) {
 }
 
 void ComPortServer::SetLineMask(std::string_view value) {
-    Answer(10, First(value)); // line errors do not happen here, so none are told
+    mLineMask = First(value);
+    Answer(10, mLineMask);
 }
 
 void ComPortServer::SetModemMask(std::string_view value) {
@@ -334,6 +338,12 @@ void ComPortServer::ShowLines(bool dsr, bool cts) {
     mCts = cts;
     if ((changed & mModemMask) != 0 && mRemoteControl)
         NotifyModemState(static_cast<unsigned char>(changed));
+}
+
+void ComPortServer::ShowErrors(const HostErrors& errors) {
+    const unsigned state = (errors.frame ? frameError : 0U) | (errors.parity ? parityError : 0U);
+    const auto told = static_cast<unsigned char>(state & mLineMask);
+    if (told != 0 && mRemoteControl) Answer(notifyLineState - answerOffset, told);
 }
 
 void ComPortServer::NotifyModemState(unsigned char changed) {

@@ -2,6 +2,7 @@
 #pragma once
 
 #include "HostAction.h"
+#include "simulator/VirtualPrinter.h"
 
 #include <array>
 #include <string>
@@ -29,6 +30,8 @@ class ComPortServer {
     /// The modem lines as the printer holds them; the host hears of a change that it asked to hear
     /// of.
     void ShowLines(bool dsr, bool cts);
+    /// What is wrong with the bytes that are sent next; told to a host that asked to hear of it.
+    void ShowErrors(const HostErrors& errors);
     /// The host asked for a pause.
     bool Suspended() const { return mSuspended; }
 
@@ -87,6 +90,7 @@ class ComPortServer {
     bool mDsr = true;
     bool mCts = true;
     unsigned char mModemMask = 0xFF;
+    unsigned char mLineMask = 0;
     bool mSuspended = false;
 
     std::vector<HostAction> mActions;

@@ -2,6 +2,7 @@
 #pragma once
 
 #include "HostAction.h"
+#include "simulator/VirtualPrinter.h"
 
 #include <memory>
 #include <poll.h>
@@ -37,6 +38,8 @@ class Endpoint {
 
     /// The modem lines as the printer holds them now.
     virtual void ShowLines(bool /*dsr*/, bool /*cts*/) {}
+    /// What the host's receiver finds wrong with the bytes that are written next.
+    virtual void ShowErrors(const HostErrors& /*errors*/) {}
 
     /// Writes what fits now and returns how many bytes that was.
     virtual std::size_t Write(std::string_view bytes) = 0;

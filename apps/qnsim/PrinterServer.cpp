@@ -79,6 +79,7 @@ void PrinterServer::Exchange() {
     mEndpoint.ShowLines(mPrinter.Dsr(), mPrinter.Cts());
     if (mOutput.empty()) mOutput = mPrinter.ToHost(mNow, pieceSize);
     if (mOutput.empty() || !mHostThere) return;
+    mEndpoint.ShowErrors(mPrinter.TakeHostErrors());
     mOutput.erase(0, mEndpoint.Write(mOutput));
 }
 

@@ -46,6 +46,11 @@ void Rfc2217Endpoint::ShowLines(bool dsr, bool cts) {
     Flush();
 }
 
+void Rfc2217Endpoint::ShowErrors(const HostErrors& errors) {
+    mPort.ShowErrors(errors);
+    Flush();
+}
+
 std::size_t Rfc2217Endpoint::Write(std::string_view bytes) {
     if (mPort.Suspended() || !mPort.Output().empty()) return 0;
     const std::string_view taken = bytes.substr(0, mostTaken);

@@ -7,8 +7,8 @@
 namespace qnsim {
 
 /// The host's whole line format is seen, its modem lines, breaks and purges too, and the printer's
-/// modem lines are told. A new host finds the port at 9600 baud, no parity, 8 data bits, 1 stop
-/// bit.
+/// modem lines and line errors are told. A new host finds the port at 9600 baud, no parity, 8 data
+/// bits, 1 stop bit.
 class Rfc2217Endpoint : public Endpoint {
   public:
     /// port 0 takes any free one; Address names it.
@@ -21,6 +21,7 @@ class Rfc2217Endpoint : public Endpoint {
     LineFormat HostFormat() const override { return mPort.Format(); }
     std::vector<HostAction> Receive(std::size_t max) override;
     void ShowLines(bool dsr, bool cts) override;
+    void ShowErrors(const HostErrors& errors) override;
     std::size_t Write(std::string_view bytes) override;
 
   private:

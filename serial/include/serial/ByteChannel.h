@@ -2,6 +2,7 @@
 
 #include "platform/Reactor.h"
 #include "serial/IoResult.h"
+#include "serial/LineErrors.h"
 #include "serial/LineSettings.h"
 #include "serial/PortAddress.h"
 
@@ -49,6 +50,10 @@ class ByteChannel {
 
     virtual IoCount Read(std::span<char> buffer) = 0;
     virtual IoCount Write(std::string_view bytes) = 0;
+
+    /// What went wrong on the open line since the last call, as far as it has shown by the last
+    /// Read. A channel without a line, or whose device does not tell, knows of nothing.
+    virtual LineErrors TakeLineErrors() { return {}; }
 
     /// Bytes that Write took and that have not left for the line, as far as the device tells.
     virtual std::size_t OutputPending() = 0;

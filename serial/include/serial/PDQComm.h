@@ -136,6 +136,7 @@ class PDQComm final : public SerialControl {
     void OnChannel(FdEvents events);
     /// Takes from the channel what the receive buffer has space for.
     void Receive();
+    void Note(const LineErrors& errors);
     /// Gives the channel what is queued.
     void Send();
     void WantEvents();
@@ -196,6 +197,7 @@ class PDQComm final : public SerialControl {
     std::string mTransferName;
     std::string mTransferReason;
 
+    LineErrors mLineErrors;  ///< that are still to be reported
     bool mLossWaits = false; ///< the loss of the port is still to be reported
     std::optional<PortFailure> mLastFailure;
 };

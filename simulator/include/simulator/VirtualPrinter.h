@@ -12,6 +12,12 @@
 
 namespace qnsim {
 
+/// What the receiver at the host's end finds wrong with what the printer sends.
+struct HostErrors {
+    bool frame = false; // a byte does not end where it should
+    bool parity = false;
+};
+
 /// The printer at the other end of a line. It owns no thread and no clock and sleeps nowhere: the
 /// caller hands in bytes and the time, asks when there is work again, and takes bytes out. Times
 /// are the caller's monotonic microseconds and never run backwards. It touches files only in the
@@ -51,6 +57,10 @@ class VirtualPrinter {
     /// Takes at most max of the bytes that have left the line for the host by now (runs a slice of
     /// work first).
     std::string ToHost(Micros now, std::size_t max);
+
+    /// What has gone wrong since the last call with bytes on their way to the host; nothing where
+    /// both sides have the same settings.
+    HostErrors TakeHostErrors();
 
     /// Whether bytes take their time on the line.
     bool Paced() const;

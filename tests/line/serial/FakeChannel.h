@@ -10,6 +10,7 @@
 #include <span>
 #include <string>
 #include <string_view>
+#include <utility>
 #include <vector>
 
 namespace qncomm::testing {
@@ -21,6 +22,7 @@ struct FakeLine {
     IoResult probeResult;
     IoResult configureResult;
     std::optional<IoResult> loss;           ///< the line is gone from now on
+    LineErrors errors;                      ///< that the next look finds
     std::optional<bool> dsr;                ///< no modem lines unless set
     std::size_t takes = 1'000'000;          ///< bytes that writes still take
     std::size_t pending = 0;                ///< bytes on their way to the line
@@ -52,6 +54,7 @@ class FakeChannel final : public ByteChannel {
     IoResult Configure(const LineSettings& settings) override;
     IoCount Read(std::span<char> buffer) override;
     IoCount Write(std::string_view bytes) override;
+    LineErrors TakeLineErrors() override { return std::exchange(mLine.errors, {}); }
     std::size_t OutputPending() override;
     void DiscardInput() override;
     void DiscardOutput() override;

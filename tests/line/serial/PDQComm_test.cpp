@@ -87,6 +87,71 @@ TEST_F(SerialControlTest, AnEventWaitsForTheThreshold) {
     EXPECT_EQ(mPort.Read(), "abcd");
 }
 
+TEST_F(SerialControlTest, EachKindOfLineErrorHasItsEvent) {
+    mPort.SetReceiveThreshold(0);
+    FakeChannel& far = Open();
+    mTrace.lines.clear();
+    const std::pair<LineErrors, SerialEvent> kinds[] = {
+        {{.frame = true}, SerialEventFrame},
+        {{.overrun = true}, SerialEventOverrun},
+        {{.parity = true}, SerialEventParity},
+        {{.overflow = true}, SerialEventReceiveOverflow},
+    };
+    for (const auto& [errors, event] : kinds) {
+        mEvents.clear();
+        mLine.errors = errors;
+        far.Arrive("x");
+        mReactor.Yield(0);
+        mReactor.Yield(0);
+        EXPECT_THAT(mEvents, ElementsAre(event));
+    }
+    EXPECT_THAT(mTrace.lines,
+                ElementsAre("rx x", "event line errors: frame", "rx x",
+                            "event line errors: overrun", "rx x", "event line errors: parity",
+                            "rx x", "event line errors: overflow"));
+}
+
+TEST_F(SerialControlTest, LineErrorsAreToldOnceAndBeforeTheirBytes) {
+    mPort.SetReceiveThreshold(1);
+    mLine.errors = {.frame = true, .parity = true};
+    Open().Arrive("x");
+    mReactor.Yield(0);
+    EXPECT_THAT(mEvents, ElementsAre(SerialEventFrame, SerialEventParity, SerialEventReceive));
+    EXPECT_THAT(mTrace.lines, Contains("event line errors: frame parity"));
+    mEvents.clear();
+    mChannel->Arrive("y");
+    mReactor.Yield(0);
+    EXPECT_THAT(mEvents, ElementsAre(SerialEventReceive));
+}
+
+TEST_F(SerialControlTest, LineErrorsOfAWaitWithoutDispatchWaitForTheLoop) {
+    mPort.SetReceiveThreshold(0);
+    mLine.errors = {.frame = true};
+    Open().Arrive("x");
+    EXPECT_TRUE(mPort.WaitForReceive(10));
+    EXPECT_THAT(mEvents, IsEmpty());
+    mReactor.Yield(0);
+    EXPECT_THAT(mEvents, ElementsAre(SerialEventFrame));
+}
+
+TEST_F(SerialControlTest, LineErrorsThatNobodyHeardAreNotToldLater) {
+    FakeChannel& far = Open();
+    mPort.SetEventSink({});
+    mLine.errors = {.frame = true};
+    far.Arrive("x");
+    EXPECT_EQ(mPort.ReadLine(10), "x");
+    mPort.SetEventSink([this](SerialEvent event) { mEvents.push_back(event); });
+    mReactor.Yield(0);
+    EXPECT_THAT(mEvents, IsEmpty());
+    mLine.errors = {.frame = true};
+    far.Arrive("y");
+    EXPECT_EQ(mPort.ReadLine(10), "y");
+    mPort.SetPortOpen(false);
+    mPort.SetPortOpen(true);
+    mReactor.Yield(0);
+    EXPECT_THAT(mEvents, IsEmpty()) << "those of a closed port";
+}
+
 TEST_F(SerialControlTest, ADetachedSinkHearsNothing) {
     mPort.SetReceiveThreshold(1);
     FakeChannel& far = Open();

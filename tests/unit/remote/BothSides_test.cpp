@@ -93,7 +93,7 @@ TEST(BothSides, CarryAllBytesBothWaysAndKeepThemFromBeforeAPurgeApart) {
 TEST(BothSides, ModemLinesOfThePrinterReachTheClient) {
     Conversation talk(4096);
     talk.client.Offer();
-    talk.client.AskForModemState();
+    talk.client.AskForStates();
     talk.Run();
     EXPECT_EQ(talk.client.Dsr(), true);
     talk.server.ShowLines(false, true);

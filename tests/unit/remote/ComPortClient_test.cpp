@@ -152,8 +152,9 @@ TEST(ComPortClient, OtherValueThanAskedForIsARefusalThatNamesBoth) {
 TEST(ComPortClient, AnswersToModemLinesAreNotAwaitedNorTakenForFlowControl) {
     Client client;
     client.protocol.HoldLines(true, true);
-    client.protocol.AskForModemState();
-    EXPECT_EQ(client.TakeOutput(), Command(5, {8}) + Command(5, {11}) + Command(11, {0x33}));
+    client.protocol.AskForStates();
+    EXPECT_EQ(client.TakeOutput(),
+              Command(5, {8}) + Command(5, {11}) + Command(11, {0x33}) + Command(10, {0x0E}));
     EXPECT_TRUE(client.protocol.Settled());
     client.protocol.Configure({300, 'n', 8, 1, false, false});
     client.Hear(Command(101, {0, 0, 1, 44}) + Command(102, {8}) + Command(103, {1})
@@ -163,6 +164,24 @@ TEST(ComPortClient, AnswersToModemLinesAreNotAwaitedNorTakenForFlowControl) {
     client.Hear(Command(105, {1}));
     EXPECT_TRUE(client.protocol.Settled());
     EXPECT_TRUE(client.protocol.Refusal().Ok());
+}
+
+TEST(ComPortClient, HearsOfLineErrorsOnce) {
+    Client client;
+    client.Agree();
+    client.Hear("a" + Command(106, {0x61}) + Command(106, ""));
+    const auto text = [&client] {
+        const auto errors = client.protocol.TakeLineErrors();
+        return std::string(errors.frame ? "frame " : "") + (errors.overrun ? "overrun " : "")
+               + (errors.parity ? "parity " : "") + (errors.overflow ? "overflow " : "");
+    };
+    EXPECT_EQ(text(), "") << "that something may be sent or read is no error";
+    client.Hear(Command(106, {0x08}));
+    EXPECT_EQ(text(), "frame ");
+    client.Hear(Command(106, {0x04}) + "b" + Command(106, {0x63}));
+    EXPECT_EQ(text(), "overrun parity ");
+    EXPECT_EQ(text(), "");
+    EXPECT_EQ(client.data, "ab");
 }
 
 TEST(ComPortClient, AnswersThatNobodyAwaitsChangeNothing) {

@@ -165,6 +165,26 @@ TEST(ComPortServer, TellsAChangeOfTheModemLinesToAHostThatAskedForIt) {
     EXPECT_EQ(server.port.Output(), Command(107, {0x01}));
 }
 
+TEST(ComPortServer, TellsLineErrorsToAHostThatAskedForThem) {
+    Server server;
+    server.Hear(Command(10, {255, 255}));
+    server.port.ShowErrors({.frame = true});
+    EXPECT_EQ(server.port.Output(), "") << "this host speaks no port control";
+    server.Agree();
+    server.port.ShowErrors({.frame = true, .parity = true});
+    EXPECT_EQ(std::exchange(server.port.Output(), {}), Command(106, {0x0C}));
+    EXPECT_EQ(server.Hear(Command(10, {0x04})), Command(110, {0x04}));
+    server.port.ShowErrors({.frame = true, .parity = true});
+    EXPECT_EQ(std::exchange(server.port.Output(), {}), Command(106, {0x04}));
+    server.port.ShowErrors({.frame = true});
+    server.port.ShowErrors({});
+    EXPECT_EQ(server.port.Output(), "");
+    Server other;
+    other.Agree();
+    other.port.ShowErrors({.frame = true});
+    EXPECT_EQ(other.port.Output(), "") << "nobody asked";
+}
+
 TEST(ComPortServer, HostMayAskForAPause) {
     Server server;
     server.Agree();
