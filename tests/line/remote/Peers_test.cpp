@@ -135,9 +135,13 @@ port.stopbits = 2
 port.rtscts = True
 show('answer', ask(b'PRINT 6*7'))
 show('dsr', port.dsr)
+port.rfc2217_send_subnegotiation(serial.rfc2217.SET_LINESTATE_MASK, b'\x0e')
+ask(b'BEEP')
+show('line state', port._linestate)
 port.baudrate = 9600
 port.timeout = 0.2
 show('understood at another rate', b'2' in ask(b'PRINT 2'))
+show('line state', port._linestate)
 port.baudrate = 57600
 port.timeout = 10
 port.reset_output_buffer()
@@ -161,7 +165,9 @@ TEST_F(Peers, PySerialSetsTheLineAsksAndBreaks) {
     EXPECT_EQ(client.Wait(), 0);
     EXPECT_EQ(mFolder.Read("client.log"), "answer b'PRINT 6*7\\r\\n42\\r\\nOk\\r\\n'\n"
                                           "dsr True\n"
+                                          "line state 0\n"
                                           "understood at another rate False\n"
+                                          "line state 8\n"
                                           "stopped by the break True\n");
 }
 
