@@ -140,7 +140,7 @@ std::string MacroPrompts::Resolve(std::string_view reference) {
         return Ask(name, "Input new value for '" + name + "'.");
     }
     const std::string_view prompt = reference.substr(open + 1);
-    return Ask(UpperCase(reference.substr(0, open)),
+    return Ask(std::string(reference.substr(0, open)),
                std::string(prompt.substr(0, prompt.find('"'))));
 }
 

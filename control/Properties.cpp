@@ -88,9 +88,7 @@ QNComm::PersistedProperties QNComm::ReadAll(const PropertyBag& bag) {
 
 void QNComm::UserControl_InitProperties() {
     mParts.host.SetAlign(DockBottom);
-    const PersistedProperties fresh = ReadAll(MemoryPropertyBag());
-    Apply(fresh);
-    mToolbarVisible = true;
+    Apply(ReadAll(MemoryPropertyBag()));
     TerminalFont font = mParts.terminal.Font();
     font.name = "Courier";
     mParts.terminal.SetFont(font);

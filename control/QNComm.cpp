@@ -121,7 +121,6 @@ void QNComm::UserControl_Show() {
 }
 
 void QNComm::UserControl_Hide() {
-    if (!mParts.host.UserMode()) return;
     if (const auto members = mMembers) members->link.SetTerminalActive(false);
 }
 

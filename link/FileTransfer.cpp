@@ -86,11 +86,14 @@ std::string FileTransfer::OwnMessage() const {
 
 FileTransfer::~FileTransfer() {
     if (mLink.mSerial == nullptr) return;
-    try { // an error or the end of the program must not leave a transfer running on a port that
-          // goes on
+    // An error or the end of the program must not leave a transfer running on a port that goes on,
+    // nor the port open for a terminal that was hidden meanwhile.
+    try {
         if (Serial().TransferState() >= TransferStarted)
             Serial().SetTransferState(TransferAborting);
-    } catch (const QNError&) { // NOLINT(bugprone-empty-catch): the port is gone
+        mLink.Settle();
+    } catch (const std::exception& error) { // another one may be on its way
+        mLink.mHost.desktop.Log(error.what());
     }
 }
 

@@ -76,13 +76,18 @@ TEST_F(Keys, AFileMacroTypesAProgramThatThenRuns) {
     EXPECT_EQ(Listing(), "10 PRINT \"from a file\"\r\n");
 }
 
-TEST_F(Keys, AFileMacroLongerThanTheQueueArrivesWholeOnASlowLine) {
+TEST_F(Keys, FilesAndPastesLongerThanTheQueueArriveWholeOnASlowLine) {
     Assemble("sim:R7G?baud=2400&paced=on");
     Show().DoAutoconnect();
     std::string program;
     for (int line = 1; line <= 400; ++line)
         program += std::to_string(line * 10) + " REM a line\r\n";
     Run("1;" + mFolder.Write("p.txt", program));
+    mReactor.Pass(60'000);
+    EXPECT_TRUE(Listing() == program);
+    Control().NewProgram();
+    mClipboard.mText = program;
+    Control().PasteCB();
     mReactor.Pass(60'000);
     EXPECT_TRUE(Listing() == program);
 }
@@ -123,12 +128,14 @@ TEST_F(Keys, PasteSendsTheClipboardAsItIsAndCopyTakesTheScreen) {
 
 TEST_F(Keys, ClearEmptiesTheScreenAndKeepsTheRow) {
     Control().SetCursorRow(12);
-    EXPECT_EQ(mAssembly->Viewport().Type("PRINT 1\r"), 8U);
+    EXPECT_EQ(mAssembly->Viewport().Type("PRINT 1\rabc"), 11U);
     mReactor.Pass(1000);
     const std::int16_t row = Control().CursorRow();
     EXPECT_EQ(row, 15);
+    EXPECT_EQ(Control().CursorColumn(), 4);
     Control().PressToolbarKey("Clear");
     EXPECT_EQ(Control().CursorRow(), row);
+    EXPECT_EQ(Control().CursorColumn(), 1);
     EXPECT_EQ(Screen(), "");
 }
 
@@ -160,6 +167,15 @@ TEST_F(Keys, ThePopUpMenuCopiesAndPastes) {
     mReactor.Pass(1000);
     Control().mnuPopUp_Click(1);
     EXPECT_THAT(*mClipboard.mText, HasSubstr("PRINT 5\r\n5\r\nOk"));
+}
+
+TEST_F(Keys, DeleteOnAClosedPortIsNothing) {
+    Control().UserControl_Hide();
+    mTrace.mSent.clear();
+    std::int16_t key = 46;
+    Control().PDQComm1_KeyDown(key, 0);
+    EXPECT_EQ(key, 46);
+    EXPECT_EQ(TakeSent(), "");
 }
 
 TEST_F(Keys, TheKeysOfTheTerminalCopyPasteAndNeverMoveTheCursor) {

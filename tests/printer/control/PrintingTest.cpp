@@ -104,6 +104,26 @@ TEST_F(Printing, AnImageIsPrintedInverseAndLoadedAnewWhenAskedFor) {
     EXPECT_EQ(BlackDots(NextLabel()), 32 * 20);
 }
 
+TEST_F(Printing, ThePointerIsTheDefaultAfterEachThatWentWell) {
+    Control().PrinterType();
+    PrintFontArgs text{.sText = "x", .sFontName = "SW080BSN.1"};
+    const std::string font = mFolder.Write("mine.ttf", TestFont());
+    const std::vector<std::function<void()>> works = {
+        [&] { Control().InstallImage(mPicture); },
+        [&] { Control().PrintImage(mPicture); },
+        [&] { Control().Images(true); },
+        [&] { Control().InstallFont(font); },
+        [&] { Control().PrintFont(text); },
+        [&] { Control().Fonts(true); },
+        [&] { Control().Setup(); },
+    };
+    for (const auto& work : works) {
+        Pointer::Screen().Set(PointerHourglass);
+        EXPECT_EQ(NumberRaisedBy(work), 0);
+        EXPECT_EQ(Pointer::Screen().Shape(), PointerDefault) << &work - works.data();
+    }
+}
+
 TEST_F(Printing, WhatIsNoImageIsRefusedAndNothingIsSent) {
     Control().PrinterType();
     TakeSent();
@@ -173,6 +193,7 @@ TEST_F(Printing, TextIsPrintedAsAskedAndTheDefaultsAreWrittenBack) {
     const Strings inverse =
         PrintedText({.sText = "ABC", .sFontName = "SW080BSN.1", .bInverse = true});
     EXPECT_NE(inverse, upper);
+    EXPECT_NE(PrintedText({.sText = "ABC", .sFontName = "SW080BSN.1", .iSlant = 20}), upper);
     const Strings turned = PrintedText({.sText = "ABC", .sFontName = "SW080BSN.1", .iDir = 3});
     EXPECT_NE(turned, upper);
     EXPECT_EQ(BlackDots(turned), BlackDots(upper));

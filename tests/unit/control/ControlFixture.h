@@ -34,9 +34,10 @@ class ControlFixture : public ::testing::Test {
     }
     ~ControlFixture() override { Pointer::Screen().Set(PointerDefault); }
 
-    void Create() {
+    /// Makes the control anew, with what it is to keep.
+    void Create(std::shared_ptr<void> keep = {}) {
         mControl = std::make_unique<QNComm>(
-            ControlParts{mSerial, mTerminal, mHost, mWindow},
+            ControlParts{mSerial, mTerminal, mHost, mWindow, std::move(keep)},
             ControlServices{mLoop, mDesktop, mInputs, mClipboard, mFiles, mLauncher, mForms});
         mWindow.mControl = mControl.get();
         mStatus = mControl->StatusEvent.Connect(

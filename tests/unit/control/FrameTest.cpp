@@ -69,6 +69,15 @@ TEST_F(Frame, StatusBarsGoBelowEveryFormAfterEveryDrag) {
     EXPECT_EQ(bar->mTop, 50000);
 }
 
+TEST_F(Frame, AStatusBarIsMovedAfterTheControlWasResized) {
+    const auto bar = std::make_shared<FakeFormControl>("statusbar");
+    mHost.mControls = {bar, std::make_shared<FakeFormControl>("StatusBar")};
+    mHost.mOnHeight = [&] { bar->mTop = 0; }; // the form lays itself out
+    mControl->imgSizer_MouseUp(-10);
+    for (const auto& each : mHost.mControls)
+        EXPECT_EQ(each->mTop, 50000);
+}
+
 TEST_F(Frame, PaintingLaysOutWhateverTheDisplayStateUnlessItIsOff) {
     mTerminal.mState = DisplayOff;
     mControl->UserControl_Paint();

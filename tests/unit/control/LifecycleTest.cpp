@@ -4,6 +4,7 @@
 namespace qncomm {
 namespace {
 
+using ::testing::Contains;
 using testing::ControlFixture;
 using testing::ElementsAre;
 using testing::IsEmpty;
@@ -34,6 +35,7 @@ TEST_F(Lifecycle, DesignTimeTouchesNoPortAndShowsThePlaceholder) {
     EXPECT_FALSE(mSerial.HasSink());
     EXPECT_RAISED(mControl->PrinterType(), RtObjectNotSet);
     EXPECT_RAISED(mControl->SetRegSettings(mSettings), RtObjectNotSet);
+    EXPECT_EQ(mControl->RegSettings(), mSettings) << "kept before it is handed on";
 }
 
 TEST_F(Lifecycle, ShowingOpensThePortForTheTerminalAndSendsNothing) {
@@ -50,12 +52,20 @@ TEST_F(Lifecycle, ShowingOpensThePortForTheTerminalAndSendsNothing) {
     EXPECT_THAT(mPortStates, ElementsAre(true, false));
 }
 
+TEST_F(Lifecycle, AControlThatEndsWhileItIsShownTakesNoFocus) {
+    Run();
+    mOnPortState = [this](bool) { mControl->TearDown(); };
+    mControl->UserControl_Show();
+    EXPECT_EQ(mTerminal.mFocused, 0);
+}
+
 TEST_F(Lifecycle, TheCloseButtonHidesTheControlAndTheLabelGivesTheFocus) {
     Show();
     mControl->cmdClose.Click();
     EXPECT_FALSE(mHost.mVisible);
     mControl->lblCaption.Click();
     EXPECT_EQ(mTerminal.mFocused, 2);
+    EXPECT_EQ(mControl->PrinterType(), "R7G") << "hidden, not taken down";
 }
 
 TEST_F(Lifecycle, TheTitleFollowsTheFocus) {
@@ -116,10 +126,11 @@ TEST_F(Lifecycle, AHostThatCancelsStopsTheRunningOperation) {
 }
 
 TEST_F(Lifecycle, TheLayersEventsAreRelayedToo) {
-    Run();
+    Run().PrinterType();
+    mMessages.clear();
     ModuleUploadArgs args{{}, "m", "10 REM\r\n"};
     mControl->ModuleUpload(args);
-    EXPECT_FALSE(mMessages.empty());
+    EXPECT_THAT(mMessages, Contains("Transfering Module tmp:m"));
     EXPECT_EQ(args.sTargetPath, "tmp:m");
 }
 
@@ -151,6 +162,32 @@ TEST_F(Lifecycle, TearDownFromWithinAnEventEndsTheOperation) {
     EXPECT_RAISED(mControl->PrinterType(), RtObjectNotSet);
     mOnStatus = {};
     EXPECT_EQ(Run().PrinterType(), "R7G") << "and the control can be brought up again";
+}
+
+TEST_F(Lifecycle, WhatEndsWithinItsOwnEventStaysUntilTheEventIsOver) {
+    auto line = std::make_shared<int>();
+    const std::weak_ptr<int> kept = line;
+    Create(std::exchange(line, nullptr));
+    Show();
+    mOnPortState = [this, &kept](bool) {
+        mControl->TearDown();
+        mControl.reset();
+        EXPECT_FALSE(kept.expired());
+    };
+    mControl->UserControl_Hide();
+    EXPECT_FALSE(kept.expired());
+    mLoop.Yield(10);
+    EXPECT_TRUE(kept.expired());
+}
+
+TEST_F(Lifecycle, NothingIsHeardOfAControlThatWasTakenDown) {
+    Show();
+    mSerial.mTransfer = {{10, TransferStarted}, {10, TransferIdle}};
+    mPortStates.clear();
+    mOnStatus = [this](std::string&, bool&) { mControl->TearDown(); };
+    mControl->BinaryDownload(mFolder.File("x"));
+    EXPECT_THAT(mMessages, ElementsAre("Downloading x")) << "not of the end of the transfer";
+    EXPECT_THAT(mPortStates, IsEmpty());
 }
 
 TEST_F(Lifecycle, AHostMayDestroyTheControlFromWithinAnEvent) {

@@ -116,11 +116,14 @@ TEST_F(Prompts, TheAnswerTakesThePlaceAndIsOfferedTheNextTime) {
     EXPECT_EQ(mTurns, 1);
     EXPECT_EQ(mPrompts.Expand("PF &&?COUNT&&"), "PF 5") << "cancelled: what is remembered";
     EXPECT_EQ(mInputs.mBoxes[1].answer, "5");
+    mInputs.mAnswers = {"6"};
+    EXPECT_EQ(mPrompts.Expand("PF &&?count&&"), "PF 6");
+    EXPECT_EQ(mPrompts.Expand("PF &&count&&"), "PF 6") << "in place of what was remembered";
 }
 
 TEST_F(Prompts, APromptOfItsOwnStandsInQuotes) {
     mInputs.mAnswers = {"7"};
-    EXPECT_EQ(mPrompts.Expand("&&?n\"How many?\"&&/&&N&&"), "7/7");
+    EXPECT_EQ(mPrompts.Expand("&&?n\"How many?\"&&/&&N&&/&&n&&"), "7/7/7");
     EXPECT_EQ(mInputs.mBoxes[0].prompt, "How many?");
     EXPECT_EQ(mPrompts.Expand("&&?n\"open"), std::nullopt);
     mPrompts.Expand("&&?n\"open&&");

@@ -139,6 +139,15 @@ TEST_F(Properties, TheToolbarIsHiddenAtOnceByTheLetAndByTheBagOnlyWithTheNextPai
     EXPECT_EQ(mTerminal.mPlace, (Rectangle{0, 50, 800, 950}));
 }
 
+TEST_F(Properties, TheToolbarIsHiddenBeforeTheWindowPaints) {
+    Run();
+    mWindow.mPaintsAtOnce = false;
+    mControl->SetToolbarVisible(false);
+    EXPECT_FALSE(mControl->Toolbar1.Visible());
+    EXPECT_EQ(mWindow.mRepaints, 1);
+    EXPECT_EQ(mTerminal.mPlace, (Rectangle{0, 50, 800, 950})) << "laid out when it paints";
+}
+
 TEST_F(Properties, TheFontSizeIsATextWithAPoint) {
     mTerminal.mFont.size = 9.75F;
     EXPECT_EQ(mControl->TerminalFontSize(), "9.75");

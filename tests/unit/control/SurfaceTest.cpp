@@ -60,8 +60,12 @@ TEST_F(Surface, AWriteMakesTheKeptListOutOfDate) {
 TEST_F(Surface, SystemFilesAreAskedForInTheFirstListingToo) {
     mModel = "R7G";
     Run();
+    mReplies["FILES\"tmp:\",A"] = {"FILES ON tmp:", "A.SYS          12",
+                                   "1000 BYTES FREE  46 BYTES USED"};
     mControl->Files("tmp:", false, true);
     EXPECT_THAT(TakeCommands(), ElementsAre("FILES\"tmp:\",A"));
+    mControl->Files("tmp:", true, true);
+    EXPECT_THAT(TakeCommands(), ElementsAre("FILES\"tmp:\",A")) << "and in a later one";
 }
 
 TEST_F(Surface, OnlySixDevicesHaveFiles) {
@@ -71,10 +75,22 @@ TEST_F(Surface, OnlySixDevicesHaveFiles) {
         EXPECT_EQ(Pointer::Screen().Shape(), PointerDefault);
     }
     EXPECT_EQ(TakeSent(), "");
-    for (const char* name : {"ROM:", "rom", "CARD1", "card2:", "C", "c:", "TMP"}) {
+    for (const char* name : {"ram:", "RAM", "ROM:", "rom", "CARD1", "card1:", "card2:", "Card2",
+                             "C", "c:", "TMP", "tmp:"}) {
         const int number = testing::NumberRaisedBy([&] { mControl->Files(name); });
         EXPECT_TRUE(number == 0 || number == ErrDeviceName) << name << number;
     }
+}
+
+TEST_F(Surface, ThePrinterWithoutListingsIsAskedAndComplainedOfTwice) {
+    mModel = "R7C";
+    Run();
+    EXPECT_TRUE(mControl->Files("ram:")->IsEmpty());
+    EXPECT_THAT(TakeCommands(), ElementsAre("FILES\"ram:\"", "FILES\"ram:\""));
+    EXPECT_EQ(mDesktop.mBoxes.size(), 2U);
+    EXPECT_TRUE(mControl->Images()->IsEmpty());
+    EXPECT_THAT(TakeCommands(), ElementsAre("IMAGES", "IMAGES"));
+    EXPECT_EQ(mDesktop.mBoxes.size(), 4U);
 }
 
 TEST_F(Surface, ADeviceThatTheModelLacksIsRefusedByTheLayer) {
@@ -99,11 +115,17 @@ TEST_F(Surface, WhileTheHourglassShowsThereAreNoFilesAndNoBytes) {
     EXPECT_EQ(Pointer::Screen().Shape(), PointerHourglass);
     EXPECT_EQ(TakeSent(), "");
     Pointer::Screen().Set(PointerDefault);
-    mControl->PrinterType(); // the search shows an hourglass of its own
-    Pointer::Screen().Set(5);
+}
+
+TEST_F(Surface, AListingShowsTheHourglassInPlaceOfTheDefaultPointerOnly) {
+    Run().PrinterType(); // the search shows an hourglass of its own
     std::vector<std::int16_t> shapes;
     const Subscription follow =
         Pointer::Screen().Changed.Connect([&](std::int16_t shape) { shapes.push_back(shape); });
+    mControl->Files("ram:");
+    EXPECT_THAT(shapes, ElementsAre(PointerHourglass, PointerDefault));
+    Pointer::Screen().Set(5);
+    shapes.clear();
     mControl->Files("ram:");
     EXPECT_THAT(shapes, ElementsAre(PointerDefault)) << "another pointer stays until the end";
 }

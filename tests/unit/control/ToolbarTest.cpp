@@ -1,4 +1,5 @@
 #include "ControlFixture.h"
+#include "common/modErrorHandling.h"
 #include "dialogs/frmCommSettings.h"
 #include "dialogs/frmFunctionKeysSetup.h"
 
@@ -76,8 +77,40 @@ TEST_F(Toolbar, ATextMacroIsExpandedNamedAndSentAsItIs) {
     mInputs.mAnswers = {"5"};
     Macro("0;PF &&?N&&;X<CR><lf><Cr>");
     EXPECT_EQ(TakeSent(), "PF 5;X\r\n<Cr>");
+    mControl->PressToolbarKey("FunctionkeysSetup");
     Macro("0;PF &&N&&<CR>");
     EXPECT_EQ(TakeSent(), "PF 5\r") << "remembered for the control's life";
+}
+
+TEST_F(Toolbar, CopyAndPasteUseTheClipboard) {
+    Show();
+    mTerminal.mText = "A";
+    mControl->PressToolbarKey("Copy");
+    EXPECT_EQ(mClipboard.mText, "A");
+    mControl->Toolbar1.Click("Paste");
+    EXPECT_EQ(TakeSent(), "A");
+}
+
+TEST_F(Toolbar, EveryFunctionKeyHasItsMacroAndItsTip) {
+    for (const std::string key : {"F1", "F2", "F3", "F4", "F5", "F6", "F7", "F8"})
+        SetMacro(key, "0;of " + key);
+    Show();
+    for (const std::string key : {"F1", "F2", "F3", "F4", "F5", "F6", "F7", "F8"}) {
+        EXPECT_EQ(mControl->Toolbar1.Find(key)->toolTip, "Text:\"of " + key + "\"");
+        mControl->Toolbar1.Click(key);
+        EXPECT_EQ(TakeSent(), "of " + key);
+    }
+}
+
+TEST_F(Toolbar, NamesAreReplacedInAnswersAndNotInQuestions) {
+    Show();
+    mInputs.mAnswers = {"5<CR>"};
+    bool turned = false;
+    mLoop.After(0, [&] { turned = true; });
+    Macro("0;&&?n\"How many <LF>?\"&&");
+    EXPECT_EQ(mInputs.mBoxes[0].prompt, "How many <LF>?");
+    EXPECT_EQ(TakeSent(), "5\r");
+    EXPECT_TRUE(turned) << "the loop gets a turn after a box";
 }
 
 TEST_F(Toolbar, ATextMacroMaySendNul) {
@@ -101,6 +134,13 @@ TEST_F(Toolbar, AKeyWithoutAMacroAndAnEmptyTextDoNothing) {
     mControl->PressToolbarKey("F8");
     EXPECT_EQ(TakeSent(), "");
     EXPECT_THAT(mDesktop.mBoxes, IsEmpty());
+}
+
+TEST_F(Toolbar, AnEmptyTextDoesNotNeedThePort) {
+    Run();
+    Macro("0;");
+    EXPECT_THAT(mDesktop.mBoxes, IsEmpty());
+    EXPECT_RAISED(Macro("0;x"), ErrPortNotOpen);
 }
 
 TEST_F(Toolbar, AFileMacroSendsTheRawBytesInPieces) {
@@ -177,6 +217,8 @@ TEST_F(Toolbar, DownloadAAsksOnlyAboutAFileWithBytes) {
     EXPECT_EQ(mDesktop.mBoxes[0].text,
               "Selected file is not empty. Do you want to clear the file?");
     EXPECT_EQ(mDesktop.mBoxes[0].icon, MsgBoxIcon::Question);
+    EXPECT_EQ(mDesktop.mBoxes[0].buttons, MsgBoxButtons::YesNo);
+    EXPECT_EQ(mFiles.mShown[0].kind, FileDialogKind::Save);
     EXPECT_EQ(mFiles.mShown[0].title, "Select Destination File (Printer Sends File)");
     EXPECT_EQ(mFiles.mShown[0].defaultExtension, "txt");
     mTerminal.mCapture.clear();

@@ -7,6 +7,7 @@ namespace {
 
 using ::testing::Contains;
 using testing::ControlFixture;
+using ::testing::ElementsAre;
 using testing::IsEmpty;
 using ::testing::Not;
 using ::testing::StartsWith;
@@ -90,7 +91,7 @@ TEST_F(Transfers, ABinaryUploadNeedsAnOpenPortAndAFile) {
 }
 
 TEST_F(Transfers, AKermitDownloadCountsAgainstTheListedSizeOrAgainst5120) {
-    mReplies["FILES\"ram:\""] = {"FILES ON ram:", "A.PRG          1000",
+    mReplies["FILES\"ram:\""] = {"FILES ON ram:", "A.PRG          1000    X:B            2000",
                                  "1000 BYTES FREE  46 BYTES USED"};
     Run();
     TransferGoesWell(500);
@@ -98,6 +99,14 @@ TEST_F(Transfers, AKermitDownloadCountsAgainstTheListedSizeOrAgainst5120) {
     EXPECT_THAT(mProgress, Contains(50));
     EXPECT_THAT(TakeCommands(), Contains("TRANSFER K \"S\",\"ram:a.prg\""));
     EXPECT_THAT(mSerial.mLog, Contains("ReceiveFile " + mFolder.File("a.prg")));
+    TransferGoesWell(500);
+    mControl->KermitDownload("ram:a.prg", mFolder.File("a.prg"));
+    EXPECT_THAT(TakeCommands(), ElementsAre("TRANSFER K \"S\",\"ram:a.prg\""))
+        << "the list is kept";
+    mProgress.clear();
+    TransferGoesWell(500);
+    mControl->KermitDownload("ram:x:b", mFolder.File("b"));
+    EXPECT_THAT(mProgress, Contains(25)) << "the device ends at the first colon";
     for (const char* name : {"ram:missing", "missing", "nodevice:a.prg"}) {
         mProgress.clear();
         TransferGoesWell(2560);
@@ -132,6 +141,43 @@ TEST_F(Transfers, AKermitUploadOfNoFileDoesNotReachThePrinter) {
     Run();
     EXPECT_RAISED_FROM(mControl->KermitUpload("/no/such", "ram:A.PRG"), "1011 clsDataLink,Upload");
     EXPECT_EQ(TakeSent(), "");
+}
+
+TEST_F(Transfers, AControlHiddenDuringABinaryTransferClosesThePortAfterIt) {
+    Show();
+    TransferGoesWell(3);
+    bool openWhenHidden = false;
+    mLoop.After(25, [&] {
+        mControl->UserControl_Hide();
+        openWhenHidden = mSerial.PortOpen();
+    });
+    mControl->BinaryDownload(mFolder.File("x"));
+    EXPECT_TRUE(openWhenHidden);
+    EXPECT_FALSE(mSerial.PortOpen());
+    EXPECT_THAT(mPortStates, ElementsAre(true, false));
+}
+
+TEST_F(Transfers, AControlHiddenDuringATransferThatAHostEndsClosesThePortToo) {
+    Show();
+    TransferGoesWell(3);
+    mSerial.mTransferSize = 3;
+    mOnStatus = [this](std::string&, bool&) {
+        mControl->UserControl_Hide();
+        EXPECT_TRUE(mSerial.PortOpen());
+        RaiseRuntimeError(RtInvalidCall);
+    };
+    EXPECT_RAISED(mControl->BinaryDownload(mFolder.File("x")), RtInvalidCall);
+    EXPECT_FALSE(mSerial.PortOpen());
+    EXPECT_THAT(mSerial.mLog, Contains("TransferState 6"));
+}
+
+TEST_F(Transfers, AHostMayChangeTheMessageForTheRestOfTheTransfer) {
+    Show();
+    TransferGoesWell(3);
+    mOnStatus = [](std::string& text, bool&) { text = "mine"; };
+    mControl->BinaryDownload(mFolder.File("x"));
+    EXPECT_EQ(mMessages.front(), "Downloading x");
+    EXPECT_EQ(mMessages.back(), "mine");
 }
 
 TEST_F(Transfers, ABinaryTransferIsRefusedWithinAnOperation) {

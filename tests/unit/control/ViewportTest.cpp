@@ -114,7 +114,10 @@ TEST_F(Viewport, TheRightButtonShowsTheMenuOfCopyAndPaste) {
     EXPECT_THAT(mWindow.mMenus, IsEmpty());
     mControl->PDQComm1_MouseDown(2);
     ASSERT_EQ(mWindow.mMenus.size(), 1U);
-    EXPECT_EQ(mWindow.mMenus[0].items.size(), 2U);
+    const auto& items = mWindow.mMenus[0].items;
+    ASSERT_EQ(items.size(), 2U);
+    EXPECT_EQ(items[0].caption, "Copy");
+    EXPECT_EQ(items[1].caption, "Paste");
     mTerminal.mText = "A";
     mControl->mnuPopUp_Click(0);
     mControl->mnuPopUp_Click(3);

@@ -112,6 +112,28 @@ TEST_F(PortOwnership, AnOpenErrorShowsWhenThePortIsUsed) {
     EXPECT_THAT(mDesktop.mLog, ElementsAre("no such port"));
 }
 
+TEST_F(PortOwnership, AShowWithinNestedClaimsComesWhenTheLastOfThemEnds) {
+    {
+        const PortClaim outer = Claim();
+        mLink.SetTerminalActive(true);
+        { const PortClaim inner = Claim(); }
+        EXPECT_EQ(mLink.UseCount(), 1);
+        EXPECT_EQ(mSerial.ReceiveMode(), ReceiveToLink);
+    }
+    EXPECT_EQ(mLink.UseCount(), 1);
+    EXPECT_EQ(mSerial.ReceiveMode(), ReceiveToTerminal);
+}
+
+TEST_F(PortOwnership, AHideClosesThePortOnlyWhenNobodyElseHasIt) {
+    mLink.SetTerminalActive(true);
+    Claim().Detach();
+    mLink.SetTerminalActive(false);
+    EXPECT_TRUE(mSerial.PortOpen());
+    EXPECT_EQ(mLink.UseCount(), 1);
+    mLink.ReleasePort();
+    EXPECT_FALSE(mSerial.PortOpen());
+}
+
 TEST_F(PortOwnership, DetachedClaimsAreGivenBackByReleasePort) {
     Claim().Detach();
     EXPECT_EQ(mLink.UseCount(), 1);

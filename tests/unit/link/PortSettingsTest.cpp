@@ -1,5 +1,7 @@
 #include "LinkFixture.h"
 
+#include <algorithm>
+
 namespace qncomm::testing {
 namespace {
 
@@ -240,6 +242,16 @@ TEST_F(BusyPort, YesShowsTheDialogAndRetriesWhenItIsAccepted) {
     mLink.SetBaudrate("9600");
     EXPECT_EQ(mDialogs.mSettingsShown, 1);
     EXPECT_TRUE(mSerial.PortOpen());
+}
+
+TEST_F(BusyPort, APortThatTheDialogHasOpenedIsNotOpenedAgain) {
+    mDesktop.mAnswers = {MsgBoxResult::Yes};
+    mDialogs.mOnSettings = [this](clsDataLink&) {
+        mSerial.SetPortOpen(true);
+        return std::int16_t{1};
+    };
+    mLink.SetBaudrate("9600");
+    EXPECT_EQ(std::ranges::count(TakeLog(), "Open"), 2) << "the busy one and the dialog's";
 }
 
 TEST_F(BusyPort, AnotherResultOfTheDialogLeavesAtOnce) {

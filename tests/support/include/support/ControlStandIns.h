@@ -87,7 +87,10 @@ class FakeHost : public ControlHost {
     void SetAlign(std::int16_t iAlign) override { mAlign = iAlign; }
     void SetVisible(bool bVisible) override { mVisible = bVisible; }
     std::int32_t Height() const override { return mHeight; }
-    void SetHeight(std::int32_t lHeight) override { mHeight = lHeight; }
+    void SetHeight(std::int32_t lHeight) override {
+        mHeight = lHeight;
+        if (mOnHeight) mOnHeight();
+    }
     std::int32_t ParentScaleHeight() const override { return 2000; }
     std::vector<std::shared_ptr<ContainerControl>> ParentControls() override {
         return {mControls.begin(), mControls.end()};
@@ -98,10 +101,11 @@ class FakeHost : public ControlHost {
     std::int16_t mAlign = DockNone;
     bool mVisible = true;
     std::int32_t mHeight = 1000;
+    std::function<void()> mOnHeight; ///< called when the height was set
     std::vector<std::shared_ptr<FakeFormControl>> mControls;
 };
 
-/// A window of 800 by 1000 units that paints at once.
+/// A window of 800 by 1000 units that paints at once, or when the test says so.
 class FakeWindow : public ControlWindow {
   public:
     std::int32_t ScaleWidth() const override { return 800; }
@@ -111,7 +115,7 @@ class FakeWindow : public ControlWindow {
     std::int32_t RowHeight() const override { return 12; }
     void Repaint() override {
         ++mRepaints;
-        mControl->UserControl_Paint();
+        if (mPaintsAtOnce) mControl->UserControl_Paint();
     }
     void ShowPopUpMenu(const PopUpMenu& menu) override { mMenus.push_back(menu); }
     void SetHelpFile(std::string_view sPath) override { mHelpFile = sPath; }
@@ -119,6 +123,7 @@ class FakeWindow : public ControlWindow {
     QNComm* mControl = nullptr;
     std::int32_t mScaleHeight = 1000;
     int mRepaints = 0;
+    bool mPaintsAtOnce = true;
     std::vector<PopUpMenu> mMenus;
     std::string mHelpFile;
 };
