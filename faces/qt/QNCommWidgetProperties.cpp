@@ -231,8 +231,6 @@ void QNCommWidget::setAlign(int iAlign) {
     Parts& p = *mParts;
     const bool known = iAlign == DockTop || iAlign == DockBottom;
     p.align = known ? static_cast<DockAlign>(iAlign) : DockNone;
-    // A docked control has a height of its own, and the form the rest.
-    setSizePolicy(QSizePolicy::Expanding, known ? QSizePolicy::Preferred : QSizePolicy::Expanding);
     DockOnForm(*this, p.align);
     PlaceFrame();
 }

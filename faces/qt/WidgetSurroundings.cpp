@@ -40,6 +40,12 @@ std::int32_t QNCommWidget::Surroundings::Height() const {
 void QNCommWidget::Surroundings::SetHeight(std::int32_t lHeight) {
     if (SetHeightOnForm(mWidget, mWidget.mParts->align, lHeight)) return;
     mWidget.mParts->wantedHeight = lHeight;
+    // A terminal takes all the room there is until a person wants it otherwise; a policy that the
+    // form's author chose stays.
+    QSizePolicy policy = mWidget.sizePolicy();
+    if (policy.verticalPolicy() == QSizePolicy::Expanding)
+        policy.setVerticalPolicy(QSizePolicy::Preferred);
+    mWidget.setSizePolicy(policy);
     mWidget.updateGeometry();
 }
 

@@ -195,6 +195,19 @@ TEST_F(OnAForm, WhatWasSetInTheEditorIsThereWhenTheFormIsLoaded) {
     ExpectKept(Load(form));
 }
 
+TEST_F(OnAForm, TheEditorShowsTheSizeThatTheProgramWillHave) {
+    const QSizePolicy all(QSizePolicy::Expanding, QSizePolicy::Expanding);
+    const QWidget* designed = Design(EmptyForm);
+    EXPECT_EQ(designed->property("Align").toInt(), DockBottom);
+    EXPECT_EQ(designed->sizePolicy(), all);
+    EXPECT_EQ(Load(EmptyForm)->sizePolicy(), all);
+    QWidget* own = Design(EmptyForm);
+    const QSizePolicy low(QSizePolicy::Expanding, QSizePolicy::Fixed);
+    own->setSizePolicy(low);
+    own->setProperty("Align", DockTop); // which counts on a form without a layout
+    EXPECT_EQ(Load(Saved())->sizePolicy(), low);
+}
+
 TEST_F(OnAForm, GeneratedCodeMakesTheSameControlAsLoading) {
     QFile file(QStringLiteral(QN_DESIGNED_FORM));
     ASSERT_TRUE(file.open(QIODevice::ReadOnly));

@@ -150,6 +150,25 @@ TEST(WidgetDocked, InALayoutTheGripChangesWhatItAsksFor) {
     EXPECT_TRUE(WaitUntil([&] { return widget->height() == height + 40; })) << widget->height();
 }
 
+TEST(WidgetDocked, InALayoutItHasAllTheRoomUntilTheGripIsDragged) {
+    QWidget form;
+    auto* layout = new QVBoxLayout(&form);
+    layout->setContentsMargins(0, 0, 0, 0);
+    layout->setSpacing(0);
+    auto* above = new QTextEdit;
+    above->setSizePolicy(QSizePolicy::Preferred, QSizePolicy::Preferred);
+    layout->addWidget(above);
+    auto* widget = new QNCommWidget(QNCommWidget::DesignMode, &form);
+    layout->addWidget(widget);
+    form.resize(700, 700);
+    ShowActive(form);
+    EXPECT_EQ(above->height(), above->sizeHint().height());
+    const int height = widget->height();
+    above->setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Expanding);
+    DragGrip(Frame(*widget).grip, 100);
+    EXPECT_TRUE(WaitUntil([&] { return widget->height() == height - 100; })) << widget->height();
+}
+
 TEST(WidgetDocked, InADockWindowTheGripMovesItsBorder) {
     QMainWindow main;
     main.setCentralWidget(new QTextEdit);
