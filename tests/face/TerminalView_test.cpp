@@ -9,6 +9,7 @@
 
 #include <QScrollBar>
 #include <QWheelEvent>
+#include <QtMath>
 
 namespace qncomm::testing {
 namespace {
@@ -105,6 +106,41 @@ TEST(View, ThePictureAfterScrollingIsThatOfPaintingAnew) {
     EXPECT_EQ(kept, anew);
 }
 
+/// The colours from the first row to the lower edge of the view, where there is no letter.
+QSet<QRgb> ColoursDown(ViewRig& rig) {
+    const QImage picture =
+        rig.view.window()->screen()->grabWindow(rig.view.viewport()->winId()).toImage();
+    QSet<QRgb> colours;
+    const int x = picture.width() / 2;
+    const int first = rig.view.CellRect(rig.view.TopLine(), 0).top();
+    for (int y = qCeil(first * picture.devicePixelRatio()); y < picture.height(); ++y)
+        colours.insert(picture.pixel(x, y));
+    return colours;
+}
+
+TEST(View, ARowThatTheLowerEdgeCutsIsAsTheOthers) {
+    ViewRig rig;
+    rig.grid.Appearance().backColor = 15;
+    for (int height = 300; height < 300 + rig.view.RowHeight(); ++height) {
+        rig.view.resize(640, height);
+        rig.ReceiveLines(1, 30);
+        const QSet<QRgb> ground{qRgb(15, 0, 0)};
+        EXPECT_TRUE(QTest::qWaitFor([&] { return ColoursDown(rig) == ground; })) << height;
+    }
+}
+
+TEST(View, BetweenRowsOfOneColourThereIsNoOther) {
+    ViewRig rig;
+    rig.Receive("\x1B[48;2;1;2;3m\x1B[2J\x1B[H");
+    for (int zoom = -3; zoom < 8; ++zoom) {
+        rig.view.ZoomReset();
+        rig.view.ZoomBy(zoom);
+        rig.Receive("one\x1B[3;1Hthree\x1B[2;1Htwo\x1B[H");
+        const QSet<QRgb> rows{qRgb(1, 2, 3)};
+        EXPECT_TRUE(QTest::qWaitFor([&] { return ColoursDown(rig) == rows; })) << zoom;
+    }
+}
+
 TEST(View, ColoursAreTheTerminalsOwnUntilASequenceSetsOthers) {
     ViewRig rig;
     rig.grid.Appearance().backColor = 0x00112233;
@@ -130,10 +166,12 @@ int ColoursIn(ViewRig& rig, int row, int column) {
     const QImage picture = rig.view.viewport()->grab().toImage();
     const QRect cell = rig.view.CellRect(line, static_cast<std::size_t>(column));
     QSet<QRgb> colours;
-    const auto scale = static_cast<int>(picture.devicePixelRatio());
-    // Without the outermost pixels, which the letters beside may touch.
-    for (int y = cell.top() * scale; y < (cell.bottom() + 1) * scale; ++y)
-        for (int x = cell.left() * scale + 1; x < (cell.right() + 1) * scale - 1; ++x)
+    // Whole pixels inside the cell, without the outermost, which the letters beside may touch.
+    const qreal scale = picture.devicePixelRatio();
+    const QRect inside =
+        QRectF(cell.topLeft() * scale, QSizeF(cell.size()) * scale).toRect().adjusted(2, 0, -2, 0);
+    for (int y = inside.top(); y <= inside.bottom(); ++y)
+        for (int x = inside.left(); x <= inside.right(); ++x)
             colours.insert(picture.pixel(x, y));
     return static_cast<int>(colours.size());
 }
