@@ -50,11 +50,13 @@ constexpr NetworkKind NetworkKinds[] = {
 };
 
 QString StateText(const qncomm::PortListing& port) {
-    QString text = QString::fromStdString(port.binding.description);
+    QString text = port.binding.description.empty()
+                       ? AddressDialog::tr("Serial port")
+                       : QString::fromStdString(port.binding.description);
     if (port.state == qncomm::PortState::Free || port.state == qncomm::PortState::Unchecked)
         return text;
-    if (!text.isEmpty()) text += QStringLiteral(" · ");
-    return text + QString::fromStdString(port.detail.empty() ? NameOf(port.state) : port.detail);
+    return text + QStringLiteral(" · ")
+           + QString::fromStdString(port.detail.empty() ? NameOf(port.state) : port.detail);
 }
 
 } // namespace

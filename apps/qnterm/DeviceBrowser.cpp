@@ -1,16 +1,17 @@
 #include "DeviceBrowser.h"
 
 #include "DeviceReader.h"
+#include "EmptyHint.h"
 #include "FileCommand.h"
 #include "FileView.h"
 #include "Icons.h"
+#include "ListLooks.h"
 #include "Operations.h"
 #include "PreviewPane.h"
 
 #include "common/QNError.h"
 
 #include <QAction>
-#include <QHeaderView>
 #include <QMenu>
 #include <QSortFilterProxyModel>
 #include <QSplitter>
@@ -26,17 +27,8 @@ QTableView* NewDeviceView(DeviceList& devices) {
     auto* view = new QTableView;
     view->setModel(&devices);
     view->setAccessibleName(DeviceBrowser::tr("Devices of the printer"));
-    view->setSelectionBehavior(QAbstractItemView::SelectRows);
     view->setSelectionMode(QAbstractItemView::SingleSelection);
-    view->setShowGrid(false);
-    view->setTabKeyNavigation(false);
-    view->setWordWrap(false);
-    view->verticalHeader()->hide();
-    view->verticalHeader()->setSectionResizeMode(QHeaderView::ResizeToContents);
-    view->horizontalHeader()->setHighlightSections(false);
-    view->horizontalHeader()->setDefaultAlignment(Qt::AlignLeft | Qt::AlignVCenter);
-    view->horizontalHeader()->setSectionResizeMode(QHeaderView::ResizeToContents);
-    view->horizontalHeader()->setSectionResizeMode(DeviceList::NameColumn, QHeaderView::Stretch);
+    LookLikeAList(*view, DeviceList::NameColumn);
     return view;
 }
 
@@ -74,9 +66,9 @@ void DeviceBrowser::Build() {
     mFileView->setAccessibleName(tr("Files on the device"));
     mFileView->sortByColumn(FileTable::NameColumn, Qt::AscendingOrder);
     mFileView->setContextMenuPolicy(Qt::CustomContextMenu);
-    mFileView->horizontalHeader()->setSectionResizeMode(QHeaderView::ResizeToContents);
-    mFileView->horizontalHeader()->setSectionResizeMode(FileTable::NameColumn,
-                                                        QHeaderView::Stretch);
+    LookLikeAList(*mFileView, FileTable::NameColumn);
+    mHint = new EmptyHint(*mFileView);
+    setFocusProxy(mDeviceView);
     auto* lower = new QWidget;
     auto* lowerLayout = new QVBoxLayout(lower);
     lowerLayout->setContentsMargins(0, 0, 0, 0);
@@ -175,19 +167,22 @@ std::vector<std::string> DeviceBrowser::Names() const {
 void DeviceBrowser::ShowDevice() {
     const DeviceListing* device = Device();
     const bool plain = device == nullptr || device->kind == DeviceKind::Files;
-    mFiles.SetFiles(device != nullptr ? device->files : nullptr,
-                    device == nullptr || device->kind != DeviceKind::Fonts);
-    mPreview->setVisible(!plain);
+    mFiles.SetFiles(device != nullptr ? device->files : nullptr);
+    // Of fonts the printer tells no sizes.
+    mFileView->setColumnHidden(FileTable::SizeColumn,
+                               device != nullptr && device->kind == DeviceKind::Fonts);
+    mPreview->setVisible(!plain && mFiles.rowCount() > 0);
     mPreview->ShowNothing();
-    if (!isEnabled())
-        mFileView->SetHint({});
-    else if (!mKnown)
-        mFileView->SetHint(tr("Press F5 to read the printer's files."));
-    else if (device == nullptr)
-        mFileView->SetHint(tr("This printer cannot list its files."));
-    else
-        mFileView->SetHint(tr("Nothing is here. Drop files to send them to the printer."));
+    mHint->Say(Hint());
     EnableCommands();
+}
+
+/// What to do when the table is empty.
+QString DeviceBrowser::Hint() const {
+    if (!isEnabled()) return tr("Choose a printer to see its files.");
+    if (!mKnown) return tr("Press F5 to read the printer's files.");
+    if (Device() == nullptr) return tr("This printer cannot list its files.");
+    return tr("Nothing is here. Drop files to send them to the printer.");
 }
 
 void DeviceBrowser::OnSelection() {

@@ -17,6 +17,7 @@ class QToolBar;
 
 namespace qnterm {
 
+class EmptyHint;
 class FileView;
 class Operations;
 class PreviewPane;
@@ -44,6 +45,7 @@ class DeviceBrowser final : public QWidget {
     void BuildCommands();
     void Reread(bool refresh);
     void ShowDevice();
+    QString Hint() const;
     void OnSelection();
     void EnableCommands();
     void Carry(const FileCommand& command);
@@ -58,6 +60,7 @@ class DeviceBrowser final : public QWidget {
     QSortFilterProxyModel* mSorted;
     QTableView* mDeviceView;
     FileView* mFileView;
+    EmptyHint* mHint = nullptr;
     PreviewPane* mPreview;
     QToolBar* mToolBar;
     std::vector<QAction*> mCommands; ///< in the order of the table of commands

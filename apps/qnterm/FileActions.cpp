@@ -183,7 +183,7 @@ void FileActions::Print(const DeviceListing& device, const std::string& sName) {
         return;
     }
     AskText(mWindow, tr("Print"), tr("Text to print in %1:").arg(qncomm::FromLine(sName)),
-            tr("The quick brown fox…"), [this, sName](const QString& text) {
+            tr("The quick brown fox"), [this, sName](const QString& text) {
                 Run(tr("Print in %1").arg(qncomm::FromLine(sName)), [&](qncomm::QNComm& control) {
                     qncomm::PrintFontArgs args;
                     args.sFontName = sName;

@@ -8,10 +8,9 @@
 
 namespace qnterm {
 
-void FileTable::SetFiles(const std::shared_ptr<qncomm::PrinterFiles>& files, bool bSizes) {
+void FileTable::SetFiles(const std::shared_ptr<qncomm::PrinterFiles>& files) {
     beginResetModel();
     mFiles.clear();
-    mSizes = bSizes;
     if (files) mFiles.assign(files->begin(), files->end());
     endResetModel();
 }
@@ -39,10 +38,8 @@ QVariant FileTable::data(const QModelIndex& index, int role) const {
     const qncomm::clsPrinterFile& file = At(index.row());
     const bool size = index.column() == SizeColumn;
     if (role == SortRole) return size ? QVariant(file.Size) : QVariant(qncomm::FromLine(file.Name));
-    if (role == Qt::DisplayRole) {
-        if (!size) return qncomm::FromLine(file.Name);
-        return mSizes ? QVariant(QLocale().toString(file.Size)) : QVariant();
-    }
+    if (role == Qt::DisplayRole)
+        return size ? QLocale().toString(file.Size) : qncomm::FromLine(file.Name);
     if (role == Qt::TextAlignmentRole && size)
         return static_cast<int>(Qt::AlignRight | Qt::AlignVCenter);
     return {};

@@ -23,8 +23,8 @@ class FileTable final : public QAbstractTableModel {
 
     using QAbstractTableModel::QAbstractTableModel;
 
-    /// Shows a listing; sizes are left out where bSizes is not set.
-    void SetFiles(const std::shared_ptr<qncomm::PrinterFiles>& files, bool bSizes);
+    /// Shows a listing.
+    void SetFiles(const std::shared_ptr<qncomm::PrinterFiles>& files);
     const qncomm::clsPrinterFile& At(int iRow) const;
     /// The row of a file, -1 for one that is not there.
     int RowOf(const std::string& sName) const;
@@ -36,7 +36,6 @@ class FileTable final : public QAbstractTableModel {
 
   private:
     std::vector<std::shared_ptr<qncomm::clsPrinterFile>> mFiles;
-    bool mSizes = true;
 };
 
 } // namespace qnterm

@@ -12,9 +12,6 @@ class FileView final : public QTableView {
   public:
     explicit FileView(QWidget* parent = nullptr);
 
-    /// What an empty table says in its middle.
-    void SetHint(const QString& sHint);
-
   signals:
     void FilesDropped(const QStringList& paths);
 
@@ -22,10 +19,6 @@ class FileView final : public QTableView {
     void dragEnterEvent(QDragEnterEvent* event) override;
     void dragMoveEvent(QDragMoveEvent* event) override;
     void dropEvent(QDropEvent* event) override;
-    void paintEvent(QPaintEvent* event) override;
-
-  private:
-    QString mHint;
 };
 
 /// The local files among what is dragged.

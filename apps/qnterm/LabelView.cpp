@@ -48,12 +48,17 @@ LabelView::LabelView(QWidget* parent)
     connect(&mSettle, &QTimer::timeout, this, &LabelView::Reread);
     connect(mWatcher, &QFileSystemWatcher::directoryChanged, this, [this] { mSettle.start(); });
     connect(mHistory, &QListWidget::currentRowChanged, this, &LabelView::ShowRow);
-    SetFolder({});
+    setFocusProxy(mHistory);
+    ShowRow(-1);
 }
 
 void LabelView::SetFolder(const QString& sFolder) {
     if (!mWatcher->directories().isEmpty()) mWatcher->removePaths(mWatcher->directories());
     mFolder = sFolder;
+    mHint = sFolder.isEmpty() ? tr("The printer on this port prints on paper. What a virtual "
+                                   "printer prints is shown here.")
+                              : tr("Nothing has been printed yet. Try this in the terminal:\n\n"
+                                   "PP 40,120:FT \"SW120BSN.1\":PT \"Hello\":PF");
     mNames.clear();
     mHistory->clear();
     ShowRow(-1);
@@ -98,11 +103,7 @@ void LabelView::ShowRow(int row) {
     if (item == nullptr) {
         mShown = {};
         mPicture->setPixmap({});
-        mPicture->setText(mFolder.isEmpty()
-                              ? tr("Labels of the virtual printer are shown here. The printer on "
-                                   "this port prints on paper.")
-                              : tr("Nothing has been printed yet. Try this in the terminal:\n\n"
-                                   "PP 40,120:FT \"SW120BSN.1\":PT \"Hello\":PF"));
+        mPicture->setText(mHint);
         return;
     }
     mShown = QPixmap(item->data(Qt::UserRole).toString());

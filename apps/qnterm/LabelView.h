@@ -20,7 +20,7 @@ class LabelView final : public QWidget {
   public:
     explicit LabelView(QWidget* parent = nullptr);
 
-    /// Shows the pictures in a folder from now on; none for an empty path.
+    /// Shows the pictures in a folder from now on; none for an empty path, of a printer with paper.
     void SetFolder(const QString& sFolder);
 
     int Count() const { return static_cast<int>(mNames.size()); }
@@ -41,6 +41,7 @@ class LabelView final : public QWidget {
     void Fit();
 
     QString mFolder;
+    QString mHint = tr("What a virtual printer prints is shown here."); ///< without a label
     QStringList mNames;
     QPixmap mShown;
     QFileSystemWatcher* mWatcher;

@@ -46,11 +46,12 @@ struct DockPlace {
     const char* keys;
 };
 constexpr DockPlace DockPlaces[] = {
-    {"devices", "Devices", "Ctrl+Shift+D"},
-    {"setup", "Setup", "Ctrl+Shift+S"},
-    {"modules", "Modules", "Ctrl+Shift+M"},
-    {"labels", "Labels", "Ctrl+Shift+L"},
+    {"devices", "&Devices", "Ctrl+Shift+D"},
+    {"setup", "&Setup", "Ctrl+Shift+S"},
+    {"modules", "&Modules", "Ctrl+Shift+M"},
+    {"labels", "&Labels", "Ctrl+Shift+L"},
 };
+constexpr int LeastDockCharacters = 46; // the width at which all the docks' tabs are readable
 constexpr int EndingPollMs = 20;
 
 } // namespace
@@ -105,8 +106,9 @@ void MainWindow::BuildDocks() {
     setDockNestingEnabled(true);
     QDockWidget* first = nullptr;
     for (const DockPlace& place : DockPlaces) {
-        auto* dock = new QDockWidget(tr(place.title), this);
+        auto* dock = new QDockWidget(tr(place.title).remove(QLatin1Char('&')), this);
         dock->setObjectName(QString::fromLatin1(place.name));
+        dock->setMinimumWidth(LeastDockCharacters * fontMetrics().averageCharWidth());
         addDockWidget(Qt::RightDockWidgetArea, dock);
         if (first == nullptr)
             first = dock;
@@ -130,6 +132,8 @@ void MainWindow::FillDocks() {
     mDevices->setEnabled(false);
     mDevices->Empty();
     mSetup->setEnabled(false);
+    mSetup->Empty();
+    mModules->SetHasPort(false);
 }
 
 void MainWindow::BuildMenus() {
@@ -137,17 +141,21 @@ void MainWindow::BuildMenus() {
     mActions->AddMenus(*menuBar());
     auto* view = new QMenu(tr("&View"), this);
     menuBar()->insertMenu(mActions->HelpMenu(), view);
+    const auto add = [this, view](const char* title, const char* keys, auto go) {
+        auto* action = new QAction(tr(title), this);
+        action->setShortcut(QKeySequence(QString::fromLatin1(keys)));
+        connect(action, &QAction::triggered, this, go);
+        addAction(action);
+        view->addAction(action);
+    };
+    add("&Terminal", "Ctrl+Shift+E", [this] { mCentre->currentWidget()->setFocus(); });
     for (const DockPlace& place : DockPlaces) {
         auto* dock = findChild<QDockWidget*>(QString::fromLatin1(place.name));
-        auto* action = new QAction(dock->windowTitle(), this);
-        action->setShortcut(QKeySequence(QString::fromLatin1(place.keys)));
-        connect(action, &QAction::triggered, dock, [dock] {
+        add(place.title, place.keys, [dock] {
             dock->show();
             dock->raise();
             dock->widget()->setFocus();
         });
-        addAction(action);
-        view->addAction(action);
     }
 }
 
@@ -241,12 +249,13 @@ void MainWindow::EnterPort() {
     mDevices->Empty();
     mSetup->setEnabled(true);
     mSetup->Empty();
+    mModules->SetHasPort(true);
     mLabels->SetFolder(QString::fromStdString(mLabelFolder));
     mCentre->setCurrentWidget(mControl);
     mActions->SetHasPort(true);
     ShowPortState();
+    mControl->setTerminalFocus(); // first: while the printer is asked a person may go elsewhere
     mActions->Connect();
-    mControl->setTerminalFocus();
 }
 
 void MainWindow::ShowPortState() {

@@ -4,6 +4,7 @@
 #include "CodeView.h"
 #include "FileView.h"
 #include "Icons.h"
+#include "ListLooks.h"
 #include "Operations.h"
 
 #include "common/Collection.h"
@@ -15,7 +16,6 @@
 #include <QDropEvent>
 #include <QFile>
 #include <QFileInfo>
-#include <QHeaderView>
 #include <QLabel>
 #include <QLineEdit>
 #include <QMimeData>
@@ -32,17 +32,8 @@ QTableView* NewErrorView(ModuleErrorTable& errors) {
     auto* view = new QTableView;
     view->setModel(&errors);
     view->setAccessibleName(ModuleBrowser::tr("Errors that the printer found"));
-    view->setSelectionBehavior(QAbstractItemView::SelectRows);
     view->setSelectionMode(QAbstractItemView::SingleSelection);
-    view->setShowGrid(false);
-    view->setTabKeyNavigation(false);
-    view->setWordWrap(false);
-    view->verticalHeader()->hide();
-    view->verticalHeader()->setSectionResizeMode(QHeaderView::ResizeToContents);
-    view->horizontalHeader()->setHighlightSections(false);
-    view->horizontalHeader()->setDefaultAlignment(Qt::AlignLeft | Qt::AlignVCenter);
-    view->horizontalHeader()->setSectionResizeMode(QHeaderView::ResizeToContents);
-    view->horizontalHeader()->setStretchLastSection(true);
+    LookLikeAList(*view, ModuleErrorTable::TextColumn);
     return view;
 }
 
@@ -65,6 +56,12 @@ ModuleBrowser::ModuleBrowser(Operations& operations, QWidget* parent)
         mToolBar->setEnabled(!running);
         mCode->setReadOnly(running);
     });
+    setFocusProxy(mCode);
+}
+
+void ModuleBrowser::SetHasPort(bool bHasPort) {
+    mUpload->setEnabled(bHasPort);
+    mLink->setEnabled(bHasPort);
 }
 
 QAction* ModuleBrowser::AddCommand(const char* icon, const QString& text, const QString& tip,
@@ -89,12 +86,19 @@ void ModuleBrowser::Build() {
                &ModuleBrowser::ChooseFile);
     AddCommand("save", tr("&Save"), tr("Save the source file"), "Ctrl+S", &ModuleBrowser::SaveFile);
     mToolBar->addSeparator();
-    AddCommand("send", tr("&Upload"), tr("Type the module into the printer and save it there"),
-               "F5", &ModuleBrowser::Upload);
-    AddCommand("link", tr("&Link"), tr("Build the working program from modules of the printer"), "",
-               &ModuleBrowser::Link);
-    mTarget->setPlaceholderText(tr("Name on the printer: as the file is called"));
+    mUpload =
+        AddCommand("send", tr("&Upload"), tr("Type the module into the printer and save it there"),
+                   "F5", &ModuleBrowser::Upload);
+    mLink =
+        AddCommand("link", tr("&Link"), tr("Build the working program from modules of the printer"),
+                   "", &ModuleBrowser::Link);
+    auto* name = new QLabel(tr("&Name on the printer:"));
+    name->setBuddy(mTarget);
+    mTarget->setPlaceholderText(tr("as the file is called"));
     mTarget->setAccessibleName(tr("Name on the printer"));
+    auto* line = new QHBoxLayout;
+    line->addWidget(name);
+    line->addWidget(mTarget, 1);
     mCode->setAccessibleName(tr("Text of the module"));
     mCode->setPlaceholderText(tr("Open a source file, drop one here, or type a module."));
     mResult->setWordWrap(true);
@@ -110,7 +114,7 @@ void ModuleBrowser::Build() {
     layout->setContentsMargins(4, 0, 4, 4);
     layout->setSpacing(4);
     layout->addWidget(mToolBar);
-    layout->addWidget(mTarget);
+    layout->addLayout(line);
     layout->addWidget(splitter, 1);
     layout->addWidget(mResult);
 }

@@ -27,6 +27,8 @@ class ModuleBrowser final : public QWidget {
     void ChooseFile();
     /// Opens a module's source file.
     void OpenFile(const QString& sPath);
+    /// Whether there is a printer to upload to.
+    void SetHasPort(bool bHasPort);
     /// Types the text into the printer and saves it there.
     void Upload();
 
@@ -54,6 +56,8 @@ class ModuleBrowser final : public QWidget {
     ModuleErrorTable mErrors;
     QString mPath; ///< of the opened file; empty = none
     QToolBar* mToolBar;
+    QAction* mUpload = nullptr;
+    QAction* mLink = nullptr;
     QLineEdit* mTarget;
     CodeView* mCode;
     QTableView* mErrorView;

@@ -43,8 +43,10 @@ QVariant ModuleErrorTable::data(const QModelIndex& index, int role) const {
 
 QVariant ModuleErrorTable::headerData(int section, Qt::Orientation orientation, int role) const {
     static const QStringList titles{tr("Line"), tr("Error"), tr("Text")};
-    if (orientation != Qt::Horizontal || role != Qt::DisplayRole) return {};
-    return titles.at(section);
+    if (orientation != Qt::Horizontal) return {};
+    if (role == Qt::TextAlignmentRole && section == LineColumn)
+        return static_cast<int>(Qt::AlignRight | Qt::AlignVCenter);
+    return role == Qt::DisplayRole ? titles.at(section) : QVariant();
 }
 
 } // namespace qnterm

@@ -102,7 +102,7 @@ void PreviewPane::ShowNothing() {
     mPicture = {};
     mImage->clear();
     mImage->hide();
-    mText->setText(tr("Select a font or an image to see it."));
+    mText->setText(tr("Select one to see it."));
 }
 
 QString PreviewPane::Text() const {

@@ -1,8 +1,10 @@
 #include "SetupBrowser.h"
 
 #include "Ask.h"
+#include "EmptyHint.h"
 #include "Icons.h"
 #include "Operations.h"
+#include "SetupTree.h"
 
 #include "control/QNComm.h"
 #include "qt/Charset.h"
@@ -12,7 +14,6 @@
 #include <QLineEdit>
 #include <QSortFilterProxyModel>
 #include <QToolBar>
-#include <QTreeView>
 #include <QVBoxLayout>
 
 namespace qnterm {
@@ -23,7 +24,7 @@ SetupBrowser::SetupBrowser(Operations& operations, QWidget* parent)
       mFound(new QSortFilterProxyModel(this)),
       mToolBar(new QToolBar),
       mSearch(new QLineEdit),
-      mTree(new QTreeView) {
+      mTree(new SetupTree) {
     mFound->setSourceModel(&mModel);
     mFound->setRecursiveFilteringEnabled(true);
     mFound->setAutoAcceptChildRows(true);
@@ -74,6 +75,8 @@ void SetupBrowser::Build() {
     mTree->setAlternatingRowColors(true);
     mTree->setAllColumnsShowFocus(true);
     mTree->header()->setStretchLastSection(true);
+    mHint = new EmptyHint(*mTree);
+    setFocusProxy(mSearch);
     auto* layout = new QVBoxLayout(this);
     layout->setContentsMargins(4, 0, 4, 4);
     layout->setSpacing(4);
@@ -93,6 +96,7 @@ void SetupBrowser::Read() {
 void SetupBrowser::ShowSetup(const qncomm::PrinterSetup& setup) {
     const bool first = mModel.rowCount() == 0;
     mModel.SetItems(setup);
+    ShowHint();
     if (!first) return;
     mTree->expandAll();
     mTree->resizeColumnToContents(SetupModel::NameColumn);
@@ -100,6 +104,17 @@ void SetupBrowser::ShowSetup(const qncomm::PrinterSetup& setup) {
 
 void SetupBrowser::Empty() {
     mModel.Clear();
+    ShowHint();
+}
+
+/// What to do when the tree is empty.
+void SetupBrowser::ShowHint() {
+    if (!isEnabled())
+        mHint->Say(tr("Choose a printer to see its setup."));
+    else if (mModel.rowCount() > 0)
+        mHint->Say(tr("No item and no value has this text."));
+    else
+        mHint->Say(tr("Press F5 to read the printer's setup."));
 }
 
 void SetupBrowser::Search(const QString& text) {

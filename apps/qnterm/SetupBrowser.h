@@ -8,11 +8,12 @@ class QAction;
 class QLineEdit;
 class QSortFilterProxyModel;
 class QToolBar;
-class QTreeView;
 
 namespace qnterm {
 
+class EmptyHint;
 class Operations;
+class SetupTree;
 
 /// The printer's setup as a tree that can be searched and changed in place.
 class SetupBrowser final : public QWidget {
@@ -34,6 +35,7 @@ class SetupBrowser final : public QWidget {
     void WriteFile();
     void LoadFile();
     void Search(const QString& text);
+    void ShowHint();
     void ShowSetup(const qncomm::PrinterSetup& setup);
 
     Operations& mOperations;
@@ -41,7 +43,8 @@ class SetupBrowser final : public QWidget {
     QSortFilterProxyModel* mFound;
     QToolBar* mToolBar;
     QLineEdit* mSearch;
-    QTreeView* mTree;
+    SetupTree* mTree;
+    EmptyHint* mHint = nullptr;
 };
 
 } // namespace qnterm

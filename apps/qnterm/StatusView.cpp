@@ -9,6 +9,8 @@
 #include <QTimer>
 #include <QToolButton>
 
+#include <utility>
+
 namespace qnterm {
 namespace {
 
@@ -56,7 +58,7 @@ StatusView::StatusView(QStatusBar& bar, Operations& operations)
     mProgress->hide();
     mCancel->hide();
     mSettle->setSingleShot(true);
-    connect(mSettle, &QTimer::timeout, mText, &QLabel::clear);
+    connect(mSettle, &QTimer::timeout, this, [this] { Say({}); });
     mWatch->setInterval(WatchMs);
     connect(mWatch, &QTimer::timeout, this, [this] { OnRunning(mOperations.Busy()); });
     connect(mCancel, &QToolButton::clicked, &mOperations, &Operations::Cancel);
@@ -97,17 +99,34 @@ void StatusView::OnProgress(const QString& text, int percent) {
 
 void StatusView::OnDone(const QString& title, bool cancelled) {
     if (title.isEmpty())
-        mText->clear();
+        Say(mSaid); // which what has just run has not touched
     else
         Say(cancelled ? tr("%1: cancelled").arg(title) : tr("%1: done").arg(title));
 }
 
 void StatusView::Say(const QString& sText) {
-    mText->setText(sText);
-    mSettle->start(MessageMs);
+    mSaid = sText;
+    Rest();
+    if (!sText.isEmpty()) mSettle->start(MessageMs);
+}
+
+/// Shows what stands when nothing runs: what was said last, then what is wrong with the port.
+void StatusView::Rest() {
+    mText->setText(mSaid.isEmpty() ? mFailure : mSaid);
 }
 
 void StatusView::ShowPort(const PortFacts& facts) {
+    ShowLamp(facts);
+    mPort->setToolTip(facts.failure);
+    const QString failure = facts.open ? QString() : facts.failure;
+    if (std::exchange(mFailure, failure) == failure) return;
+    if (!failure.isEmpty())
+        Say({}); // it tells more than what was said before
+    else if (!mOperations.Busy())
+        Rest();
+}
+
+void StatusView::ShowLamp(const PortFacts& facts) {
     if (facts.name.isEmpty()) {
         mPort->setText(LampText(Lamp::Off) + tr("No port"));
         return;
@@ -121,11 +140,6 @@ void StatusView::ShowPort(const PortFacts& facts) {
         mPort->setText(LampText(Lamp::Fault) + tr("%1 lost").arg(name));
     } else {
         mPort->setText(LampText(Lamp::Off) + tr("%1 closed").arg(name));
-    }
-    mPort->setToolTip(facts.failure);
-    if (!facts.open && !facts.failure.isEmpty()) {
-        mSettle->stop();
-        mText->setText(facts.failure);
     }
 }
 

@@ -41,6 +41,8 @@ class StatusView final : public QObject {
   private:
     void OnProgress(const QString& text, int percent);
     void OnRunning(bool running);
+    void Rest();
+    void ShowLamp(const PortFacts& facts);
     void OnDone(const QString& title, bool cancelled);
 
     QStatusBar& mBar;
@@ -49,8 +51,10 @@ class StatusView final : public QObject {
     QProgressBar* mProgress;
     QToolButton* mCancel;
     QLabel* mPort;
-    QTimer* mSettle; ///< what is said of an operation that is over goes after a while
-    QTimer* mWatch;  ///< runs while something goes on that was not started by an action
+    QString mSaid;    ///< stands until mSettle
+    QString mFailure; ///< why the port is not open
+    QTimer* mSettle;  ///< what is said of an operation that is over goes after a while
+    QTimer* mWatch;   ///< runs while something goes on that was not started by an action
 };
 
 } // namespace qnterm

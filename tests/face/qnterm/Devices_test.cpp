@@ -124,6 +124,15 @@ TEST_F(DevicesTest, FilesAreSortedByTheirSizeAndNotByItsText) {
     EXPECT_EQ(Column(Files(), 0).front(), "BIG.DAT");
 }
 
+TEST_F(DevicesTest, FontsAreShownWithoutSizesAndImagesWith) {
+    SelectDevice("Fonts");
+    EXPECT_TRUE(Files().isColumnHidden(1));
+    EXPECT_TRUE(Preview().isVisible());
+    SelectDevice("Images");
+    EXPECT_FALSE(Files().isColumnHidden(1));
+    EXPECT_FALSE(Preview().isVisible()) << "there is none to be seen";
+}
+
 TEST_F(DevicesTest, ADroppedFileIsSentToTheShownDevice) {
     const std::string path = mFolder.Write("HELLO.TXT", "PRINT 1\r\n");
     SelectDevice("tmp:");

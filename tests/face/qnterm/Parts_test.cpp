@@ -190,6 +190,7 @@ TEST(Labels, ThosePrintedAreShownAsTheyComeTheLatestFirst) {
     view.show();
     view.SetFolder(QString::fromStdString(folder.Path()));
     EXPECT_EQ(view.Count(), 0);
+    EXPECT_THAT(view.findChild<QLabel*>()->text().toStdString(), HasSubstr("Nothing"));
     QImage label(80, 40, QImage::Format_Mono);
     label.fill(1);
     ASSERT_TRUE(label.save(QString::fromStdString(folder.File("label-0001.png"))));
@@ -222,6 +223,26 @@ TEST_F(StatusTest, SaysWhyAPortIsGoneAndThatItIsBack) {
     EXPECT_THAT(mStatus.Message().toStdString(), HasSubstr("is gone"));
     mStatus.ShowPort({true, "COM1 (/dev/x)", "", ""});
     EXPECT_EQ(mStatus.PortText(), "COM1 (/dev/x)");
+}
+
+TEST_F(StatusTest, WhatWasDoneIsStillToldWhenTheListsHaveBeenReadAgain) {
+    mOperations.Run("Send HELLO.TXT", [](qncomm::QNComm&) {});
+    mOperations.Run({}, [](qncomm::QNComm& control) {
+        std::string text = "Reading files";
+        bool cancel = false;
+        control.StatusEvent.Raise(text, 50, cancel);
+    });
+    EXPECT_EQ(mStatus.Message(), "Send HELLO.TXT: done");
+}
+
+TEST_F(StatusTest, APortThatIsGoneIsToldAgainAfterWhatWasTriedOnIt) {
+    mStatus.ShowPort({false, "COM1", "", "COM1 is gone."});
+    mStatus.Say("No printer answered on this port.");
+    EXPECT_EQ(mStatus.Message(), "No printer answered on this port.");
+    mStatus.Say({}); // as when it has stood for a while
+    EXPECT_EQ(mStatus.Message(), "COM1 is gone.");
+    mStatus.ShowPort({true, "COM1", "", ""});
+    EXPECT_EQ(mStatus.Message(), "");
 }
 
 TEST_F(StatusTest, OffersCancelWhileSomethingRunsAndNotAfterwards) {

@@ -1,6 +1,7 @@
 // The program itself, driven from outside by real keys: what the printer received, what was kept,
 // how it ended.
 
+#include "serial/PortListing.h"
 #include "support/ScratchFolder.h"
 
 #include <gmock/gmock.h>
@@ -17,6 +18,7 @@
 namespace qnterm::test {
 namespace {
 
+using qncomm::PortState;
 using qncomm::testing::ScratchFolder;
 using ::testing::HasSubstr;
 
@@ -50,6 +52,18 @@ class ProgramTest : public ::testing::Test {
             Act({"search", "--sync", "--onlyvisible", "--limit", "1", "--name", name});
         ASSERT_NE(window, "") << name.toStdString();
         Act({"windowfocus", "--sync", QString::fromStdString(window)});
+    }
+
+    /// Presses keys until the window of that name is there: while something runs they do nothing.
+    static void PressUntil(const QString& key, const QString& name) {
+        EXPECT_TRUE(QTest::qWaitFor(
+            [&] {
+                Act({"key", key});
+                return !Act({"search", "--onlyvisible", "--name", name}).empty();
+            },
+            Patience))
+            << name.toStdString();
+        Enter(name);
     }
 
     bool EventuallyTraced(const std::string& text) {
@@ -97,6 +111,64 @@ TEST_F(ProgramTest, ClosingDuringASearchEndsTheProgramWell) {
     EXPECT_TRUE(EventuallyTraced("tx"));
     Act({"key", "ctrl+shift+q"});
     EXPECT_EQ(End(), 0);
+}
+
+/// A printer beside the program, on a port of that name.
+class Printer {
+  public:
+    explicit Printer(const QString& port, QStringList options) {
+        options << "--link" << port;
+        mProcess.start(QN_PROGRAMS "/qnsim", options);
+        EXPECT_TRUE(mProcess.waitForReadyRead(Patience)) << "no printer";
+        EXPECT_EQ(mPort.Give(1, port.toStdString()), "");
+    }
+    ~Printer() {
+        mProcess.kill();
+        mProcess.waitForFinished(Patience);
+    }
+    Printer(const Printer&) = delete;
+    Printer& operator=(const Printer&) = delete;
+
+    /// What another program finds at the port.
+    qncomm::PortState State() const { return ListPorts(mPort).front().state; }
+
+  private:
+    QProcess mProcess;
+    qncomm::PortBindings mPort;
+};
+
+TEST_F(ProgramTest, ClosingDuringATransferEndsTheProgramWellAndFreesThePort) {
+    const Printer printer(Path("printer"), {"--paced"}); // which takes an hour for this file
+    std::string text;
+    for (int line = 0; line < 200'000; ++line)
+        text += "shelf label\r\n";
+    mFolder.Write("LONG.DAT", text);
+    Start({"--port", Path("printer")});
+    Enter("R7G, Quorin");
+    Act({"key", "ctrl+shift+d"});
+    PressUntil("Insert", "Send to c:");
+    Act({"type", "--delay", "5", Path("LONG.DAT")});
+    Act({"key", "Return"});
+    EXPECT_TRUE(EventuallyTraced("shelf label")) << "no transfer";
+    EXPECT_EQ(printer.State(), PortState::Busy);
+    Enter("R7G, Quorin");
+    Act({"key", "ctrl+shift+q"});
+    EXPECT_EQ(End(), 0);
+    EXPECT_EQ(printer.State(), PortState::Free);
+}
+
+TEST_F(ProgramTest, ClosingDuringARestartEndsTheProgramWellAndFreesThePort) {
+    const Printer printer(Path("printer"), {"--boot-ms", "600000"});
+    Start({"--port", Path("printer")});
+    Enter("R7G, Quorin");
+    EXPECT_TRUE(EventuallyTraced("IMAGES")); // the last of the printer's lists
+    Act({"key", "alt+p", "r"});
+    PressUntil("alt+r", "Printer Reboot"); // restart, says the question
+    EXPECT_EQ(printer.State(), PortState::Busy);
+    Enter("R7G, Quorin");
+    Act({"key", "ctrl+shift+q"});
+    EXPECT_EQ(End(), 0);
+    EXPECT_EQ(printer.State(), PortState::Free);
 }
 
 TEST_F(ProgramTest, HelpAndVersionNeedNoDisplay) {

@@ -2,6 +2,7 @@
 
 #include "PartsFixture.h"
 
+#include "EmptyHint.h"
 #include "SetupBrowser.h"
 
 #include <QLineEdit>
@@ -61,11 +62,24 @@ TEST_F(SetupTest, ASearchLeavesWhatMatchesWithItsSections) {
     EXPECT_TRUE(Shown({"LABEL"}).isValid());
 }
 
+TEST_F(SetupTest, AnEmptyTreeSaysWhy) {
+    const EmptyHint& hint = *mBrowser.findChild<EmptyHint*>();
+    EXPECT_FALSE(hint.isVisible());
+    QTest::keyClicks(&Search(), "no such item");
+    EXPECT_TRUE(hint.isVisible());
+    EXPECT_THAT(hint.text().toStdString(), HasSubstr("has this text"));
+    Search().clear();
+    EXPECT_FALSE(hint.isVisible());
+    mBrowser.Empty();
+    EXPECT_TRUE(hint.isVisible());
+    EXPECT_THAT(Tree().accessibleDescription().toStdString(), HasSubstr("Press F5"));
+}
+
 TEST_F(SetupTest, AValueIsChangedOnThePrinterAndReadBack) {
     const QModelIndex width = Shown({"LABEL", "WIDTH"});
     ASSERT_TRUE(width.isValid());
     TakeSent();
-    Tree().setCurrentIndex(width);
+    Tree().setCurrentIndex(width.siblingAtColumn(0)); // where the arrow keys lead
     QTest::keyClick(Tree().viewport(), Qt::Key_F2);
     auto* editor = Tree().viewport()->findChild<QLineEdit*>();
     ASSERT_NE(editor, nullptr);

@@ -1,35 +1,19 @@
 // The whole window with a virtual printer behind it, in real time, as a person uses it.
 
-#include "AddressDialog.h"
+#include "WindowFixture.h"
+
 #include "CodeView.h"
-#include "DeviceBrowser.h"
 #include "FileView.h"
-#include "LabelView.h"
-#include "MainWindow.h"
 #include "ModuleBrowser.h"
 #include "Operations.h"
 #include "PreviewPane.h"
 #include "SetupBrowser.h"
-
-#include "assembly/ControlAssembly.h"
-#include "qt/QNCommWidget.h"
-#include "serial/TraceSink.h"
 #include "support/Pictures.h"
-#include "support/ScratchFolder.h"
 
 #include <gmock/gmock.h>
 
-#include <QAccessible>
-#include <QApplication>
-#include <QDockWidget>
-#include <QHeaderView>
-#include <QLabel>
 #include <QLineEdit>
-#include <QPlainTextEdit>
 #include <QProcess>
-#include <QStatusBar>
-#include <QTableView>
-#include <QTest>
 #include <QTimer>
 #include <QToolButton>
 #include <QTreeView>
@@ -39,114 +23,9 @@ namespace {
 
 using qncomm::testing::DarkDesktop;
 using qncomm::testing::SavePicture;
-using qncomm::testing::ScratchFolder;
 using ::testing::HasSubstr;
+using ::testing::IsEmpty;
 using ::testing::Not;
-
-constexpr int Patience = 20000; // ms that only a hang reaches
-
-/// Keeps what travels on the line.
-struct LineTrace final : qncomm::TraceSink {
-    void Record(std::int64_t, qncomm::TraceKind kind, std::string_view sBytes) override {
-        if (kind == qncomm::TraceKind::Sent) mSent += sBytes;
-        if (kind == qncomm::TraceKind::Received) mReceived += sBytes;
-    }
-    std::string mSent;
-    std::string mReceived;
-};
-
-class WindowTest : public ::testing::Test {
-  protected:
-    ~WindowTest() override {
-        if (mWindow && mWindow->isVisible()) CloseWindow();
-    }
-
-    void Open(const QString& port) {
-        StartOptions options;
-        options.port = port;
-        options.labels = QString::fromStdString(mFolder.File("labels"));
-        mWindow = std::make_unique<MainWindow>(
-            options, std::make_shared<qncomm::FileSettings>(mFolder.File("settings.ini")), &mTrace);
-        mWindow->show();
-        mWindow->activateWindow();
-        EXPECT_TRUE(QTest::qWaitForWindowActive(mWindow.get()));
-        EXPECT_TRUE(Eventually([&] {
-            return mWindow->findChild<LabelView*>() != nullptr
-                   && (IsBusy() || !port.isEmpty()
-                       || mWindow->findChild<AddressDialog*>() != nullptr || PortOpen());
-        }));
-    }
-
-    /// Waits until the window is of a printer of that model and has read its files.
-    void AwaitPrinter(const QString& model = "R7G") {
-        EXPECT_TRUE(Eventually([&] {
-            return mWindow->windowTitle().startsWith(model) && !IsBusy()
-                   && Table<DeviceBrowser>().model()->rowCount() > 0;
-        })) << Status();
-    }
-
-    static bool Eventually(const std::function<bool()>& holds) {
-        return QTest::qWaitFor(holds, Patience);
-    }
-    static void Settle() {
-        for (int pass = 0; pass < 5; ++pass)
-            QApplication::processEvents();
-    }
-
-    void CloseWindow() {
-        mWindow->close();
-        EXPECT_TRUE(Eventually([&] { return !mWindow->isVisible() && !IsBusy() && !PortOpen(); }));
-    }
-
-    qncomm::QNCommWidget& Control() { return *mWindow->findChild<qncomm::QNCommWidget*>(); }
-    bool IsBusy() { return Control().isBusy(); }
-    bool PortOpen() { return Control().assembly().Serial().PortOpen(); }
-
-    template <class Part>
-    Part& Find() {
-        return *mWindow->findChild<Part*>();
-    }
-    template <class Part>
-    QTableView& Table() {
-        return *Find<Part>().template findChild<QTableView*>();
-    }
-
-    /// Everything that the status bar says.
-    std::string Status() {
-        QString text;
-        for (const QLabel* label : mWindow->statusBar()->findChildren<QLabel*>())
-            text += label->text() + " | ";
-        return text.toStdString();
-    }
-
-    void ShowDock(const char* name) {
-        auto* dock = mWindow->findChild<QDockWidget*>(name);
-        dock->show();
-        dock->raise();
-        Settle();
-    }
-
-    void Type(const QString& text) {
-        Control().setTerminalFocus();
-        Settle();
-        for (const QChar key : text)
-            QTest::keyClick(QApplication::focusWidget(), key == '\n' ? '\r' : key.toLatin1());
-    }
-
-    void Trigger(const QString& text) {
-        for (QAction* action : mWindow->actions())
-            if (action->text().remove('&') == text) {
-                EXPECT_TRUE(action->isEnabled()) << text.toStdString();
-                action->trigger();
-                return;
-            }
-        ADD_FAILURE() << "no action " << text.toStdString();
-    }
-
-    ScratchFolder mFolder;
-    LineTrace mTrace;
-    std::unique_ptr<MainWindow> mWindow;
-};
 
 TEST_F(WindowTest, TheFirstStartOffersTheVirtualPrinterAndEnterConnectsIt) {
     Open({});
@@ -286,7 +165,7 @@ TEST_F(WindowTest, ClosingDuringASearchEndsItAndClosesThePort) {
     QTimer::singleShot(300, qApp, [this] { mWindow->close(); });
     Open("sim:R7G?baud=300&format=s,7,1"); // no search finds this one
     EXPECT_TRUE(Eventually([&] { return !mWindow->isVisible() && !IsBusy() && !PortOpen(); }));
-    EXPECT_THAT(mTrace.mSent, Not(testing::IsEmpty()));
+    EXPECT_THAT(mTrace.mSent, Not(IsEmpty()));
 }
 
 TEST_F(WindowTest, ClosingDuringATransferEndsItAndClosesThePort) {
@@ -314,27 +193,6 @@ TEST_F(WindowTest, ClosingDuringARestartEndsTheWaitAndClosesThePort) {
     EXPECT_TRUE(Eventually([&] { return !mWindow->isVisible() && !IsBusy() && !PortOpen(); }));
     for (const QWidget* window : QApplication::topLevelWidgets())
         EXPECT_FALSE(window->isVisible()) << window->windowTitle().toStdString();
-}
-
-TEST_F(WindowTest, EveryButtonAndFieldHasANameForAScreenReader) {
-    Open("sim:R7G");
-    AwaitPrinter();
-    int fields = 0;
-    for (QWidget* widget : mWindow->findChildren<QWidget*>()) {
-        if (widget->focusPolicy() == Qt::NoFocus || !widget->isEnabled()) continue;
-        const bool control = qobject_cast<QAbstractButton*>(widget) != nullptr
-                             || qobject_cast<QLineEdit*>(widget) != nullptr
-                             || qobject_cast<QAbstractItemView*>(widget) != nullptr
-                             || qobject_cast<QPlainTextEdit*>(widget) != nullptr;
-        if (!control || qobject_cast<QHeaderView*>(widget) != nullptr) continue;
-        ++fields;
-        const QAccessibleInterface* spoken = QAccessible::queryAccessibleInterface(widget);
-        ASSERT_NE(spoken, nullptr);
-        EXPECT_NE(spoken->text(QAccessible::Name), QString())
-            << widget->metaObject()->className() << " in "
-            << widget->parentWidget()->metaObject()->className();
-    }
-    EXPECT_GT(fields, 8);
 }
 
 TEST_F(WindowTest, ThePrintersImagesAreShownAsTheyWereSent) {

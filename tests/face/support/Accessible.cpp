@@ -1,5 +1,7 @@
 #include "support/Accessible.h"
 
+#include "ElidedLabel.h"
+
 #include <QAbstractButton>
 #include <QApplication>
 #include <QKeySequence>
@@ -28,6 +30,41 @@ QStringList CaptionsOf(QWidget& widget) {
     return captions;
 }
 
+/// Cells and headers have their text for a name, and may have none.
+bool IsEntry(QAccessible::Role role) {
+    static const std::set<QAccessible::Role> entries{
+        QAccessible::Cell,         QAccessible::ListItem,  QAccessible::TreeItem,
+        QAccessible::ColumnHeader, QAccessible::RowHeader,
+    };
+    return entries.contains(role);
+}
+
+void AddStops(const QAccessibleInterface& place, FocusStops& stops) {
+    if (place.state().invisible || IsEntry(place.role())) return;
+    if (place.state().focusable) {
+        ++stops.count;
+        auto* widget = qobject_cast<QWidget*>(place.object());
+        const std::string name =
+            widget != nullptr ? Spoken(*widget).name : place.text(QAccessible::Name).toStdString();
+        if (name.empty() || place.role() == QAccessible::NoRole
+            || place.role() == QAccessible::Client)
+            stops.nameless.emplace_back(widget != nullptr ? widget->metaObject()->className()
+                                                          : "no widget");
+    }
+    for (int child = 0; child < place.childCount(); ++child)
+        if (const QAccessibleInterface* each = place.child(child)) AddStops(*each, stops);
+}
+
+/// Whether a text that is not made to be cut has less room than it needs.
+bool IsCut(const QWidget& widget) {
+    if (dynamic_cast<const ElidedLabel*>(&widget) != nullptr
+        || widget.sizePolicy().horizontalPolicy() == QSizePolicy::Ignored)
+        return false;
+    if (widget.hasHeightForWidth()) return widget.heightForWidth(widget.width()) > widget.height();
+    const QSize needed = widget.minimumSizeHint().boundedTo(widget.sizeHint());
+    return needed.width() > widget.width() || needed.height() > widget.height();
+}
+
 bool HasLetters(const QString& caption) {
     return std::ranges::any_of(caption, [](QChar c) { return c.isLetterOrNumber(); });
 }
@@ -45,6 +82,27 @@ SpokenField Spoken(QWidget& widget) {
         if (name.endsWith(u':')) name.chop(1);
     }
     return {name.toStdString(), spoken->role()};
+}
+
+FocusStops StopsOf(QWidget& window) {
+    FocusStops stops;
+    const QAccessibleInterface* top = QAccessible::queryAccessibleInterface(&window);
+    if (top != nullptr) AddStops(*top, stops);
+    return stops;
+}
+
+std::vector<std::string> CutCaptions(QWidget& window) {
+    std::vector<std::string> cut;
+    for (QWidget* widget : window.findChildren<QWidget*>()) {
+        const auto* label = qobject_cast<QLabel*>(widget);
+        const auto* button = qobject_cast<QAbstractButton*>(widget);
+        const QString text = label != nullptr    ? label->text()
+                             : button != nullptr ? button->text()
+                                                 : QString();
+        if (!widget->visibleRegion().isEmpty() && HasLetters(text) && IsCut(*widget))
+            cut.push_back(text.toStdString());
+    }
+    return cut;
 }
 
 std::string FocusName() {

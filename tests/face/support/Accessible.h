@@ -23,6 +23,16 @@ inline std::ostream& operator<<(std::ostream& out, const SpokenField& field) {
 /// The widget as the accessible tree has it.
 SpokenField Spoken(QWidget& widget);
 
+/// What can have the keys in a window, as its accessible tree tells.
+struct FocusStops {
+    int count = 0;
+    std::vector<std::string> nameless; ///< the classes of those without a name or a role
+};
+FocusStops StopsOf(QWidget& window);
+
+/// The visible captions of the window that have less room than they need.
+std::vector<std::string> CutCaptions(QWidget& window);
+
 /// The fields that the Tab key goes through from the one that has the focus, once round, by name.
 std::vector<std::string> TabRound(QWidget& window);
 

@@ -1,0 +1,88 @@
+// The window's docks beside the terminal: reached by keys, named, legible, and of use before there
+// is a printer.
+
+#include "WindowFixture.h"
+
+#include "CodeView.h"
+#include "EmptyHint.h"
+#include "support/Accessible.h"
+#include "support/Pictures.h"
+
+#include <gmock/gmock.h>
+
+#include <QTabBar>
+
+namespace qnterm::test {
+namespace {
+
+using qncomm::testing::CutCaptions;
+using qncomm::testing::FocusName;
+using qncomm::testing::FocusStops;
+using qncomm::testing::SavePicture;
+using qncomm::testing::StopsOf;
+using ::testing::HasSubstr;
+using ::testing::IsEmpty;
+
+TEST_F(WindowTest, WhatCanHaveTheKeysHasANameAndARole) {
+    Open("sim:R7G");
+    AwaitPrinter();
+    for (const char* dock : {"devices", "setup", "modules", "labels"}) {
+        ShowDock(dock);
+        const FocusStops stops = StopsOf(*mWindow);
+        EXPECT_THAT(stops.nameless, IsEmpty()) << dock;
+        EXPECT_GT(stops.count, 2) << dock;
+    }
+}
+
+TEST_F(WindowTest, NoCaptionIsCut) {
+    Open("sim:R7G");
+    AwaitPrinter();
+    for (const char* dock : {"devices", "setup", "modules", "labels"}) {
+        ShowDock(dock);
+        EXPECT_THAT(CutCaptions(*mWindow), IsEmpty()) << dock;
+        SavePicture(*mWindow, QStringLiteral("qnterm-%1-dock").arg(dock));
+    }
+    mWindow->resize(mWindow->minimumSizeHint());
+    Settle();
+    for (const QTabBar* tabs : mWindow->findChildren<QTabBar*>())
+        EXPECT_GE(tabs->width(), tabs->sizeHint().width()) << "tabs of the docks";
+    SavePicture(*mWindow, "qnterm-smallest");
+}
+
+TEST_F(WindowTest, EveryPartIsReachedByItsKeysAndTakesThem) {
+    Open("sim:R7G");
+    AwaitPrinter();
+    const struct {
+        const char* action;
+        const char* name;
+    } parts[] = {{"Devices", "Devices of the printer"},
+                 {"Setup", "Search the setup"},
+                 {"Modules", "Text of the module"},
+                 {"Terminal", "Terminal"}};
+    for (const auto& part : parts) {
+        Trigger(part.action);
+        Settle();
+        EXPECT_EQ(FocusName(), part.name);
+    }
+}
+
+TEST_F(WindowTest, WithoutAPortNothingIsSentAnywhereAndEachPartSaysWhatToDo) {
+    Open({});
+    mWindow->findChild<AddressDialog*>()->reject();
+    Settle();
+    Find<CodeView>().setPlainText("PRINT 1");
+    ShowDock("modules");
+    QTest::keyClick(&Find<CodeView>(), Qt::Key_F5);
+    EXPECT_EQ(mTrace.mSent, "");
+    for (const char* dock : {"devices", "setup"}) {
+        ShowDock(dock);
+        EXPECT_THAT(
+            mWindow->findChild<QDockWidget*>(dock)->findChild<EmptyHint*>()->text().toStdString(),
+            HasSubstr("Choose a printer"));
+    }
+    ShowDock("labels");
+    SavePicture(*mWindow, "qnterm-without-port");
+}
+
+} // namespace
+} // namespace qnterm::test
