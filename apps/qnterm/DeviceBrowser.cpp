@@ -1,10 +1,10 @@
 #include "DeviceBrowser.h"
 
+#include "CommandBar.h"
 #include "DeviceReader.h"
 #include "EmptyHint.h"
 #include "FileCommand.h"
 #include "FileView.h"
-#include "Icons.h"
 #include "ListLooks.h"
 #include "Operations.h"
 #include "PreviewPane.h"
@@ -15,7 +15,6 @@
 #include <QMenu>
 #include <QSortFilterProxyModel>
 #include <QSplitter>
-#include <QToolBar>
 #include <QVBoxLayout>
 
 #include <algorithm>
@@ -42,7 +41,7 @@ DeviceBrowser::DeviceBrowser(Operations& operations, SentFiles& sent, QWidget* p
       mDeviceView(NewDeviceView(mDevices)),
       mFileView(new FileView),
       mPreview(new PreviewPane(sent)),
-      mToolBar(new QToolBar) {
+      mCommandBar(new CommandBar(*this)) {
     mSorted->setSourceModel(&mFiles);
     mSorted->setSortRole(FileTable::SortRole);
     mSorted->setSortCaseSensitivity(Qt::CaseInsensitive);
@@ -83,30 +82,18 @@ void DeviceBrowser::Build() {
     auto* layout = new QVBoxLayout(this);
     layout->setContentsMargins(4, 0, 4, 4);
     layout->setSpacing(4);
-    layout->addWidget(mToolBar);
+    layout->addWidget(mCommandBar);
     layout->addWidget(splitter, 1);
 }
 
 void DeviceBrowser::BuildCommands() {
-    const auto add = [this](const QIcon& icon, const QString& text, const QString& tip,
-                            const QKeySequence& keys) {
-        auto* action = new QAction(icon, text, this);
-        action->setShortcut(keys);
-        action->setShortcutContext(Qt::WidgetWithChildrenShortcut);
-        action->setToolTip(QStringLiteral("%1 (%2)").arg(tip, keys.toString()));
-        action->setStatusTip(tip);
-        addAction(action);
-        mToolBar->addAction(action);
-        return action;
-    };
-    mToolBar->setIconSize(QSize(20, 20));
-    mRefresh = add(ThemedIcon("refresh"), tr("Re&fresh"), tr("Read the lists from the printer"),
-                   QKeySequence(Qt::Key_F5));
+    mRefresh = mCommandBar->Add("refresh", tr("Re&fresh"), tr("Read the lists from the printer"),
+                                QKeySequence(Qt::Key_F5));
     connect(mRefresh, &QAction::triggered, this, &DeviceBrowser::Refresh);
-    mToolBar->addSeparator();
+    mCommandBar->addSeparator();
     for (const FileCommand& command : FileCommands()) {
-        QAction* action = add(ThemedIcon(command.icon), tr(command.text), tr(command.tip),
-                              QKeySequence(QString::fromLatin1(command.shortcut)));
+        QAction* action = mCommandBar->Add(command.icon, tr(command.text), tr(command.tip),
+                                           QKeySequence(QString::fromLatin1(command.shortcut)));
         connect(action, &QAction::triggered, this, [this, &command] { Carry(command); });
         mCommands.push_back(action);
     }

@@ -13,10 +13,10 @@
 class QAction;
 class QSortFilterProxyModel;
 class QTableView;
-class QToolBar;
 
 namespace qnterm {
 
+class CommandBar;
 class EmptyHint;
 class FileView;
 class Operations;
@@ -62,7 +62,7 @@ class DeviceBrowser final : public QWidget {
     FileView* mFileView;
     EmptyHint* mHint = nullptr;
     PreviewPane* mPreview;
-    QToolBar* mToolBar;
+    CommandBar* mCommandBar;
     std::vector<QAction*> mCommands; ///< in the order of the table of commands
     QAction* mRefresh = nullptr;
     bool mKnown = false; ///< the printer has been asked

@@ -2,8 +2,8 @@
 
 #include "Ask.h"
 #include "CodeView.h"
+#include "CommandBar.h"
 #include "FileView.h"
-#include "Icons.h"
 #include "ListLooks.h"
 #include "Operations.h"
 
@@ -22,7 +22,6 @@
 #include <QSaveFile>
 #include <QSplitter>
 #include <QTableView>
-#include <QToolBar>
 #include <QVBoxLayout>
 
 namespace qnterm {
@@ -42,7 +41,7 @@ QTableView* NewErrorView(ModuleErrorTable& errors) {
 ModuleBrowser::ModuleBrowser(Operations& operations, QWidget* parent)
     : QWidget(parent),
       mOperations(operations),
-      mToolBar(new QToolBar),
+      mCommandBar(new CommandBar(*this)),
       mTarget(new QLineEdit),
       mCode(new CodeView),
       mErrorView(NewErrorView(mErrors)),
@@ -53,7 +52,7 @@ ModuleBrowser::ModuleBrowser(Operations& operations, QWidget* parent)
     connect(mErrorView->selectionModel(), &QItemSelectionModel::currentRowChanged, this,
             &ModuleBrowser::JumpTo);
     connect(&mOperations, &Operations::RunningChanged, this, [this](bool running) {
-        mToolBar->setEnabled(!running);
+        mCommandBar->setEnabled(!running);
         mCode->setReadOnly(running);
     });
     setFocusProxy(mCode);
@@ -64,34 +63,23 @@ void ModuleBrowser::SetHasPort(bool bHasPort) {
     mLink->setEnabled(bHasPort);
 }
 
-QAction* ModuleBrowser::AddCommand(const char* icon, const QString& text, const QString& tip,
-                                   const char* keys, void (ModuleBrowser::*run)()) {
-    auto* action = new QAction(ThemedIcon(icon), text, this);
-    const QKeySequence sequence(QString::fromLatin1(keys));
-    action->setShortcut(sequence);
-    action->setShortcutContext(Qt::WidgetWithChildrenShortcut);
-    action->setToolTip(
-        sequence.isEmpty() ? tip : QStringLiteral("%1 (%2)").arg(tip, sequence.toString()));
-    action->setStatusTip(tip);
-    addAction(action);
-    mToolBar->addAction(action);
-    connect(action, &QAction::triggered, this, run);
-    return action;
-}
-
 void ModuleBrowser::Build() {
-    mToolBar->setIconSize(QSize(20, 20));
-    mToolBar->setToolButtonStyle(Qt::ToolButtonTextBesideIcon);
-    AddCommand("open", tr("&Open…"), tr("Open a module's source file"), "Ctrl+O",
-               &ModuleBrowser::ChooseFile);
-    AddCommand("save", tr("&Save"), tr("Save the source file"), "Ctrl+S", &ModuleBrowser::SaveFile);
-    mToolBar->addSeparator();
-    mUpload =
-        AddCommand("send", tr("&Upload"), tr("Type the module into the printer and save it there"),
-                   "F5", &ModuleBrowser::Upload);
-    mLink =
-        AddCommand("link", tr("&Link"), tr("Build the working program from modules of the printer"),
-                   "", &ModuleBrowser::Link);
+    mCommandBar->setToolButtonStyle(Qt::ToolButtonTextBesideIcon);
+    const auto add = [this](const char* icon, const QString& text, const QString& tip,
+                            const char* keys, auto run) {
+        QAction* action =
+            mCommandBar->Add(icon, text, tip, QKeySequence(QString::fromLatin1(keys)));
+        connect(action, &QAction::triggered, this, run);
+        return action;
+    };
+    add("open", tr("&Open…"), tr("Open a module's source file"), "Ctrl+O",
+        &ModuleBrowser::ChooseFile);
+    add("save", tr("&Save"), tr("Save the source file"), "Ctrl+S", &ModuleBrowser::SaveFile);
+    mCommandBar->addSeparator();
+    mUpload = add("send", tr("&Upload"), tr("Type the module into the printer and save it there"),
+                  "F5", &ModuleBrowser::Upload);
+    mLink = add("link", tr("&Link"), tr("Build the working program from modules of the printer"),
+                "", &ModuleBrowser::Link);
     auto* name = new QLabel(tr("&Name on the printer:"));
     name->setBuddy(mTarget);
     mTarget->setPlaceholderText(tr("as the file is called"));
@@ -113,7 +101,7 @@ void ModuleBrowser::Build() {
     auto* layout = new QVBoxLayout(this);
     layout->setContentsMargins(4, 0, 4, 4);
     layout->setSpacing(4);
-    layout->addWidget(mToolBar);
+    layout->addWidget(mCommandBar);
     layout->addLayout(line);
     layout->addWidget(splitter, 1);
     layout->addWidget(mResult);

@@ -8,11 +8,11 @@ class QAction;
 class QLabel;
 class QLineEdit;
 class QTableView;
-class QToolBar;
 
 namespace qnterm {
 
 class CodeView;
+class CommandBar;
 class Operations;
 
 /// A program module: its text, where it goes on the printer, and the errors that the printer found
@@ -42,8 +42,6 @@ class ModuleBrowser final : public QWidget {
 
   private:
     void Build();
-    QAction* AddCommand(const char* icon, const QString& text, const QString& tip, const char* keys,
-                        void (ModuleBrowser::*run)());
     void SaveFile();
     void SaveAs();
     void WriteTo(const QString& path);
@@ -55,7 +53,7 @@ class ModuleBrowser final : public QWidget {
     Operations& mOperations;
     ModuleErrorTable mErrors;
     QString mPath; ///< of the opened file; empty = none
-    QToolBar* mToolBar;
+    CommandBar* mCommandBar;
     QAction* mUpload = nullptr;
     QAction* mLink = nullptr;
     QLineEdit* mTarget;

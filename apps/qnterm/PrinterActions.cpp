@@ -51,8 +51,8 @@ constexpr MenuEntry Entries[] = {
     {"&Edit", "keys", "&Function Keys…", "Say what F1 to F8 of the toolbar do", "", Needs::Idle,
      [](Actions& a) { a.Press("FunctionkeysSetup"); }},
 
-    {"&Printer", "find", "&Find", "Search the printer's settings on this port", "Ctrl+Shift+P",
-     Needs::Printer, [](Actions& a) { a.Find(); }},
+    {"&Printer", "find", "&Find Printer", "Search the printer's settings on this port",
+     "Ctrl+Shift+P", Needs::Printer, [](Actions& a) { a.Find(); }},
     {"&Printer", "settings", "Port &Settings…", "Baud rate, format and flow control", "",
      Needs::Printer, [](Actions& a) { a.Press("CommSettings"); }},
     {"&Printer", "info", "&Identify", "Ask for model and firmware", "Ctrl+Shift+I", Needs::Printer,

@@ -1,8 +1,8 @@
 #include "SetupBrowser.h"
 
 #include "Ask.h"
+#include "CommandBar.h"
 #include "EmptyHint.h"
-#include "Icons.h"
 #include "Operations.h"
 #include "SetupTree.h"
 
@@ -13,7 +13,6 @@
 #include <QHeaderView>
 #include <QLineEdit>
 #include <QSortFilterProxyModel>
-#include <QToolBar>
 #include <QVBoxLayout>
 
 namespace qnterm {
@@ -22,7 +21,7 @@ SetupBrowser::SetupBrowser(Operations& operations, QWidget* parent)
     : QWidget(parent),
       mOperations(operations),
       mFound(new QSortFilterProxyModel(this)),
-      mToolBar(new QToolBar),
+      mCommandBar(new CommandBar(*this)),
       mSearch(new QLineEdit),
       mTree(new SetupTree) {
     mFound->setSourceModel(&mModel);
@@ -35,7 +34,7 @@ SetupBrowser::SetupBrowser(Operations& operations, QWidget* parent)
     // What is edited is done with before the printer is asked: the answer may change the tree.
     connect(&mModel, &SetupModel::ChangeWanted, this, &SetupBrowser::Change, Qt::QueuedConnection);
     connect(&mOperations, &Operations::RunningChanged, this, [this](bool running) {
-        mToolBar->setEnabled(!running);
+        mCommandBar->setEnabled(!running);
         mTree->setEditTriggers(running ? QAbstractItemView::NoEditTriggers
                                        : QAbstractItemView::DoubleClicked
                                              | QAbstractItemView::EditKeyPressed
@@ -43,29 +42,19 @@ SetupBrowser::SetupBrowser(Operations& operations, QWidget* parent)
     });
 }
 
-QAction* SetupBrowser::AddCommand(const char* icon, const QString& text, const QString& tip,
-                                  void (SetupBrowser::*run)()) {
-    auto* action = new QAction(ThemedIcon(icon), text, this);
-    action->setToolTip(tip);
-    action->setStatusTip(tip);
-    action->setShortcutContext(Qt::WidgetWithChildrenShortcut);
-    addAction(action);
-    mToolBar->addAction(action);
-    connect(action, &QAction::triggered, this, run);
-    return action;
-}
-
 void SetupBrowser::Build() {
-    mToolBar->setIconSize(QSize(20, 20));
-    mToolBar->setToolButtonStyle(Qt::ToolButtonTextBesideIcon);
-    AddCommand("refresh", tr("Re&fresh"), tr("Read the setup from the printer (F5)"),
-               &SetupBrowser::Read)
-        ->setShortcut(QKeySequence(Qt::Key_F5));
-    mToolBar->addSeparator();
-    AddCommand("save", tr("&Write…"), tr("Write the setup to a file on the printer"),
-               &SetupBrowser::WriteFile);
-    AddCommand("open", tr("&Load…"), tr("Take the setup of a file on the printer"),
-               &SetupBrowser::LoadFile);
+    mCommandBar->setToolButtonStyle(Qt::ToolButtonTextBesideIcon);
+    const auto add = [this](const char* icon, const QString& text, const QString& tip, auto run,
+                            const QKeySequence& keys = {}) {
+        connect(mCommandBar->Add(icon, text, tip, keys), &QAction::triggered, this, run);
+    };
+    add("refresh", tr("Re&fresh"), tr("Read the setup from the printer"), &SetupBrowser::Read,
+        QKeySequence(Qt::Key_F5));
+    mCommandBar->addSeparator();
+    add("save", tr("&Write…"), tr("Write the setup to a file on the printer"),
+        &SetupBrowser::WriteFile);
+    add("open", tr("&Load…"), tr("Take the setup of a file on the printer"),
+        &SetupBrowser::LoadFile);
     mSearch->setPlaceholderText(tr("Search items and values"));
     mSearch->setAccessibleName(tr("Search the setup"));
     mSearch->setClearButtonEnabled(true);
@@ -80,7 +69,7 @@ void SetupBrowser::Build() {
     auto* layout = new QVBoxLayout(this);
     layout->setContentsMargins(4, 0, 4, 4);
     layout->setSpacing(4);
-    layout->addWidget(mToolBar);
+    layout->addWidget(mCommandBar);
     layout->addWidget(mSearch);
     layout->addWidget(mTree, 1);
 }

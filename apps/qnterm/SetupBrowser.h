@@ -4,13 +4,12 @@
 
 #include <QWidget>
 
-class QAction;
 class QLineEdit;
 class QSortFilterProxyModel;
-class QToolBar;
 
 namespace qnterm {
 
+class CommandBar;
 class EmptyHint;
 class Operations;
 class SetupTree;
@@ -29,8 +28,6 @@ class SetupBrowser final : public QWidget {
 
   private:
     void Build();
-    QAction* AddCommand(const char* icon, const QString& text, const QString& tip,
-                        void (SetupBrowser::*run)());
     void Change(const QString& key, const QString& value);
     void WriteFile();
     void LoadFile();
@@ -41,7 +38,7 @@ class SetupBrowser final : public QWidget {
     Operations& mOperations;
     SetupModel mModel;
     QSortFilterProxyModel* mFound;
-    QToolBar* mToolBar;
+    CommandBar* mCommandBar;
     QLineEdit* mSearch;
     SetupTree* mTree;
     EmptyHint* mHint = nullptr;

@@ -3,13 +3,11 @@
 #include "qt/Charset.h"
 #include "qt/Icons.h"
 
-#include <QKeyEvent>
 #include <QPointer>
 #include <QToolButton>
 
 #include <algorithm>
 #include <array>
-#include <vector>
 
 namespace qncomm {
 namespace {
@@ -72,7 +70,6 @@ ToolbarView::ToolbarView(ToolbarModel& model, const ActionGuard& guard, QWidget*
     setContextMenuPolicy(Qt::PreventContextMenu);
     for (const ToolbarButton& button : model.Buttons())
         AddButton(button);
-    if (!mActions.empty()) MakeTabStop(*ButtonOf(model.Buttons().front().key));
     ShowPictures();
     mChanges = model.Changed.Connect([this] { Show(); });
     Show();
@@ -86,7 +83,7 @@ void ToolbarView::AddButton(const ToolbarButton& button) {
     mActions[button.key] = action;
     QToolButton* shown = ButtonOf(button.key);
     shown->setObjectName(FromHost(button.key));
-    shown->installEventFilter(this);
+    mRow.Add(*shown);
 }
 
 QToolButton* ToolbarView::ButtonOf(const std::string& sKey) const {
@@ -124,46 +121,6 @@ void ToolbarView::ShowPictures() {
 void ToolbarView::changeEvent(QEvent* event) {
     QToolBar::changeEvent(event);
     if (event->type() == QEvent::PaletteChange) ShowPictures();
-}
-
-bool ToolbarView::eventFilter(QObject* watched, QEvent* event) {
-    auto* button = qobject_cast<QToolButton*>(watched);
-    if (button != nullptr && event->type() == QEvent::KeyPress
-        && MoveFocus(*button, static_cast<QKeyEvent*>(event)->key()))
-        return true;
-    if (button != nullptr && event->type() == QEvent::FocusIn) MakeTabStop(*button);
-    return QToolBar::eventFilter(watched, event);
-}
-
-bool ToolbarView::MoveFocus(QToolButton& from, int key) {
-    std::vector<QToolButton*> shown;
-    for (const ToolbarButton& button : mModel.Buttons())
-        if (QToolButton* each = ButtonOf(button.key); each->isVisible() && each->isEnabled())
-            shown.push_back(each);
-    const auto here = std::ranges::find(shown, &from);
-    if (here == shown.end()) return false;
-    const bool leftToRight = layoutDirection() == Qt::LeftToRight;
-    const auto last = std::prev(shown.end());
-    auto to = here;
-    if (key == Qt::Key_Home) {
-        to = shown.begin();
-    } else if (key == Qt::Key_End) {
-        to = last;
-    } else if (key == (leftToRight ? Qt::Key_Right : Qt::Key_Left)) {
-        to = here == last ? shown.begin() : std::next(here);
-    } else if (key == (leftToRight ? Qt::Key_Left : Qt::Key_Right)) {
-        to = here == shown.begin() ? last : std::prev(here);
-    } else {
-        return false;
-    }
-    (*to)->setFocus(Qt::TabFocusReason);
-    return true;
-}
-
-void ToolbarView::MakeTabStop(QToolButton& button) {
-    for (const auto& [key, action] : mActions)
-        ButtonOf(key)->setFocusPolicy(Qt::NoFocus);
-    button.setFocusPolicy(Qt::TabFocus);
 }
 
 } // namespace qncomm

@@ -161,6 +161,23 @@ TEST_F(Toolbar, OneTabStopWithArrowKeysBetweenTheButtons) {
     EXPECT_EQ(stops, 1);
 }
 
+TEST_F(Toolbar, ADisabledButtonIsNoStopAndADisabledBarKeepsItsOwn) {
+    mView.resize(mView.sizeHint());
+    testing::ShowActive(mView);
+    const auto isStop = [this](const char* key) {
+        return Button(key).focusPolicy() != Qt::NoFocus;
+    };
+    Button("Clear").setFocus(Qt::TabFocusReason);
+    mView.setEnabled(false);
+    mView.setEnabled(true);
+    EXPECT_TRUE(isStop("Clear"));
+    Button("Clear").defaultAction()->setEnabled(false);
+    EXPECT_FALSE(isStop("Clear"));
+    EXPECT_TRUE(isStop("CommSettings"));
+    Button("CommSettings").defaultAction()->setVisible(false);
+    EXPECT_TRUE(isStop("Autoconnect"));
+}
+
 TEST_F(Toolbar, ButtonsWithoutRoomAreInAMenu) {
     testing::ShowActive(mView);
     mView.resize(200, mView.height());

@@ -66,6 +66,21 @@ TEST_F(WindowTest, EveryPartIsReachedByItsKeysAndTakesThem) {
     }
 }
 
+TEST_F(WindowTest, TheTabKeyGoesThroughAPartWithItsButtons) {
+    Open("sim:R7G");
+    AwaitPrinter();
+    Trigger("Setup");
+    Settle();
+    QTest::keyClick(QApplication::focusWidget(), Qt::Key_Backtab, Qt::ShiftModifier);
+    EXPECT_EQ(FocusName(), "Refresh");
+    QTest::keyClick(QApplication::focusWidget(), Qt::Key_End);
+    EXPECT_EQ(FocusName(), "Load\u2026");
+    QTest::keyClick(QApplication::focusWidget(), Qt::Key_Tab);
+    EXPECT_EQ(FocusName(), "Search the setup");
+    QTest::keyClick(QApplication::focusWidget(), Qt::Key_Tab);
+    EXPECT_EQ(FocusName(), "Setup of the printer");
+}
+
 TEST_F(WindowTest, WithoutAPortNothingIsSentAnywhereAndEachPartSaysWhatToDo) {
     Open({});
     mWindow->findChild<AddressDialog*>()->reject();

@@ -2,13 +2,12 @@
 
 #include "control/ToolbarModel.h"
 #include "qt/ActionGuard.h"
+#include "qt/RovingFocus.h"
 
 #include <QToolBar>
 
 #include <map>
 #include <string>
-
-class QToolButton;
 
 namespace qncomm {
 
@@ -25,8 +24,6 @@ class ToolbarView : public QToolBar {
     /// The button of that key, nullptr for none.
     QToolButton* ButtonOf(const std::string& sKey) const;
 
-    bool eventFilter(QObject* watched, QEvent* event) override;
-
   protected:
     void changeEvent(QEvent* event) override;
 
@@ -35,12 +32,11 @@ class ToolbarView : public QToolBar {
     void Click(const std::string& key);
     void Show();
     void ShowPictures();
-    bool MoveFocus(QToolButton& from, int key);
-    void MakeTabStop(QToolButton& button);
 
     ToolbarModel& mModel;
     const ActionGuard& mGuard;
     std::map<std::string, QAction*> mActions;
+    RovingFocus mRow;
     Subscription mChanges;
 };
 
