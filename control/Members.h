@@ -1,5 +1,6 @@
 #pragma once
 
+#include "OperationLoop.h"
 #include "control/QNComm.h"
 #include "dialogs/Dialogs.h"
 #include "link/clsDataLink.h"
@@ -16,11 +17,13 @@ namespace qncomm {
 struct QNComm::Members {
     Members(const ControlServices& services, std::shared_ptr<void> kept)
         : keep(std::move(kept)),
+          loop(services.loop),
           dialogs(services.loop, services.forms),
-          link(LinkHost{services.loop, services.desktop, dialogs}),
+          link(LinkHost{loop, services.desktop, dialogs}),
           quorin(link, services.desktop) {}
 
     std::shared_ptr<void> keep; ///< the last to go
+    OperationLoop loop;
     Dialogs dialogs;
     clsDataLink link;
     clsQuorin quorin;
@@ -36,7 +39,9 @@ class QNComm::Operation {
     explicit Operation(std::shared_ptr<Members> members) : mMembers(std::move(members)) {
         ++mMembers->operations;
     }
-    ~Operation() { --mMembers->operations; }
+    ~Operation() {
+        if (--mMembers->operations == 0) mMembers->loop.Forget();
+    }
     Operation(const Operation&) = delete;
     Operation& operator=(const Operation&) = delete;
 

@@ -44,7 +44,8 @@ void KeepUntil(MessageLoop& loop, std::shared_ptr<Object> object, IsFree isFree)
 QNComm::QNComm(const ControlParts& parts, const ControlServices& services)
     : mParts(parts),
       mServices(services),
-      mPrompts(services.inputs, [&services = mServices] { services.loop.Yield(0); }) {
+      mPrompts(std::make_shared<MacroPrompts>(services.inputs,
+                                              [&loop = services.loop] { loop.Yield(0); })) {
     mHandlers.push_back(
         Toolbar1.Clicked.Connect([this](const std::string& key) { Dispatch(key); }));
     mHandlers.push_back(lblCaption.Clicked.Connect([this] { mParts.terminal.SetFocus(); }));
@@ -73,6 +74,14 @@ clsDataLink& QNComm::Link() const {
 
 QNComm::Operation QNComm::Begin() const {
     return Operation(Wired());
+}
+
+bool QNComm::IsBusy() const {
+    return mMembers && mMembers->operations > 0;
+}
+
+void QNComm::CancelOperations(std::int32_t lGraceMs) {
+    if (IsBusy()) mMembers->loop.Cancel(lGraceMs);
 }
 
 void QNComm::Wire() {
@@ -133,11 +142,11 @@ void QNComm::UserControl_ExitFocus() {
 }
 
 void QNComm::SetRegSettings(std::shared_ptr<qncomm::RegSettings> settings) {
-    mRegSettings = std::move(settings);
+    mRegSettings = settings;
     const auto members = Wired();
-    members->quorin.SetRegSettings(mRegSettings);
-    members->link.SetRegSettings(mRegSettings);
-    LoadFunctionKeyTips();
+    members->quorin.SetRegSettings(settings);
+    members->link.SetRegSettings(settings);
+    if (!members->released) LoadFunctionKeyTips(); // a busy port may have asked the person
 }
 
 } // namespace qncomm

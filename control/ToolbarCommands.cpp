@@ -73,7 +73,10 @@ void QNComm::RunMacro(const std::string& key) {
 }
 
 void QNComm::SendTextMacro(const std::string& argument) {
-    const auto expanded = mPrompts.Expand(argument);
+    const auto here = Here();
+    const auto prompts = mPrompts;
+    const auto expanded = prompts->Expand(argument);
+    if (here.expired()) return;
     if (!expanded)
         Tell("Syntax Error, missing delimiter '&&'.", MsgBoxIcon::None);
     else if (const std::string text = ReplaceControlNames(*expanded); !text.empty())
@@ -101,7 +104,9 @@ void QNComm::UploadText() {
     dialog.title = "Select File to Send (Printer Recieves File).";
     dialog.filters = {{"Text files (*.txt)", "*.txt"}, {"All Files (*.*)", "*.*"}};
     dialog.defaultExtension = ".txt";
-    if (const auto path = mServices.files.ChooseFile(dialog)) SendFile(*path);
+    const auto here = Here();
+    const auto path = mServices.files.ChooseFile(dialog);
+    if (path && !here.expired()) SendFile(*path);
 }
 
 void QNComm::DownloadText() {
@@ -109,22 +114,24 @@ void QNComm::DownloadText() {
     dialog.kind = FileDialogKind::Save;
     dialog.title = "Select Destination File (Printer Sends File)";
     dialog.defaultExtension = "txt";
+    const auto here = Here();
     const auto path = mServices.files.ChooseFile(dialog);
-    if (!path) return;
+    if (!path || here.expired()) return;
     MsgBox question;
     question.text = "Selected file is not empty. Do you want to clear the file?";
     question.buttons = MsgBoxButtons::YesNo;
     question.icon = MsgBoxIcon::Question;
     if (FileSize(*path) > 0 && mServices.desktop.ShowMsgBox(question) == MsgBoxResult::Yes)
         DeleteFile(*path);
-    SetCaptureToFile(*path);
+    if (!here.expired()) SetCaptureToFile(*path);
 }
 
 void QNComm::ShowFunctionKeys() {
     frmFunctionKeysSetup form(mRegSettings, mServices.files);
+    const auto here = Here();
     mServices.forms.ShowModal(form);
     form.Unload(UnloadMode::ControlMenu);
-    LoadFunctionKeyTips();
+    if (!here.expired()) LoadFunctionKeyTips();
 }
 
 /// Text of a person would go into the middle of what an operation is saying to the printer.

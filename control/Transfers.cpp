@@ -33,8 +33,9 @@ void QNComm::BinaryDownload(const std::string& sDestination, std::int16_t iProto
 /// action button transfers nothing.
 void QNComm::TransferFile(std::int16_t action) {
     frmBinaryTransfer form(action, ProtocolKermit, mServices.desktop, mServices.files);
+    const auto here = Here();
     mServices.forms.ShowModal(form);
-    if (!form.Accepted()) return;
+    if (!form.Accepted() || here.expired()) return;
     if (action == PrinterReceives)
         BinaryUpload(form.Filename(), form.Protocol());
     else

@@ -63,6 +63,7 @@ void QNComm::SetCaptureToFile(const std::string& sPath) {
 }
 
 void QNComm::PDQComm1_KeyDown(std::int16_t& iKeyCode, std::int16_t iShift) {
+    Desktop& desktop = mServices.desktop; // the host may end the control while it sends
     try {
         if (iKeyCode >= KeyLeft && iKeyCode <= KeyDown) {
             iKeyCode = 0; // the cursor never moves by an arrow key
@@ -73,7 +74,7 @@ void QNComm::PDQComm1_KeyDown(std::int16_t& iKeyCode, std::int16_t iShift) {
             if (iShift == ShiftHeld) PasteCB();
         }
     } catch (const QNError& error) { // a key has nobody to raise an error to
-        mServices.desktop.Log(error.Description());
+        desktop.Log(error.Description());
     }
 }
 

@@ -71,8 +71,8 @@ QNCommWidget::~QNCommWidget() {
     p.title = nullptr;
     p.toolbar = nullptr;
     delete std::exchange(p.view, nullptr);
+    p.assembly->Control().CancelOperations(CancelGraceMs);
     p.assembly.reset();
-    QtReactor::OfApplication().CancelWaits(CancelGraceMs);
 }
 
 void QNCommWidget::ConnectEvents() {
@@ -169,11 +169,10 @@ void QNCommWidget::hideEvent(QHideEvent* event) {
 }
 
 void QNCommWidget::cancelOperation() {
-    QtReactor& reactor = QtReactor::OfApplication();
-    if (!reactor.Waiting()) return;
+    if (!isBusy()) return;
     mParts->cancelAsked = true;
     mParts->cancelTimer.start(CancelCheckMs, this);
-    reactor.CancelWaits(CancelGraceMs);
+    mParts->assembly->Control().CancelOperations(CancelGraceMs);
 }
 
 void QNCommWidget::timerEvent(QTimerEvent* event) {
@@ -186,7 +185,10 @@ void QNCommWidget::timerEvent(QTimerEvent* event) {
         QWidget::timerEvent(event);
         return;
     }
-    if (QtReactor::OfApplication().Waiting()) return;
+    if (isBusy()) { // perhaps with the next of several
+        mParts->assembly->Control().CancelOperations(CancelGraceMs);
+        return;
+    }
     mParts->cancelTimer.stop();
     mParts->cancelAsked = false;
     // The operation may have kept the port when the control was hidden.
@@ -194,7 +196,7 @@ void QNCommWidget::timerEvent(QTimerEvent* event) {
 }
 
 bool QNCommWidget::isBusy() const {
-    return QtReactor::OfApplication().Waiting();
+    return mParts->assembly->Control().IsBusy();
 }
 
 void QNCommWidget::OnFocus(QWidget* now) {

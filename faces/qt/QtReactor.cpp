@@ -1,6 +1,5 @@
 #include "qt/QtReactor.h"
 
-#include "common/QNError.h"
 #include "platform/FdWait.h"
 #include "qt/ErrorBox.h"
 
@@ -96,7 +95,7 @@ class QtReactor::WatchSlot final : public FdWatch {
     std::uint32_t mBits = 0;
 };
 
-/// A Yield while it is on the stack. The last one to leave takes a cancellation with it.
+/// A Yield while it is on the stack.
 class QtReactor::YieldScope {
   public:
     explicit YieldScope(QtReactor& reactor)
@@ -160,7 +159,6 @@ std::int64_t QtReactor::NowUs() const {
 
 void QtReactor::Yield(std::int32_t lLimit) {
     const YieldScope scope(*this);
-    CheckCancel();
     const std::int64_t endUs = NowUs() + std::int64_t{std::max(lLimit, 0)} * 1000;
     const bool served = Serve();
     const int outer = std::exchange(mServedDepth, mDepth);
@@ -172,7 +170,6 @@ void QtReactor::Yield(std::int32_t lLimit) {
     Arm();
     ProcessEvents(QEventLoop::AllEvents | QEventLoop::WaitForMoreEvents);
     ThrowWhatCame();
-    CheckCancel();
 }
 
 void QtReactor::ThrowWhatCame() {
@@ -182,7 +179,6 @@ void QtReactor::ThrowWhatCame() {
 /// Qt's event loop found the kernel's timer or a watched descriptor ready.
 void QtReactor::OnWoken() {
     if (mCame) return; // first things first: all of it stays ready
-    if (mDepth == 0) ForgetCancel();
     const bool awaited = mDepth > 0 && mYieldLoopLevel == CurrentLoopLevel();
     if (awaited && mServedDepth == mDepth) return; // once in a pass is enough
     // A line that never stops is served in bunches: a turn of the toolkit's loop costs more than a
@@ -230,8 +226,7 @@ bool QtReactor::RunWatches() {
 /// Has the kernel wake the loop when the next is due. What is due already needs no timer, and a
 /// loop that was nudged need not be again: a line that never stops costs no calls here.
 void QtReactor::Arm() {
-    std::int64_t target = std::min(mAlarms.NextDue(), mYieldEndUs);
-    if (mCancelBelow == EveryDepth) target = std::min(target, mCancelAtUs);
+    const std::int64_t target = std::min(mAlarms.NextDue(), mYieldEndUs);
     const bool due = target <= NowUs();
     if (due != mNudged) Nudge(due);
     if (due || target == mArmedUs) return;
@@ -247,24 +242,6 @@ void QtReactor::Nudge(bool on) {
                           : ::read(mNudge.Get(), &count, sizeof(count));
     Q_ASSERT(moved == sizeof(count));
     Q_UNUSED(moved);
-}
-
-void QtReactor::CancelWaits(std::int32_t lGraceMs) {
-    if (mDepth == 0) return;
-    mCancelAtUs = std::min(mCancelAtUs, NowUs() + std::int64_t{lGraceMs} * 1000);
-    Arm();
-}
-
-void QtReactor::CheckCancel() {
-    // The operation that ends first unwinds to whoever called it from a Yield of the next one.
-    if (mCancelAtUs > NowUs() || mDepth >= mCancelBelow) return;
-    mCancelBelow = mDepth;
-    throw OperationCancelled();
-}
-
-void QtReactor::ForgetCancel() {
-    mCancelAtUs = NeverUs;
-    mCancelBelow = EveryDepth;
 }
 
 std::unique_ptr<RunningTimer> QtReactor::StartTimer(std::int32_t lInterval,

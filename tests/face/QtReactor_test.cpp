@@ -94,62 +94,6 @@ TEST(QtReactorInALoop, AYieldDispatchesWhatTheToolkitHas) {
     QTimer::singleShot(2, QCoreApplication::instance(), [&] { dispatched = true; });
     while (!dispatched)
         reactor.Yield(AnHourMs);
-    EXPECT_FALSE(reactor.Waiting());
-}
-
-// -- Ending operations
-
-TEST(QtReactorCancel, NobodyIsEndedWhenNobodyWaits) {
-    QtReactor reactor;
-    reactor.CancelWaits(0);
-    EXPECT_NO_THROW(reactor.Yield(0));
-}
-
-TEST(QtReactorCancel, AnOperationThatStillWaitsAfterTheGracePeriodIsEndedOnce) {
-    QtReactor reactor;
-    const auto alarm = reactor.CreateAlarm([&] { reactor.CancelWaits(5); });
-    const std::int64_t asked = reactor.NowUs();
-    alarm->SetDue(asked);
-    EXPECT_THROW(while (true) reactor.Yield(AnHourMs), OperationCancelled);
-    EXPECT_GE(reactor.NowUs() - asked, 5000);
-    EXPECT_NO_THROW(reactor.Yield(0)); // what unwinds may still yield
-}
-
-TEST(QtReactorCancel, AnOperationInsideAnotherEndsFirstAndThenTheOther) {
-    QtReactor reactor;
-    std::string ended;
-    const auto cancel = reactor.CreateAlarm([&] { reactor.CancelWaits(0); });
-    const auto inner = reactor.CreateAlarm([&] {
-        cancel->SetDue(reactor.NowUs());
-        try {
-            while (true)
-                reactor.Yield(AnHourMs);
-        } catch (const OperationCancelled&) {
-            ended += "inner ";
-        }
-    });
-    inner->SetDue(reactor.NowUs());
-    try {
-        while (true)
-            reactor.Yield(AnHourMs);
-    } catch (const OperationCancelled&) {
-        ended += "outer";
-    }
-    EXPECT_EQ(ended, "inner outer");
-}
-
-TEST(QtReactorCancel, TheNextOperationIsLeftAlone) {
-    QtReactor reactor;
-    const auto alarm = reactor.CreateAlarm([&] { reactor.CancelWaits(0); });
-    alarm->SetDue(reactor.NowUs());
-    EXPECT_THROW(while (true) reactor.Yield(AnHourMs), OperationCancelled);
-    bool turned = false;
-    const auto turn = reactor.CreateAlarm([&] { turned = true; });
-    turn->SetDue(reactor.NowUs());
-    SpinUntil([&] { return turned; }); // the program is back in its own loop
-    EXPECT_NO_THROW(reactor.Yield(1));
-    alarm->SetDue(reactor.NowUs()); // and can be cancelled as before
-    EXPECT_THROW(while (true) reactor.Yield(AnHourMs), OperationCancelled);
 }
 
 } // namespace

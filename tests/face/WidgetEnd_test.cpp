@@ -51,5 +51,18 @@ TEST_F(WidgetEnd, DuringATransfer) {
     CloseDuring(rig, [&](QNComm& control) { control.BinaryUpload(path); });
 }
 
+TEST_F(WidgetEnd, OfAnIdleControlLeavesTheOperationOfAnotherAlone) {
+    const QString silent = QStringLiteral("sim:R7G?no-echo=on&baud=300");
+    ControlRig idle(silent);
+    ControlRig rig(silent);
+    idle.Show();
+    QTimer::singleShot(200, &idle.window, [&] {
+        EXPECT_FALSE(idle.Widget().isBusy());
+        idle.window.close();
+        EXPECT_TRUE(rig.Widget().isBusy());
+    });
+    CloseDuring(rig, [](QNComm& control) { control.DoAutoconnect(); });
+}
+
 } // namespace
 } // namespace qncomm::testing

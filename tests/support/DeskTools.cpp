@@ -16,11 +16,13 @@ std::optional<std::string> TakeFirst(std::deque<std::string>& answers) {
 
 std::string ScriptedInputs::ShowInputBox(const InputBox& box) {
     mBoxes.push_back(box);
+    if (mOnBox) mOnBox();
     return TakeFirst(mAnswers).value_or("");
 }
 
 std::optional<std::string> ScriptedFileDialogs::ChooseFile(const FileDialog& dialog) {
     mShown.push_back(dialog);
+    if (mOnDialog) mOnDialog();
     return TakeFirst(mAnswers);
 }
 

@@ -237,6 +237,15 @@ class QNComm {
     /// The link that owns the port.
     clsDataLink& Link() const;
 
+    // -- Operations, for a face or a program that ends
+
+    /// Whether one of this control's operations is running.
+    bool IsBusy() const;
+    /// Ends them: each that still waits after lGraceMs sees its wait throw OperationCancelled,
+    /// once, so that what unwinds can still wait; one within the wait of another goes first.
+    /// Nothing when none runs; those of other controls go on.
+    void CancelOperations(std::int32_t lGraceMs);
+
     // -- What a face shows and hands in
 
     const std::string& Caption() const { return mCaption; }
@@ -303,13 +312,14 @@ class QNComm {
     void SendText(std::string_view text);
     void SendFile(const std::string& path);
     bool MaySend() const;
+    std::weak_ptr<const void> Here() const { return mHere; }
     void Tell(std::string text, MsgBoxIcon icon) const;
 
     ControlParts mParts;
     ControlServices mServices;
     std::shared_ptr<Members> mMembers; ///< link and command layer; none at design time
     std::shared_ptr<qncomm::RegSettings> mRegSettings;
-    MacroPrompts mPrompts;
+    std::shared_ptr<MacroPrompts> mPrompts; ///< shared with the macro that is asking
 
     std::string mCaption;
     bool mToolbarVisible = true;
@@ -317,6 +327,8 @@ class QNComm {
     std::int16_t mBackStyle = 1;
     std::int16_t mBorderStyle = 0;
     std::vector<Subscription> mHandlers;
+    /// Goes with the control: its host may end it while a box or a dialog of its is shown.
+    std::shared_ptr<const void> mHere = std::make_shared<char>();
 };
 
 } // namespace qncomm

@@ -1,4 +1,5 @@
 #include "ControlFixture.h"
+#include "dialogs/frmBinaryTransfer.h"
 #include "dialogs/frmCommSettings.h"
 
 namespace qncomm {
@@ -8,6 +9,8 @@ using ::testing::Contains;
 using testing::ControlFixture;
 using testing::ElementsAre;
 using testing::IsEmpty;
+using ::testing::Not;
+using ::testing::StartsWith;
 using testing::Strings;
 
 class Lifecycle : public ControlFixture {};
@@ -200,6 +203,45 @@ TEST_F(Lifecycle, AHostMayDestroyTheControlFromWithinAnEvent) {
     EXPECT_EQ(mControl, nullptr);
     EXPECT_FALSE(mSerial.PortOpen());
     mLoop.Yield(10);
+}
+
+TEST_F(Lifecycle, AHostMayDestroyTheControlWhileItsBoxesAndDialogsAreShown) {
+    SetMacro("F1", "0;&&?Count&&<CR>");
+    const std::string path = mFolder.Write("full.txt", "old");
+    const auto end = [this](auto&&...) { mControl.reset(); };
+    mInputs.mOnBox = end;
+    mFiles.mOnDialog = end;
+    mForms.mOnFunctionKeys = end;
+    mForms.mOnCommSettings = end;
+    mForms.mOnBinaryTransfer = [&](frmBinaryTransfer& form) {
+        form.lblFolder.SetCaption(mFolder.Path());
+        form.txtFilename.Type("full.txt", 0);
+        form.cmdButton[0].Click();
+        end();
+    };
+    for (const char* key :
+         {"F1", "UploadA", "DownloadA", "FunctionkeysSetup", "CommSettings", "UploadB"}) {
+        mInputs.mAnswers = {"5"};
+        mFiles.mAnswers = {path};
+        Create();
+        Show().PressToolbarKey(key);
+        EXPECT_EQ(mControl, nullptr) << key;
+        mLoop.Yield(10);
+    }
+    EXPECT_EQ(TakeSent(), "");
+    EXPECT_EQ(mTerminal.mCapture, "");
+    EXPECT_THAT(mSerial.mLog, Not(Contains(StartsWith("SendFile"))));
+}
+
+TEST_F(Lifecycle, AHostMayDestroyTheControlWhileItPastes) {
+    Show();
+    mClipboard.mText = std::string(5000, 'x');
+    mSerial.mDrainPerMs = 1;
+    mLoop.After(100, [this] { mControl.reset(); });
+    std::int16_t key = 45;
+    mControl->PDQComm1_KeyDown(key, 1);
+    EXPECT_EQ(mControl, nullptr);
+    EXPECT_FALSE(mDesktop.mLog.empty());
 }
 
 TEST_F(Lifecycle, ALostDeviceMayDestroyTheControl) {

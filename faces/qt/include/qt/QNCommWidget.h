@@ -72,7 +72,7 @@ class QNCommWidget : public QWidget {
     /// and when the operation was cancelled or the widget is gone.
     bool run(const std::function<void(QNComm& control)>& action);
 
-    /// Whether an operation of the control waits.
+    /// Whether an operation of the control is running.
     bool isBusy() const;
     const QString& helpFile() const;
 

@@ -9,7 +9,6 @@
 #include <cstdint>
 #include <exception>
 #include <functional>
-#include <limits>
 #include <map>
 #include <memory>
 
@@ -45,19 +44,11 @@ class QtReactor final : public Reactor {
     [[nodiscard]] std::unique_ptr<Alarm> CreateAlarm(std::function<void()> handler) override;
     FdEvents WaitFor(int fd, FdEvents events, std::int64_t lLimitUs) override;
 
-    /// Whether a Yield is on the stack: an operation waits.
-    bool Waiting() const { return mDepth > 0; }
-
-    /// Ends the operations that wait: each that still does after lGraceMs sees its Yield throw
-    /// OperationCancelled, once, so that what unwinds can still yield. Nothing when none waits.
-    void CancelWaits(std::int32_t lGraceMs);
-
   private:
     class WatchSlot;
     class YieldScope;
     class Owner;
 
-    static constexpr int EveryDepth = std::numeric_limits<int>::max();
     using FdHandler = std::shared_ptr<const std::function<void(FdEvents)>>;
 
     /// Calls what is due and ready. Returns whether there was anything.
@@ -67,8 +58,6 @@ class QtReactor final : public Reactor {
     void Arm();
     void Nudge(bool on);
     void ThrowWhatCame();
-    void CheckCancel();
-    void ForgetCancel();
 
     ErrorHandler mOnError;
     Fd mEpoll;
@@ -82,12 +71,10 @@ class QtReactor final : public Reactor {
     bool mNudged = false;
     std::int64_t mArmedUs = AlarmQueue::Never;    ///< when the kernel's timer is to wake us
     std::int64_t mYieldEndUs = AlarmQueue::Never; ///< when the innermost sleeping Yield ends
-    std::int64_t mCancelAtUs = AlarmQueue::Never;
-    int mCancelBelow = EveryDepth; ///< an operation that deep or deeper has been ended
-    int mDepth = 0;                ///< Yields on the stack
-    int mServedDepth = 0;          ///< the Yield whose pass has served everything already
-    int mYieldLoopLevel = -1;      ///< the event loop in which the innermost of them was called
-    std::exception_ptr mCame;      ///< for the innermost Yield to throw
+    int mDepth = 0;                               ///< Yields on the stack
+    int mServedDepth = 0;     ///< the Yield whose pass has served everything already
+    int mYieldLoopLevel = -1; ///< the event loop in which the innermost of them was called
+    std::exception_ptr mCame; ///< for the innermost Yield to throw
     QSocketNotifier mNotifier;
 };
 

@@ -6,6 +6,7 @@
 #include "common/Launcher.h"
 
 #include <deque>
+#include <functional>
 #include <optional>
 #include <string>
 #include <vector>
@@ -19,6 +20,7 @@ class ScriptedInputs : public InputBoxes {
 
     std::deque<std::string> mAnswers;
     std::vector<InputBox> mBoxes;
+    std::function<void()> mOnBox; ///< called while a box is shown
 };
 
 /// A clipboard in memory; nothing stands for a clipboard without text.
@@ -35,6 +37,7 @@ class ScriptedFileDialogs : public FileDialogs {
   public:
     std::optional<std::string> ChooseFile(const FileDialog& dialog) override;
 
+    std::function<void()> mOnDialog; ///< called while a dialog is shown
     std::deque<std::string> mAnswers;
     std::vector<FileDialog> mShown;
 };

@@ -1,0 +1,48 @@
+#include "OperationLoop.h"
+
+#include "common/QNError.h"
+
+#include <algorithm>
+
+namespace qncomm {
+namespace {
+
+class Deeper {
+  public:
+    explicit Deeper(int& depth) : mDepth(depth) { ++mDepth; }
+    ~Deeper() { --mDepth; }
+    Deeper(const Deeper&) = delete;
+    Deeper& operator=(const Deeper&) = delete;
+
+  private:
+    int& mDepth;
+};
+
+} // namespace
+
+void OperationLoop::Yield(std::int32_t lLimit) {
+    const Deeper deeper(mDepth);
+    CheckCancel();
+    const bool ends = mCancelAt != Never && MayBeEnded();
+    const std::int64_t left = ends ? mCancelAt - NowMs() : lLimit;
+    mLoop.Yield(static_cast<std::int32_t>(std::min<std::int64_t>(lLimit, left)));
+    CheckCancel();
+}
+
+void OperationLoop::Cancel(std::int32_t lGraceMs) {
+    mCancelAt = std::min(mCancelAt, NowMs() + lGraceMs);
+}
+
+void OperationLoop::Forget() {
+    mCancelAt = Never;
+    mEndedDepth = EveryDepth;
+}
+
+void OperationLoop::CheckCancel() {
+    if (mCancelAt == Never || NowMs() < mCancelAt || !MayBeEnded()) return;
+    // What it unwinds to may be a handler in the Yield of another operation, which ends next.
+    mEndedDepth = mDepth;
+    throw OperationCancelled();
+}
+
+} // namespace qncomm
