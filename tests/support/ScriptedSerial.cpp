@@ -70,10 +70,7 @@ void ScriptedSerial::SetHandshaking(std::int16_t iMode) {
 void ScriptedSerial::SetPortOpen(bool bOpen) {
     mLog.emplace_back(bOpen ? "Open" : "Close");
     if (bOpen && mOnOpen) mOnOpen();
-    if (!bOpen) {
-        FlushReceive();
-        FlushTransmit();
-    }
+    if (!bOpen) Empty();
     mOpen = bOpen;
 }
 
@@ -105,12 +102,21 @@ std::int32_t ScriptedSerial::TransmitCount() const {
 }
 
 void ScriptedSerial::FlushReceive() {
+    mFlushes.emplace_back("Receive");
     TakeArrivals();
     mWaiting.clear();
     mSignalled = 0;
 }
 
 void ScriptedSerial::FlushTransmit() {
+    mFlushes.emplace_back("Transmit");
+    mQueued = 0;
+}
+
+void ScriptedSerial::Empty() {
+    TakeArrivals();
+    mWaiting.clear();
+    mSignalled = 0;
     mQueued = 0;
 }
 
@@ -180,6 +186,7 @@ void ScriptedSerial::ReceiveFile(const std::string& sPath) {
 
 void ScriptedSerial::SetTransferState(std::int16_t iState) {
     mLog.push_back("TransferState " + std::to_string(iState));
+    if (mOnAbort) mOnAbort();
     if (mAnswerToAbort) ReportLater({0, *mAnswerToAbort}, 1);
 }
 

@@ -94,5 +94,19 @@ TEST(StackTransferFailure, AMissingPrinterFileFailsAndLeavesNoHostFile) {
     EXPECT_EQ(stack.mLink.UseCount(), 0);
 }
 
+TEST(StackTransferFailure, ABinaryDownloadLooksAtNeitherPortNorFileAndFailsOnAClosedPort) {
+    ManualReactor reactor;
+    Stack stack(reactor, "sim:R7G");
+    const std::string target = ::testing::TempDir() + "never-opened.bin";
+    for (const std::int16_t protocol : {BinaryZModem, BinaryKermit}) {
+        std::ofstream(target) << "what stood here before";
+        EXPECT_RAISED_FROM(stack.mLink.BinaryDownload(target, protocol),
+                           "1022 QNComm, clsDataLink:KermitDownload");
+        EXPECT_EQ(stack.mSerial.TransferReason(), "the port is not open");
+        EXPECT_EQ(std::filesystem::file_size(target), 22U);
+    }
+    std::filesystem::remove(target);
+}
+
 } // namespace
 } // namespace qncomm::testing

@@ -6,7 +6,9 @@
 namespace qncomm::testing {
 namespace {
 
+using ::testing::AllOf;
 using ::testing::Contains;
+using ::testing::Each;
 using ::testing::Not;
 using ::testing::StartsWith;
 using Reported = ScriptedSerial::Reported;
@@ -126,6 +128,25 @@ TEST_F(FileTransfer, SmallFilesReportEveryPercentAndLargeOnesTheEvenOnes) {
     }
 }
 
+TEST_F(FileTransfer, HalfAPercentGoesToTheEvenNeighbour) {
+    Expect("TRANSFER K \"R\"");
+    mSerial.mTransferSize = 200;
+    mSerial.mTransfer = {{1, TransferStarted}, {1, TransferAnnounced}};
+    for (const int bytes : {1, 3, 5, 7})
+        mSerial.mTransfer.push_back({1, TransferMoving, bytes});
+    mSerial.mTransfer.push_back({1, TransferIdle});
+    mLink.KermitUpload(mPath, "X");
+    EXPECT_THAT(mMessages, ElementsAre("Uploading X 0", "Uploading X 2", "Uploading X 4",
+                                       "Uploading X 100", "Uploading X -1"));
+}
+
+TEST_F(FileTransfer, APercentageBeyondItsTypeIsCut) {
+    Expect("TRANSFER K \"S\",\"D\"");
+    mSerial.mTransfer = {{1, TransferStarted}, {1, TransferMoving, 1000}, {1, TransferIdle}};
+    mLink.KermitDownload("D", mPath, 1);
+    EXPECT_THAT(mMessages, Contains("Downloading D 32767"));
+}
+
 TEST_F(FileTransfer, APercentageIsReportedOnce) {
     Expect("TRANSFER K \"R\"");
     GoesWell(1000, {7, 7, 7});
@@ -159,6 +180,86 @@ TEST_F(FileTransfer, AFailureWaitsASecondAndIsRaisedAfterEverythingIsGivenBack) 
     ExpectGivenBack();
 }
 
+TEST_F(FileTransfer, TheEndComesInItsOrder) {
+    Expect("TRANSFER K \"R\"", "");
+    // The control is left running; what it does after the loop has left is no longer followed.
+    mSerial.mTransfer = {{10, TransferStarted}, {10, TransferAborting}, {500, TransferStarted}};
+    mSerial.mAnswerToAbort = TransferFailed;
+    std::int64_t allDone = 0;
+    mOnStatus = [&](const std::string&, bool&) {
+        if (mMessages.back() == "Uploading label.prg 100")
+            mSerial.Arrive("Ok\r\n", 700);
+        else
+            EXPECT_EQ(mLoop.NowMs() - allDone, 700) << "the prompt was waited for in between";
+        allDone = mLoop.NowMs();
+        mSerial.mLog.push_back(mMessages.back());
+    };
+    EXPECT_RAISED(mLink.KermitUpload(mPath, "X"), 1023);
+    const auto from = std::ranges::find(mSerial.mLog, "Uploading label.prg 100");
+    EXPECT_THAT(Lines(from, mSerial.mLog.end()),
+                ElementsAre("Uploading label.prg 100", "Uploading label.prg -1", "TransferState 6",
+                            "Close", "Mode 0", "Threshold 1"));
+}
+
+TEST_F(FileTransfer, AControlThatCannotBeAbortedIsLeftToItself) {
+    Expect("TRANSFER K \"R\"", "");
+    mSerial.mTransfer = {{10, TransferStarted}, {10, TransferAborting}};
+    mSerial.mOnAbort = [] { throw QNError(SerialErrDevice, "PDQComm", "gone"); };
+    EXPECT_RAISED(mLink.KermitUpload(mPath, "X"), 1023);
+    ExpectGivenBack();
+}
+
+TEST_F(FileTransfer, ASecondTransferStartsAfresh) {
+    Expect("TRANSFER K \"R\"", "");
+    mSerial.mTransfer = {{10, TransferStarted}, {10, TransferFailed}};
+    EXPECT_RAISED(mLink.KermitUpload(mPath, "X"), 1023);
+    Expect("TRANSFER K \"R\"");
+    GoesWell(1000, {50});
+    mLink.KermitUpload(mPath, "Y");
+    EXPECT_THAT(mMessages, Contains("Uploading Y 50"));
+}
+
+TEST_F(FileTransfer, TheLineIsEmptyWhenTheProtocolBegins) {
+    mSerial.mOnThreshold = [this](std::int16_t threshold) {
+        if (threshold != 0) return;
+        mSerial.Arrive("left behind\r\n");
+        mSerial.mFlushes.clear();
+    };
+    Expect("TRANSFER K \"R\"");
+    GoesWell(1000, {50});
+    mOnStatus = [this](const std::string&, bool&) {
+        EXPECT_EQ(mSerial.ReceiveCount(), 0) << "neither old bytes nor the command's echo";
+        mOnStatus = {};
+    };
+    mLink.KermitUpload(mPath, "X");
+    EXPECT_THAT(mSerial.mFlushes, ElementsAre("Transmit", "Receive"));
+}
+
+TEST_F(FileTransfer, TheStateOfClosingIsActivity) {
+    Expect("TRANSFER K \"R\"");
+    mSerial.mTransfer = {{10, TransferClosing}, {10, TransferIdle}};
+    mLink.KermitUpload(mPath, "X");
+    EXPECT_THAT(mMessages.back(), "Uploading label.prg -1");
+}
+
+TEST_F(FileTransfer, ARefusedClaimTransfersNothingAndRaisesNothing) {
+    mSerial.SetTag("EXCLUSIVE_USE");
+    mLink.KermitUpload(mPath, "X");
+    mLink.KermitUpload(mPath, "X", true);
+    mLink.KermitDownload("X", mPath);
+    EXPECT_THAT(mMessages, IsEmpty());
+    EXPECT_EQ(mSerial.mSent, "");
+}
+
+TEST_F(FileTransfer, AfterACancelTheControlsEndDecides) {
+    Expect("TRANSFER K \"R\"");
+    GoesWell(1000, {50, 75}); // it was all but over
+    mOnStatus = [](const std::string&, bool& cancel) { cancel = true; };
+    mLink.KermitUpload(mPath, "X");
+    EXPECT_THAT(mSerial.mLog, Contains("TransferState 6"));
+    EXPECT_THAT(mMessages, Contains("Uploading X 75"));
+}
+
 TEST_F(FileTransfer, ACancelAbortsAndGoesOnUntilTheControlEnds) {
     Expect("TRANSFER K \"R\"");
     mSerial.mTransferSize = 1000;
@@ -175,6 +276,13 @@ TEST_F(FileTransfer, AnAbortThatTheControlAsksForIsWrittenAndAwaited) {
     mSerial.mTransfer = {{10, TransferStarted}, {10, TransferAbortRequest}};
     mSerial.mAnswerToAbort = TransferFailed;
     EXPECT_RAISED(mLink.KermitUpload(mPath, "X"), 1023);
+    EXPECT_THAT(mSerial.mLog, Contains("TransferState 6"));
+}
+
+TEST_F(FileTransfer, AnAbortThatTheControlAsksForIsNotTheEndYet) {
+    Expect("TRANSFER K \"R\"");
+    mSerial.mTransfer = {{10, TransferStarted}, {10, TransferAbortRequest}, {10, TransferIdle}};
+    mLink.KermitUpload(mPath, "X");
     EXPECT_THAT(mSerial.mLog, Contains("TransferState 6"));
 }
 
@@ -211,6 +319,41 @@ TEST_F(FileTransfer, BinaryUploadTakesTheOpenPortAsItIs) {
     EXPECT_THAT(mSerial.mLog, Not(Contains("Threshold 0")));
     EXPECT_EQ(mMessages.back(), "Uploading label.prg -1");
     EXPECT_EQ(mLink.UseCount(), 1);
+}
+
+TEST_F(FileTransfer, ABinaryTransferStartsOnAnEmptyLine) {
+    mLink.SetTerminalActive(true);
+    mSerial.mFlushes.clear();
+    GoesWell(1000, {50});
+    mLink.BinaryDownload(mPath, BinaryKermit);
+    EXPECT_THAT(mSerial.mFlushes, ElementsAre("Transmit", "Receive"));
+    EXPECT_THAT(mSerial.mLog, Contains("Protocol 6"));
+    EXPECT_THAT(mSerial.mLog, Contains("ReceiveFile " + mPath));
+}
+
+TEST_F(FileTransfer, ABinaryDownloadReadsItsBytesItself) {
+    mLink.SetTerminalActive(true);
+    GoesWell(1000, {50});
+    std::vector<std::int16_t> thresholds;
+    mOnStatus = [&](const std::string&, bool&) {
+        thresholds.push_back(mSerial.ReceiveThreshold());
+    };
+    mLink.BinaryDownload(mPath);
+    EXPECT_THAT(thresholds, AllOf(Not(IsEmpty()), Each(0)));
+    EXPECT_EQ(mSerial.ReceiveThreshold(), 1);
+}
+
+TEST_F(FileTransfer, EachTransferHasATargetNameOfItsOwn) {
+    Expect("TRANSFER K \"R\"");
+    GoesWell(10, {});
+    mLink.KermitUpload(mPath, "KERMITS.PRG");
+    mLink.SetTerminalActive(true);
+    GoesWell(10, {});
+    mLink.BinaryUpload(mPath);
+    EXPECT_EQ(mSerial.mTransferName, "label.prg");
+    GoesWell(10, {});
+    mLink.BinaryDownload(mPath);
+    EXPECT_EQ(mSerial.mTransferName, mPath);
 }
 
 TEST_F(FileTransfer, BinaryFailuresCarryTheKermitSources) {

@@ -66,12 +66,15 @@ class ScriptedSerial : public SerialControl, private ManualLoop::Source {
     std::string mTransferName;
     /// What an abort makes the control report, when set.
     std::optional<std::int16_t> mAnswerToAbort;
+    /// Called with each abort; may raise.
+    std::function<void()> mOnAbort;
 
     // -- What happened
 
-    /// Settings, opens, closes, flushes and modes in their order, such as "Settings 9600,N,8,1" or
-    /// "Open".
+    /// Settings, opens, closes and modes in their order, such as "Settings 9600,N,8,1" or "Open".
     std::vector<std::string> mLog;
+    /// The flushes of the open port: "Receive" and "Transmit".
+    std::vector<std::string> mFlushes;
     std::string mSent;
     std::string mTerminalText;
     bool HasSink() const { return static_cast<bool>(mSink); }
@@ -133,6 +136,7 @@ class ScriptedSerial : public SerialControl, private ManualLoop::Source {
     std::optional<std::int64_t> NextDue() const override;
     void Dispatch() override;
     void TakeArrivals() const;
+    void Empty();
     void StartTransfer(const std::string& what);
     void ReportLater(const Reported& reported, std::int32_t delay);
     void PlayScript();
