@@ -12,7 +12,8 @@
 namespace qncomm {
 
 /// A raw byte socket, such as a device server offers. It carries no line settings and no modem
-/// lines.
+/// lines. The socket itself loses nothing, but the line behind the server may, and it is slower: so
+/// it does not count as reliable, and what travels over it is acknowledged.
 ///
 /// Connecting is part of Open and bounded in time. A connection that is closed stays up for a
 /// moment, unused, and the next Open within it takes it up again: a search opens the port for each
@@ -30,7 +31,6 @@ class TcpChannel final : public FdChannel {
     void Close() override;
     IoResult Probe() override;
     IoResult Configure(const LineSettings& settings) override;
-    bool IsReliable() const override { return true; }
     std::size_t OutputPending() override { return 0; }
     void DiscardInput() override;
     void DiscardOutput() override {} // what the system took is on its way

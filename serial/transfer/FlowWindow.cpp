@@ -16,6 +16,8 @@ constexpr Time kJitter = std::chrono::milliseconds(15);
 constexpr double kSlack = 0.25;
 constexpr double kLongestDrain = 10; // seconds
 constexpr std::uint64_t kLargest = 4U << 20U;
+// What any line is tried with: the short packets before the data say little about its rate.
+constexpr double kFirst = 1024;
 
 double Seconds(Time span) {
     return std::max(1e-4, static_cast<double>(span.count()) * 1e-6);
@@ -87,7 +89,11 @@ std::uint64_t FlowWindow::Size(std::uint64_t piece) const {
     double slack = Rate() * kSlack;
     if (mErrorRate > 0) slack = std::min(slack, mTolerance / mErrorRate);
     const double held = Rate() * Seconds(mShortest + kJitter) + slack;
-    const double open = mRounds < kRoundsToSettle ? static_cast<double>(mOpening) : 0;
+    // Twice what the line is known to hold shows whether it holds more; beyond that a slow line
+    // with a deep buffer would only be filled for seconds, and a cancel would wait behind it.
+    const double twice = std::max(kFirst, 2 * Rate() * Seconds(mShortest) + slack);
+    const double open =
+        mRounds < kRoundsToSettle ? std::min(static_cast<double>(mOpening), twice) : 0;
     return std::min(kLargest, static_cast<std::uint64_t>(std::max(held, open)) + 2 * piece);
 }
 

@@ -166,7 +166,7 @@ void KermitSender::OnAck(unsigned sequence, const std::string& data, Time now) {
     m->flow.Acknowledged(slot.position, now, slot.tries == 0);
     m->piece.Travelled(slot.packet.size());
     m->flow.SetErrorRate(m->piece.ErrorRate());
-    if (m->flow.Rate() > 0) m->piece.Limit(static_cast<std::size_t>(m->flow.Rate()));
+    if (m->flow.Rate() > 0) m->piece.Limit(static_cast<std::size_t>(m->flow.Rate() / 2));
     const std::uint64_t position = slot.position;
     const bool timed = slot.tries == 0;
     ArmRetry(now);

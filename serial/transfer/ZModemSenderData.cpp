@@ -70,7 +70,7 @@ void ZModemSender::OnAcknowledge(std::uint64_t position, Time now) {
     m->flow.Acknowledged(position, now);
     // A piece should not occupy a slow line for long: what is behind it waits for it.
     m->flow.SetErrorRate(m->piece.ErrorRate());
-    if (m->flow.Rate() > 0) m->piece.Limit(static_cast<std::size_t>(m->flow.Rate()));
+    if (m->flow.Rate() > 0) m->piece.Limit(static_cast<std::size_t>(m->flow.Rate() / 2));
     mProgress.bytes = position;
     if (m->frameAwaited && position == m->position) m->frameAwaited = false;
     if (m->state == State::Data) Arm(m->flow.RetryAfter(m->piece.Current()), now);

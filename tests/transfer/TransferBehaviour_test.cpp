@@ -59,6 +59,27 @@ TYPED_TEST(Behaviour, WorksWithPiecesOfAnySize) {
     }
 }
 
+// 9600 baud behind a pseudo-terminal or a device server: what these have taken cannot be taken
+// back.
+TYPED_TEST(Behaviour, ACancelWaitsBehindLittleOfASlowLineWithADeepBuffer) {
+    for (const Time after : {2s, 5s, 15s, 30s}) {
+        LineSettings line = PacedLine(960);
+        line.buffer = 18000;
+        TypeParam pair({{"a.bin", RandomBytes(1 << 20, 3)}}, line);
+        std::optional<Time> start;
+        Time cancelled{0};
+        pair.rig.onStep = [&](Time now) {
+            if (!start) start = now;
+            if (cancelled != Time{0} || now - *start < after) return;
+            cancelled = now;
+            pair.sender.Cancel(now);
+        };
+        ASSERT_TRUE(pair.rig.Run(200s));
+        EXPECT_EQ(pair.receiver.Outcome(), Outcome::CancelledThere);
+        EXPECT_LT(pair.rig.Elapsed() - after, 4s);
+    }
+}
+
 TYPED_TEST(Behaviour, ProgressRisesToTheSizeOfTheFile) {
     TypeParam pair({{"a.bin", kContent}}, PacedLine());
     std::uint64_t sent = 0;

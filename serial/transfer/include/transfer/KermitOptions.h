@@ -19,9 +19,9 @@ struct KermitOptions {
     bool bSevenBits = false; // the line carries seven bits: the eighth travels as a prefix
     bool bRepeats = true;    // runs of one byte travel as a count
     bool bAttributes = true; // size, time and mode travel with the file
-    // The line loses and damages nothing (a socket, a program in this process): data may stream
-    // without being acknowledged when the other side says the same. The first damage ends that; the
-    // file then goes on in windows from where it was whole.
+    // The line loses and damages nothing and ends at the other side (a program in this process):
+    // data may stream without being acknowledged when the other side says the same. The first
+    // damage ends that; the file then goes on in windows from where it was whole.
     bool bReliable = false;
     Time patience = std::chrono::seconds(50); // fail after this long without a valid packet
 };
