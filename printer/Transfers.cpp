@@ -19,6 +19,9 @@ void clsQuorin::KermitUpload(const std::string& sSource, const std::string& sDes
                              bool bManual) {
     if (bManual) {
         Link().KermitUpload(sSource, sDestination, true);
+        // No table, no listing that is out of date now: the other side, which need be no printer of
+        // this system, is not looked for.
+        if (PrinterDevices()->IsEmpty()) return;
     } else {
         // Looked for first: a missing host file must not cost the printer's copy.
         if (!FileExists(sSource)) RaiseError(ErrUploadName, "clsDataLink,Upload");

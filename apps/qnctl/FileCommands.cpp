@@ -1,4 +1,5 @@
 #include "Command.h"
+#include "FileListing.h"
 #include "PlainCommand.h"
 #include "Session.h"
 
@@ -41,25 +42,11 @@ const qncomm::PrinterDeviceTable& DeviceTable(Session& session) {
     return *printer.PrinterDevices();
 }
 
-/// Lists a device into its record. The control knows the devices that hold files; of any other name
-/// the layer says itself what it thinks, as it does of a model that lists nothing.
-void List(Session& session, std::string name, bool system = false) {
-    try {
-        if (session.PrinterLists()) {
-            session.Control().Files(name, false, system);
-            return;
-        }
-    } catch (const qncomm::QNError& error) {
-        if (error.Number() != qncomm::ErrPropertyValue) throw;
-    }
-    session.Printer().Files(name, false, system);
-}
-
 /// Lists a device into its record. A device that the printer refuses to list (an empty card slot)
 /// is told by the printer's words.
 std::string ListDevice(Session& session, const clsPrinterDevice& device) {
     try {
-        List(session, device.Name);
+        FilesOn(session, device.Name);
     } catch (const qncomm::QNError& error) {
         if (error.Number() < qncomm::PrinterErrorBase) throw;
         return qncomm::Utf8FromPrinter(error.Description());
@@ -115,11 +102,11 @@ void ShowFileTable(const Output& out, const clsPrinterDevice& device) {
              + " bytes free");
 }
 
-Outcome ListFiles(Session& session, const FilesArguments& arguments) {
+Outcome ShowFiles(Session& session, const FilesArguments& arguments) {
     Outcome outcome;
     const auto given = ForPrinter(arguments.device, outcome);
     if (!given) return outcome;
-    List(session, *given, arguments.system);
+    FilesOn(session, *given, arguments.system);
     if (!session.PrinterLists()) return Done(session); // a box has told so
     const std::string name = *given + (given->ends_with(':') ? "" : ":");
     const auto device = session.Printer().PrinterDevices()->Item(name);
@@ -140,7 +127,7 @@ Command FilesCommand() {
                 app.add_option("DEVICE", arguments->device, "Such as ram: or c:")->required();
                 app.add_flag("--system", arguments->system, "System files, too");
             },
-            [arguments](Session& session) { return ListFiles(session, *arguments); }};
+            [arguments](Session& session) { return ShowFiles(session, *arguments); }};
 }
 
 Outcome NotDone() {

@@ -1,10 +1,12 @@
+#include "CancelledTransfer.h"
 #include "Command.h"
+#include "FileListing.h"
 #include "PlainCommand.h"
 #include "Session.h"
+#include "ShownTerminal.h"
 #include "TransferLines.h"
 
 #include "common/QNError.h"
-#include "common/StopWatch.h"
 
 #include <CLI/CLI.hpp>
 
@@ -34,30 +36,6 @@ std::int16_t ProtocolOf(const TransferArguments& arguments) {
     return arguments.protocol == "kermit" ? BinaryKermit : BinaryZModem;
 }
 
-/// Cancels the transfer as soon as Ctrl-C is pressed, not with its next whole percent: what tells
-/// the printer is to leave the line before the port is closed.
-std::unique_ptr<qncomm::RunningTimer> CancelWithTheProgram(Session& session) {
-    constexpr std::int32_t lookMs = 50;
-    return session.Loop().StartTimer(lookMs, [&session] {
-        if (session.Interrupted()) session.Serial().SetTransferState(qncomm::TransferAborting);
-    });
-}
-
-/// Waits until a printer that was told of the cancel is back at its prompt, so that the next
-/// command finds it there. Not for long: the person has asked for the end.
-void AwaitPrompt(Session& session) {
-    constexpr std::int32_t mostMs = 400;
-    constexpr std::string_view prompt = "Ok\r\n";
-    const qncomm::StopWatch watch(session.Loop());
-    std::string text = session.Serial().Read();
-    while (text.find(prompt) == std::string::npos) {
-        const std::int32_t left = watch.UntilExceeds(mostMs);
-        if (left == 0 || !session.Serial().PortOpen()) return;
-        session.Serial().WaitForReceive(left);
-        text += session.Serial().Read();
-    }
-}
-
 /// Runs the transfer and tells, when it failed, why the line's side thinks so.
 Outcome Carry(Session& session, const TransferArguments& arguments,
               const std::function<void()>& transfer) {
@@ -67,7 +45,7 @@ Outcome Carry(Session& session, const TransferArguments& arguments,
     try {
         transfer();
     } catch (const qncomm::OperationCancelled&) {
-        AwaitPrompt(session);
+        AwaitPrompt(session, progress.Whole().bytes > 0);
         throw;
     } catch (const qncomm::QNError& error) {
         if (session.Interrupted()) return Cancelled();
@@ -80,61 +58,55 @@ Outcome Carry(Session& session, const TransferArguments& arguments,
     return {};
 }
 
-/// The port open as for a shown terminal, with nothing sent.
-class OpenLine {
-  public:
-    explicit OpenLine(Session& session) : mLink(session.Link()) { mLink.SetTerminalActive(true); }
-    ~OpenLine() { mLink.SetTerminalActive(false); }
-    OpenLine(const OpenLine&) = delete;
-    OpenLine& operator=(const OpenLine&) = delete;
-
-  private:
-    qncomm::clsDataLink& mLink;
-};
-
-Outcome Binary(Session& session, const TransferArguments& arguments,
-               const std::function<void()>& transfer) {
+/// With the port open as for a shown terminal, and nothing sent.
+Outcome OnOpenLine(Session& session, const TransferArguments& arguments,
+                   const std::function<void()>& transfer) {
     session.Serial().SetPortOpen(true); // says why when it cannot be opened
-    const OpenLine line(session);
+    const ShownTerminal shown(session, {});
     return Carry(session, arguments, transfer);
+}
+
+/// The device of a printer's file name, with its colon; empty when it names none.
+std::string DeviceOf(const std::string& name) {
+    return name.substr(0, name.find(':') + 1);
+}
+
+/// Whether a device that is named is worth asking for its files: of one that is not there, or of a
+/// file that it does not hold, the printer says so at its prompt, and the protocol would be waited
+/// for in vain until its patience is over.
+bool MayLook(Session& session, const std::string& name) {
+    return !DeviceOf(name).empty() && session.PrinterLists();
 }
 
 Outcome SendKermit(Session& session, const TransferArguments& arguments) {
     Outcome outcome;
     const auto name = ForPrinter(arguments.printerName, outcome);
     if (!name) return outcome;
-    if (arguments.manual)
-        return Binary(session, arguments,
-                      [&] { session.Link().KermitUpload(arguments.hostFile, *name, true); });
+    const auto send = [&] {
+        session.Control().KermitUpload(arguments.hostFile, *name, arguments.manual);
+    };
+    if (arguments.manual) return OnOpenLine(session, arguments, send);
     if (Outcome connected = session.Connect(); !connected.Ok()) return connected;
-    return Carry(session, arguments,
-                 [&] { session.Printer().KermitUpload(arguments.hostFile, *name); });
-}
-
-/// Looks for the file where the printer can say what it holds: a printer that has nothing to send
-/// would be waited for until the protocol's patience is over. Sets the size of a file that is
-/// there.
-Outcome FindPrintersFile(Session& session, const std::string& name, std::int32_t& size) {
-    const std::size_t device = name.find(':') + 1;
-    if (device == 0 || !session.PrinterLists()) return {};
-    std::string listed = name.substr(0, device);
-    session.Printer().Files(listed, false, true);
-    const auto files = session.Printer().PrinterDevices()->Item(listed)->Files;
-    const std::string file = name.substr(device);
-    if (!files->Contains(file))
-        return Refused(ExitStatus::Error, "There is no file " + file + " on " + listed);
-    size = files->Item(file)->Size;
-    return {};
+    if (MayLook(session, *name)) FilesOn(session, DeviceOf(*name)); // raises what is wrong
+    return Carry(session, arguments, send);
 }
 
 Outcome ReceiveKermit(Session& session, const TransferArguments& arguments) {
     Outcome outcome;
     const auto name = ForPrinter(arguments.printerName, outcome);
     if (!name) return outcome;
-    std::int32_t size = 0;
-    if (Outcome there = FindPrintersFile(session, *name, size); !there.Ok()) return there;
-    return Carry(session, arguments,
-                 [&] { session.Printer().KermitDownload(*name, arguments.hostFile, size); });
+    if (MayLook(session, *name)) {
+        const std::string device = DeviceOf(*name);
+        const std::string file = name->substr(device.size());
+        if (const auto files = FilesOn(session, device, true); !files->Contains(file))
+            return Refused(ExitStatus::Error, "There is no file " + file + " on " + device);
+    }
+    return Carry(session, arguments, [&] {
+        if (session.PrinterLists())
+            session.Control().KermitDownload(*name, arguments.hostFile);
+        else // the control would look for the size, and tell the person in a box that it cannot
+            session.Printer().KermitDownload(*name, arguments.hostFile);
+    });
 }
 
 void DeclareResume(CLI::App& app, const Arguments& arguments) {
@@ -185,8 +157,8 @@ Command BinarySend() {
             DeclareResume(app, arguments);
         },
         [arguments](Session& session) {
-            return Binary(session, *arguments, [&] {
-                session.Link().BinaryUpload(arguments->hostFile, ProtocolOf(*arguments));
+            return OnOpenLine(session, *arguments, [&] {
+                session.Control().BinaryUpload(arguments->hostFile, ProtocolOf(*arguments));
             });
         }};
 }
@@ -201,8 +173,8 @@ Command BinaryReceive() {
                 DeclareResume(app, arguments);
             },
             [arguments](Session& session) {
-                return Binary(session, *arguments, [&] {
-                    session.Link().BinaryDownload(arguments->hostFile, ProtocolOf(*arguments));
+                return OnOpenLine(session, *arguments, [&] {
+                    session.Control().BinaryDownload(arguments->hostFile, ProtocolOf(*arguments));
                 });
             }};
 }

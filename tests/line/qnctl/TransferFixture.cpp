@@ -29,7 +29,15 @@ void TransferFixture::PrinterOnPty(const Arguments& options) {
 }
 
 void TransferFixture::PrinterOnTcp(const Arguments& options) {
-    StartSimulator(Joined({"--state", PathOf("state"), "--tcp", "0"}, options));
+    PrinterOnSocket("--tcp", options);
+}
+
+void TransferFixture::PrinterOnRemotePort(const Arguments& options) {
+    PrinterOnSocket("--rfc2217", options);
+}
+
+void TransferFixture::PrinterOnSocket(const std::string& kind, const Arguments& options) {
+    StartSimulator(Joined({"--state", PathOf("state"), kind, "0"}, options));
     mPort = Simulator().Out();
     mPort.erase(mPort.find('\n'));
 }

@@ -15,6 +15,7 @@ class TransferFixture : public QnctlFixture {
     /// Starts the virtual printer, which keeps its files in "state", and makes it the port.
     void PrinterOnPty(const Arguments& options = {});
     void PrinterOnTcp(const Arguments& options = {});
+    void PrinterOnRemotePort(const Arguments& options = {});
     /// Each run has a printer in its process, with the files that the one before left.
     void PrinterInProcess() { mPort = "sim:R7G?state=" + PathOf("state"); }
     /// The address that Carry uses.
@@ -41,6 +42,8 @@ class TransferFixture : public QnctlFixture {
     Ended Interrupt(const Arguments& arguments);
 
   private:
+    void PrinterOnSocket(const std::string& kind, const Arguments& options);
+
     std::string mPort;
 };
 

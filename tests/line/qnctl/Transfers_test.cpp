@@ -51,12 +51,19 @@ class TransferOver : public Transfer, public testing::WithParamInterface<Line> {
     TransferOver() { GetParam().start(*this); }
     using TransferFixture::PrinterInProcess;
     using TransferFixture::PrinterOnPty;
+    using TransferFixture::PrinterOnRemotePort;
     using TransferFixture::PrinterOnTcp;
 };
 
 const Line InProcess{"Sim", [](TransferOver& test) { test.PrinterInProcess(); }};
 const Line OnPty{"Pty", [](TransferOver& test) { test.PrinterOnPty(); }};
 const Line OnTcp{"Tcp", [](TransferOver& test) { test.PrinterOnTcp(); }};
+const Line OnRemotePort{"Rfc2217", [](TransferOver& test) { test.PrinterOnRemotePort(); }};
+
+const Arguments Slow{"--paced", "--baud", "9600"};
+const Line OnSlowPty{"Pty", [](TransferOver& test) { test.PrinterOnPty(Slow); }};
+const Line OnSlowTcp{"Tcp", [](TransferOver& test) { test.PrinterOnTcp(Slow); }};
+const Line OnSlowRemotePort{"Rfc2217", [](TransferOver& test) { test.PrinterOnRemotePort(Slow); }};
 
 std::string NameOf(const testing::TestParamInfo<Line>& line) {
     return line.param.name;
@@ -119,6 +126,35 @@ TEST_P(TransferOver, AFileThatThePrinterLacksLeavesNoFileHere) {
     EXPECT_FALSE(HasHostFile("none.bin"));
 }
 
+TEST_P(TransferOver, ADeviceThatThePrinterLacksIsToldAtOnce) {
+    for (const Arguments& arguments :
+         {Arguments{"kermit", "send", PathOf("data.bin"), "card7:X"},
+          Arguments{"kermit", "receive", "card7:X", PathOf("none.bin")}}) {
+        const Ended ended = Carry(arguments);
+        EXPECT_EQ(ended.status, 1);
+        EXPECT_THAT(ended.err, HasSubstr("error 1010: Missing or invalid device name."));
+    }
+    EXPECT_FALSE(HasHostFile("none.bin"));
+}
+
+TEST_P(TransferOver, ANameWithBlanksIsANameLikeAnyOther) {
+    WriteHostFile("two words.bin", mContent);
+    ASSERT_EQ(Carry({"kermit", "send", PathOf("two words.bin")}).status, 0);
+    ExpectIdentical("c:two words.bin");
+}
+
+TEST_P(TransferOver, AFileThatIsThereIsReplacedAndAFolderIsNot) {
+    ASSERT_EQ(Carry({"kermit", "send", PathOf("data.bin"), "c:DATA.BIN"}).status, 0);
+    WriteHostFile("back.bin", "what stood here before");
+    MakeFolder("in");
+    EXPECT_EQ(Carry({"kermit", "receive", "c:DATA.BIN", PathOf("back.bin")}).status, 0);
+    EXPECT_TRUE(HostFile("back.bin") == mContent);
+    const Ended fetched = Carry({"kermit", "receive", "c:DATA.BIN", PathOf("in")});
+    EXPECT_EQ(fetched.status, 1);
+    EXPECT_THAT(fetched.err, HasSubstr("in: is a directory)"));
+    EXPECT_TRUE(FolderIsEmpty("in"));
+}
+
 TEST_P(TransferOver, AFolderThatTakesNoFileIsTheStatedReason) {
     ASSERT_EQ(Carry({"kermit", "send", PathOf("data.bin"), "c:DATA.BIN"}).status, 0);
     // Nobody makes files in /sys, whatever rights they have.
@@ -128,7 +164,8 @@ TEST_P(TransferOver, AFolderThatTakesNoFileIsTheStatedReason) {
     EXPECT_EQ(Carry({"send", "PRINT 7"}).out, "7\n") << "the printer is at its prompt";
 }
 
-INSTANTIATE_TEST_SUITE_P(Lines, TransferOver, testing::Values(InProcess, OnPty, OnTcp), NameOf);
+INSTANTIATE_TEST_SUITE_P(Lines, TransferOver,
+                         testing::Values(InProcess, OnPty, OnTcp, OnRemotePort), NameOf);
 
 /// Over the lines on which a printer goes on between two programs of the host.
 class TransferToWaiting : public TransferOver {};
@@ -158,7 +195,22 @@ TEST_P(TransferToWaiting, BinaryCarriesAFileThereAndBackByEitherProtocol) {
     }
 }
 
-INSTANTIATE_TEST_SUITE_P(Lines, TransferToWaiting, testing::Values(OnPty, OnTcp), NameOf);
+INSTANTIATE_TEST_SUITE_P(Lines, TransferToWaiting, testing::Values(OnPty, OnTcp, OnRemotePort),
+                         NameOf);
+
+/// What the lines' devices have taken of a file goes on to the printer for seconds.
+class TransferOverSlow : public TransferOver {};
+
+TEST_P(TransferOverSlow, TheNextCommandAfterACancelFindsThePrinterAtItsPrompt) {
+    WriteHostFile("long.bin", Content(300'000));
+    const Ended ended = Interrupt({"kermit", "send", PathOf("long.bin"), "c:LONG.BIN"});
+    EXPECT_EQ(ended.status, 130);
+    const Ended next = Carry({"send", "PRINT 7"});
+    EXPECT_EQ(next.out, "7\n") << next.err;
+}
+
+INSTANTIATE_TEST_SUITE_P(Lines, TransferOverSlow,
+                         testing::Values(OnSlowPty, OnSlowTcp, OnSlowRemotePort), NameOf);
 
 TEST_F(Transfer, ALineThatIsCutLeavesNoFile) {
     PrinterOnPty();

@@ -65,11 +65,41 @@ TEST_F(Transfers, AFailedUploadMarksTheDeviceAllTheSame) {
     EXPECT_TRUE(mQuorin.PrinterDevices()->Item("ram:")->Dirty);
 }
 
-TEST_F(Transfers, AManualUploadSendsNothingBeforeTheProtocol) {
+TEST_F(Transfers, AManualUploadSendsNothingAndMarksItsDevice) {
     Know("R7A");
+    EXPECT_RAISED(mQuorin.ChDir(":"), 1010); // makes the table of devices
+    const auto device = mQuorin.PrinterDevices()->Item("ram:");
+    device->Dirty = false;
     const std::size_t sent = mSerial.mSent.size();
     mQuorin.KermitUpload(mPath, "ram:X.PRG", true);
     EXPECT_EQ(mSerial.mSent.size(), sent);
+    EXPECT_TRUE(device->Dirty);
+}
+
+TEST_F(Transfers, AManualUploadLooksForNoPrinterWhereNothingIsListedYet) {
+    mQuorin.KermitUpload(mPath, "X.PRG", true);
+    EXPECT_EQ(mSerial.mSent, "");
+}
+
+TEST_F(Transfers, AFailedUploadAsksNothingMoreOfThePrinter) {
+    Know("R7A");
+    ScriptCurrentDevice("ram:");
+    mSerial.Handshake().Exchange("KILL \"card1:X.PRG\"");
+    mSerial.Handshake()
+        .Expect("CHDIR\"card1:\":TRANSFER K \"R\"\r\n")
+        .Reply("CHDIR\"card1:\":TRANSFER K \"R\"\r\n");
+    mSerial.mTransfer = {{1, TransferStarted}, {1, TransferFailed}};
+    EXPECT_RAISED(mQuorin.KermitUpload(mPath, "card1:X.PRG"), 1023);
+    EXPECT_TRUE(mSerial.ScriptDone());
+}
+
+TEST_F(Transfers, WithoutAKnownCurrentDeviceNoneIsMadeCurrentAgain) {
+    Know("R7A");
+    mSerial.Handshake().Exchange("FILES \".\"", {"no device here"});
+    mSerial.Handshake().Exchange("KILL \"card1:X.PRG\"");
+    ScriptKermit("CHDIR\"card1:\":TRANSFER K \"R\"");
+    mQuorin.KermitUpload(mPath, "card1:X.PRG");
+    EXPECT_TRUE(mSerial.ScriptDone());
 }
 
 } // namespace
