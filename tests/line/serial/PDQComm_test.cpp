@@ -250,6 +250,18 @@ TEST_F(SerialControlTest, ACancelGoesAheadOfWhatWaitsForTheLine) {
     EXPECT_LT(mPort.TransferState(), TransferStarted);
 }
 
+TEST_F(SerialControlTest, ATransferBeginsWithWhatHasComeBeforeIt) {
+    Open().Arrive("rz\r**\x18"
+                  "B0100000023be50\r\n\x11"); // a receiver was started a moment ago
+    mReactor.Yield(0);
+    const ScratchFolder folder;
+    mPort.SetTransferKind(TransferBinary);
+    mPort.SetBinaryProtocol(BinaryZModem);
+    mPort.SendFile(folder.Write("a.bin", "x"));
+    mReactor.Yield(0);
+    EXPECT_THAT(mLine.written, HasSubstr("a.bin")) << "the file is offered at once";
+}
+
 TEST_F(SerialControlTest, AWaitWithoutDispatchStillSendsWhatIsQueued) {
     Open();
     mLine.takes = 0;

@@ -7,9 +7,12 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <filesystem>
 #include <fstream>
+#include <functional>
 #include <sstream>
+#include <vector>
 
 namespace qncomm::testing {
 namespace {
@@ -92,6 +95,54 @@ TEST(StackTransferFailure, AMissingPrinterFileFailsAndLeavesNoHostFile) {
                        "1022 QNComm, clsDataLink:KermitDownload");
     EXPECT_FALSE(std::filesystem::exists(target));
     EXPECT_EQ(stack.mLink.UseCount(), 0);
+}
+
+/// The states that the serial control reports of a transfer that nobody else follows.
+std::vector<std::int16_t> StatesOf(Stack& stack, ManualReactor& reactor,
+                                   const std::function<void(PDQComm&)>& start) {
+    std::vector<std::int16_t> states;
+    PDQComm& port = stack.mSerial;
+    port.SetEventSink([&](SerialEvent event) {
+        if (event == SerialEventTransfer) states.push_back(port.TransferState());
+    });
+    start(port);
+    reactor.Pass(120'000);
+    return states;
+}
+
+TEST(StackTransferStates, BeginWithStartedAndEndWithIdleOrFailedAndNothingElse) {
+    ManualReactor reactor;
+    Stack stack(reactor, "sim:R7G");
+    const std::string path = ::testing::TempDir() + "states.bin";
+    std::ofstream(path) << "ten bytes.";
+    stack.Ask("PRINT 1"); // finds the printer's settings
+    auto good = StatesOf(stack, reactor, [&](PDQComm& port) {
+        port.SetPortOpen(true);
+        port.Write("TRANSFER K \"R\"\r");
+        reactor.Pass(200);
+        port.FlushReceive();
+        port.SendFile(path);
+    });
+    good.erase(std::ranges::unique(good).begin(), good.end()); // it moves more than once
+    EXPECT_EQ(good, (std::vector<std::int16_t>{TransferStarted, TransferAnnounced, TransferMoving,
+                                               TransferClosing, TransferIdle}));
+    const std::vector<std::int16_t> failed{TransferStarted, TransferFailed};
+    EXPECT_EQ(StatesOf(stack, reactor, [](PDQComm& port) { port.SendFile("/no/such"); }), failed);
+    EXPECT_EQ(StatesOf(stack, reactor, [&](PDQComm& port) { port.ReceiveFile(path); }), failed)
+        << "nobody sends";
+    EXPECT_EQ(StatesOf(stack, reactor,
+                       [&](PDQComm& port) {
+                           port.ReceiveFile(path);
+                           port.SetTransferState(TransferAborting);
+                       }),
+              failed);
+    EXPECT_EQ(StatesOf(stack, reactor,
+                       [&](PDQComm& port) {
+                           port.SetPortOpen(false);
+                           port.SendFile(path);
+                       }),
+              failed);
+    std::filesystem::remove(path);
 }
 
 TEST(StackTransferFailure, ABinaryDownloadLooksAtNeitherPortNorFileAndFailsOnAClosedPort) {

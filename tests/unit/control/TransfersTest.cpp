@@ -52,6 +52,9 @@ TEST_F(Transfers, UploadBSendsTheChosenFileByTheChosenProtocol) {
     EXPECT_THAT(mSerial.mLog, Contains("SendFile " + path));
     EXPECT_THAT(mSerial.mLog, Contains("Kind 2"));
     EXPECT_THAT(mSerial.mLog, Contains("Protocol 5"));
+    TransferGoesWell(3);
+    Press("UploadB", "a.bin", BinaryKermit);
+    EXPECT_THAT(mSerial.mLog, Contains("Protocol 6"));
 }
 
 TEST_F(Transfers, DownloadBWritesTheChosenFileByTheChosenProtocol) {

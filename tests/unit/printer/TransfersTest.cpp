@@ -20,6 +20,15 @@ class Transfers : public PrinterFixture {
         mSerial.Handshake().Exchange("FILES \".\"",
                                      {"FILES ON " + device, "1 BYTES FREE 1 BYTES USED"});
     }
+    /// A device whose list is not out of date, nor becomes so before the file travels.
+    std::shared_ptr<clsPrinterDevice> Listed(const std::string& name) {
+        Know("R7A");
+        EXPECT_RAISED(mQuorin.ChDir(":"), 1010); // makes the table of devices
+        const auto device = mQuorin.PrinterDevices()->Item(name);
+        mSerial.mOnThreshold = [device](std::int16_t) { device->Dirty = false; };
+        device->Dirty = false;
+        return device;
+    }
     void ScriptKermit(const std::string& command) {
         mSerial.Handshake().Expect(command + "\r\n").Reply(command + "\r\n").Reply("Ok\r\n", 100);
     }
@@ -53,8 +62,29 @@ TEST_F(Transfers, AMissingHostFileDoesNotCostThePrintersCopy) {
     EXPECT_EQ(mSerial.mSent, "");
 }
 
+TEST_F(Transfers, AnUploadMarksTheDeviceWhenItIsThere) {
+    const auto device = Listed("ram:");
+    ScriptCurrentDevice("ram:");
+    mSerial.Handshake().Exchange("KILL \"ram:X.PRG\"");
+    ScriptKermit("CHDIR\"ram:\":TRANSFER K \"R\"");
+    mQuorin.KermitUpload(mPath, "ram:X.PRG");
+    EXPECT_TRUE(device->Dirty);
+}
+
+TEST_F(Transfers, AnUploadWithoutADeviceMarksTheCurrentOneAndMakesNoneCurrent) {
+    const auto device = Listed("ram:");
+    ScriptCurrentDevice("ram:");
+    mSerial.Handshake().Exchange("KILL \"X.PRG\"");
+    ScriptCurrentDevice("ram:"); // what was deleted
+    ScriptKermit("TRANSFER K \"R\"");
+    ScriptCurrentDevice("ram:"); // what has come
+    mQuorin.KermitUpload(mPath, "X.PRG");
+    EXPECT_TRUE(device->Dirty);
+    EXPECT_TRUE(mSerial.ScriptDone());
+}
+
 TEST_F(Transfers, AFailedUploadMarksTheDeviceAllTheSame) {
-    Know("R7A");
+    const auto device = Listed("ram:");
     ScriptCurrentDevice("ram:");
     mSerial.Handshake().Exchange("KILL \"ram:X.PRG\"");
     mSerial.Handshake()
@@ -62,14 +92,11 @@ TEST_F(Transfers, AFailedUploadMarksTheDeviceAllTheSame) {
         .Reply("CHDIR\"ram:\":TRANSFER K \"R\"\r\n");
     mSerial.mTransfer = {{1, TransferStarted}, {1, TransferFailed}};
     EXPECT_RAISED(mQuorin.KermitUpload(mPath, "ram:X.PRG"), 1023);
-    EXPECT_TRUE(mQuorin.PrinterDevices()->Item("ram:")->Dirty);
+    EXPECT_TRUE(device->Dirty);
 }
 
 TEST_F(Transfers, AManualUploadSendsNothingAndMarksItsDevice) {
-    Know("R7A");
-    EXPECT_RAISED(mQuorin.ChDir(":"), 1010); // makes the table of devices
-    const auto device = mQuorin.PrinterDevices()->Item("ram:");
-    device->Dirty = false;
+    const auto device = Listed("ram:");
     const std::size_t sent = mSerial.mSent.size();
     mQuorin.KermitUpload(mPath, "ram:X.PRG", true);
     EXPECT_EQ(mSerial.mSent.size(), sent);
