@@ -11,6 +11,14 @@ inline std::uint64_t FaultsWanted() {
     return wanted != nullptr ? std::strtoull(wanted, nullptr, 10) : 10000;
 }
 
+// The number of a campaign's first transfer: what goes wrong in each follows from its number, so
+// that shares of a campaign that begin far apart repeat nothing, and one that failed is repeated
+// alone.
+inline std::uint64_t FirstSeed() {
+    const char* first = std::getenv("QN_FIRST_SEED"); // NOLINT(concurrency-mt-unsafe): as above
+    return first != nullptr ? std::strtoull(first, nullptr, 10) : 1;
+}
+
 // Whether every combination of settings is to be tried instead of a choice that covers each pair.
 inline bool EveryCombinationIsWanted() {
     return std::getenv("QN_EVERY_COMBINATION")

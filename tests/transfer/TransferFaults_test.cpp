@@ -92,14 +92,14 @@ void Survive(std::uint64_t seed, std::uint64_t& faults, const SenderOptions& sen
 
 TEST(TransferFaults, ZModemSurvivesWhatLinesDo) {
     std::uint64_t faults = 0;
-    for (std::uint64_t seed = 1; faults < FaultsWanted(); ++seed) {
+    for (std::uint64_t seed = FirstSeed(); faults < FaultsWanted(); ++seed) {
         Survive<ZPair>(seed, faults, ZModemSenderOptions{}, ZModemReceiverOptions{});
     }
 }
 
 TEST(TransferFaults, KermitSurvivesWhatLinesDo) {
     std::uint64_t faults = 0;
-    for (std::uint64_t seed = 1; faults < FaultsWanted(); ++seed) {
+    for (std::uint64_t seed = FirstSeed(); faults < FaultsWanted(); ++seed) {
         Survive<KPair>(seed, faults, KermitOptions{}, KermitOptions{});
     }
 }
@@ -109,7 +109,7 @@ TEST(TransferFaults, StreamingKermitSurvivesWhatLinesDo) {
     KermitOptions options;
     options.bReliable = true;
     std::uint64_t faults = 0;
-    for (std::uint64_t seed = 1; faults < FaultsWanted(); ++seed) {
+    for (std::uint64_t seed = FirstSeed(); faults < FaultsWanted(); ++seed) {
         Survive<KPair>(seed, faults, options, options);
     }
 }
