@@ -2,6 +2,7 @@
 
 #include "PortBook.h"
 
+#include "qt/Mnemonics.h"
 #include "serial/PortAddress.h"
 
 #include <QDialogButtonBox>
@@ -107,6 +108,7 @@ void AddressDialog::Build() {
     layout->addLayout(line);
     layout->addWidget(mNote);
     layout->addWidget(mButtons);
+    qncomm::GiveMnemonics(*this);
     constexpr QSize usual{620, 460};
     resize(usual);
 }

@@ -1,5 +1,7 @@
 #include "Ask.h"
 
+#include "qt/Mnemonics.h"
+
 #include <QFileDialog>
 #include <QInputDialog>
 #include <QMessageBox>
@@ -28,6 +30,7 @@ void AskText(QWidget* parent, const QString& sTitle, const QString& sLabel, cons
     dialog->setTextValue(sInitial);
     constexpr int usualWidth = 380;
     dialog->resize(usualWidth, dialog->sizeHint().height());
+    qncomm::GiveMnemonics(*dialog);
     QObject::connect(
         dialog, &QInputDialog::textValueSelected, parent,
         [answered](const QString& text) {
@@ -44,6 +47,7 @@ void AskBefore(QWidget* parent, const QString& sText, const QString& sDetail,
     box->setInformativeText(sDetail);
     const QPushButton* button = box->addButton(sButton, QMessageBox::AcceptRole);
     box->setDefaultButton(QMessageBox::Cancel);
+    qncomm::GiveMnemonics(*box);
     QObject::connect(
         button, &QPushButton::clicked, parent, [agreed] { agreed(); }, Qt::QueuedConnection);
     box->open();

@@ -4,12 +4,14 @@
 #include "PartsFixture.h"
 
 #include "AddressDialog.h"
+#include "Ask.h"
 #include "CommandLine.h"
 #include "LabelView.h"
 #include "PcxImage.h"
 #include "PortBook.h"
 #include "PreviewPane.h"
 #include "StatusView.h"
+#include "support/Accessible.h"
 
 #include <QDialogButtonBox>
 #include <QLabel>
@@ -168,6 +170,37 @@ TEST(PortChooser, AMachinesPortShowsItsStateAndIsChosenByEnter) {
     dialog.show();
     QTest::keyClick(dialog.findChild<QLineEdit*>(), Qt::Key_Return);
     EXPECT_EQ(chosen, "/dev/ttyUSB0");
+}
+
+/// A window whose fields have names, and captions with keys that are there to be read.
+void ExpectUsableByKeys(QWidget& window) {
+    const auto stops = qncomm::testing::StopsOf(window);
+    EXPECT_THAT(stops.nameless, testing::IsEmpty());
+    EXPECT_GT(stops.count, 1);
+    EXPECT_THAT(qncomm::testing::CaptionsWithoutKey(window), testing::IsEmpty());
+    EXPECT_THAT(qncomm::testing::CutCaptions(window), testing::IsEmpty());
+}
+
+TEST(PortChooser, IsUsableByKeysAlone) {
+    AddressDialog dialog({}, "");
+    dialog.show();
+    ASSERT_TRUE(QTest::qWaitForWindowExposed(&dialog));
+    ExpectUsableByKeys(dialog);
+}
+
+TEST(Questions, AreUsableByKeysAlone) {
+    QWidget window;
+    window.show();
+    AskText(&window, "Rename", "New name of c:A.PRG:", "A.PRG", [](const QString&) {});
+    AskBefore(&window, "Delete c:A.PRG from the printer?", "This cannot be undone.", "&Delete",
+              [] {});
+    int seen = 0;
+    for (auto* dialog : window.findChildren<QDialog*>()) {
+        ASSERT_TRUE(QTest::qWaitForWindowExposed(dialog));
+        ExpectUsableByKeys(*dialog);
+        ++seen;
+    }
+    EXPECT_EQ(seen, 2);
 }
 
 TEST(PortChooser, AnUnfinishedAddressCannotBeChosen) {
