@@ -7,6 +7,7 @@
 
 #include <QCoreApplication>
 #include <QEventLoop>
+#include <QThread>
 #include <QTimer>
 
 #include <string>
@@ -91,7 +92,11 @@ TEST(QtReactorInALoop, AnErrorInADialogsLoopIsNotKeptForTheYieldBelow) {
 TEST(QtReactorInALoop, AYieldDispatchesWhatTheToolkitHas) {
     QtReactor reactor;
     bool dispatched = false;
-    QTimer::singleShot(2, QCoreApplication::instance(), [&] { dispatched = true; });
+    const int level = QThread::currentThread()->loopLevel();
+    QTimer::singleShot(2, QCoreApplication::instance(), [&] {
+        dispatched = true;
+        EXPECT_EQ(QThread::currentThread()->loopLevel(), level) << "a loop within the loop";
+    });
     while (!dispatched)
         reactor.Yield(AnHourMs);
 }

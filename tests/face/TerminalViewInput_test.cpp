@@ -2,6 +2,7 @@
 
 #include "ScreenReaderText.h"
 #include "TerminalText.h"
+#include "support/Accessible.h"
 #include "support/Pictures.h"
 #include "support/ViewRig.h"
 #include "support/Windows.h"
@@ -238,6 +239,8 @@ TEST(ViewSearch, CtrlFAsksEnterGoesOnAndEscapeReturnsToTheTerminal) {
     QTest::keyClick(text, Qt::Key_Return, Qt::ShiftModifier);
     EXPECT_EQ(MarkedLine(rig), "line 29");
     SavePicture(rig.view, QStringLiteral("view-search"));
+    EXPECT_EQ(StopsOf(rig.view).nameless, std::vector<std::string>());
+    EXPECT_EQ(StopsOf(rig.view).count, 5) << "terminal, text, back, forward, close";
     QTest::keyClicks(text, QStringLiteral(" not there"));
     QTest::keyClick(text, Qt::Key_Return);
     SavePicture(rig.view, QStringLiteral("view-search-nothing"));
