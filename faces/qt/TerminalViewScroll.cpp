@@ -23,12 +23,16 @@ void TerminalView::LayOut() {
     UpdateScrollBars();
 }
 
-/// The line at the top when the end of the text is at the bottom.
+/// The line at the top when the end of the text is at the bottom. A screen that was cleared is
+/// shown from its first row, empty as it is below, and not what has scrolled off it.
 std::uint64_t TerminalView::LastTop() const {
     const Parts& p = *mParts;
     const std::uint64_t begin = p.text.Begin();
     const auto rows = static_cast<std::uint64_t>(p.rows);
-    return p.contentEnd > begin + rows ? p.contentEnd - rows : begin;
+    const auto screenRows = static_cast<std::uint64_t>(p.grid.Rows());
+    const std::uint64_t end =
+        std::max(p.contentEnd, p.text.ScreenBegin() + std::min(rows, screenRows));
+    return end > begin + rows ? end - rows : begin;
 }
 
 void TerminalView::FollowCursor() {

@@ -1,5 +1,6 @@
 // What the terminal view shows, and where it stays while more comes.
 
+#include "TerminalText.h"
 #include "support/Pictures.h"
 #include "support/ViewRig.h"
 #include "support/Windows.h"
@@ -43,6 +44,20 @@ TEST(View, StaysWhereThePersonLooksBackWhileMoreComes) {
     rig.Press(Qt::Key_A); // who types wants to see it
     EXPECT_TRUE(rig.view.Follows());
     EXPECT_TRUE(rig.view.rect().contains(rig.view.CursorRect()));
+}
+
+TEST(View, AClearedScreenIsShownFromItsFirstRow) {
+    ViewRig rig;
+    rig.ReceiveLines(1, 400);
+    rig.Receive("\x1B[2J\x1B[Hfresh");
+    EXPECT_EQ(rig.LineInView(0), "fresh");
+    EXPECT_TRUE(rig.view.Follows());
+    TurnWheel(*rig.view.viewport(), 1);
+    EXPECT_EQ(rig.LineInView(0).substr(0, 5), "line ") << "what scrolled off is kept";
+    QScrollBar& bar = *rig.view.verticalScrollBar();
+    bar.setValue(bar.maximum());
+    EXPECT_EQ(rig.LineInView(0), "fresh");
+    EXPECT_TRUE(rig.view.Follows());
 }
 
 TEST(View, ALineThatIsNoLongerKeptGivesWayToTheOldestThatIs) {
@@ -253,11 +268,19 @@ TEST(View, ThreeHundredColumnsOfWideLettersAndNoiseAreShown) {
     std::string noise;
     for (int i = 0; i < 100'000; ++i)
         noise += static_cast<char>(i * 7919 >> 3);
-    rig.Receive(std::string(300, 'W') + "\r\n" + noise);
+    rig.Receive(std::string(300, 'W') + "\r\n");
+    QScrollBar& along = *rig.view.horizontalScrollBar();
+    along.setValue(along.maximum());
+    EXPECT_TRUE(rig.view.viewport()->rect().contains(rig.view.CellRect(0, 299)));
+    EXPECT_GT(ColoursIn(rig, 0, 299), 1);
+    along.setValue(0);
+    rig.Receive(noise);
     rig.Receive(std::string(50'000, '\x1B') + "[999999999;999999999H\x1B[");
     SavePicture(rig.view, QStringLiteral("view-noise"));
     rig.Receive("\x18\x1B[2J\x1B[Hsane again");
     EXPECT_EQ(rig.grid.Row(1).text.substr(0, 10), "sane again");
+    EXPECT_EQ(rig.LineInView(0).substr(0, 10), "sane again");
+    EXPECT_GT(ColoursIn(rig, 0, 0), 1);
 }
 
 TEST(View, AWindowOnePixelHighIsShownToo) {
@@ -265,6 +288,9 @@ TEST(View, AWindowOnePixelHighIsShownToo) {
     for (const QSize size : {QSize(640, 1), QSize(1, 1), QSize(1, 400), QSize(640, 320)}) {
         rig.view.resize(size);
         rig.ReceiveLines(1, 50);
+        const std::uint64_t line = TerminalText(rig.grid).CursorLine();
+        EXPECT_LE(rig.view.TopLine(), line) << "beyond the text";
+        EXPECT_TRUE(size.height() > 1 || rig.view.TopLine() == line) << "the last line is shown";
     }
     EXPECT_TRUE(rig.view.rect().contains(rig.view.CursorRect()));
 }
