@@ -62,8 +62,8 @@ std::shared_ptr<PrinterFiles> QNComm::CachedList(const std::string& device, bool
                                                  List list) {
     const Operation operation = Begin();
     const EndBusy endBusy;
-    if (!HasFiles(*operation->PrinterDevices(), device)) list(*operation.operator->());
-    if (refresh || operation->PrinterDevices()->Item(device)->Dirty) list(*operation.operator->());
+    if (!HasFiles(*operation->PrinterDevices(), device)) list(*operation);
+    if (refresh || operation->PrinterDevices()->Item(device)->Dirty) list(*operation);
     return operation->PrinterDevices()->Item(device)->Files;
 }
 

@@ -45,6 +45,7 @@ class QNComm::Operation {
     Operation(const Operation&) = delete;
     Operation& operator=(const Operation&) = delete;
 
+    clsQuorin& operator*() const { return mMembers->quorin; }
     clsQuorin* operator->() const { return &mMembers->quorin; }
     clsDataLink& Link() const { return mMembers->link; }
 

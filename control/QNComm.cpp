@@ -23,22 +23,6 @@ class Relaying {
     int& mDepth;
 };
 
-/// Keeps an object until the loop's turn in which isFree first holds.
-template <class Object, class IsFree>
-void KeepUntil(MessageLoop& loop, std::shared_ptr<Object> object, IsFree isFree) {
-    struct Keeper {
-        std::shared_ptr<Object> object;
-        std::unique_ptr<RunningTimer> timer;
-    };
-    const auto keeper = std::make_shared<Keeper>();
-    keeper->object = std::move(object);
-    keeper->timer = loop.StartTimer(SoonestTurn, [keeper, isFree] {
-        if (!keeper->object || !isFree(*keeper->object)) return;
-        keeper->object.reset();
-        const auto ended = std::move(keeper->timer); // the last to hold this handler
-    });
-}
-
 } // namespace
 
 QNComm::QNComm(const ControlParts& parts, const ControlServices& services)
@@ -101,6 +85,20 @@ void QNComm::Wire() {
     }));
 }
 
+/// Keeps the members until the loop's turn in which none of their events is being relayed.
+void QNComm::KeepUntilRelayed(MessageLoop& loop, std::shared_ptr<Members> members) {
+    struct Keeper {
+        std::shared_ptr<Members> members;
+        std::unique_ptr<RunningTimer> timer;
+    };
+    const auto keeper = std::make_shared<Keeper>(Keeper{std::move(members), nullptr});
+    keeper->timer = loop.StartTimer(SoonestTurn, [keeper] {
+        if (!keeper->members || keeper->members->events > 0) return;
+        keeper->members.reset();
+        const auto ended = std::move(keeper->timer); // the last to hold this handler
+    });
+}
+
 /// Lets go of the members, the link first. What of them is still on the stack ends on its own; they
 /// go when it has.
 void QNComm::Release() {
@@ -108,8 +106,7 @@ void QNComm::Release() {
     if (!members) return;
     members->released = true;
     members->relays.clear();
-    if (members->events > 0)
-        KeepUntil(mServices.loop, members, [](const Members& kept) { return kept.events == 0; });
+    if (members->events > 0) KeepUntilRelayed(mServices.loop, members);
     members->link.TearDown();
     members->quorin.TearDown();
     mParts.PDQComm1.SetTag({}); // the mark of an operation that was cut short

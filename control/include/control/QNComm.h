@@ -287,6 +287,7 @@ class QNComm {
     Operation Begin() const;
     void Wire();
     void Release();
+    static void KeepUntilRelayed(MessageLoop& loop, std::shared_ptr<Members> members);
     static PersistedProperties ReadAll(const PropertyBag& bag);
     void Apply(const PersistedProperties& properties);
     void LayOut();

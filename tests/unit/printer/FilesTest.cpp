@@ -47,6 +47,15 @@ TEST_F(Files, SystemFilesAreAskedForOnExtendedModelsOnly) {
     mQuorin.Files(card, false, true);
 }
 
+TEST_F(Files, APathIsAskedForAndThenBelongsToNoDevice) {
+    Know("R7A");
+    for (std::string path : {"ram:x", "ram: "}) {
+        Script("FILES\"" + path + "\"", SomeFiles);
+        EXPECT_RAISED(mQuorin.Files(path), RtInvalidCall) << path;
+    }
+    EXPECT_TRUE(Device("ram:").Files->IsEmpty());
+}
+
 TEST_F(Files, ARefusedPortLeavesTheDeviceAsItWas) {
     KnowCleanDevices("R7A");
     std::string device = "ram:";
