@@ -2,7 +2,6 @@
 
 #include "PollCalls.h"
 #include "common/QNError.h"
-#include "platform/FdWait.h"
 #include "platform/Interrupt.h"
 
 #include <algorithm>
@@ -43,16 +42,11 @@ class PollLoop::WatchSlot final : public FdWatch {
 PollLoop::PollLoop(Interrupt* interrupt, std::int32_t lGraceMs)
     : mPoll{pollfd{interrupt != nullptr ? interrupt->Handle() : -1, POLLIN, 0}},
       mHandlers(1),
-      mAlarms(*this),
       mInterrupt(interrupt),
       mGraceUs(std::int64_t{lGraceMs} * 1000),
       mCancelAt(Never) {}
 
 PollLoop::~PollLoop() = default;
-
-std::int64_t PollLoop::NowUs() const {
-    return MonotonicUs();
-}
 
 void PollLoop::Yield(std::int32_t lLimit) {
     const std::int64_t now = NowUs();
@@ -97,15 +91,6 @@ void PollLoop::CheckInterrupt(std::int64_t now) {
     throw OperationCancelled();
 }
 
-std::unique_ptr<RunningTimer> PollLoop::StartTimer(std::int32_t lInterval,
-                                                   std::function<void()> handler) {
-    return mAlarms.StartTimer(lInterval, std::move(handler));
-}
-
-std::unique_ptr<Alarm> PollLoop::CreateAlarm(std::function<void()> handler) {
-    return mAlarms.Create(std::move(handler));
-}
-
 std::size_t PollLoop::FreeSlot() {
     for (std::size_t slot = InterruptSlot + 1; slot < mPoll.size(); ++slot)
         if (!mHandlers[slot]) return slot;
@@ -122,10 +107,6 @@ std::unique_ptr<FdWatch> PollLoop::Watch(int fd, FdEvents events,
     auto watch = std::make_unique<WatchSlot>(*this, slot);
     watch->Want(events);
     return watch;
-}
-
-FdEvents PollLoop::WaitFor(int fd, FdEvents events, std::int64_t lLimitUs) {
-    return WaitForFd(fd, events, lLimitUs);
 }
 
 } // namespace qncomm

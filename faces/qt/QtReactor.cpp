@@ -1,6 +1,5 @@
 #include "qt/QtReactor.h"
 
-#include "platform/FdWait.h"
 #include "qt/ErrorBox.h"
 
 #include <QAbstractEventDispatcher>
@@ -129,11 +128,11 @@ class QtReactor::Owner final : public QObject {
 };
 
 QtReactor::QtReactor(ErrorHandler onError)
-    : mOnError(std::move(onError)),
+    : SystemReactor([this] { Arm(); }),
+      mOnError(std::move(onError)),
       mEpoll(NeededFd(::epoll_create1(EPOLL_CLOEXEC))),
       mTimer(NeededFd(::timerfd_create(CLOCK_MONOTONIC, TFD_CLOEXEC | TFD_NONBLOCK))),
       mNudge(NeededFd(::eventfd(0, EFD_CLOEXEC | EFD_NONBLOCK))),
-      mAlarms(*this, [this] { Arm(); }),
       mNotifier(mEpoll.Get(), QSocketNotifier::Read) {
     Register(mEpoll.Get(), EPOLL_CTL_ADD, mTimer.Get(), OwnMark, EPOLLIN);
     Register(mEpoll.Get(), EPOLL_CTL_ADD, mNudge.Get(), OwnMark, EPOLLIN);
@@ -151,10 +150,6 @@ QtReactor& QtReactor::OfApplication() {
         known->setObjectName(name);
     }
     return static_cast<Owner*>(known)->reactor;
-}
-
-std::int64_t QtReactor::NowUs() const {
-    return MonotonicUs();
 }
 
 void QtReactor::Yield(std::int32_t lLimit) {
@@ -244,15 +239,6 @@ void QtReactor::Nudge(bool on) {
     Q_UNUSED(moved);
 }
 
-std::unique_ptr<RunningTimer> QtReactor::StartTimer(std::int32_t lInterval,
-                                                    std::function<void()> handler) {
-    return mAlarms.StartTimer(lInterval, std::move(handler));
-}
-
-std::unique_ptr<Alarm> QtReactor::CreateAlarm(std::function<void()> handler) {
-    return mAlarms.Create(std::move(handler));
-}
-
 std::unique_ptr<FdWatch> QtReactor::Watch(int fd, FdEvents events,
                                           std::function<void(FdEvents)> handler) {
     const std::uint64_t number = ++mLastWatch;
@@ -260,10 +246,6 @@ std::unique_ptr<FdWatch> QtReactor::Watch(int fd, FdEvents events,
     auto watch = std::make_unique<WatchSlot>(*this, fd, number);
     watch->Want(events);
     return watch;
-}
-
-FdEvents QtReactor::WaitFor(int fd, FdEvents events, std::int64_t lLimitUs) {
-    return WaitForFd(fd, events, lLimitUs);
 }
 
 } // namespace qncomm

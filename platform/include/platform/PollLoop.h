@@ -1,7 +1,6 @@
 #pragma once
 
-#include "platform/AlarmQueue.h"
-#include "platform/Reactor.h"
+#include "platform/SystemReactor.h"
 
 #include <cstddef>
 #include <cstdint>
@@ -23,7 +22,7 @@ class Interrupt;
 /// that the running operation can see the flag and end by itself. It throws OperationCancelled when
 /// the flag is still up after the grace period, or at once for a second signal; then not again
 /// until a further signal, so that what unwinds can still yield.
-class PollLoop final : public Reactor {
+class PollLoop final : public SystemReactor {
   public:
     static constexpr std::int32_t GraceMs = 500;
 
@@ -32,14 +31,9 @@ class PollLoop final : public Reactor {
     PollLoop(const PollLoop&) = delete;
     PollLoop& operator=(const PollLoop&) = delete;
 
-    std::int64_t NowUs() const override;
     void Yield(std::int32_t lLimit) override;
-    [[nodiscard]] std::unique_ptr<RunningTimer> StartTimer(std::int32_t lInterval,
-                                                           std::function<void()> handler) override;
     [[nodiscard]] std::unique_ptr<FdWatch> Watch(int fd, FdEvents events,
                                                  std::function<void(FdEvents)> handler) override;
-    [[nodiscard]] std::unique_ptr<Alarm> CreateAlarm(std::function<void()> handler) override;
-    FdEvents WaitFor(int fd, FdEvents events, std::int64_t lLimitUs) override;
 
   private:
     class WatchSlot;
@@ -53,7 +47,6 @@ class PollLoop final : public Reactor {
 
     std::vector<pollfd> mPoll; ///< one entry for each watch; the first is the interrupt's
     std::vector<FdHandler> mHandlers;
-    AlarmQueue mAlarms;
     Interrupt* mInterrupt;
     std::int64_t mGraceUs;
     std::int64_t mCancelAt;          ///< when a raised interrupt ends the running operation

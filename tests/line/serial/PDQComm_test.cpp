@@ -1,15 +1,9 @@
-// The serial control over a line of which every failure can be switched on, on a driven clock.
+// The bytes, events and losses of the serial control, and what its trace holds of them.
 
-#include "FakeChannel.h"
-#include "common/QNError.h"
-#include "serial/PDQComm.h"
-#include "support/ManualReactor.h"
+#include "SerialControlFixture.h"
 #include "support/ScratchFolder.h"
 
 #include <gmock/gmock.h>
-#include <gtest/gtest.h>
-
-#include <utility>
 
 namespace qncomm::testing {
 namespace {
@@ -19,61 +13,6 @@ using ::testing::ElementsAre;
 using ::testing::HasSubstr;
 using ::testing::IsEmpty;
 using ::testing::StartsWith;
-
-class RecordingTrace final : public TraceSink {
-  public:
-    void Record(std::int64_t lMs, TraceKind kind, std::string_view sBytes) override {
-        constexpr std::array names{"tx ", "rx ", "event "};
-        lastMs = lMs;
-        lines.push_back(names.at(static_cast<std::size_t>(kind)) + std::string(sBytes));
-    }
-
-    std::vector<std::string> lines;
-    std::int64_t lastMs = 0;
-};
-
-class SerialControlTest : public ::testing::Test {
-  protected:
-    SerialControlTest() {
-        EXPECT_EQ(mPort.Bindings().Give(3, "/dev/fake"), "");
-        mPort.SetPortNumber(3);
-        mPort.SetEventSink([this](SerialEvent event) { mEvents.push_back(event); });
-    }
-
-    FakeChannel& Open() {
-        mPort.SetPortOpen(true);
-        return *mChannel;
-    }
-    std::int64_t MsFor(const std::function<void()>& action) {
-        const std::int64_t start = mReactor.NowUs();
-        action();
-        return (mReactor.NowUs() - start) / 1000;
-    }
-    QNError ErrorOf(const std::function<void()>& action) {
-        try {
-            action();
-        } catch (const QNError& error) {
-            return error;
-        }
-        ADD_FAILURE() << "nothing was raised";
-        return {0, "", ""};
-    }
-    QNError OpenError(IoResult result) {
-        mLine.openResult = std::move(result);
-        return ErrorOf([this] { mPort.SetPortOpen(true); });
-    }
-
-    ManualReactor mReactor;
-    FakeLine mLine;
-    FakeChannel* mChannel = nullptr;
-    RecordingTrace mTrace;
-    PDQComm mPort{mReactor, PortBindings(), &mTrace, [this](const PortAddress&, Reactor& reactor) {
-                      auto channel = std::make_unique<FakeChannel>(reactor, mLine);
-                      mChannel = channel.get();
-                      return channel;
-                  }};
-    std::vector<SerialEvent> mEvents;
-};
 
 TEST_F(SerialControlTest, AnEventWaitsForTheThreshold) {
     mPort.SetReceiveThreshold(4);
@@ -90,7 +29,7 @@ TEST_F(SerialControlTest, AnEventWaitsForTheThreshold) {
 TEST_F(SerialControlTest, EachKindOfLineErrorHasItsEvent) {
     mPort.SetReceiveThreshold(0);
     FakeChannel& far = Open();
-    mTrace.lines.clear();
+    mTrace.mLines.clear();
     const std::pair<LineErrors, SerialEvent> kinds[] = {
         {{.frame = true}, SerialEventFrame},
         {{.overrun = true}, SerialEventOverrun},
@@ -105,7 +44,7 @@ TEST_F(SerialControlTest, EachKindOfLineErrorHasItsEvent) {
         mReactor.Yield(0);
         EXPECT_THAT(mEvents, ElementsAre(event));
     }
-    EXPECT_THAT(mTrace.lines,
+    EXPECT_THAT(mTrace.mLines,
                 ElementsAre("rx x", "event line errors: frame", "rx x",
                             "event line errors: overrun", "rx x", "event line errors: parity",
                             "rx x", "event line errors: overflow"));
@@ -117,7 +56,7 @@ TEST_F(SerialControlTest, LineErrorsAreToldOnceAndBeforeTheirBytes) {
     Open().Arrive("x");
     mReactor.Yield(0);
     EXPECT_THAT(mEvents, ElementsAre(SerialEventFrame, SerialEventParity, SerialEventReceive));
-    EXPECT_THAT(mTrace.lines, Contains("event line errors: frame parity"));
+    EXPECT_THAT(mTrace.mLines, Contains("event line errors: frame parity"));
     mEvents.clear();
     mChannel->Arrive("y");
     mReactor.Yield(0);
@@ -281,111 +220,6 @@ TEST_F(SerialControlTest, TypedKeysTakeOnlyTheFreeSpace) {
     EXPECT_EQ(mPort.TransmitCount(), 4);
 }
 
-TEST_F(SerialControlTest, SettingsGoToTheLineWithTheHandshaking) {
-    mPort.SetHandshaking(3);
-    EXPECT_EQ(mPort.Handshaking(), 3);
-    mPort.SetPortSettings("2400,m,7,2");
-    Open();
-    mPort.SetHandshaking(2);
-    ASSERT_EQ(mLine.settings.size(), 2U);
-    EXPECT_EQ(mLine.settings[0].baud, 2400);
-    EXPECT_EQ(mLine.settings[0].parity, 'm');
-    EXPECT_EQ(mLine.settings[0].dataBits, 7);
-    EXPECT_EQ(mLine.settings[0].stopBits, 2);
-    EXPECT_TRUE(mLine.settings[0].xonXoff);
-    EXPECT_TRUE(mLine.settings[0].rtsCts);
-    EXPECT_FALSE(mLine.settings[1].xonXoff);
-    EXPECT_TRUE(mLine.settings[1].rtsCts);
-}
-
-TEST_F(SerialControlTest, ASettingsTextThatDoesNotParseIsRefusedAndKeepsTheOldOne) {
-    for (const char* text : {"", "9600", "9600,N,8", "9601,N,8,1", "9600,X,8,1", "9600,N,9,1",
-                             "9600,N,8,3", "9600,N,8,1,", "9600,NN,8,1", "9600,,8,1", "x,N,8,1"}) {
-        const QNError error = ErrorOf([&] { mPort.SetPortSettings(text); });
-        EXPECT_EQ(error.Number(), 5) << text;
-        EXPECT_EQ(error.Source(), "PDQComm");
-    }
-    EXPECT_EQ(mPort.PortSettings(), "9600,N,8,1");
-}
-
-TEST_F(SerialControlTest, SettingsThatTheOpenDeviceRefusesKeepTheOldOnes) {
-    Open();
-    mLine.configureResult = {IoStatus::Unsupported, 0, "the device does not take the parity"};
-    const QNError error = ErrorOf([&] { mPort.SetPortSettings("9600,M,8,1"); });
-    EXPECT_EQ(error.Number(), SerialErrDevice);
-    EXPECT_THAT(error.Description(), HasSubstr("does not take the parity"));
-    EXPECT_EQ(mPort.PortSettings(), "9600,N,8,1");
-    EXPECT_TRUE(mPort.PortOpen());
-}
-
-TEST_F(SerialControlTest, AFailedOpeningIsRaisedWithTheNumberOfItsKind) {
-    EXPECT_EQ(OpenError({IoStatus::Missing, 2, "gone"}).Number(), SerialErrNoSuchPort);
-    EXPECT_EQ(OpenError({IoStatus::Denied, 13, "no"}).Number(), SerialErrDevice);
-    EXPECT_EQ(OpenError({IoStatus::Unsupported, 0, "no"}).Number(), SerialErrDevice);
-    EXPECT_EQ(OpenError({IoStatus::TimedOut, 0, "no"}).Number(), SerialErrDevice);
-    EXPECT_EQ(OpenError({IoStatus::Failed, 5, "no"}).Number(), SerialErrDevice);
-    const QNError busy = OpenError({IoStatus::Busy, 16, "held by minicom (process 77)"});
-    EXPECT_EQ(busy.Number(), SerialErrPortBusy);
-    EXPECT_EQ(busy.Source(), "PDQComm");
-    EXPECT_EQ(busy.Description(), "Port COM3 (/dev/fake): held by minicom (process 77).");
-    ASSERT_TRUE(mPort.LastFailure());
-    EXPECT_EQ(mPort.LastFailure()->number, SerialErrPortBusy);
-    EXPECT_EQ(mPort.LastFailure()->reason.systemNumber, 16);
-    EXPECT_FALSE(mPort.PortOpen());
-    mLine.openResult = {};
-    Open();
-    EXPECT_FALSE(mPort.LastFailure());
-}
-
-TEST_F(SerialControlTest, ANumberWithoutAnAddressDoesNotOpen) {
-    for (const std::int16_t number : std::initializer_list<std::int16_t>{4, 16, 17, -1}) {
-        mPort.SetPortNumber(number);
-        const QNError error = ErrorOf([&] { mPort.SetPortOpen(true); });
-        EXPECT_EQ(error.Number(), SerialErrNoSuchPort);
-        EXPECT_THAT(error.Description(), HasSubstr("COM" + std::to_string(number)));
-        EXPECT_FALSE(mPort.ProbePort(number));
-    }
-}
-
-TEST_F(SerialControlTest, OpeningTwiceOpensOnce) {
-    Open();
-    mPort.SetPortOpen(true);
-    EXPECT_EQ(mLine.opens, 1);
-    mPort.SetPortOpen(false);
-    mPort.SetPortOpen(false);
-    EXPECT_EQ(mLine.closes, 1);
-}
-
-TEST_F(SerialControlTest, AnotherNumberOnAnOpenPortMovesThere) {
-    Open();
-    EXPECT_EQ(mPort.Bindings().Give(4, "/dev/fake4"), "");
-    mPort.SetPortNumber(4);
-    EXPECT_TRUE(mPort.PortOpen());
-    EXPECT_EQ(mPort.PortName(), "COM4 (/dev/fake4)");
-    EXPECT_EQ(mLine.opens, 2);
-    EXPECT_EQ(mLine.closes, 1);
-}
-
-TEST_F(SerialControlTest, DsrFollowsTheLineWhereThereIsOne) {
-    mLine.dsr = false;
-    EXPECT_FALSE(mPort.DSRState());
-    Open();
-    EXPECT_FALSE(mPort.DSRState());
-    mLine.dsr = true;
-    EXPECT_TRUE(mPort.DSRState());
-}
-
-TEST_F(SerialControlTest, TheTraceTellsOnceThatThereAreNoModemLines) {
-    for (int time = 0; time < 3; ++time) {
-        Open();
-        EXPECT_TRUE(mPort.DSRState());
-        mPort.SetPortOpen(false);
-    }
-    EXPECT_EQ(std::count(mTrace.lines.begin(), mTrace.lines.end(),
-                         "event no modem lines here: DSR reads as held"),
-              1);
-}
-
 TEST_F(SerialControlTest, TheTraceHoldsWhatTravelled) {
     FakeChannel& far = Open();
     mLine.dsr = true;
@@ -396,10 +230,10 @@ TEST_F(SerialControlTest, TheTraceHoldsWhatTravelled) {
     mReactor.Yield(0);
     far.Arrive("Ok\r\n");
     mReactor.Yield(0);
-    EXPECT_THAT(mTrace.lines, ElementsAre("event open COM3 (/dev/fake) 9600,N,8,1",
-                                          "event no modem lines here: DSR reads as held", "tx ab",
-                                          "tx c", "rx Ok\r\n"));
-    EXPECT_EQ(mTrace.lastMs, mReactor.NowMs());
+    EXPECT_THAT(mTrace.mLines, ElementsAre("event open COM3 (/dev/fake) 9600,N,8,1",
+                                           "event no modem lines here: DSR reads as held", "tx ab",
+                                           "tx c", "rx Ok\r\n"));
+    EXPECT_EQ(mTrace.mLastMs, mReactor.NowMs());
 }
 
 TEST_F(SerialControlTest, ALossBeforeASinkIsThereIsToldWhenItComes) {

@@ -1,8 +1,7 @@
 #pragma once
 
-#include "platform/AlarmQueue.h"
 #include "platform/Fd.h"
-#include "platform/Reactor.h"
+#include "platform/SystemReactor.h"
 
 #include <QSocketNotifier>
 
@@ -21,7 +20,7 @@ namespace qncomm {
 /// What a handler throws never passes through Qt: when a Yield waits for this very loop it throws
 /// the error, otherwise the error handler receives it. Made in the thread that runs the loop, with
 /// a QCoreApplication there. The descriptors are ttys, sockets, pipes: not files on a disk.
-class QtReactor final : public Reactor {
+class QtReactor final : public SystemReactor {
   public:
     using ErrorHandler = std::function<void(std::exception_ptr)>;
 
@@ -35,14 +34,9 @@ class QtReactor final : public Reactor {
     /// the application. Shows errors in a message box that does not block.
     static QtReactor& OfApplication();
 
-    std::int64_t NowUs() const override;
     void Yield(std::int32_t lLimit) override;
-    [[nodiscard]] std::unique_ptr<RunningTimer> StartTimer(std::int32_t lInterval,
-                                                           std::function<void()> handler) override;
     [[nodiscard]] std::unique_ptr<FdWatch> Watch(int fd, FdEvents events,
                                                  std::function<void(FdEvents)> handler) override;
-    [[nodiscard]] std::unique_ptr<Alarm> CreateAlarm(std::function<void()> handler) override;
-    FdEvents WaitFor(int fd, FdEvents events, std::int64_t lLimitUs) override;
 
   private:
     class WatchSlot;
@@ -62,8 +56,7 @@ class QtReactor final : public Reactor {
     ErrorHandler mOnError;
     Fd mEpoll;
     Fd mTimer;
-    Fd mNudge; ///< readable while something is due
-    AlarmQueue mAlarms;
+    Fd mNudge;                                    ///< readable while something is due
     std::map<std::uint64_t, FdHandler> mHandlers; ///< by the watch's number
     std::uint64_t mLastWatch = 0;
     std::uint64_t mServed = 0; ///< how often watches were served; a nested pass shows by it
