@@ -2,14 +2,13 @@
 // a list that it has. Beside it, in the same run, what it stands on: a serial control and a grid.
 
 #include "ControlDesk.h"
+#include "Memory.h"
 
 #include <algorithm>
 #include <chrono>
 #include <cstdio>
-#include <fstream>
 #include <malloc.h>
 #include <memory>
-#include <unistd.h>
 
 namespace {
 
@@ -17,6 +16,7 @@ using qncomm::ControlAssembly;
 using qncomm::PDQComm;
 using qncomm::PortBindings;
 using qncomm::Terminal;
+using qncomm::bench::ResidentKilobytes;
 using qncomm::testing::ControlDesk;
 using Clock = std::chrono::steady_clock;
 
@@ -42,14 +42,6 @@ Times Measure(Make make) {
         times.worst = std::max(times.worst, taken);
     }
     return times;
-}
-
-long ResidentKilobytes() {
-    std::ifstream statm("/proc/self/statm");
-    long total = 0;
-    long resident = 0;
-    statm >> total >> resident;
-    return resident * (sysconf(_SC_PAGESIZE) / 1024);
 }
 
 long AllocatedBytes() {

@@ -1,6 +1,7 @@
 // How fast the terminal takes bytes, at 80 by 24 and at 300 by 300, beside a program that only cuts
 // the same bytes into lines; and what a terminal weighs. All in one run, in turns, best of them.
 
+#include "../Memory.h"
 #include "TerminalStreams.h"
 
 #include "terminal/Terminal.h"
@@ -10,16 +11,15 @@
 #include <chrono>
 #include <cstdio>
 #include <cstring>
-#include <fstream>
 #include <malloc.h>
 #include <memory>
 #include <string>
-#include <unistd.h>
 #include <vector>
 
 namespace {
 
 using qncomm::Terminal;
+using qncomm::bench::ResidentKilobytes;
 using qncomm::bench::Workload;
 using qncomm::bench::Workloads;
 
@@ -80,15 +80,6 @@ void MeasureSpeed() {
         std::printf("%-28s %9.1f %9.1f %7.2f %9.1f %7.2f\n", workload.name, megabytes / best[0],
                     megabytes / best[1], best[0] / best[1], megabytes / best[2], best[2] / best[1]);
     }
-}
-
-/// Kilobytes of this process in memory.
-long ResidentKilobytes() {
-    std::ifstream statm("/proc/self/statm");
-    long total = 0;
-    long resident = 0;
-    statm >> total >> resident;
-    return resident * (sysconf(_SC_PAGESIZE) / 1024);
 }
 
 void MeasureWeight(const char* name, const std::string& bytes) {

@@ -31,7 +31,7 @@ TEST(Widget, ACommandTypedShowsItsReply) {
     rig.Type(QStringLiteral("PRINT 6*7"));
     rig.Press(Qt::Key_Return);
     EXPECT_TRUE(rig.WaitForScreen("42"));
-    EXPECT_THAT(rig.trace.sent, HasSubstr("PRINT 6*7\r"));
+    EXPECT_THAT(rig.trace.mSent, HasSubstr("PRINT 6*7\r"));
     SavePicture(rig.window, QStringLiteral("control-session"));
 }
 
@@ -54,8 +54,8 @@ TEST(Widget, ArrowKeysSendNothingAndDeleteDoesNeither) {
          {Qt::Key_Left, Qt::Key_Up, Qt::Key_Right, Qt::Key_Down, Qt::Key_Delete})
         rig.Press(key);
     rig.Type(QStringLiteral("x"));
-    EXPECT_TRUE(WaitUntil([&] { return !rig.trace.sent.empty(); }));
-    EXPECT_EQ(rig.trace.sent, "x");
+    EXPECT_TRUE(WaitUntil([&] { return !rig.trace.mSent.empty(); }));
+    EXPECT_EQ(rig.trace.mSent, "x");
 }
 
 TEST(Widget, InsertCopiesWithCtrlAndPastesWithShift) {
@@ -68,7 +68,7 @@ TEST(Widget, InsertCopiesWithCtrlAndPastesWithShift) {
         || QGuiApplication::clipboard()->text().startsWith(QStringLiteral("what is shown\r\n")));
     QGuiApplication::clipboard()->setText(QStringLiteral("REM pasted"));
     rig.Press(Qt::Key_Insert, Qt::ShiftModifier);
-    EXPECT_TRUE(WaitUntil([&] { return rig.trace.sent == "REM pasted"; })) << rig.trace.sent;
+    EXPECT_TRUE(WaitUntil([&] { return rig.trace.mSent == "REM pasted"; })) << rig.trace.mSent;
 }
 
 TEST(Widget, AFunctionKeysMacroRunsByItsChordAndByItsButton) {
@@ -76,10 +76,10 @@ TEST(Widget, AFunctionKeysMacroRunsByItsChordAndByItsButton) {
     rig.settings->WriteValue("FunctionKeys", "F2", "0;PRINT 1+1<CR>");
     rig.Show();
     rig.Press(Qt::Key_F2, Qt::ControlModifier | Qt::ShiftModifier);
-    EXPECT_TRUE(WaitUntil([&] { return rig.trace.sent == "PRINT 1+1\r"; })) << rig.trace.sent;
+    EXPECT_TRUE(WaitUntil([&] { return rig.trace.mSent == "PRINT 1+1\r"; })) << rig.trace.mSent;
     auto* toolbar = rig.Widget().findChild<ToolbarView*>();
     QTest::mouseClick(toolbar->ButtonOf("F2"), Qt::LeftButton);
-    EXPECT_TRUE(WaitUntil([&] { return rig.trace.sent == "PRINT 1+1\rPRINT 1+1\r"; }));
+    EXPECT_TRUE(WaitUntil([&] { return rig.trace.mSent == "PRINT 1+1\rPRINT 1+1\r"; }));
 }
 
 TEST(Widget, TheRightButtonShowsTheMenuWhichCopies) {

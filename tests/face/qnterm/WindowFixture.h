@@ -7,7 +7,7 @@
 
 #include "assembly/ControlAssembly.h"
 #include "qt/QNCommWidget.h"
-#include "serial/TraceSink.h"
+#include "support/RecordingTrace.h"
 #include "support/ScratchFolder.h"
 
 #include <gtest/gtest.h>
@@ -28,16 +28,6 @@
 namespace qnterm::test {
 
 inline constexpr int Patience = 20000; // ms that only a hang reaches
-
-/// Keeps what travels on the line.
-struct LineTrace final : qncomm::TraceSink {
-    void Record(std::int64_t, qncomm::TraceKind kind, std::string_view sBytes) override {
-        if (kind == qncomm::TraceKind::Sent) mSent += sBytes;
-        if (kind == qncomm::TraceKind::Received) mReceived += sBytes;
-    }
-    std::string mSent;
-    std::string mReceived;
-};
 
 /// The whole window with a virtual printer behind it, in real time.
 class WindowTest : public ::testing::Test {
@@ -129,7 +119,7 @@ class WindowTest : public ::testing::Test {
     }
 
     qncomm::testing::ScratchFolder mFolder;
-    LineTrace mTrace;
+    qncomm::testing::RecordingTrace mTrace;
     std::unique_ptr<MainWindow> mWindow;
 };
 

@@ -2,6 +2,7 @@
 
 #include "common/MemorySettings.h"
 #include "qt/QNCommWidget.h"
+#include "support/RecordingTrace.h"
 #include "terminal/Terminal.h"
 
 #include <QMainWindow>
@@ -13,19 +14,6 @@
 #include <vector>
 
 namespace qncomm::testing {
-
-/// Keeps what was sent and received on a line.
-class RecordingTrace final : public TraceSink {
-  public:
-    void Record(std::int64_t lMs, TraceKind kind, std::string_view sBytes) override {
-        static_cast<void>(lMs);
-        if (kind == TraceKind::Sent) sent += sBytes;
-        if (kind == TraceKind::Received) received += sBytes;
-    }
-
-    std::string sent;
-    std::string received;
-};
 
 /// A control at run time on the virtual printer, in a window of its own.
 class ControlRig {

@@ -4,11 +4,11 @@
 #include "common/MemorySettings.h"
 #include "common/Pointer.h"
 #include "common/Text.h"
-#include "serial/TraceSink.h"
 #include "support/ControlStandIns.h"
 #include "support/DeskTools.h"
 #include "support/ManualReactor.h"
 #include "support/RecordingDesktop.h"
+#include "support/RecordingTrace.h"
 #include "support/ScratchFolder.h"
 #include "support/ScriptedForms.h"
 
@@ -34,17 +34,6 @@ struct RecordingGlass : TerminalGlass {
     int mChanges = 0;
     Rectangle mPlace;
     Strings mFailures;
-};
-
-/// Keeps what travels on the line.
-struct RecordingTrace : TraceSink {
-    void Record(std::int64_t, TraceKind kind, std::string_view sBytes) override {
-        if (kind == TraceKind::Sent) mSent += sBytes;
-        if (kind == TraceKind::Received) mReceived += sBytes;
-    }
-
-    std::string mSent;
-    std::string mReceived;
 };
 
 /// A desk with a control on it: the real serial control with a virtual printer at port 1, on a
