@@ -160,6 +160,17 @@ TEST_F(Transfers, AControlHiddenDuringABinaryTransferClosesThePortAfterIt) {
     EXPECT_THAT(mPortStates, ElementsAre(true, false));
 }
 
+TEST_F(Transfers, WhatAHostRaisesWhenItHearsOfTheClosedPortIsPassedOn) {
+    Show();
+    TransferGoesWell(3);
+    mLoop.After(25, [&] { mControl->UserControl_Hide(); });
+    mOnPortState = [](bool busy) {
+        if (!busy) RaiseRuntimeError(RtInvalidCall);
+    };
+    EXPECT_RAISED(mControl->BinaryDownload(mFolder.File("x")), RtInvalidCall);
+    EXPECT_FALSE(mSerial.PortOpen());
+}
+
 TEST_F(Transfers, AControlHiddenDuringATransferThatAHostEndsClosesThePortToo) {
     Show();
     TransferGoesWell(3);
