@@ -11,6 +11,7 @@
 namespace qncomm {
 namespace {
 
+using ::testing::Each;
 using ::testing::ElementsAre;
 using testing::RecordingDesktop;
 using testing::ScratchFolder;
@@ -119,6 +120,10 @@ TEST_F(BinaryTransfer, ABareNameIsTakenRelativeToTheFolderShown) {
     other.lblFolder.SetCaption(mFolder.Path() + "/");
     other.cmdButton[0].Click();
     EXPECT_EQ(other.Filename(), mFolder.Path() + "/a.bin");
+    mFolder.Write("c:b.bin", "x");
+    frmBinaryTransfer& colon = OpenOn(PrinterReceives, "c:b.bin");
+    colon.cmdButton[0].Click();
+    EXPECT_EQ(colon.Filename(), mFolder.Path() + "/c:b.bin") << "a colon is a letter like others";
 }
 
 TEST_F(BinaryTransfer, AFullPathIsTakenAsItIs) {
@@ -146,16 +151,18 @@ TEST_F(BinaryTransfer, AFileToSendMustExist) {
 TEST_F(BinaryTransfer, NoToOverwritingKeepsTheDialogOpenAndTheFileUntouched) {
     const std::string path = mFolder.Write("a.bin", "kept");
     frmBinaryTransfer& form = OpenOn(PrinterSends, "a.bin");
-    mDesktop.mAnswers = {MsgBoxResult::No};
-    form.cmdButton[0].Click();
-    EXPECT_TRUE(form.IsOpen());
-    EXPECT_EQ(testing::ContentOf(path), "kept");
+    for (const MsgBoxResult answer : {MsgBoxResult::No, MsgBoxResult::Cancel}) {
+        mDesktop.mAnswers = {answer};
+        form.cmdButton[0].Click();
+        EXPECT_TRUE(form.IsOpen());
+        EXPECT_EQ(testing::ContentOf(path), "kept");
+    }
     mDesktop.mAnswers = {MsgBoxResult::Yes};
     form.cmdButton[0].Click();
     EXPECT_TRUE(form.Accepted());
     EXPECT_EQ(testing::ContentOf(path), "kept");
-    EXPECT_THAT(TextsOfBoxes(),
-                ElementsAre("Overwrite existing file?", "Overwrite existing file?"));
+    EXPECT_THAT(TextsOfBoxes(), Each("Overwrite existing file?"));
+    EXPECT_EQ(mDesktop.mBoxes.size(), 3U);
     EXPECT_EQ(mDesktop.mBoxes[0].icon, MsgBoxIcon::Question);
     EXPECT_EQ(mDesktop.mBoxes[0].buttons, MsgBoxButtons::YesNo);
 }
@@ -166,6 +173,14 @@ TEST_F(BinaryTransfer, ANewDestinationIsTriedAndTheProbeRemoved) {
     EXPECT_TRUE(form.Accepted());
     EXPECT_TRUE(mFolder.IsEmpty());
     EXPECT_TRUE(mDesktop.mBoxes.empty());
+}
+
+TEST_F(BinaryTransfer, AnActionThatIsNeitherIsCheckedAsADestination) {
+    frmBinaryTransfer& form = OpenOn(2, "new.bin");
+    form.cmdButton[0].Click();
+    EXPECT_TRUE(form.Accepted());
+    OpenOn(2, "no/such/folder.bin").cmdButton[0].Click();
+    EXPECT_THAT(TextsOfBoxes(), ElementsAre("Not a valid file for Download!"));
 }
 
 TEST_F(BinaryTransfer, ADestinationThatCannotBeMadeIsRefusedAndLeavesNoFile) {
