@@ -61,6 +61,10 @@ TEST_F(BadInput, AGridThatCannotBeIsRefusedAndTheControlGoesOnWithTheOneItHas) {
         EXPECT_EQ(mAssembly->Grid().Rows(), 300);
         EXPECT_EQ(mAssembly->Grid().Columns(), 300);
     }
+    MemoryPropertyBag narrow;
+    narrow.mValues = {{"Columns", std::int16_t{80}}, {"Rows", std::int16_t{0}}};
+    EXPECT_EQ(NumberRaisedBy([&] { Control().UserControl_ReadProperties(narrow); }), RtInvalidCall);
+    EXPECT_EQ(mAssembly->Grid().Columns(), 300) << "neither size without the other";
     EXPECT_EQ(Control().BackColor(), 15) << "nothing of a refused bag is taken";
     ExpectUsable();
 }
