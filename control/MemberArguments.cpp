@@ -1,6 +1,7 @@
 #include "MemberArguments.h"
 
 #include "common/Numbers.h"
+#include "common/QNError.h"
 #include "common/RuntimeErrors.h"
 #include "common/Text.h"
 #include "control/PropertyBag.h"
@@ -103,6 +104,18 @@ MemberValue Convert(const MemberValue& given, MemberType type) {
     }
 }
 
+/// Takes an argument, or what stands for one that is left out; an error names the parameter.
+MemberValue Take(const MemberParameter& parameter, const MemberValue* given) {
+    try {
+        if (given != nullptr) return Convert(*given, parameter.type);
+        if (!parameter.byDefault) RaiseRuntimeError(RtArgumentMissing);
+        return Convert(std::string(*parameter.byDefault), parameter.type);
+    } catch (const QNError& error) {
+        throw QNError(error.Number(), error.Source(),
+                      error.Description() + ": " + std::string(parameter.name));
+    }
+}
+
 } // namespace
 
 MemberArguments::MemberArguments(const SurfaceMember& member,
@@ -111,10 +124,7 @@ MemberArguments::MemberArguments(const SurfaceMember& member,
     if (given.size() > parameters.size()) RaiseRuntimeError(RtArgumentCount);
     for (std::size_t i = 0; i < parameters.size(); ++i) {
         const bool leftOut = i >= given.size() || given[i].IsNothing();
-        if (leftOut && !parameters[i].byDefault) RaiseRuntimeError(RtArgumentMissing);
-        mValues.push_back(
-            Convert(leftOut ? MemberValue(std::string(*parameters[i].byDefault)) : given[i],
-                    parameters[i].type));
+        mValues.push_back(Take(parameters[i], leftOut ? nullptr : &given[i]));
     }
 }
 

@@ -27,6 +27,10 @@ const SurfaceMember& FindMember(std::string_view sName, std::size_t arguments) {
     return *first;
 }
 
+void CheckArguments(const SurfaceMember& member, const std::vector<MemberValue>& arguments) {
+    const MemberArguments converted(member, arguments);
+}
+
 MemberOutcome CallMember(QNComm& control, const SurfaceMember& member,
                          const std::vector<MemberValue>& arguments) {
     MemberArguments converted(member, arguments);

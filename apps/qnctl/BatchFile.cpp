@@ -2,7 +2,7 @@
 
 #include <cerrno>
 #include <fstream>
-#include <iostream>
+#include <functional>
 #include <system_error>
 
 namespace qnctl {
@@ -53,11 +53,14 @@ bool AddLine(std::vector<BatchLine>& lines, const std::string& text, const std::
     return call.has_value();
 }
 
-std::vector<BatchLine> ReadFrom(std::istream& in, const std::string& name, Outcome& outcome) {
+/// The next line, nothing at the end.
+using NextLine = std::function<std::optional<std::string>()>;
+
+std::vector<BatchLine> ReadFrom(const NextLine& next, const std::string& name, Outcome& outcome) {
     std::vector<BatchLine> lines;
-    std::string text;
-    for (int number = 1; std::getline(in, text); ++number)
-        if (!AddLine(lines, text, name + ":" + std::to_string(number), outcome)) break;
+    int number = 1;
+    for (auto text = next(); text; text = next(), ++number)
+        if (!AddLine(lines, *text, name + ":" + std::to_string(number), outcome)) break;
     return lines;
 }
 
@@ -75,8 +78,9 @@ std::optional<std::vector<std::string>> WordsOf(std::string_view line) {
     }
 }
 
-std::vector<BatchLine> ReadBatch(const std::string& file, Outcome& outcome) {
-    if (file == "-") return ReadFrom(std::cin, "-", outcome);
+std::vector<BatchLine> ReadBatch(const std::string& file, qncomm::LineReader& input,
+                                 Outcome& outcome) {
+    if (file == "-") return ReadFrom([&] { return input.ReadLine(); }, file, outcome);
     std::ifstream in(file, std::ios::binary);
     if (!in || in.peek() == std::ifstream::traits_type::eof()) {
         if (in.is_open() && !in.bad()) return {}; // an empty file calls nothing
@@ -84,7 +88,10 @@ std::vector<BatchLine> ReadBatch(const std::string& file, Outcome& outcome) {
             Refused(ExitStatus::Usage, file + ": " + std::generic_category().message(errno) + ".");
         return {};
     }
-    return ReadFrom(in, file, outcome);
+    const NextLine next = [&in, text = std::string()]() mutable {
+        return std::getline(in, text) ? std::optional(text) : std::nullopt;
+    };
+    return ReadFrom(next, file, outcome);
 }
 
 } // namespace qnctl

@@ -3,6 +3,8 @@
 #include "MemberTexts.h"
 #include "Outcome.h"
 
+#include "console/LineReader.h"
+
 #include <optional>
 #include <string>
 #include <string_view>
@@ -21,8 +23,9 @@ struct BatchLine {
 /// quote that does not end.
 std::optional<std::vector<std::string>> WordsOf(std::string_view line);
 
-/// Reads a batch ("-": the standard input) and understands all of it, so that a mistake is found
-/// before the first call. The outcome is set when it could not.
-std::vector<BatchLine> ReadBatch(const std::string& file, Outcome& outcome);
+/// Reads a batch ("-": the input) and understands all of it, so that a mistake is found before the
+/// first call. The outcome is set when it could not. Throws what the input's loop throws.
+std::vector<BatchLine> ReadBatch(const std::string& file, qncomm::LineReader& input,
+                                 Outcome& outcome);
 
 } // namespace qnctl

@@ -5,7 +5,10 @@
 
 #include <CLI/CLI.hpp>
 
+#include <algorithm>
 #include <memory>
+
+#include <unistd.h>
 
 namespace qnctl {
 namespace {
@@ -57,6 +60,16 @@ Outcome ListMembers(Session& session) {
     return {};
 }
 
+bool NeedsPort(const MemberCall& call) {
+    return call.member->needs != qncomm::MemberNeeds::Nothing;
+}
+
+/// A port that was named wrongly is an error even for calls that would do without one.
+Outcome ChooseThePort(Session& session, bool needed) {
+    const std::string& named = session.Options().port;
+    return needed || !named.empty() ? session.ChooseThePort(named) : session.ChooseNoPort();
+}
+
 Outcome Call(Session& session, const CallArguments& arguments) {
     if (arguments.list) return ListMembers(session);
     if (arguments.member.empty())
@@ -64,7 +77,7 @@ Outcome Call(Session& session, const CallArguments& arguments) {
     Outcome outcome;
     const auto call = UnderstandCall(arguments.member, arguments.texts, outcome);
     if (!call) return outcome;
-    if (outcome = session.ChooseThePort(session.Options().port); !outcome.Ok()) return outcome;
+    if (outcome = ChooseThePort(session, NeedsPort(*call)); !outcome.Ok()) return outcome;
     qncomm::MemberOutcome result;
     if (outcome = CallOn(session, *call, result); !outcome.Ok()) return outcome;
     if (session.Out().IsJson())
@@ -92,9 +105,12 @@ Outcome RunLine(Session& session, const BatchLine& line, bool showArguments) {
 
 Outcome Batch(Session& session, const BatchArguments& arguments) {
     Outcome outcome;
-    const auto lines = ReadBatch(arguments.file, outcome);
+    qncomm::LineReader input(session.Loop(), STDIN_FILENO);
+    const auto lines = ReadBatch(arguments.file, input, outcome);
     if (!outcome.Ok()) return outcome;
-    if (outcome = session.ChooseThePort(session.Options().port); !outcome.Ok()) return outcome;
+    const bool needsPort =
+        std::ranges::any_of(lines, [](const BatchLine& line) { return NeedsPort(line.call); });
+    if (outcome = ChooseThePort(session, needsPort); !outcome.Ok()) return outcome;
     std::size_t failures = 0;
     for (const BatchLine& line : lines) {
         outcome = RunLine(session, line, arguments.showArguments);

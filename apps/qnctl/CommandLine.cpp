@@ -90,6 +90,7 @@ Request ParseCommandLine(int argc, const char* const* argv, const CommandTable& 
     app.set_version_flag("--version", std::string("qnctl ") + Version);
     app.require_subcommand(1);
     DeclareGlobals(app, request.options);
+    app.footer("The options of \"qnctl --help\", such as --port, can stand here, too.");
     std::vector<std::pair<const CLI::App*, const Command*>> places;
     for (const Command& command : table) {
         const std::string last = command.name.substr(command.name.find(' ') + 1);
@@ -98,6 +99,10 @@ Request ParseCommandLine(int argc, const char* const* argv, const CommandTable& 
         if (command.declare) command.declare(*sub);
         places.emplace_back(sub, &command);
     }
+    app.footer("\"qnctl COMMAND --help\" shows what a command takes. It ends with status 0 when "
+               "done, 1 for "
+               "an error,\n2 for wrong usage, 3 without a printer, 4 without the port, 130 when "
+               "cancelled.");
     try {
         app.parse(argc, argv);
         const auto found = std::find_if(places.begin(), places.end(), [&](const auto& place) {

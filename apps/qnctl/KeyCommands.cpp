@@ -42,11 +42,17 @@ const qncomm::ToolbarButton* FindButton(Session& session, const std::string& nam
     return there ? &toolbar.Buttons()[position - 1] : nullptr;
 }
 
-Outcome NoSuchKey(Session& session, const std::string& named) {
-    std::string message = "There is no key \"" + named + "\". There are:";
-    for (const qncomm::ToolbarButton& button : session.Control().Toolbar1.Buttons())
-        message += " " + button.key;
-    return Refused(ExitStatus::Usage, message);
+/// The toolbar's keys, each behind a blank.
+std::string KeyNames() {
+    const qncomm::ToolbarModel toolbar;
+    std::string names;
+    for (const qncomm::ToolbarButton& button : toolbar.Buttons())
+        names.append(" ").append(button.key);
+    return names;
+}
+
+Outcome NoSuchKey(const std::string& named) {
+    return Refused(ExitStatus::Usage, "There is no key \"" + named + "\". There are:" + KeyNames());
 }
 
 /// Collects what the printer says and waits until it has said it all.
@@ -87,7 +93,7 @@ void GiveAnswers(Session& session, const KeyArguments& arguments) {
 
 Outcome PressKey(Session& session, const KeyArguments& arguments) {
     const qncomm::ToolbarButton* button = FindButton(session, arguments.key);
-    if (button == nullptr) return NoSuchKey(session, arguments.key);
+    if (button == nullptr) return NoSuchKey(arguments.key);
     const std::string key = button->key;
     const bool silent = std::ranges::find(Silent, key) != Silent.end();
     if (!silent)
@@ -112,14 +118,16 @@ CommandTable KeyCommands() {
     return {{"key", "Press a key of the control's toolbar and show the printer's answer",
              Needs::Port,
              [arguments](CLI::App& app) {
-                 app.add_option("NAME", arguments->key, "Such as F1, or its position")->required();
+                 app.add_option("NAME", arguments->key, "One of" + KeyNames() + ", or its position")
+                     ->required();
                  app.add_option("--answer", arguments->answers,
                                 "An answer to a macro's question; once for each")
-                     ->type_name("TEXT");
+                     ->type_name("TEXT")
+                     ->allow_extra_args(false); // else it would take the key's name, too
                  app.add_option("--file", arguments->file, "The file that the key asks for")
                      ->type_name("PATH");
-                 app.add_option("--protocol", arguments->protocol, "zmodem or kermit")
-                     ->check(CLI::IsMember({"zmodem", "kermit"}));
+                 app.add_option("--protocol", arguments->protocol, "How UploadB and DownloadB go")
+                     ->transform(CLI::IsMember({"zmodem", "kermit"}, CLI::ignore_case));
              },
              [arguments](Session& session) { return PressKey(session, *arguments); }}};
 }

@@ -94,7 +94,7 @@ Command SetCommand() {
                                "text (is sent), file (its content is sent), run (a program with "
                                "its arguments)")
                     ->required()
-                    ->check(CLI::IsMember({"text", "file", "run"}));
+                    ->transform(CLI::IsMember({"text", "file", "run"}, CLI::ignore_case));
                 app.add_option("ARGUMENT", arguments->argument,
                                "The text, the path or the command line")
                     ->required();

@@ -60,22 +60,9 @@ Placed Place(const SurfaceMember& member, const std::string& text, std::size_t n
     return {static_cast<std::size_t>(found - member.parameters.begin()), text.substr(sign + 2)};
 }
 
-Outcome Wrong(std::int32_t number, const std::string& message) {
-    return {
-        ExitStatus::Usage, number, "QNComm", qncomm::RuntimeErrorText(number) + ": " + message, {}};
-}
-
-std::optional<Outcome> Missing(const MemberCall& call) {
-    const auto& parameters = call.member->parameters;
-    if (call.arguments.size() > parameters.size())
-        return Wrong(qncomm::RtArgumentCount, SignatureOf(*call.member));
-    for (std::size_t i = 0; i < parameters.size(); ++i) {
-        const bool leftOut = i >= call.arguments.size() || call.arguments[i].IsNothing();
-        if (leftOut && !parameters[i].byDefault)
-            return Wrong(qncomm::RtArgumentMissing,
-                         std::string(parameters[i].name) + " of " + SignatureOf(*call.member));
-    }
-    return std::nullopt;
+/// What is wrong with a call that has not been made.
+Outcome Wrong(const qncomm::QNError& error, const std::string& where) {
+    return {ExitStatus::Usage, error.Number(), error.Source(), error.Description() + where, {}};
 }
 
 struct LineText {
@@ -152,7 +139,7 @@ std::optional<MemberCall> UnderstandCall(const std::string& name,
     try {
         call.member = &qncomm::FindMember(name, texts.size());
     } catch (const qncomm::QNError& error) {
-        outcome = Wrong(error.Number(), "\"" + name + "\"; \"qnctl call --list\" shows them all.");
+        outcome = Wrong(error, ": \"" + name + "\"; \"qnctl call --list\" shows them all.");
         return std::nullopt;
     }
     for (const std::string& text : texts) {
@@ -169,8 +156,11 @@ std::optional<MemberCall> UnderstandCall(const std::string& name,
         }
         call.arguments[at] = *understood;
     }
-    if (const auto wrong = Missing(call)) {
-        outcome = *wrong;
+    try {
+        CheckArguments(*call.member, call.arguments);
+    } catch (const qncomm::QNError& error) {
+        const bool tooMany = error.Number() == qncomm::RtArgumentCount;
+        outcome = Wrong(error, (tooMany ? ": " : " of ") + SignatureOf(*call.member));
         return std::nullopt;
     }
     return call;

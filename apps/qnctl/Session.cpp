@@ -59,6 +59,18 @@ Outcome Session::ChooseThePort(const std::string& sNamed) {
     mPort = ChoosePort(sNamed, *mStore, mBindings);
     if (!mPort.outcome.Ok()) return mPort.outcome;
     if (Outcome labels = PassLabelsOn(); !labels.Ok()) return labels;
+    return MakeTheControl();
+}
+
+Outcome Session::ChooseNoPort() {
+    Unwire();
+    mBindings = {};
+    mPort = {};
+    mPort.number = qncomm::PortBindings::Highest; // a lower one than 1 would be looked for
+    return MakeTheControl();
+}
+
+Outcome Session::MakeTheControl() {
     if (!mOptions.trace.empty() && !mTrace) {
         mTrace = std::make_unique<qncomm::JsonLinesTrace>(mOptions.trace);
         if (!mTrace->Result().Ok())

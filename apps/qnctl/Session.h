@@ -52,6 +52,8 @@ class Session {
     /// Chooses the port (sNamed, or the configured one when it is empty) and makes the control on
     /// it; that of a port that was chosen before goes away.
     Outcome ChooseThePort(const std::string& sNamed);
+    /// Makes a control that has no port to open, for what it answers alone.
+    Outcome ChooseNoPort();
     /// Makes the chosen port the configured one, with the settings that were found.
     void Remember();
     const PortChoice& Port() const { return mPort; }
@@ -95,6 +97,7 @@ class Session {
     void ShowEveryStatus();
 
   private:
+    Outcome MakeTheControl();
     Outcome PassLabelsOn();
     void Wire();
     void Unwire();

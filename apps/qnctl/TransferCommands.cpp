@@ -41,6 +41,7 @@ Outcome Carry(Session& session, const TransferArguments& arguments,
               const std::function<void()>& transfer) {
     session.Serial().SetTransferPreferences({.resume = arguments.resume});
     qncomm::TransferProgress& progress = session.FollowTransfer(ProgressLines(session));
+    progress.Show("Waiting for the printer's side of the transfer", 0);
     const auto cancel = CancelWithTheProgram(session);
     try {
         transfer();
@@ -115,9 +116,9 @@ void DeclareResume(CLI::App& app, const Arguments& arguments) {
 }
 
 void DeclareProtocol(CLI::App& app, const Arguments& arguments) {
-    app.add_option("--protocol", arguments->protocol, "zmodem or kermit")
+    app.add_option("--protocol", arguments->protocol, "What the printer's side speaks")
         ->required()
-        ->check(CLI::IsMember({"zmodem", "kermit"}));
+        ->transform(CLI::IsMember({"zmodem", "kermit"}, CLI::ignore_case));
 }
 
 Command KermitSend() {

@@ -8,6 +8,9 @@
 #include <exception>
 #include <utility>
 
+#include <fcntl.h>
+#include <unistd.h>
+
 namespace qnctl {
 namespace {
 
@@ -37,10 +40,18 @@ Outcome Run(const Request& request, const Output& output) {
     }
 }
 
+/// Streams that the caller has closed get a place, so that no port or file takes theirs and is read
+/// as what a person types or written to as what is shown.
+void OpenMissingStreams() {
+    for (const int stream : {STDIN_FILENO, STDOUT_FILENO, STDERR_FILENO})
+        if (::fcntl(stream, F_GETFD) < 0) ::open("/dev/null", O_RDWR);
+}
+
 } // namespace
 } // namespace qnctl
 
 int main(int argc, char** argv) {
+    qnctl::OpenMissingStreams();
     const qnctl::CommandTable table = qnctl::AllCommands();
     const qnctl::Request request = qnctl::ParseCommandLine(argc, argv, table);
     const qnctl::Output output(request.options.json);

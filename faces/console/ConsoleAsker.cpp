@@ -11,7 +11,7 @@ std::optional<std::string> ConsoleAsker::Ask(std::string_view sQuestion) {
     if (!HasGiven() && !mInput.IsTerminal()) return std::nullopt;
     mStatus.Clear();
     mErr << WithoutControls(DisplayText(sQuestion)) << ' ' << std::flush;
-    if (!HasGiven()) return mInput.ReadLine();
+    if (!HasGiven()) return ReadAnswer(mInput, mErr);
     std::string answer = std::move(mGiven.front());
     mGiven.pop_front();
     mErr << WithoutControls(answer) << std::endl;

@@ -13,8 +13,8 @@ namespace {
 std::string LinesOf(const MsgBox& box) {
     std::string text = (box.title.empty() ? std::string(ProductName) : box.title) + ":";
     const char* before = " ";
-    for (const std::string& line : SplitNonEmpty(box.text, "\n")) {
-        const std::string shown = Trim(WithoutControls(DisplayText(ReplaceAll(line, "\r", ""))));
+    for (const std::string& line : SplitNonEmpty(ReplaceAll(box.text, "\r", ""), "\n")) {
+        const std::string shown = Trim(WithoutControls(DisplayText(line)));
         text.append(before).append(shown);
         before = "\n  ";
     }
@@ -46,7 +46,7 @@ bool ConsoleDesktop::Agrees() {
         mErr << (yes ? "yes" : "no") << std::endl;
         return yes;
     }
-    const std::string line = LowerCase(Trim(mInput.ReadLine().value_or("")));
+    const std::string line = LowerCase(Trim(ReadAnswer(mInput, mErr).value_or("")));
     return line == "y" || line == "yes";
 }
 

@@ -12,6 +12,7 @@ std::string WithExtension(std::string path, const std::string& extension) {
 }
 
 std::string QuestionOf(const FileDialog& dialog) {
+    if (dialog.title.ends_with('.')) return dialog.title.substr(0, dialog.title.size() - 1) + ":";
     if (!dialog.title.empty()) return dialog.title + ":";
     return dialog.kind == FileDialogKind::Open ? "Open file:" : "Save as:";
 }

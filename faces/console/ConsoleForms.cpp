@@ -62,6 +62,7 @@ void ConsoleForms::ShowModal(frmBinaryTransfer& form) {
     else
         form.cmdButton[0].Click();
     form.Unload(UnloadMode::ControlMenu); // for a form that its button did not close
+    if (form.Accepted()) mStatus.Show("Waiting for the printer's side of the transfer");
 }
 
 std::unique_ptr<ShownWindow> ConsoleForms::Show(frmWaitForReboot& form) {

@@ -2,6 +2,7 @@
 
 #include <array>
 #include <cerrno>
+#include <ostream>
 
 #include <unistd.h>
 
@@ -31,6 +32,17 @@ std::optional<std::string> LineReader::ReadLine() {
     std::string line = mRest.substr(0, end);
     mRest.erase(0, end == std::string::npos ? end : end + 1);
     return line;
+}
+
+std::optional<std::string> ReadAnswer(LineReader& input, std::ostream& err) {
+    try {
+        auto line = input.ReadLine();
+        if (!line) err << std::endl;
+        return line;
+    } catch (...) {
+        err << std::endl;
+        throw;
+    }
 }
 
 } // namespace qncomm

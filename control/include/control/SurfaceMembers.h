@@ -74,6 +74,10 @@ const std::vector<SurfaceMember>& SurfaceMembers();
 /// the first one. Raises 438 for a name that is none.
 const SurfaceMember& FindMember(std::string_view sName, std::size_t arguments);
 
+/// Raises what CallMember raises before the member runs; except for one argument too many the
+/// description ends with ": " and the parameter's name.
+void CheckArguments(const SurfaceMember& member, const std::vector<MemberValue>& arguments);
+
 /// Converts the arguments to what the member takes and calls it. Raises 13 for an argument of a
 /// wrong type, 6 for a number that does not fit, 449 for one that is missing and 450 for one too
 /// many, all before the member runs; then what the member raises.

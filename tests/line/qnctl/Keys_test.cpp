@@ -45,6 +45,8 @@ TEST_F(FunctionKeys, OtherKeysAndKindsAreRefused) {
     EXPECT_EQ(Run({"macros", "set", "F1", "shell", "x"}).status, 2);
     EXPECT_EQ(Run({"macros", "set", "F1", "text", "\xE2\x98\x83"}).status, 2);
     EXPECT_EQ(SettingsText(), "");
+    EXPECT_EQ(Run({"macros", "set", "f1", "Text", "x"}).status, 0) << "in any case";
+    EXPECT_THAT(SettingsText(), HasSubstr("F1=0;x"));
 }
 
 TEST_F(FunctionKeys, ATextIsSentAndTheAnswerShown) {
@@ -59,6 +61,9 @@ TEST_F(FunctionKeys, QuestionsAreAnsweredInTheirOrderAndOtherwiseEmpty) {
     Set("F1", "text", "PRINT 1&&?A&&+2&&?B&&<CR>");
     EXPECT_THAT(Press("F1", {"--answer", "0", "--answer", "5"}).out, StartsWith("PRINT 10+25\r\n"));
     EXPECT_THAT(Press("F1").out, StartsWith("PRINT 1+2\r\n"));
+    EXPECT_THAT(Run({"key", "--answer", "0", "F1", "--port", "sim:R7G"}).out,
+                StartsWith("PRINT 10+2\r\n"))
+        << "an answer is one word, and the key's name is none";
 }
 
 TEST_F(FunctionKeys, AFileIsSentAndAProgramStarted) {
@@ -100,7 +105,44 @@ TEST_F(FunctionKeys, TheTerminalIsCapturedAsItIsShown) {
         Run({"terminal", "--capture", PathOf("no/where"), "--port", "sim:R7G"}, "PRINT 1\n");
     EXPECT_EQ(nowhere.status, 1);
     EXPECT_EQ(nowhere.out, "");
-    EXPECT_THAT(nowhere.err, StartsWith("qnctl: "));
+    EXPECT_EQ(nowhere.err, "qnctl: error 76: " + PathOf("no/where")
+                               + ": No such file or directory. [PDQComm]\n");
+    const Ended full =
+        Run({"terminal", "--capture", "/dev/full", "--port", "sim:R7G"}, "PRINT 5\n");
+    EXPECT_EQ(full.out, "PRINT 5\r\n5\r\nOk\r\n");
+    EXPECT_EQ(full.err, "The capture to /dev/full has ended: No space left on device.\n");
+}
+
+TEST_F(FunctionKeys, AreNamedByTheHelp) {
+    const Ended help = Run({"key", "--help"});
+    EXPECT_EQ(help.status, 0);
+    EXPECT_THAT(help.out, HasSubstr("UploadA DownloadA UploadB DownloadB FunctionkeysSetup F1"));
+    EXPECT_THAT(help.out, HasSubstr("--port"));
+}
+
+TEST_F(FunctionKeys, ACancelledQuestionEndsItsLine) {
+    Set("F1", "text", "PRINT &&?N&&<CR>");
+    const auto program =
+        Start({"key", "F1", "--port", "sim:R7G"}, qntest::Program::Stdio::Terminal);
+    ASSERT_TRUE(program->WaitForOut("Input new value for 'N'.")) << program->Out();
+    program->Type("\x03");
+    EXPECT_EQ(program->Wait(), 130);
+    EXPECT_THAT(program->Out(), HasSubstr("\r\nqnctl: Cancelled.\r\n"));
+}
+
+TEST_F(FunctionKeys, ThatTransferSayWhatTheyWaitFor) {
+    WriteHostFile("a.bin", "x");
+    for (const Arguments& transfer :
+         {Arguments{"key", "UploadB", "--file", PathOf("a.bin")},
+          Arguments{"binary", "send", PathOf("a.bin"), "--protocol", "ZModem"}}) {
+        Arguments command = transfer;
+        command.insert(command.end(), {"--port", "sim:R7G"});
+        const auto program = Start(command, qntest::Program::Stdio::Terminal);
+        EXPECT_TRUE(program->WaitForOut("Waiting for the printer's side of the transfer"))
+            << program->Out();
+        program->Type("\x03");
+        EXPECT_EQ(program->Wait(), 130);
+    }
 }
 
 } // namespace

@@ -90,6 +90,17 @@ TEST_F(Desk, AFileDialogTakesAGivenPath) {
     EXPECT_EQ(Choose(dialog), std::nullopt);
 }
 
+TEST_F(Desk, AFileDialogAsksByItsTitle) {
+    FileDialog dialog;
+    dialog.title = "Select a file.";
+    APerson();
+    Type("here\n\x04");
+    EXPECT_EQ(Choose(dialog), PathIn(CurrentFolder(), "here"));
+    EXPECT_EQ(mErr.str(), "Select a file: ");
+    EXPECT_EQ(Choose(dialog), std::nullopt);
+    EXPECT_EQ(mErr.str(), "Select a file: Select a file: \n") << "no answer ends the line";
+}
+
 TEST_F(Desk, AFileThatMustExistDoes) {
     FileDialog dialog;
     dialog.mustExist = true;

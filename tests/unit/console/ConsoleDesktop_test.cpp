@@ -65,6 +65,10 @@ TEST_F(ConsoleDesktopTest, ABoxIsItsTitleAndItsLines) {
         "First line.\r\nCan´t show all!", MsgBoxButtons::Ok, MsgBoxIcon::Exclamation, {}};
     EXPECT_EQ(Answer(box, GivenAnswer::No, -1), MsgBoxResult::Ok);
     EXPECT_EQ(mErr.str(), "QNComm: First line.\n  Can´t show all!\n");
+    mErr.str("");
+    Answer({"\r\nBehind an empty line ", MsgBoxButtons::Ok, MsgBoxIcon::None, {}},
+           GivenAnswer::None, -1);
+    EXPECT_EQ(mErr.str(), "QNComm: Behind an empty line\n");
 }
 
 TEST_F(ConsoleDesktopTest, AQuestionIsAnsweredByWhatWasGiven) {

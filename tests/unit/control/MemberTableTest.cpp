@@ -263,6 +263,21 @@ TEST_F(MemberCalls, WhatDoesNotFitIsRefusedBeforeTheMemberRuns) {
     EXPECT_EQ(TakeSent(), "");
 }
 
+TEST_F(MemberCalls, ArgumentsAreCheckedWithoutACallAndTheWrongOneIsNamed) {
+    const SurfaceMember& files = FindMember("Files", 2);
+    const auto wrong = [&](const std::vector<MemberValue>& arguments) -> std::string {
+        try {
+            CheckArguments(files, arguments);
+        } catch (const QNError& error) {
+            return error.Description();
+        }
+        return {};
+    };
+    EXPECT_EQ(wrong({"ram:", "True"}), "");
+    EXPECT_EQ(wrong({}), "Argument not optional: sDeviceName");
+    EXPECT_EQ(wrong({"ram:", "perhaps"}), "Type mismatch: brefresh");
+}
+
 TEST_F(MemberCalls, WhatAMemberRaisesPasses) {
     EXPECT_RAISED(CallNamed("Fre"), RtObjectNotSet);
     Run();

@@ -89,7 +89,7 @@ TEST_F(CaptureToDisk, KeepsTheOldFileWhenTheNewOneCannotBeOpened) {
     const CaptureResult result = terminal.StartCapture(PathOf("missing/two"));
     EXPECT_EQ(result.status, CaptureStatus::Missing);
     EXPECT_NE(result.systemNumber, 0);
-    EXPECT_THAT(result.text, HasSubstr(PathOf("missing/two")));
+    EXPECT_THAT(result.text, HasSubstr("No such file"));
     terminal.Write("first");
     EXPECT_EQ(Content(PathOf("one")), "first");
 }
@@ -120,7 +120,7 @@ TEST(CaptureToTheFullDevice, EndsOnceAndTheTerminalGoesOn) {
     EXPECT_FALSE(terminal.IsCapturing());
     EXPECT_EQ(terminal.Row(1).text, "one two");
     ASSERT_TRUE(terminal.CaptureFailure().has_value());
-    EXPECT_THAT(terminal.CaptureFailure()->text, HasSubstr(FullDevice));
+    EXPECT_THAT(terminal.CaptureFailure()->text, HasSubstr("No space"));
 }
 
 /// A disk with space for a number of bytes, and what it has been given.
@@ -161,7 +161,7 @@ TEST(CaptureToASmallDisk, ReportsTheFullDiskOnceAndCanBeStartedAgain) {
     ASSERT_TRUE(terminal.StartCapture("log").Ok());
     for (int i = 0; i < 5; ++i)
         terminal.Write("abcd");
-    EXPECT_THAT(reported, ElementsAre("capture to \"log\" has ended: no space"));
+    EXPECT_THAT(reported, ElementsAre("no space"));
     EXPECT_EQ(disk.written, "abcdab");
     EXPECT_EQ(terminal.Row(1).text, "abcdabcdabcdabcdabcd");
 

@@ -2,6 +2,7 @@
 
 #include "platform/Reactor.h"
 
+#include <iosfwd>
 #include <optional>
 #include <string>
 
@@ -25,5 +26,9 @@ class LineReader {
     int mFd;
     std::string mRest;
 };
+
+/// Reads the answer to a question that stands on err. When none comes, because the input ends or
+/// the person cancels, it ends the question's line, as the answer's own line end would have.
+std::optional<std::string> ReadAnswer(LineReader& input, std::ostream& err);
 
 } // namespace qncomm
