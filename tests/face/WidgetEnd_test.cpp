@@ -51,6 +51,23 @@ TEST_F(WidgetEnd, DuringATransfer) {
     CloseDuring(rig, [&](QNComm& control) { control.BinaryUpload(path); });
 }
 
+TEST_F(WidgetEnd, OfADockedControlThatIsHiddenComesAfterItsTransfer) {
+    const ScratchFolder folder;
+    const std::string path = folder.Write("large.bin", std::string(5'000'000, 'x'));
+    ControlRig rig(QStringLiteral("sim:R7G?baud=57600&format=n,8,1&paced=on"));
+    rig.Show();
+    const PDQComm& serial = rig.Widget().assembly().Serial();
+    QTimer::singleShot(200, &rig.window, [&] { rig.Widget().hide(); });
+    QTimer::singleShot(400, &rig.window, [&] {
+        EXPECT_TRUE(rig.Widget().isBusy());
+        EXPECT_TRUE(serial.PortOpen());
+        rig.Widget().cancelOperation();
+    });
+    rig.Widget().run([&](QNComm& control) { control.BinaryUpload(path); });
+    EXPECT_FALSE(rig.Widget().isBusy());
+    EXPECT_FALSE(serial.PortOpen());
+}
+
 TEST_F(WidgetEnd, OfAnIdleControlLeavesTheOperationOfAnotherAlone) {
     const QString silent = QStringLiteral("sim:R7G?no-echo=on&baud=300");
     ControlRig idle(silent);
