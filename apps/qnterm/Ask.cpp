@@ -44,6 +44,7 @@ void AskBefore(QWidget* parent, const QString& sText, const QString& sDetail,
                const QString& sButton, const std::function<void()>& agreed) {
     auto* box = new QMessageBox(QMessageBox::Warning, {}, sText, QMessageBox::Cancel, parent);
     box->setAttribute(Qt::WA_DeleteOnClose);
+    box->setWindowTitle(QString(sButton).remove(QLatin1Char('&')));
     box->setInformativeText(sDetail);
     const QPushButton* button = box->addButton(sButton, QMessageBox::AcceptRole);
     box->setDefaultButton(QMessageBox::Cancel);

@@ -317,10 +317,10 @@ void MainWindow::closeEvent(QCloseEvent* event) {
         emit Closed();
         return;
     }
-    // What waits is on the stack below this event: it ends first, and the window then.
+    // What waits is on the stack below this event: hidden, the control cancels it, and the window
+    // closes when it is over.
     event->ignore();
     hide();
-    mOperations->Cancel();
     mEnding.start();
 }
 

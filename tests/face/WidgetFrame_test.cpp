@@ -165,8 +165,8 @@ TEST(WidgetDocked, InALayoutItHasAllTheRoomUntilTheGripIsDragged) {
     EXPECT_EQ(above->height(), above->sizeHint().height());
     const int height = widget->height();
     above->setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Expanding);
-    DragGrip(Frame(*widget).grip, 100);
-    EXPECT_TRUE(WaitUntil([&] { return widget->height() == height - 100; })) << widget->height();
+    DragGrip(Frame(*widget).grip, 250);
+    EXPECT_TRUE(WaitUntil([&] { return widget->height() == height - 250; })) << widget->height();
 }
 
 TEST(WidgetDocked, InADockWindowTheGripMovesItsBorder) {

@@ -161,9 +161,14 @@ TEST_F(ProgramTest, ClosingDuringARestartEndsTheProgramWellAndFreesThePort) {
     const Printer printer(Path("printer"), {"--boot-ms", "600000"});
     Start({"--port", Path("printer")});
     Enter("R7G, Quorin");
-    EXPECT_TRUE(EventuallyTraced("IMAGES")); // the last of the printer's lists
+    Act({"key", "ctrl+shift+d"});
+    PressUntil("Insert", "Send to c:"); // the printer's lists have been read
+    Act({"key", "Escape"});
+    Enter("R7G, Quorin");
     Act({"key", "alt+p", "r"});
-    PressUntil("alt+r", "Printer Reboot"); // restart, says the question
+    Enter("Restart");
+    Act({"key", "alt+r"});
+    Enter("Printer Reboot");
     EXPECT_EQ(printer.State(), PortState::Busy);
     Enter("R7G, Quorin");
     Act({"key", "ctrl+shift+q"});

@@ -42,6 +42,9 @@ class WindowTest : public ::testing::Test {
         options.labels = QString::fromStdString(mFolder.File("labels"));
         mWindow = std::make_unique<MainWindow>(
             options, std::make_shared<qncomm::FileSettings>(mFolder.File("settings.ini")), &mTrace);
+        QObject::connect(mWindow.get(), &MainWindow::Closed, mWindow.get(), [this] {
+            EXPECT_FALSE(PortOpen() || IsBusy()) << "the window has closed before its work is over";
+        });
         mWindow->show();
         mWindow->activateWindow();
         EXPECT_TRUE(QTest::qWaitForWindowActive(mWindow.get()));

@@ -5,12 +5,14 @@
 
 #include "CodeView.h"
 #include "EmptyHint.h"
+#include "ModuleBrowser.h"
 #include "support/Accessible.h"
 #include "support/Pictures.h"
 
 #include <gmock/gmock.h>
 
 #include <QTabBar>
+#include <QToolButton>
 
 namespace qnterm::test {
 namespace {
@@ -85,10 +87,19 @@ TEST_F(WindowTest, WithoutAPortNothingIsSentAnywhereAndEachPartSaysWhatToDo) {
     Open({});
     mWindow->findChild<AddressDialog*>()->reject();
     Settle();
-    Find<CodeView>().setPlainText("PRINT 1");
+    Find<ModuleBrowser>().OpenFile(
+        QString::fromStdString(mFolder.Write("PRICES.PRG", "PRINT 1\r\n")));
     ShowDock("modules");
+    for (const auto* button : Find<ModuleBrowser>().findChildren<QToolButton*>())
+        if (button->text() == "Upload" || button->text() == "Link") {
+            EXPECT_FALSE(button->isEnabled()) << button->text().toStdString();
+        }
+    Find<CodeView>().setFocus();
     QTest::keyClick(&Find<CodeView>(), Qt::Key_F5);
+    Settle();
+    EXPECT_EQ(QApplication::activeModalWidget(), nullptr) << "a failure of what is not offered";
     EXPECT_EQ(mTrace.mSent, "");
+    EXPECT_FALSE(PortOpen());
     for (const char* dock : {"devices", "setup"}) {
         ShowDock(dock);
         EXPECT_THAT(
