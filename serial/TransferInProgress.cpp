@@ -114,13 +114,18 @@ bool TransferInProgress::IsOver() const {
 std::string TransferInProgress::Finish() {
     const bool good = !mBroken && mEngine->Outcome() == transfer::Outcome::Success
                       && mEngine->Progress().files > 0;
-    if (!good && mReason.empty())
-        mReason = mEngine->Reason().empty() ? "no file was transferred" : mEngine->Reason();
+    if (!good && mReason.empty()) mReason = WhyNot();
     if (good) ReportProgress();
     mSink.reset(); // what is not whole goes before anybody is told
     mSource.reset();
     Enter(good ? TransferIdle : TransferFailed);
     return mEngine->TakeUnread();
+}
+
+std::string TransferInProgress::WhyNot() const {
+    if (!mEngine->Reason().empty()) return mEngine->Reason();
+    const bool refused = mOrder.sends && mEngine->Progress().skipped > 0;
+    return refused ? "the receiver did not want the file" : "no file was transferred";
 }
 
 std::uint64_t TransferInProgress::Bytes() const {

@@ -68,6 +68,7 @@ class TransferInProgress {
     void Announce(const std::optional<std::uint64_t>& size);
     void Enter(std::int16_t state);
     void ReportProgress();
+    std::string WhyNot() const;
 
     TransferOrder mOrder;
     Report mReport;

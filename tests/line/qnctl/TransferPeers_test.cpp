@@ -79,6 +79,15 @@ TEST_F(BinaryPeers, RzTakesAFile) {
     EXPECT_TRUE(HostFile("peer/data.bin") == mContent);
 }
 
+TEST_F(BinaryPeers, RzThatHasTheFileKeepsItAndSaysSo) {
+    WriteHostFile("peer/data.bin", "what stood here before");
+    if (!Meet({"rz", "-b", "-q"})) return;
+    const Ended sent = Send("zmodem");
+    EXPECT_EQ(sent.status, 1);
+    EXPECT_THAT(sent.err, HasSubstr("(the receiver did not want the file)"));
+    EXPECT_EQ(HostFile("peer/data.bin"), "what stood here before");
+}
+
 TEST_F(BinaryPeers, SzGivesAFile) {
     if (!Meet({"sz", "-b", "-q", "remote.bin"})) return;
     const Ended received = Carry(Receive("zmodem"));
