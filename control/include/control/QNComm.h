@@ -83,7 +83,8 @@ struct ModuleUploadArgs {
 /// mode, and after TearDown, members that reach the printer raise 91. They pass on what the command
 /// layer and the link raise. While an operation runs, which a handler of StatusEvent can see,
 /// text that a macro or PasteCB would send is refused quietly. TearDown may be called, and the
-/// control may be destroyed, from within its own events.
+/// control may be destroyed, from within its own events and while a box or a dialog of its is
+/// shown.
 ///
 /// Parts and services outlive the control, and what of it is on the stack at its end, by a turn of
 /// the loop; ControlParts::keep does that for the serial control.
