@@ -142,7 +142,7 @@ void QNComm::SetRegSettings(std::shared_ptr<qncomm::RegSettings> settings) {
     mRegSettings = settings;
     const auto members = Wired();
     members->quorin.SetRegSettings(settings);
-    members->link.SetRegSettings(settings);
+    members->link.SetRegSettings(std::move(settings));
     if (!members->released) LoadFunctionKeyTips(); // a busy port may have asked the person
 }
 
