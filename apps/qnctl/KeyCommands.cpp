@@ -126,7 +126,8 @@ CommandTable KeyCommands() {
                      ->allow_extra_args(false); // else it would take the key's name, too
                  app.add_option("--file", arguments->file, "The file that the key asks for")
                      ->type_name("PATH");
-                 app.add_option("--protocol", arguments->protocol, "How UploadB and DownloadB go")
+                 app.add_option("--protocol", arguments->protocol,
+                                "How UploadB and DownloadB go; kermit without it")
                      ->transform(CLI::IsMember({"zmodem", "kermit"}, CLI::ignore_case));
              },
              [arguments](Session& session) { return PressKey(session, *arguments); }}};
