@@ -3,15 +3,13 @@
 #include "printer/clsQuorin.h"
 #include "support/ExpectRaised.h"
 #include "support/ManualReactor.h"
+#include "support/ScratchFolder.h"
 #include "support/Stack.h"
 
 #include <gtest/gtest.h>
 
 #include <algorithm>
-#include <filesystem>
-#include <fstream>
 #include <functional>
-#include <sstream>
 #include <vector>
 
 namespace qncomm::testing {
@@ -35,26 +33,9 @@ struct LineOf {
 
 class StackTransfer : public ::testing::TestWithParam<LineOf> {
   protected:
-    StackTransfer() {
-        std::filesystem::create_directories(mFolder);
-        std::ofstream(mSent, std::ios::binary) << mContent;
-    }
-    ~StackTransfer() override { std::filesystem::remove_all(mFolder); }
-
-    static std::string Read(const std::string& path) {
-        std::ifstream file(path, std::ios::binary);
-        std::ostringstream text;
-        text << file.rdbuf();
-        return text.str();
-    }
-
-    const std::string mFolder =
-        ::testing::TempDir() + "stack-transfer-"
-        + std::string(::testing::UnitTest::GetInstance()->current_test_info()->name()).substr(0, 4)
-        + GetParam().name;
-    const std::string mSent = mFolder + "/sent.bin";
-    const std::string mBack = mFolder + "/back.bin";
+    ScratchFolder mFolder;
     const std::string mContent = AllBytes(GetParam().size);
+    const std::string mSent = mFolder.Write("sent.bin", mContent);
     ManualReactor mReactor;
     Stack mStack{mReactor, GetParam().address};
     clsQuorin mQuorin{mStack.mLink, mStack.mDesktop};
@@ -64,8 +45,8 @@ TEST_P(StackTransfer, GoesThereAndBackByKermit) {
     mQuorin.KermitUpload(mSent, "c:DATA.BIN");
     EXPECT_EQ(mStack.mLink.UseCount(), 0);
     EXPECT_TRUE(mQuorin.PrinterFileExists("c:DATA.BIN"));
-    mQuorin.KermitDownload("c:DATA.BIN", mBack);
-    EXPECT_EQ(Read(mBack), mContent);
+    mQuorin.KermitDownload("c:DATA.BIN", mFolder.File("back.bin"));
+    EXPECT_EQ(mFolder.Read("back.bin"), mContent);
     EXPECT_EQ(mStack.Ask("PRINT 1").at(1), "1") << "the printer is at its prompt";
 }
 
@@ -90,10 +71,10 @@ INSTANTIATE_TEST_SUITE_P(Lines, StackTransfer,
 TEST(StackTransferFailure, AMissingPrinterFileFailsAndLeavesNoHostFile) {
     ManualReactor reactor;
     Stack stack(reactor, "sim:R7G");
-    const std::string target = ::testing::TempDir() + "never-comes.bin";
-    EXPECT_RAISED_FROM(stack.mLink.KermitDownload("c:NONE", target),
+    const ScratchFolder folder;
+    EXPECT_RAISED_FROM(stack.mLink.KermitDownload("c:NONE", folder.File("never-comes.bin")),
                        "1022 QNComm, clsDataLink:KermitDownload");
-    EXPECT_FALSE(std::filesystem::exists(target));
+    EXPECT_TRUE(folder.IsEmpty());
     EXPECT_EQ(stack.mLink.UseCount(), 0);
 }
 
@@ -113,8 +94,8 @@ std::vector<std::int16_t> StatesOf(Stack& stack, ManualReactor& reactor,
 TEST(StackTransferStates, BeginWithStartedAndEndWithIdleOrFailedAndNothingElse) {
     ManualReactor reactor;
     Stack stack(reactor, "sim:R7G");
-    const std::string path = ::testing::TempDir() + "states.bin";
-    std::ofstream(path) << "ten bytes.";
+    const ScratchFolder folder;
+    const std::string path = folder.Write("states.bin", "ten bytes.");
     stack.Ask("PRINT 1"); // finds the printer's settings
     auto good = StatesOf(stack, reactor, [&](PDQComm& port) {
         port.SetPortOpen(true);
@@ -142,21 +123,19 @@ TEST(StackTransferStates, BeginWithStartedAndEndWithIdleOrFailedAndNothingElse) 
                            port.SendFile(path);
                        }),
               failed);
-    std::filesystem::remove(path);
 }
 
 TEST(StackTransferFailure, ABinaryDownloadLooksAtNeitherPortNorFileAndFailsOnAClosedPort) {
     ManualReactor reactor;
     Stack stack(reactor, "sim:R7G");
-    const std::string target = ::testing::TempDir() + "never-opened.bin";
+    const ScratchFolder folder;
+    const std::string target = folder.Write("never-opened.bin", "what stood here before");
     for (const std::int16_t protocol : {BinaryZModem, BinaryKermit}) {
-        std::ofstream(target) << "what stood here before";
         EXPECT_RAISED_FROM(stack.mLink.BinaryDownload(target, protocol),
                            "1022 QNComm, clsDataLink:KermitDownload");
         EXPECT_EQ(stack.mSerial.TransferReason(), "the port is not open");
-        EXPECT_EQ(std::filesystem::file_size(target), 22U);
+        EXPECT_EQ(folder.Read("never-opened.bin"), "what stood here before");
     }
-    std::filesystem::remove(target);
 }
 
 } // namespace

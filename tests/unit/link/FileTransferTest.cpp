@@ -1,7 +1,5 @@
 #include "LinkFixture.h"
-
-#include <filesystem>
-#include <fstream>
+#include "support/ScratchFolder.h"
 
 namespace qncomm::testing {
 namespace {
@@ -15,11 +13,7 @@ using Reported = ScriptedSerial::Reported;
 
 class FileTransfer : public LinkFixture {
   protected:
-    FileTransfer() : mPath((std::filesystem::path(::testing::TempDir()) / "label.prg").string()) {
-        std::ofstream(mPath) << "10 PRINT 1";
-        mLink.SetImmediateMode(true);
-    }
-    ~FileTransfer() override { std::filesystem::remove(mPath); }
+    FileTransfer() { mLink.SetImmediateMode(true); }
 
     /// The claim, the command with its echo, and what the printer says when the transfer is over.
     void Expect(const std::string& command, const std::string& afterwards = "Ok\r\n") {
@@ -44,7 +38,8 @@ class FileTransfer : public LinkFixture {
         EXPECT_EQ(mSerial.ReceiveThreshold(), 1);
     }
 
-    std::string mPath;
+    ScratchFolder mFolder;
+    const std::string mPath = mFolder.Write("label.prg", "10 PRINT 1");
 };
 
 TEST_F(FileTransfer, KermitUploadStartsThePrintersSideAndReports) {

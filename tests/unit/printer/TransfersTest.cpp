@@ -1,20 +1,15 @@
 #include "PrinterFixture.h"
 #include "support/ScratchFolder.h"
 
-#include <filesystem>
-#include <fstream>
-
 namespace qncomm::testing {
 namespace {
 
 class Transfers : public PrinterFixture {
   protected:
     Transfers() {
-        std::ofstream(mPath) << "10 PRINT 1";
         mSerial.mTransferSize = 10;
         mSerial.mTransfer = {{1, TransferStarted}, {1, TransferAnnounced}, {1, TransferIdle}};
     }
-    ~Transfers() override { std::filesystem::remove(mPath); }
 
     void ScriptCurrentDevice(const std::string& device) {
         mSerial.Handshake().Exchange("FILES \".\"",
@@ -33,7 +28,8 @@ class Transfers : public PrinterFixture {
         mSerial.Handshake().Expect(command + "\r\n").Reply(command + "\r\n").Reply("Ok\r\n", 100);
     }
 
-    std::string mPath = ::testing::TempDir() + "kermit-upload.prg";
+    ScratchFolder mFolder;
+    const std::string mPath = mFolder.Write("kermit-upload.prg", "10 PRINT 1");
 };
 
 TEST_F(Transfers, AnUploadReplacesThePrintersFileAndKeepsTheCurrentDevice) {

@@ -1,10 +1,10 @@
+#include "support/ScratchFolder.h"
 #include "terminal/Terminal.h"
 
 #include <gmock/gmock.h>
 
 #include <filesystem>
 #include <fstream>
-#include <iterator>
 
 namespace {
 
@@ -20,26 +20,14 @@ using testing::IsEmpty;
 
 namespace fs = std::filesystem;
 
-/// A folder of its own for each test.
 class CaptureToDisk : public testing::Test {
   protected:
-    CaptureToDisk() {
-        const auto* info = testing::UnitTest::GetInstance()->current_test_info();
-        mFolder = fs::path(testing::TempDir()) / ("capture-" + std::string(info->name()));
-        fs::remove_all(mFolder);
-        fs::create_directories(mFolder);
-    }
-    ~CaptureToDisk() override { fs::remove_all(mFolder); }
+    std::string PathOf(const std::string& name) const { return mFolder.File(name); }
 
-    std::string PathOf(const std::string& name) const { return (mFolder / name).string(); }
-
-    static std::string Content(const std::string& path) {
-        std::ifstream in(path, std::ios::binary);
-        return {std::istreambuf_iterator<char>(in), {}};
-    }
+    static std::string Content(const std::string& path) { return qncomm::testing::ContentOf(path); }
 
   private:
-    fs::path mFolder;
+    qncomm::testing::ScratchFolder mFolder;
 };
 
 TEST_F(CaptureToDisk, WritesWhatIsShownByteForByteAsItComes) {

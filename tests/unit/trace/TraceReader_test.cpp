@@ -1,12 +1,11 @@
 #include "serial/JsonLinesTrace.h"
 #include "serial/TraceReader.h"
+#include "support/ScratchFolder.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include <filesystem>
 #include <fstream>
-#include <unistd.h>
 
 namespace qncomm {
 namespace {
@@ -15,10 +14,10 @@ using ::testing::HasSubstr;
 
 class TraceFile : public ::testing::Test {
   protected:
-    ~TraceFile() override { std::filesystem::remove(mPath); }
     void Write(const std::string& text) const { std::ofstream(mPath, std::ios::binary) << text; }
 
-    std::string mPath = ::testing::TempDir() + "trace-" + std::to_string(::getpid());
+    testing::ScratchFolder mFolder;
+    const std::string mPath = mFolder.File("trace");
 };
 
 TEST_F(TraceFile, EveryByteReadsBackAsItWasRecorded) {

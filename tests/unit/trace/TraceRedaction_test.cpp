@@ -1,11 +1,10 @@
 #include "serial/TraceRedaction.h"
+#include "support/ScratchFolder.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include <filesystem>
 #include <fstream>
-#include <unistd.h>
 
 namespace qncomm {
 namespace {
@@ -105,8 +104,8 @@ TEST(TraceRedaction, TakesOutAFileThatIsCopiedToTheHost) {
 }
 
 TEST(TraceRedaction, WritesAFileThatReadsBackAndIsRedactedAlready) {
-    const std::string folder = ::testing::TempDir() + "redact-" + std::to_string(::getpid());
-    std::filesystem::create_directories(folder);
+    const testing::ScratchFolder scratch;
+    const std::string& folder = scratch.Path();
     std::ofstream(folder + "/in") << TraceLineOf({0, 1, TraceKind::Sent, "10 END\r\n", 0}) << '\n'
                                   << TraceLineOf({0, 9, TraceKind::Received, "Ok\r\n", 0}) << '\n';
     EXPECT_TRUE(RedactTrace(folder + "/in", folder + "/once").Ok());
@@ -117,7 +116,6 @@ TEST(TraceRedaction, WritesAFileThatReadsBackAndIsRedactedAlready) {
     EXPECT_EQ(twice.records[1].bytes, "Ok\r\n");
     EXPECT_EQ(RedactTrace(folder + "/none", folder + "/out").status, IoStatus::Missing);
     EXPECT_FALSE(RedactTrace(folder + "/in", folder + "/none/out").Ok());
-    std::filesystem::remove_all(folder);
 }
 
 } // namespace
