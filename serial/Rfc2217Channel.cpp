@@ -61,7 +61,6 @@ void Rfc2217Channel::Close() {
     mWatch.reset();
     mWake->Clear();
     mSession->received.clear();
-    mSession->protocol.PurgeUnsent();
     if (!Flush().Ok() || !mSession->protocol.Output().empty() || HasUnsent(mSession->fd.Get())) {
         Drop();
         return;
@@ -102,6 +101,9 @@ IoResult Rfc2217Channel::Connect() {
 IoResult Rfc2217Channel::PutSettings(const LineSettings& settings) {
     ComPortClient& protocol = mSession->protocol;
     const bool first = !std::exchange(mSession->toldModemLines, true);
+    // What a former opening left there goes now. Closing was too early for that: the last bytes of
+    // a transfer may just have been on their way.
+    protocol.PurgeUnsent();
     DiscardInput(); // goes first: when the others are answered and it is not, it never is
     if (first) protocol.AskForStates();
     protocol.HoldLines(true, true);

@@ -34,7 +34,7 @@ class ByteChannel {
     using Handler = std::function<void(FdEvents)>;
 
     virtual IoResult Open(const LineSettings& settings) = 0;
-    /// Discards what has not left yet and puts the device back as it was found.
+    /// Discards what has not left this side yet and puts the device back as it was found.
     virtual void Close() = 0;
     /// Whether Open could succeed now; leaves nothing open.
     virtual IoResult Probe() = 0;

@@ -77,7 +77,9 @@ void RemoteServer::Turn() {
     for (const qnsim::HostAction& action : actions) {
         mHeard += action.text;
         if (action.kind == qnsim::HostAction::Kind::Break) ++mBreaks;
+        if (action.kind == qnsim::HostAction::Kind::DropSent) ++mTakenBack;
     }
+    mHostIsGone = !mSocket.Connected();
     const qnsim::LineFormat& format = mPort.Format();
     mFormat = std::to_string(*format.baud) + "," + *format.parity + ","
               + std::to_string(*format.dataBits) + "," + std::to_string(*format.stopBits);

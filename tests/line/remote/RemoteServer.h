@@ -30,6 +30,10 @@ class RemoteServer {
     /// What all hosts have sent, and how often they began a break.
     std::string Heard() const;
     int Breaks() const { return mBreaks; }
+    /// How often they took back what had not reached the line.
+    int TakenBack() const { return mTakenBack; }
+    /// All that the host has sent is heard when it is gone.
+    bool HostIsGone() const { return mHostIsGone; }
     std::string Format() const;
 
     /// Runs on the server's thread, between two pieces of talk.
@@ -51,6 +55,8 @@ class RemoteServer {
     std::string mUnsent;
     std::atomic<int> mConnections = 0;
     std::atomic<int> mBreaks = 0;
+    std::atomic<int> mTakenBack = 0;
+    std::atomic<bool> mHostIsGone = true;
     std::atomic<bool> mStop = false;
     std::atomic<bool> mDeaf = false;
     std::atomic<bool> mHangUp = false;

@@ -123,6 +123,19 @@ TEST_F(RemoteChannel, ConnectionIsKeptFromOneOpeningToTheNext) {
     EXPECT_EQ(server.Connections(), 2);
 }
 
+TEST_F(RemoteChannel, LastWordsBeforeClosingAreLeftToTheLine) {
+    RemoteServer server;
+    Rfc2217Channel& channel = To(server);
+    ASSERT_TRUE(channel.Open(Settings).Ok());
+    EXPECT_EQ(server.TakenBack(), 1) << "what a former opening left there";
+    EXPECT_EQ(channel.Write("OO").count, 2U);
+    channel.Close();
+    mChannel.reset();
+    ASSERT_TRUE(Until([&] { return server.HostIsGone(); }));
+    EXPECT_EQ(server.Heard(), "OO");
+    EXPECT_EQ(server.TakenBack(), 1);
+}
+
 TEST_F(RemoteChannel, WhatCameWhileThePortWasClosedIsNotRead) {
     RemoteServer server;
     Rfc2217Channel& channel = To(server);
