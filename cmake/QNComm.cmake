@@ -47,16 +47,11 @@ function(qn_library name)
   endif()
 endfunction()
 
-# qn_test(NAME SOURCES … LINKS … [LABELS …] [IN_TURN]): a GoogleTest program whose cases ctest runs one by one. IN_TURN lets
-# only one case of all such programs run at a time, for those whose processes or threads must answer each other within the
-# line's own short time limits; tests that need no more than processor time may run beside it.
+# qn_test(NAME SOURCES … LINKS … [LABELS …] [ALONE]): a GoogleTest program whose cases ctest runs one by one; ALONE keeps
+# others away meanwhile, for programs that must answer each other within the line's own short time limits.
 function(qn_test name)
-  cmake_parse_arguments(ARG "IN_TURN" "" "SOURCES;LINKS;LABELS" ${ARGN})
+  cmake_parse_arguments(ARG "ALONE" "" "SOURCES;LINKS;LABELS" ${ARGN})
   add_executable(${name} ${ARG_SOURCES})
   target_link_libraries(${name} PRIVATE ${ARG_LINKS} GTest::gmock_main qn_build_flags)
-  set(turn)
-  if(ARG_IN_TURN)
-    set(turn RESOURCE_LOCK line)
-  endif()
-  gtest_discover_tests(${name} PROPERTIES LABELS "${ARG_LABELS}" TIMEOUT 60 ${turn} DISCOVERY_TIMEOUT 60)
+  gtest_discover_tests(${name} PROPERTIES LABELS "${ARG_LABELS}" TIMEOUT 60 RUN_SERIAL ${ARG_ALONE} DISCOVERY_TIMEOUT 60)
 endfunction()

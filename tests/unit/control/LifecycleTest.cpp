@@ -60,6 +60,7 @@ TEST_F(Lifecycle, AControlThatEndsWhileItIsShownTakesNoFocus) {
     mOnPortState = [this](bool) { mControl->TearDown(); };
     mControl->UserControl_Show();
     EXPECT_EQ(mTerminal.mFocused, 0);
+    mLoop.Yield(10); // what of it was kept for the event goes
 }
 
 TEST_F(Lifecycle, TheCloseButtonHidesTheControlAndTheLabelGivesTheFocus) {
@@ -189,6 +190,7 @@ TEST_F(Lifecycle, NothingIsHeardOfAControlThatWasTakenDown) {
     mPortStates.clear();
     mOnStatus = [this](std::string&, bool&) { mControl->TearDown(); };
     mControl->BinaryDownload(mFolder.File("x"));
+    mLoop.Yield(10);
     EXPECT_THAT(mMessages, ElementsAre("Downloading x")) << "not of the end of the transfer";
     EXPECT_THAT(mPortStates, IsEmpty());
 }
