@@ -5,6 +5,7 @@
 
 #include "common/QNError.h"
 
+#include <cstdio>
 #include <exception>
 #include <utility>
 
@@ -47,15 +48,24 @@ void OpenMissingStreams() {
         if (::fcntl(stream, F_GETFD) < 0) ::open("/dev/null", O_RDWR);
 }
 
+ExitStatus RunProgram(int argc, char** argv) {
+    const CommandTable table = AllCommands();
+    const Request request = ParseCommandLine(argc, argv, table);
+    const Output output(request.options.json);
+    const Outcome outcome = request.ended ? *request.ended : Run(request, output);
+    if (!outcome.Ok()) output.Failure(outcome);
+    return outcome.status;
+}
+
 } // namespace
 } // namespace qnctl
 
 int main(int argc, char** argv) {
     qnctl::OpenMissingStreams();
-    const qnctl::CommandTable table = qnctl::AllCommands();
-    const qnctl::Request request = qnctl::ParseCommandLine(argc, argv, table);
-    const qnctl::Output output(request.options.json);
-    const qnctl::Outcome outcome = request.ended ? *request.ended : qnctl::Run(request, output);
-    if (!outcome.Ok()) output.Failure(outcome);
-    return static_cast<int>(outcome.status);
+    try {
+        return static_cast<int>(qnctl::RunProgram(argc, argv));
+    } catch (const std::exception& error) { // such as memory that ran out
+        static_cast<void>(std::fprintf(stderr, "qnctl: %s\n", error.what()));
+        return static_cast<int>(qnctl::ExitStatus::Error);
+    }
 }
