@@ -1,8 +1,8 @@
 // How long the search takes beside the waits that it cannot do without.
 
-#include "ServedPrinter.h"
 #include "platform/PollLoop.h"
-#include "support/Stack.h"
+#include "testing/line/ServedPrinter.h"
+#include "testing/stack/Stack.h"
 
 #include <algorithm>
 #include <cstdio>

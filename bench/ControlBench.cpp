@@ -1,8 +1,8 @@
 // What one control costs: until it is ready for its first call, in memory, and when it is asked for
 // a list that it has. Beside it, in the same run, what it stands on: a serial control and a grid.
 
-#include "ControlDesk.h"
 #include "Memory.h"
+#include "testing/stack/ControlDesk.h"
 
 #include <algorithm>
 #include <chrono>

@@ -4,7 +4,7 @@
 #include "common/QNError.h"
 #include "platform/Fd.h"
 #include "platform/PollLoop.h"
-#include "support/Stack.h"
+#include "testing/stack/Stack.h"
 
 #include <algorithm>
 #include <array>

@@ -4,7 +4,7 @@
 #include "PtyReader.h"
 #include "platform/PollLoop.h"
 #include "printer/clsQuorin.h"
-#include "support/Stack.h"
+#include "testing/stack/Stack.h"
 
 #include <algorithm>
 #include <array>

@@ -3,9 +3,9 @@
 // complexity that the run finds is printed behind each. Between 10,000 and 100,000 entries the
 // records outgrow the processor's cache.
 
-#include "InstantPrinter.h"
 #include "common/MemorySettings.h"
 #include "printer/clsQuorin.h"
+#include "testing/printer/InstantPrinter.h"
 
 #include <benchmark/benchmark.h>
 

@@ -2,15 +2,15 @@
 // record, the others answer what the control asks. A text macro must send exactly its text, and
 // whatever happens only errors with a number come out.
 
-#include "../bench/InstantPrinter.h"
 #include "ReplyLines.h"
 #include "common/Clipboard.h"
 #include "common/MemorySettings.h"
 #include "common/Pointer.h"
 #include "common/QNError.h"
 #include "control/QNComm.h"
-#include "support/ControlStandIns.h"
-#include "support/ScriptedForms.h"
+#include "testing/core/ControlStandIns.h"
+#include "testing/core/ScriptedForms.h"
+#include "testing/printer/InstantPrinter.h"
 
 #include <deque>
 #include <memory>

@@ -1,6 +1,6 @@
 // Any file as a trace: lines read or are refused, what reads is written back the same, and what is
 // taken out keeps its length.
-#include "serial/TraceRedaction.h"
+#include "trace/TraceRedaction.h"
 
 #include <cstdint>
 #include <cstdlib>

@@ -9,8 +9,8 @@
 #include "qt/QNCommWidget.h"
 #include "qt/QtReactor.h"
 #include "serial/PDQComm.h"
-#include "support/RecordingDesktop.h"
 #include "terminal/Terminal.h"
+#include "testing/core/RecordingDesktop.h"
 
 #include <QAbstractEventDispatcher>
 #include <QApplication>

@@ -9,11 +9,11 @@
 // its window is shown and is measured without that too.
 
 #include "FeedLine.h"
-#include "PeerProcess.h"
 #include "TerminalStreams.h"
+#include "testing/programs/PeerProcess.h"
 
-#include "support/ScratchFolder.h"
 #include "terminal/Terminal.h"
+#include "testing/core/ScratchFolder.h"
 
 #include <algorithm>
 #include <array>

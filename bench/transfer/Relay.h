@@ -1,7 +1,7 @@
 #pragma once
 
-#include "PeerProcess.h"
-#include "SimulatedLine.h"
+#include "testing/programs/PeerProcess.h"
+#include "testing/transfer/SimulatedLine.h"
 
 #include <cstdint>
 

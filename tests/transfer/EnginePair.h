@@ -1,6 +1,6 @@
 #pragma once
 
-#include "TransferRig.h"
+#include "testing/transfer/TransferRig.h"
 
 #include <utility>
 

@@ -1,8 +1,8 @@
 #pragma once
 
-#include "MemoryFiles.h"
-#include "PeerProcess.h"
-#include "support/ScratchFolder.h"
+#include "testing/core/ScratchFolder.h"
+#include "testing/programs/PeerProcess.h"
+#include "testing/transfer/MemoryFiles.h"
 
 namespace qncomm::transfer::testing {
 

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "../../printer/control/AssembledFixture.h"
+#include "testing/stack/AssembledFixture.h"
 
 #include "Operations.h"
 

@@ -7,8 +7,8 @@
 
 #include "assembly/ControlAssembly.h"
 #include "qt/QNCommWidget.h"
-#include "support/RecordingTrace.h"
-#include "support/ScratchFolder.h"
+#include "testing/core/ScratchFolder.h"
+#include "testing/stack/RecordingTrace.h"
 
 #include <gtest/gtest.h>
 

@@ -1,7 +1,7 @@
 // The command layer's suite over a real pseudo-terminal and a real socket, on the machine's clock.
 
-#include "LayerBench.h"
 #include "platform/PollLoop.h"
+#include "testing/stack/LayerBench.h"
 
 namespace qncomm::testing {
 namespace {

@@ -1,11 +1,11 @@
 // One suite over every kind of line: what the link promises holds in process, on a
 // pseudo-terminal, on a socket and on a remote serial port.
 
-#include "ServedPrinter.h"
 #include "common/Text.h"
 #include "platform/PollLoop.h"
-#include "support/ExpectRaised.h"
-#include "support/Stack.h"
+#include "testing/core/ExpectRaised.h"
+#include "testing/line/ServedPrinter.h"
+#include "testing/stack/Stack.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>

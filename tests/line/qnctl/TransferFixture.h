@@ -1,6 +1,6 @@
 #pragma once
 
-#include "QnctlFixture.h"
+#include "testing/programs/QnctlFixture.h"
 
 #include <string>
 

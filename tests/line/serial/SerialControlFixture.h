@@ -1,10 +1,10 @@
 #pragma once
 
-#include "FakeChannel.h"
 #include "common/QNError.h"
 #include "serial/PDQComm.h"
-#include "support/ManualReactor.h"
-#include "support/RecordingTrace.h"
+#include "testing/line/FakeChannel.h"
+#include "testing/stack/ManualReactor.h"
+#include "testing/stack/RecordingTrace.h"
 
 #include <gtest/gtest.h>
 

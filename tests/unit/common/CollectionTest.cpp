@@ -1,6 +1,6 @@
 #include "common/Collection.h"
 
-#include "support/ExpectRaised.h"
+#include "testing/core/ExpectRaised.h"
 
 #include <gtest/gtest.h>
 

@@ -2,7 +2,7 @@
 
 #include "common/RuntimeErrors.h"
 
-#include "support/ExpectRaised.h"
+#include "testing/core/ExpectRaised.h"
 
 #include <gtest/gtest.h>
 

@@ -1,8 +1,8 @@
 #include "common/HostPath.h"
 
 #include "common/RuntimeErrors.h"
-#include "support/ExpectRaised.h"
-#include "support/ScratchFolder.h"
+#include "testing/core/ExpectRaised.h"
+#include "testing/core/ScratchFolder.h"
 
 #include <gtest/gtest.h>
 

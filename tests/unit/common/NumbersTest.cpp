@@ -1,6 +1,6 @@
 #include "common/Numbers.h"
 
-#include "support/ExpectRaised.h"
+#include "testing/core/ExpectRaised.h"
 
 #include <gtest/gtest.h>
 

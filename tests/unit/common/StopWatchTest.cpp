@@ -1,6 +1,6 @@
 #include "common/StopWatch.h"
 
-#include "support/ManualLoop.h"
+#include "testing/core/ManualLoop.h"
 
 #include <gtest/gtest.h>
 

@@ -4,14 +4,14 @@
 #include "common/Pointer.h"
 #include "common/RuntimeErrors.h"
 #include "control/QNComm.h"
-#include "support/ControlStandIns.h"
-#include "support/DeskTools.h"
-#include "support/ExpectRaised.h"
-#include "support/ManualLoop.h"
-#include "support/RecordingDesktop.h"
-#include "support/ScratchFolder.h"
-#include "support/ScriptedForms.h"
-#include "support/ScriptedSerial.h"
+#include "testing/core/ControlStandIns.h"
+#include "testing/core/DeskTools.h"
+#include "testing/core/ExpectRaised.h"
+#include "testing/core/ManualLoop.h"
+#include "testing/core/RecordingDesktop.h"
+#include "testing/core/ScratchFolder.h"
+#include "testing/core/ScriptedForms.h"
+#include "testing/core/ScriptedSerial.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>

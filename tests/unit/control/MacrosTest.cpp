@@ -3,7 +3,7 @@
 #include "common/ControlNames.h"
 #include "common/MemorySettings.h"
 #include "common/Text.h"
-#include "support/DeskTools.h"
+#include "testing/core/DeskTools.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>

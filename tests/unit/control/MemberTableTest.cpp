@@ -19,7 +19,7 @@ using testing::Strings;
 
 /// What the control's header declares between the events and what is there for special hosts.
 std::vector<DeclaredMember> Declared() {
-    std::ifstream in(QN_SOURCE_DIR "/control/include/control/QNComm.h", std::ios::binary);
+    std::ifstream in(QN_SOURCE_DIR "/src/control/include/control/QNComm.h", std::ios::binary);
     const std::string header{std::istreambuf_iterator<char>(in), {}};
     return DeclaredMembers(header, "// -- Printer storage", "// -- For hosts that need");
 }

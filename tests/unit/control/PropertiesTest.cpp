@@ -1,5 +1,5 @@
 #include "ControlFixture.h"
-#include "support/CommaLocale.h"
+#include "testing/core/CommaLocale.h"
 
 namespace qncomm {
 namespace {

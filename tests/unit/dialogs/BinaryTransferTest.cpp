@@ -1,9 +1,9 @@
 #include "dialogs/frmBinaryTransfer.h"
 
 #include "common/HostPath.h"
-#include "support/DeskTools.h"
-#include "support/RecordingDesktop.h"
-#include "support/ScratchFolder.h"
+#include "testing/core/DeskTools.h"
+#include "testing/core/RecordingDesktop.h"
+#include "testing/core/ScratchFolder.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>

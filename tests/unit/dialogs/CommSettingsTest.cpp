@@ -4,11 +4,11 @@
 #include "common/Pointer.h"
 #include "common/Text.h"
 #include "dialogs/Dialogs.h"
-#include "support/CommaLocale.h"
-#include "support/ManualLoop.h"
-#include "support/RecordingDesktop.h"
-#include "support/ScriptedForms.h"
-#include "support/ScriptedSerial.h"
+#include "testing/core/CommaLocale.h"
+#include "testing/core/ManualLoop.h"
+#include "testing/core/RecordingDesktop.h"
+#include "testing/core/ScriptedForms.h"
+#include "testing/core/ScriptedSerial.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>

@@ -2,8 +2,8 @@
 
 #include "common/MemorySettings.h"
 #include "common/RuntimeErrors.h"
-#include "support/DeskTools.h"
-#include "support/ExpectRaised.h"
+#include "testing/core/DeskTools.h"
+#include "testing/core/ExpectRaised.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>

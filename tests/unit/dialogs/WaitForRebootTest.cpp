@@ -1,8 +1,8 @@
 #include "dialogs/frmWaitForReboot.h"
 
 #include "dialogs/Dialogs.h"
-#include "support/ManualLoop.h"
-#include "support/ScriptedForms.h"
+#include "testing/core/ManualLoop.h"
+#include "testing/core/ScriptedForms.h"
 
 #include <gtest/gtest.h>
 

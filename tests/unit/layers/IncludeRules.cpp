@@ -21,28 +21,29 @@ struct Rule {
 constexpr std::array<std::string_view, 1> Common{"common"};
 constexpr std::array<std::string_view, 2> LinkCommon{"link", "common"};
 constexpr std::array<std::string_view, 4> BelowControl{"printer", "link", "dialogs", "common"};
-constexpr std::array<std::string_view, 4> BelowSerial{"common", "platform", "link/SerialControl.h",
-                                                      "transfer"};
-constexpr std::array<std::string_view, 1> Transfer{"transfer"};
-constexpr std::array<std::string_view, 8> BelowAssembly{
-    "control", "printer", "link", "dialogs", "common", "platform", "serial", "terminal"};
+constexpr std::array<std::string_view, 2> BelowTrace{"common", "platform"};
+constexpr std::array<std::string_view, 6> BelowSerial{
+    "common", "platform", "link/SerialControl.h", "transfer", "terminal", "trace"};
+constexpr std::array<std::string_view, 3> BelowSimulator{"transfer", "trace", "platform"};
+constexpr std::array<std::string_view, 9> BelowAssembly{
+    "control", "printer", "link", "dialogs", "common", "platform", "serial", "terminal", "trace"};
 constexpr std::array<std::string_view, 7> BelowConsole{"assembly", "control", "printer", "link",
                                                        "dialogs",  "common",  "platform"};
 constexpr std::array<std::string_view, 8> BelowQt{"assembly", "terminal", "control", "printer",
                                                   "link",     "dialogs",  "common",  "platform"};
 
-/// A folder inside another one with a row of its own stands before it.
 constexpr std::array Rules{
-    Rule{"serial/terminal", Common, true},
     Rule{"common", {}, true},
     Rule{"link", Common, true},
     Rule{"printer", LinkCommon, true},
     Rule{"dialogs", LinkCommon, true},
     Rule{"control", BelowControl, true},
     Rule{"platform", Common, false},
-    Rule{"serial/transfer", {}, true},
+    Rule{"transfer", Common, true},
+    Rule{"terminal", Common, true},
+    Rule{"trace", BelowTrace, false},
     Rule{"serial", BelowSerial, false},
-    Rule{"simulator", Transfer, false},
+    Rule{"simulator", BelowSimulator, false},
     Rule{"assembly", BelowAssembly, false},
     Rule{"faces/console", BelowConsole, false},
     Rule{"faces/qt", BelowQt, false},
@@ -52,10 +53,10 @@ constexpr std::array Rules{
 constexpr std::string_view VirtualPrinterChannel = "serial/VirtualPrinterChannel.cpp";
 
 /// The project's folders as they stand at the start of an include.
-constexpr std::array<std::string_view, 17> ProjectFolders{
+constexpr std::array<std::string_view, 18> ProjectFolders{
     "transfer", "terminal", "common", "link",      "printer",  "dialogs",
     "control",  "platform", "serial", "simulator", "assembly", "faces",
-    "console",  "qt",       "apps",   "bindings",  "tests"};
+    "console",  "qt",       "apps",   "bindings",  "tests",    "trace"};
 
 const std::regex& StandardHeader() {
     // Standard headers have neither a folder nor an extension; their C forms (<stdio.h>) are not

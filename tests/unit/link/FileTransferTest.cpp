@@ -1,5 +1,5 @@
 #include "LinkFixture.h"
-#include "support/ScratchFolder.h"
+#include "testing/core/ScratchFolder.h"
 
 namespace qncomm::testing {
 namespace {

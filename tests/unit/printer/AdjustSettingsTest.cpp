@@ -1,7 +1,7 @@
 #include "PrinterFixture.h"
 #include "common/Numbers.h"
 #include "common/Text.h"
-#include "support/ScratchFolder.h"
+#include "testing/core/ScratchFolder.h"
 
 #include <map>
 

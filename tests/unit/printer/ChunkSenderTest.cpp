@@ -1,6 +1,6 @@
 #include "ChunkSender.h"
-#include "support/ExpectRaised.h"
-#include "support/ScratchFolder.h"
+#include "testing/core/ExpectRaised.h"
+#include "testing/core/ScratchFolder.h"
 
 #include <gmock/gmock.h>
 

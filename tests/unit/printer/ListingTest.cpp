@@ -1,6 +1,6 @@
 #include "printer/Listing.h"
 #include "common/QNError.h"
-#include "support/ExpectRaised.h"
+#include "testing/core/ExpectRaised.h"
 
 #include <gmock/gmock.h>
 

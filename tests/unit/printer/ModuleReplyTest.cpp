@@ -1,5 +1,5 @@
 #include "printer/ModuleReply.h"
-#include "support/ExpectRaised.h"
+#include "testing/core/ExpectRaised.h"
 
 #include <gmock/gmock.h>
 

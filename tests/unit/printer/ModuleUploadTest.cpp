@@ -1,5 +1,5 @@
 #include "PrinterFixture.h"
-#include "support/ScratchFolder.h"
+#include "testing/core/ScratchFolder.h"
 
 namespace qncomm::testing {
 namespace {

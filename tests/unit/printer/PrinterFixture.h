@@ -4,10 +4,10 @@
 #include "common/Pointer.h"
 #include "common/modErrorHandling.h"
 #include "printer/clsQuorin.h"
-#include "support/ExpectRaised.h"
-#include "support/ManualLoop.h"
-#include "support/RecordingDesktop.h"
-#include "support/ScriptedSerial.h"
+#include "testing/core/ExpectRaised.h"
+#include "testing/core/ManualLoop.h"
+#include "testing/core/RecordingDesktop.h"
+#include "testing/core/ScriptedSerial.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>

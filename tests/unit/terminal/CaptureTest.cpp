@@ -1,5 +1,5 @@
-#include "support/ScratchFolder.h"
 #include "terminal/Terminal.h"
+#include "testing/core/ScratchFolder.h"
 
 #include <gmock/gmock.h>
 

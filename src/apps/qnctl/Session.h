@@ -1,0 +1,123 @@
+#pragma once
+
+#include "GlobalOptions.h"
+#include "Outcome.h"
+#include "Output.h"
+#include "PortChoice.h"
+
+#include "assembly/ControlAssembly.h"
+#include "common/Event.h"
+#include "console/ConsoleDesk.h"
+#include "console/TransferProgress.h"
+#include "control/QNComm.h"
+#include "link/clsDataLink.h"
+#include "platform/FileSettings.h"
+#include "platform/Interrupt.h"
+#include "platform/PollLoop.h"
+#include "printer/clsQuorin.h"
+#include "serial/PDQComm.h"
+#include "trace/JsonLinesTrace.h"
+
+#include <cstdint>
+#include <memory>
+#include <optional>
+#include <string>
+
+namespace qnctl {
+
+/// One run of the program: the loop, the settings, the port and a control on it like any other
+/// host's, put together and taken apart again in the right order, whatever ends the run.
+class Session {
+  public:
+    Session(const GlobalOptions& options, const Output& output);
+    ~Session();
+    Session(const Session&) = delete;
+    Session& operator=(const Session&) = delete;
+
+    const GlobalOptions& Options() const { return mOptions; }
+    /// Where results go; a progress line is taken away first.
+    const Output& Out() {
+        Status().Clear();
+        return mOutput;
+    }
+    qncomm::PollLoop& Loop() { return mLoop; }
+    qncomm::ConsoleDesk& Desk() { return mDesk; }
+    qncomm::StatusLine& Status() { return mDesk.Status(); }
+    qncomm::FileSettings& Store() { return *mStore; }
+
+    /// Binds the port numbers; every command's first step. Warns about bindings that do not parse.
+    void Prepare();
+    qncomm::PortBindings& Bindings() { return mBindings; }
+
+    /// Chooses the port (sNamed, or the configured one when it is empty) and makes the control on
+    /// it; that of a port that was chosen before goes away.
+    Outcome ChooseThePort(const std::string& sNamed);
+    /// Makes a control that has no port to open, for what it answers alone.
+    Outcome ChooseNoPort();
+    /// Makes the chosen port the configured one, with the settings that were found.
+    void Remember();
+    const PortChoice& Port() const { return mPort; }
+    qncomm::QNComm& Control() { return mAssembly->Control(); }
+    qncomm::ControlAssembly& Assembly() { return *mAssembly; }
+    /// What lies beneath the control, for what it does not offer.
+    qncomm::PDQComm& Serial() { return mAssembly->Serial(); }
+    qncomm::clsDataLink& Link() { return Control().Link(); }
+    qncomm::clsQuorin& Printer() { return Control().Layer(); }
+    /// Whether the printer can list its storage; the one model that cannot says so in a box each
+    /// time that it is asked to.
+    bool PrinterLists() { return Control().PrinterType() != "R7C"; }
+    /// Whether the port's number was only made up for this run.
+    bool PortIsLent() const;
+    /// "COM3 (/dev/ttyUSB0)", or the address alone of a port without a number of its own.
+    std::string PortName() const;
+
+    /// Opens the port and finds the printer; the port then stays claimed until Disconnect or the
+    /// session's end.
+    Outcome Connect();
+    void Disconnect();
+    /// Whether the port is claimed for this run. Raises 91 after the control's TearDown.
+    bool Connected() { return mClaim && *mClaim && Link().UseCount() > 0; }
+    /// How a search that found nothing is told: cancelled, no printer, or the port's own failure.
+    Outcome NotFound();
+
+    /// Asks the person; True for yes.
+    bool Ask(const std::string& title, const std::string& question);
+
+    /// Whether an operation was quietly refused for want of the port since the last call.
+    bool TakePortRefusal();
+
+    /// Whether Ctrl-C was pressed.
+    bool Interrupted() { return mInterrupt.Raised(); }
+
+    /// From here on, until another port is chosen, progress is that of a transfer: the status line
+    /// shows rate and time left, and the readings go to report, which may be empty.
+    qncomm::TransferProgress& FollowTransfer(qncomm::TransferProgress::Report report);
+
+    /// Shows each progress message on a line of its own where there is no terminal.
+    void ShowEveryStatus();
+
+  private:
+    Outcome MakeTheControl();
+    Outcome PassLabelsOn();
+    void Wire();
+    void Unwire();
+    void OnStatus(const std::string& message, std::int16_t progress, bool& cancel);
+    void Note(std::string_view line);
+
+    GlobalOptions mOptions;
+    const Output& mOutput;
+    qncomm::Interrupt mInterrupt;
+    qncomm::PollLoop mLoop{&mInterrupt};
+    qncomm::ConsoleDesk mDesk;
+    std::shared_ptr<qncomm::FileSettings> mStore;
+    qncomm::PortBindings mBindings;
+    PortChoice mPort;
+    std::unique_ptr<qncomm::JsonLinesTrace> mTrace;
+    std::unique_ptr<qncomm::ControlAssembly> mAssembly;
+    std::optional<qncomm::TransferProgress> mTransfer;
+    qncomm::Subscription mStatusEvent;
+    std::optional<qncomm::PortClaim> mClaim;
+    std::string mNote; ///< why something was quietly refused
+};
+
+} // namespace qnctl

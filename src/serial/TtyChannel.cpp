@@ -1,0 +1,100 @@
+#include "TtyChannel.h"
+
+#include "TtyLine.h"
+#include "TtyProbe.h"
+#include "platform/SystemErrors.h"
+
+#include <cerrno>
+#include <sys/ioctl.h>
+#include <unistd.h>
+#include <utility>
+
+namespace qncomm {
+TtyChannel::TtyChannel(Reactor& reactor, std::string sPath, CountErrors count)
+    : FdChannel(reactor, "the device went away"),
+      mPath(std::move(sPath)),
+      mCountErrors(std::move(count)) {}
+
+IoResult TtyChannel::Open(const LineSettings& settings) {
+    Fd fd;
+    if (IoResult claimed = ClaimTty(mPath, fd); !claimed.Ok()) return claimed;
+    int lines = 0;
+    mHasLines = ::ioctl(fd.Get(), TIOCMGET, &lines) == 0;
+    ::tcgetattr(fd.Get(), &mFormer);
+    ::ioctl(fd.Get(), TIOCEXCL);
+    if (IoResult applied = Apply(fd.Get(), settings); !applied.Ok()) {
+        ::tcsetattr(fd.Get(), TCSANOW, &mFormer);
+        ::ioctl(fd.Get(), TIOCNXCL);
+        return applied;
+    }
+    ::tcflush(fd.Get(), TCIFLUSH); // what came before belongs to nobody
+    mErrorCounts = mCountErrors(fd.Get());
+    Attach(std::move(fd));
+    return {};
+}
+
+void TtyChannel::Close() {
+    const Fd fd = Detach();
+    if (!fd) return;
+    if (mHasLines) ::tcflush(fd.Get(), TCOFLUSH); // else the close waits until all of it was sent
+    ::tcsetattr(fd.Get(), TCSANOW, &mFormer);
+    ::ioctl(fd.Get(), TIOCNXCL);
+}
+
+IoResult TtyChannel::Probe() {
+    return Handle() >= 0 ? IoResult{} : ProbeTty(mPath);
+}
+
+IoResult TtyChannel::Configure(const LineSettings& settings) {
+    return Apply(Handle(), settings);
+}
+
+IoResult TtyChannel::SetBreak(bool bOn) {
+    if (::ioctl(Handle(), bOn ? TIOCSBRK : TIOCCBRK) == 0) return {};
+    return OpenFailure(errno);
+}
+
+IoResult TtyChannel::Apply(int fd, const LineSettings& settings) const {
+    const termios wanted = AttributesFor(settings);
+    if (::tcsetattr(fd, TCSANOW, &wanted) != 0) return OpenFailure(errno);
+    termios got{};
+    if (::tcgetattr(fd, &got) != 0) return OpenFailure(errno);
+    // The call succeeds as soon as the device took any of it.
+    const std::string refused = mHasLines ? RefusedPart(wanted, got) : std::string();
+    if (refused.empty()) return {};
+    return {IoStatus::Unsupported, 0,
+            "the device does not take " + refused + " of " + TextOf(settings)};
+}
+
+LineErrors TtyChannel::TakeLineErrors() {
+    if (!mErrorCounts) return {};
+    const std::optional<TtyErrorCounts> before =
+        std::exchange(mErrorCounts, mCountErrors(Handle()));
+    return mErrorCounts ? ErrorsBetween(*before, *mErrorCounts) : LineErrors{};
+}
+
+std::size_t TtyChannel::OutputPending() {
+    int pending = 0;
+    if (!mHasLines || ::ioctl(Handle(), TIOCOUTQ, &pending) != 0 || pending < 0) return 0;
+    return static_cast<std::size_t>(pending);
+}
+
+void TtyChannel::DiscardInput() {
+    ::tcflush(Handle(), TCIFLUSH);
+}
+
+void TtyChannel::DiscardOutput() {
+    ::tcflush(Handle(), TCOFLUSH); // of a pseudo-terminal: what its other side has not read
+}
+
+std::optional<bool> TtyChannel::Dsr() {
+    int lines = 0;
+    if (!mHasLines || ::ioctl(Handle(), TIOCMGET, &lines) != 0) return std::nullopt;
+    return (lines & TIOCM_DSR) != 0;
+}
+
+ssize_t TtyChannel::Put(std::string_view bytes) {
+    return ::write(Handle(), bytes.data(), bytes.size());
+}
+
+} // namespace qncomm

@@ -1,0 +1,38 @@
+#pragma once
+
+#include "platform/IoResult.h"
+#include "trace/TraceSink.h"
+
+#include <cstddef>
+#include <cstdint>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace qncomm {
+
+/// One line of a trace.
+struct TraceRecord {
+    int line = 0; ///< its number in the file, from 1
+    std::int64_t ms = 0;
+    TraceKind kind = TraceKind::Event;
+    std::string bytes;        ///< of the line, or an event's text
+    std::size_t redacted = 0; ///< how many bytes were taken out; bytes is empty then
+};
+
+/// Reads one line as JsonLinesTrace writes it; nothing when it is none.
+std::optional<TraceRecord> ParseTraceLine(std::string_view sLine);
+
+/// A record as a line without its end, so that ParseTraceLine reads it back.
+std::string TraceLineOf(const TraceRecord& record);
+
+struct TraceReading {
+    std::vector<TraceRecord> records;
+    IoResult result; ///< why the file could not be read; a line that is no record is named
+};
+
+/// Reads a whole trace. A last line that was cut short, as a killed program leaves it, is left out.
+TraceReading ReadTrace(const std::string& sPath);
+
+} // namespace qncomm

@@ -1,0 +1,228 @@
+// The whole window with a virtual printer behind it, in real time, as a person uses it.
+
+#include "WindowFixture.h"
+
+#include "CodeView.h"
+#include "FileView.h"
+#include "ModuleBrowser.h"
+#include "Operations.h"
+#include "PreviewPane.h"
+#include "SetupBrowser.h"
+#include "testing/face/Pictures.h"
+
+#include <gmock/gmock.h>
+
+#include <QLineEdit>
+#include <QProcess>
+#include <QTimer>
+#include <QToolButton>
+#include <QTreeView>
+
+namespace qnterm::test {
+namespace {
+
+using qncomm::testing::DarkDesktop;
+using qncomm::testing::SavePicture;
+using ::testing::HasSubstr;
+using ::testing::IsEmpty;
+using ::testing::Not;
+
+TEST_F(WindowTest, TheFirstStartOffersTheVirtualPrinterAndEnterConnectsIt) {
+    Open({});
+    auto* chooser = mWindow->findChild<AddressDialog*>();
+    ASSERT_NE(chooser, nullptr);
+    ASSERT_TRUE(chooser->isVisible());
+    SavePicture(*chooser, "qnterm-chooser");
+    SavePicture(*mWindow, "qnterm-welcome");
+    EXPECT_FALSE(PortOpen()) << "a port was opened that nobody chose";
+    QTest::keyClick(chooser->findChild<QLineEdit*>(), Qt::Key_Return);
+    AwaitPrinter();
+    EXPECT_THAT(Status(), HasSubstr("R7G on "));
+    CloseWindow();
+    EXPECT_THAT(mFolder.Read("settings.ini"), HasSubstr("sim:R7G"));
+
+    Open({}); // the next start asks nothing
+    EXPECT_EQ(mWindow->findChild<AddressDialog*>(), nullptr);
+    AwaitPrinter();
+}
+
+TEST_F(WindowTest, WhatIsTypedReachesThePrinterAndItsAnswerIsShown) {
+    Open("sim:R7G");
+    AwaitPrinter();
+    Type("PRINT 6*7\n");
+    EXPECT_TRUE(Eventually([&] { return mTrace.mReceived.ends_with("42\r\nOk\r\n"); }))
+        << mTrace.mReceived;
+    EXPECT_THAT(mTrace.mSent, HasSubstr("PRINT 6*7\r"));
+    Type("FILES \"c:\"\n");
+    EXPECT_TRUE(Eventually([&] { return mTrace.mReceived.ends_with("Ok\r\n"); }));
+    QTest::qWait(100);
+    SavePicture(*mWindow, "qnterm-session");
+    CloseWindow();
+}
+
+TEST_F(WindowTest, TheSetupIsReadIntoItsDock) {
+    Open("sim:R7G");
+    AwaitPrinter();
+    ShowDock("setup");
+    Find<SetupBrowser>().Read();
+    EXPECT_GT(Find<SetupBrowser>().findChild<QTreeView*>()->model()->rowCount(), 2);
+    Settle();
+    SavePicture(*mWindow, "qnterm-setup");
+}
+
+TEST_F(WindowTest, AModulesErrorsStandBelowItsText) {
+    Open("sim:R7G");
+    AwaitPrinter();
+    ShowDock("modules");
+    Find<ModuleBrowser>().OpenFile(QString::fromStdString(mFolder.Write(
+        "PRICES.PRG", "PRINT \"Prices\"\r\nFOR I=1 TO 3\r\nPRONT I\r\nNEXT I\r\nPRINT )\r\n")));
+    Find<ModuleBrowser>().Upload();
+    Settle();
+    EXPECT_EQ(Find<CodeView>().MarkedLine(), 3);
+    SavePicture(*mWindow, "qnterm-module-errors");
+}
+
+TEST_F(WindowTest, APrintedLabelIsShown) {
+    Open("sim:R7G");
+    AwaitPrinter();
+    ShowDock("labels");
+    SavePicture(*mWindow, "qnterm-labels-empty");
+    Type("PP 40,200:FT \"SW120BSN.1\":PT \"QNComm\":PP 40,120:FT \"SW050RSN.1\":"
+         "PT \"Printed without a printer\":PF\n");
+    EXPECT_TRUE(Eventually([&] { return Find<LabelView>().Count() == 1; }));
+    Type("PP 20,90:PX 220,780,6:PP 60,180:FT \"SW080BSN.1\":PT \"Second\":PF\n");
+    EXPECT_TRUE(Eventually([&] { return Find<LabelView>().Count() == 2; }));
+    Settle();
+    SavePicture(*mWindow, "qnterm-labels");
+}
+
+TEST_F(WindowTest, TheDarkDesktopIsFollowed) {
+    const DarkDesktop dark;
+    Open("sim:R7G");
+    AwaitPrinter();
+    Type("PRINT 1\n");
+    EXPECT_TRUE(Eventually([&] { return mTrace.mReceived.ends_with("1\r\nOk\r\n"); }));
+    QTest::qWait(100);
+    SavePicture(*mWindow, "qnterm-dark");
+}
+
+/// A printer beside the program that can be unplugged and plugged in again.
+class Plug {
+  public:
+    explicit Plug(QString path) : mPath(std::move(path)) { In(); }
+    ~Plug() { Out(); }
+    Plug(const Plug&) = delete;
+    Plug& operator=(const Plug&) = delete;
+
+    void In() {
+        mPrinter.start(QN_PROGRAMS "/qnsim", {"--link", mPath});
+        EXPECT_TRUE(mPrinter.waitForReadyRead(Patience));
+    }
+    void Out() {
+        mPrinter.kill();
+        mPrinter.waitForFinished(Patience);
+    }
+
+  private:
+    QString mPath;
+    QProcess mPrinter;
+};
+
+TEST_F(WindowTest, APortThatIsUnpluggedIsToldAndComesBack) {
+    const QString path = QString::fromStdString(mFolder.File("printer"));
+    Plug plug(path);
+    Open(path);
+    AwaitPrinter();
+    plug.Out();
+    EXPECT_TRUE(Eventually([&] { return Status().find(" lost") != std::string::npos; }));
+    SavePicture(*mWindow, "qnterm-port-lost");
+    plug.In();
+    EXPECT_TRUE(Eventually([&] { return Status().find(" lost") == std::string::npos; }));
+    EXPECT_TRUE(PortOpen());
+    Type("PRINT 6*7\n");
+    EXPECT_TRUE(Eventually([&] { return mTrace.mReceived.ends_with("42\r\nOk\r\n"); }));
+}
+
+TEST_F(WindowTest, CancelEndsASearch) {
+    QTimer press;
+    bool pressed = false;
+    QObject::connect(&press, &QTimer::timeout, [&] {
+        auto* cancel = mWindow->statusBar()->findChild<QToolButton*>();
+        if (pressed || !cancel->isVisible() || mTrace.mSent.empty()) return;
+        pressed = true;
+        SavePicture(*mWindow, "qnterm-searching");
+        cancel->click();
+    });
+    press.start(20);
+    Open("sim:R7G?baud=300&format=s,7,1"); // no search finds this one
+    EXPECT_TRUE(Eventually([&] { return pressed && !IsBusy(); }));
+    EXPECT_THAT(Status(), HasSubstr("Connect: cancelled"));
+    EXPECT_EQ(QApplication::activeModalWidget(), nullptr)
+        << "what was cancelled was told as failed";
+}
+
+TEST_F(WindowTest, ClosingDuringASearchEndsItAndClosesThePort) {
+    QTimer::singleShot(300, qApp, [this] { mWindow->close(); });
+    Open("sim:R7G?baud=300&format=s,7,1"); // no search finds this one
+    EXPECT_TRUE(Eventually([&] { return !mWindow->isVisible() && !IsBusy() && !PortOpen(); }));
+    EXPECT_THAT(mTrace.mSent, Not(IsEmpty()));
+}
+
+TEST_F(WindowTest, ClosingDuringATransferEndsItAndClosesThePort) {
+    Open("sim:R7G");
+    AwaitPrinter();
+    const std::string path = mFolder.Write("LONG.DAT", std::string(3'900'000, 'x'));
+    QTimer close;
+    QObject::connect(&close, &QTimer::timeout, [&] {
+        if (Status().find("Uploading") != std::string::npos) mWindow->close();
+    });
+    close.start(1);
+    const DeviceListing device{
+        .name = "tmp:", .kind = DeviceKind::Files, .files = {}, .used = {}, .free = {}};
+    Find<DeviceBrowser>().Actions().SendFiles(device, {QString::fromStdString(path)});
+    EXPECT_TRUE(Eventually([&] { return !mWindow->isVisible() && !IsBusy() && !PortOpen(); }));
+    EXPECT_EQ(QApplication::activeModalWidget(), nullptr);
+}
+
+TEST_F(WindowTest, ClosingDuringARestartEndsTheWaitAndClosesThePort) {
+    Open("sim:R7G?boot-ms=600000");
+    AwaitPrinter();
+    QTimer::singleShot(500, qApp, [this] { mWindow->close(); });
+    EXPECT_FALSE(mWindow->findChild<Operations*>()->Run(
+        "Reboot", [](qncomm::QNComm& control) { control.Reboot(); }));
+    EXPECT_TRUE(Eventually([&] { return !mWindow->isVisible() && !IsBusy() && !PortOpen(); }));
+    for (const QWidget* window : QApplication::topLevelWidgets())
+        EXPECT_FALSE(window->isVisible()) << window->windowTitle().toStdString();
+}
+
+TEST_F(WindowTest, ThePrintersImagesAreShownAsTheyWereSent) {
+    const DarkDesktop dark;
+    Open("sim:R7G");
+    AwaitPrinter();
+    std::string picture = "\x0A\x05\x01\x01";
+    picture.resize(128, '\0');
+    picture[8] = 63; // 64 by 64 dots
+    picture[10] = 63;
+    picture[16] = picture[17] = picture[18] = '\0';
+    picture[19] = picture[20] = picture[21] = '\xFF';
+    picture[65] = 1;
+    picture[66] = 8;
+    for (int row = 0; row < 64; ++row)
+        for (int byte = 0; byte < 8; ++byte)
+            picture += (row / 8 + byte) % 2 == 0 ? std::string("\xC1\xFF") : std::string(1, '\0');
+    const std::string path = mFolder.Write("CHECKER.PCX", picture);
+    auto* devices = Find<DeviceBrowser>().findChildren<QTableView*>().front();
+    for (auto* table : Find<DeviceBrowser>().findChildren<QTableView*>())
+        if (table->accessibleName().startsWith("Devices")) devices = table;
+    devices->selectRow(devices->model()->rowCount() - 1);
+    const DeviceListing images{
+        .name = "images:", .kind = DeviceKind::Images, .files = {}, .used = {}, .free = {}};
+    Find<DeviceBrowser>().Actions().SendFiles(images, {QString::fromStdString(path)});
+    Find<FileView>().selectRow(0);
+    Settle();
+    EXPECT_EQ(Find<PreviewPane>().Picture().size(), QSize(64, 64));
+    SavePicture(*mWindow, "qnterm-images-dark");
+}
+
+} // namespace
+} // namespace qnterm::test

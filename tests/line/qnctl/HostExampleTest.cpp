@@ -1,0 +1,38 @@
+#include "testing/core/ScratchFolder.h"
+#include "testing/programs/Program.h"
+
+#include <gmock/gmock.h>
+
+#include <algorithm>
+
+namespace {
+
+using qntest::Program;
+using testing::HasSubstr;
+using testing::StartsWith;
+
+TEST(HostExample, FindsAPrinterAndListsItsFiles) {
+    Program host({QN_HOST_PROGRAM});
+    host.CloseInput();
+    EXPECT_EQ(host.Wait(), 0) << host.Err();
+    EXPECT_THAT(host.Out(), StartsWith("R7G, "));
+    EXPECT_THAT(host.Out(), HasSubstr(" bytes\n"));
+}
+
+TEST(HostExample, SaysWhatIsWrongWithAPort) {
+    for (const char* address : {"/dev/there-is-none", "sim:R9"}) {
+        Program host({QN_HOST_PROGRAM, address});
+        host.CloseInput();
+        EXPECT_EQ(host.Wait(), 1) << address;
+        EXPECT_EQ(host.Out(), "") << address;
+        EXPECT_THAT(host.Err(), HasSubstr(": ")) << address;
+    }
+}
+
+TEST(HostExample, IsShortEnoughToBeReadAtOnce) {
+    const std::string code = qncomm::testing::ContentOf(QN_HOST_CODE);
+    EXPECT_FALSE(code.empty());
+    EXPECT_LE(std::count(code.begin(), code.end(), '\n'), 60);
+}
+
+} // namespace

@@ -1,0 +1,81 @@
+// The loop sleeps until something is due, and signals reach it.
+
+#include "platform/PollLoop.h"
+#include "common/QNError.h"
+#include "platform/Interrupt.h"
+#include "testing/stack/ReactorContract.h"
+
+#include <gtest/gtest.h>
+
+#include <csignal>
+
+namespace qncomm::testing {
+namespace {
+
+constexpr std::int32_t LongMs = AnHourMs;
+
+INSTANTIATE_TYPED_TEST_SUITE_P(PollLoop, ReactorContract, PollLoop);
+
+// -- Signals
+
+TEST(Signals, ASignalWakesTheLoopAndRaisesTheFlag) {
+    Interrupt interrupt;
+    PollLoop loop(&interrupt);
+    EXPECT_FALSE(interrupt.Raised());
+    ::raise(SIGINT);
+    loop.Yield(LongMs);
+    EXPECT_TRUE(interrupt.Raised());
+    EXPECT_EQ(interrupt.Signal(), SIGINT);
+    interrupt.Clear();
+    EXPECT_FALSE(interrupt.Raised());
+    loop.Yield(0);
+}
+
+TEST(Signals, AnOperationThatGoesOnIsEndedAfterTheGracePeriod) {
+    Interrupt interrupt;
+    PollLoop loop(&interrupt, 5);
+    ::raise(SIGTERM);
+    const std::int64_t raised = loop.NowUs();
+    EXPECT_THROW(while (true) loop.Yield(LongMs), OperationCancelled);
+    EXPECT_GE(loop.NowUs() - raised, 5000);
+    loop.Yield(0); // what unwinds may still yield
+    loop.Yield(1);
+}
+
+TEST(Signals, TheGracePeriodAlsoRunsWhenAHandlerSawTheFlagFirst) {
+    Interrupt interrupt;
+    PollLoop loop(&interrupt, 1);
+    ::raise(SIGINT);
+    EXPECT_TRUE(interrupt.Raised());
+    EXPECT_THROW(while (true) loop.Yield(LongMs), OperationCancelled);
+}
+
+TEST(Signals, ASecondSignalEndsTheOperationAtOnce) {
+    Interrupt interrupt;
+    PollLoop loop(&interrupt, LongMs);
+    ::raise(SIGINT);
+    loop.Yield(LongMs);
+    loop.Yield(0);
+    ::raise(SIGINT);
+    EXPECT_THROW(while (true) loop.Yield(LongMs), OperationCancelled);
+    loop.Yield(0);
+    ::raise(SIGINT);
+    ::raise(SIGTERM);
+    EXPECT_THROW(while (true) loop.Yield(LongMs), OperationCancelled);
+}
+
+TEST(Signals, TheFormerHandlingIsBackWhenTheFlagGoes) {
+    sigset_t before{};
+    ::pthread_sigmask(SIG_SETMASK, nullptr, &before);
+    {
+        const Interrupt interrupt;
+        ::raise(SIGINT); // dropped, not delivered later
+    }
+    sigset_t after{};
+    ::pthread_sigmask(SIG_SETMASK, nullptr, &after);
+    EXPECT_EQ(sigismember(&before, SIGINT), sigismember(&after, SIGINT));
+    EXPECT_EQ(sigismember(&after, SIGINT), 0);
+}
+
+} // namespace
+} // namespace qncomm::testing

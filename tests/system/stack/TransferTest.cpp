@@ -1,0 +1,142 @@
+// Files between a host and the virtual printer, the whole way down on a driven clock.
+
+#include "printer/clsQuorin.h"
+#include "testing/core/ExpectRaised.h"
+#include "testing/core/ScratchFolder.h"
+#include "testing/stack/ManualReactor.h"
+#include "testing/stack/Stack.h"
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <functional>
+#include <vector>
+
+namespace qncomm::testing {
+namespace {
+
+std::string AllBytes(std::size_t size) {
+    std::string bytes(size, '\0');
+    std::uint32_t state = 12345;
+    for (char& c : bytes) {
+        state = state * 1664525U + 1013904223U;
+        c = static_cast<char>(state >> 24U);
+    }
+    return bytes;
+}
+
+struct LineOf {
+    const char* name;
+    const char* address;
+    std::size_t size;
+};
+
+class StackTransfer : public ::testing::TestWithParam<LineOf> {
+  protected:
+    ScratchFolder mFolder;
+    const std::string mContent = AllBytes(GetParam().size);
+    const std::string mSent = mFolder.Write("sent.bin", mContent);
+    ManualReactor mReactor;
+    Stack mStack{mReactor, GetParam().address};
+    clsQuorin mQuorin{mStack.mLink, mStack.mDesktop};
+};
+
+TEST_P(StackTransfer, GoesThereAndBackByKermit) {
+    mQuorin.KermitUpload(mSent, "c:DATA.BIN");
+    EXPECT_EQ(mStack.mLink.UseCount(), 0);
+    EXPECT_TRUE(mQuorin.PrinterFileExists("c:DATA.BIN"));
+    mQuorin.KermitDownload("c:DATA.BIN", mFolder.File("back.bin"));
+    EXPECT_EQ(mFolder.Read("back.bin"), mContent);
+    EXPECT_EQ(mStack.Ask("PRINT 1").at(1), "1") << "the printer is at its prompt";
+}
+
+TEST_P(StackTransfer, ACancelLeavesThePrinterAtItsPromptAndNoFile) {
+    const Subscription cancel =
+        mStack.mLink.StatusEvent.Connect([](std::string& text, std::int16_t&, bool& stop) {
+            if (text.starts_with("Uploading")) stop = true;
+        });
+    EXPECT_RAISED(mQuorin.KermitUpload(mSent, "c:DATA.BIN"), 1023);
+    EXPECT_EQ(mStack.mLink.UseCount(), 0);
+    mReactor.Pass(2000);
+    EXPECT_EQ(mStack.Ask("PRINT 1").at(1), "1");
+}
+
+INSTANTIATE_TEST_SUITE_P(Lines, StackTransfer,
+                         ::testing::Values(LineOf{"Plain", "sim:R7G", 50'000},
+                                           LineOf{"SevenBits", "sim:R7G?format=n,7,2", 20'000},
+                                           LineOf{"Paced", "sim:R7G?paced=on&baud=57600", 20'000},
+                                           LineOf{"Empty", "sim:R7G", 0}),
+                         [](const auto& line) { return line.param.name; });
+
+TEST(StackTransferFailure, AMissingPrinterFileFailsAndLeavesNoHostFile) {
+    ManualReactor reactor;
+    Stack stack(reactor, "sim:R7G");
+    const ScratchFolder folder;
+    EXPECT_RAISED_FROM(stack.mLink.KermitDownload("c:NONE", folder.File("never-comes.bin")),
+                       "1022 QNComm, clsDataLink:KermitDownload");
+    EXPECT_TRUE(folder.IsEmpty());
+    EXPECT_EQ(stack.mLink.UseCount(), 0);
+}
+
+/// The states that the serial control reports of a transfer that nobody else follows.
+std::vector<std::int16_t> StatesOf(Stack& stack, ManualReactor& reactor,
+                                   const std::function<void(PDQComm&)>& start) {
+    std::vector<std::int16_t> states;
+    PDQComm& port = stack.mSerial;
+    port.SetEventSink([&](SerialEvent event) {
+        if (event == SerialEventTransfer) states.push_back(port.TransferState());
+    });
+    start(port);
+    reactor.Pass(120'000);
+    return states;
+}
+
+TEST(StackTransferStates, BeginWithStartedAndEndWithIdleOrFailedAndNothingElse) {
+    ManualReactor reactor;
+    Stack stack(reactor, "sim:R7G");
+    const ScratchFolder folder;
+    const std::string path = folder.Write("states.bin", "ten bytes.");
+    stack.Ask("PRINT 1"); // finds the printer's settings
+    auto good = StatesOf(stack, reactor, [&](PDQComm& port) {
+        port.SetPortOpen(true);
+        port.Write("TRANSFER K \"R\"\r");
+        reactor.Pass(200);
+        port.FlushReceive();
+        port.SendFile(path);
+    });
+    good.erase(std::ranges::unique(good).begin(), good.end()); // it moves more than once
+    EXPECT_EQ(good, (std::vector<std::int16_t>{TransferStarted, TransferAnnounced, TransferMoving,
+                                               TransferClosing, TransferIdle}));
+    const std::vector<std::int16_t> failed{TransferStarted, TransferFailed};
+    EXPECT_EQ(StatesOf(stack, reactor, [](PDQComm& port) { port.SendFile("/no/such"); }), failed);
+    EXPECT_EQ(StatesOf(stack, reactor, [&](PDQComm& port) { port.ReceiveFile(path); }), failed)
+        << "nobody sends";
+    EXPECT_EQ(StatesOf(stack, reactor,
+                       [&](PDQComm& port) {
+                           port.ReceiveFile(path);
+                           port.SetTransferState(TransferAborting);
+                       }),
+              failed);
+    EXPECT_EQ(StatesOf(stack, reactor,
+                       [&](PDQComm& port) {
+                           port.SetPortOpen(false);
+                           port.SendFile(path);
+                       }),
+              failed);
+}
+
+TEST(StackTransferFailure, ABinaryDownloadLooksAtNeitherPortNorFileAndFailsOnAClosedPort) {
+    ManualReactor reactor;
+    Stack stack(reactor, "sim:R7G");
+    const ScratchFolder folder;
+    const std::string target = folder.Write("never-opened.bin", "what stood here before");
+    for (const std::int16_t protocol : {BinaryZModem, BinaryKermit}) {
+        EXPECT_RAISED_FROM(stack.mLink.BinaryDownload(target, protocol),
+                           "1022 QNComm, clsDataLink:KermitDownload");
+        EXPECT_EQ(stack.mSerial.TransferReason(), "the port is not open");
+        EXPECT_EQ(folder.Read("never-opened.bin"), "what stood here before");
+    }
+}
+
+} // namespace
+} // namespace qncomm::testing

@@ -1,0 +1,261 @@
+#include "testing/core/ScriptedSerial.h"
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+
+namespace qncomm::testing {
+
+ScriptedSerial::ScriptedSerial(ManualLoop& loop) : mLoop(loop) {
+    mLoop.AddSource(*this);
+}
+
+ScriptedSerial::~ScriptedSerial() {
+    mLoop.RemoveSource(*this);
+    for (const Step& step : mSteps)
+        ADD_FAILURE() << "never sent: " << step.expected;
+}
+
+ScriptedSerial& ScriptedSerial::Expect(std::string sBytes) {
+    mSteps.push_back({std::move(sBytes), {}});
+    return *this;
+}
+
+ScriptedSerial& ScriptedSerial::Reply(std::string sBytes, std::int32_t lDelay) {
+    mSteps.back().replies.emplace_back(lDelay, std::move(sBytes));
+    return *this;
+}
+
+ScriptedSerial& ScriptedSerial::Exchange(const std::string& sLine,
+                                         const std::vector<std::string>& lines) {
+    std::string reply = sLine + "\r\n";
+    for (const std::string& line : lines)
+        reply += line + "\r\n";
+    return Expect(sLine + "\r\n").Reply(reply + "Ok\r\n");
+}
+
+ScriptedSerial& ScriptedSerial::Handshake() {
+    return Exchange("PRINT SYSVAR(18):PRINT SYSVAR(19):SYSVAR(18)=-1:SYSVAR(19)=2", {"-1", "2"});
+}
+
+void ScriptedSerial::Arrive(std::string sBytes, std::int32_t lDelay) {
+    const std::int64_t due = mLoop.NowMs() + lDelay;
+    const auto place =
+        std::upper_bound(mArrivals.begin(), mArrivals.end(), due,
+                         [](std::int64_t time, const Arrival& a) { return time < a.due; });
+    mArrivals.insert(place, {due, std::move(sBytes)});
+}
+
+void ScriptedSerial::Vanish() {
+    mOpen = false;
+    mVanished = true;
+    mLog.emplace_back("Vanish");
+}
+
+void ScriptedSerial::SetPortNumber(std::int16_t iPort) {
+    mPortNumber = iPort;
+    mLog.push_back("Port " + std::to_string(iPort));
+}
+
+void ScriptedSerial::SetPortSettings(const std::string& sSettings) {
+    mSettings = sSettings;
+    mLog.push_back("Settings " + sSettings);
+}
+
+void ScriptedSerial::SetHandshaking(std::int16_t iMode) {
+    mHandshaking = iMode;
+    mLog.push_back("Handshaking " + std::to_string(iMode));
+}
+
+void ScriptedSerial::SetPortOpen(bool bOpen) {
+    mLog.emplace_back(bOpen ? "Open" : "Close");
+    if (bOpen && mOnOpen) mOnOpen();
+    if (!bOpen) Empty();
+    mOpen = bOpen;
+}
+
+bool ScriptedSerial::ProbePort(std::int16_t iPort) {
+    mProbed.push_back(iPort);
+    return mValidPorts.contains(iPort);
+}
+
+void ScriptedSerial::SetReceiveThreshold(std::int16_t iBytes) {
+    mThreshold = iBytes;
+    if (mOnThreshold) mOnThreshold(iBytes);
+    mLog.push_back("Threshold " + std::to_string(iBytes));
+}
+
+void ScriptedSerial::SetBufferSizes(std::int32_t lReceive, std::int32_t lTransmit) {
+    mTransmitSize = lTransmit;
+    mLog.push_back("Buffers " + std::to_string(lReceive) + " " + std::to_string(lTransmit));
+}
+
+std::int32_t ScriptedSerial::ReceiveCount() const {
+    TakeArrivals();
+    return static_cast<std::int32_t>(mWaiting.size());
+}
+
+std::int32_t ScriptedSerial::TransmitCount() const {
+    if (!mDrainPerMs) return 0;
+    const std::int64_t drained = (mLoop.NowMs() - mDrainedAt) * *mDrainPerMs;
+    return static_cast<std::int32_t>(std::max<std::int64_t>(0, mQueued - drained));
+}
+
+void ScriptedSerial::FlushReceive() {
+    mFlushes.emplace_back("Receive");
+    TakeArrivals();
+    mWaiting.clear();
+    mSignalled = 0;
+}
+
+void ScriptedSerial::FlushTransmit() {
+    mFlushes.emplace_back("Transmit");
+    mQueued = 0;
+}
+
+void ScriptedSerial::Empty() {
+    TakeArrivals();
+    mWaiting.clear();
+    mSignalled = 0;
+    mQueued = 0;
+}
+
+std::string ScriptedSerial::Read() {
+    TakeArrivals();
+    mSignalled = 0;
+    return std::exchange(mWaiting, {});
+}
+
+std::string ScriptedSerial::ReadLine(std::int32_t lTimeout) {
+    const std::int64_t end = mLoop.NowMs() + lTimeout;
+    std::string line;
+    for (;;) {
+        TakeArrivals();
+        const std::size_t lineEnd = mWaiting.find("\r\n");
+        if (lineEnd != std::string::npos) {
+            line = mWaiting.substr(0, lineEnd);
+            mWaiting.erase(0, lineEnd + 2);
+            return line;
+        }
+        if (mLoop.NowMs() >= end) return std::exchange(mWaiting, {});
+        mLoop.MoveTo(mArrivals.empty() ? end : std::min(end, mArrivals.front().due));
+    }
+}
+
+bool ScriptedSerial::WaitForReceive(std::int32_t lTimeout) {
+    const std::int64_t end = mLoop.NowMs() + std::max(0, lTimeout);
+    if (ReceiveCount() == 0)
+        mLoop.MoveTo(mArrivals.empty() ? end : std::min(end, mArrivals.front().due));
+    return ReceiveCount() > 0;
+}
+
+void ScriptedSerial::Write(std::string_view sBytes) {
+    if (!mOpen) return;
+    EXPECT_LE(static_cast<std::int32_t>(sBytes.size()), mTransmitSize - TransmitCount())
+        << "more than the transmit buffer holds";
+    mQueued = mDrainPerMs ? TransmitCount() + static_cast<std::int32_t>(sBytes.size()) : 0;
+    mDrainedAt = mLoop.NowMs();
+    mSent += sBytes;
+    mUnmatched += sBytes;
+    if (mResponder)
+        mResponder(mUnmatched);
+    else
+        PlayScript();
+}
+
+void ScriptedSerial::SetReceiveMode(std::int16_t iMode) {
+    mReceiveMode = iMode;
+    mLog.push_back("Mode " + std::to_string(iMode));
+}
+
+void ScriptedSerial::SetTransferKind(std::int16_t iKind) {
+    mLog.push_back("Kind " + std::to_string(iKind));
+}
+
+void ScriptedSerial::SetBinaryProtocol(std::int16_t iProtocol) {
+    mLog.push_back("Protocol " + std::to_string(iProtocol));
+}
+
+void ScriptedSerial::SendFile(const std::string& sPath) {
+    StartTransfer("SendFile " + sPath);
+}
+
+void ScriptedSerial::ReceiveFile(const std::string& sPath) {
+    StartTransfer("ReceiveFile " + sPath);
+}
+
+void ScriptedSerial::SetTransferState(std::int16_t iState) {
+    mLog.push_back("TransferState " + std::to_string(iState));
+    if (mOnAbort) mOnAbort();
+    if (mAnswerToAbort) ReportLater({0, *mAnswerToAbort}, 1);
+}
+
+void ScriptedSerial::StartTransfer(const std::string& what) {
+    mLog.push_back(what);
+    std::int32_t delay = 0;
+    for (const Reported& reported : mTransfer)
+        ReportLater(reported, delay += reported.delay);
+}
+
+void ScriptedSerial::ReportLater(const Reported& reported, std::int32_t delay) {
+    mLoop.After(delay, [this, reported] {
+        mTransferState = reported.state;
+        mTransferBytes = reported.bytes;
+        if (mSink) mSink(SerialEventTransfer);
+    });
+}
+
+std::optional<std::int64_t> ScriptedSerial::NextDue() const {
+    if (mVanished && mSink) return mLoop.NowMs();
+    if (mWaiting.size() > mSignalled && mThreshold > 0 && mSink) return mLoop.NowMs();
+    std::optional<std::int64_t> due;
+    if (!mArrivals.empty()) due = mArrivals.front().due;
+    if (TransmitCount() > 0 && *mDrainPerMs > 0)
+        due = std::min(due.value_or(mLoop.NowMs() + 1), mLoop.NowMs() + 1);
+    return due;
+}
+
+void ScriptedSerial::Dispatch() {
+    if (mVanished && mSink) {
+        mVanished = false;
+        mSink(SerialEventPortLost);
+        return;
+    }
+    TakeArrivals();
+    if (mThreshold <= 0 || !mSink || mWaiting.size() <= mSignalled) return;
+    mSignalled = mWaiting.size();
+    mSink(SerialEventReceive);
+}
+
+void ScriptedSerial::TakeArrivals() const {
+    while (!mArrivals.empty() && mArrivals.front().due <= mLoop.NowMs()) {
+        if (mOpen) mWaiting += mArrivals.front().bytes;
+        mArrivals.pop_front();
+    }
+}
+
+void ScriptedSerial::PlayScript() {
+    while (!mUnmatched.empty()) {
+        if (mSteps.empty()) {
+            ADD_FAILURE() << "sent beyond the script: " << mUnmatched;
+            mUnmatched.clear();
+            return;
+        }
+        const std::string& expected = mSteps.front().expected;
+        const std::size_t common = std::min(expected.size(), mUnmatched.size());
+        if (expected.compare(0, common, mUnmatched, 0, common) != 0) {
+            ADD_FAILURE() << "expected: " << expected << "\nbut sent: " << mUnmatched;
+            mUnmatched.clear();
+            return;
+        }
+        if (common < expected.size()) return;
+        const Step step = std::move(mSteps.front());
+        mSteps.pop_front();
+        mUnmatched.erase(0, common);
+        std::int32_t delay = 0;
+        for (const auto& [after, bytes] : step.replies)
+            Arrive(bytes, delay += after);
+    }
+}
+
+} // namespace qncomm::testing
