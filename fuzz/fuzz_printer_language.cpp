@@ -10,12 +10,12 @@
 namespace qnsim {
 namespace {
 
-constexpr int slices = 20; // a program that goes on for ever is stopped after these
+constexpr int Slices = 20; // a program that goes on for ever is stopped after these
 
 /// Lets the printer work and takes what it says.
 std::string Listen(VirtualPrinter& printer, Micros& now) {
     std::string said;
-    for (int slice = 0; slice < slices; ++slice) {
+    for (int slice = 0; slice < Slices; ++slice) {
         now += 1000;
         said += printer.ToHost(now, 1 << 20);
         if (!printer.NextDue()) break;

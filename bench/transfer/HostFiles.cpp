@@ -10,10 +10,10 @@ using transfer::OfferDecision;
 std::optional<FileInfo> HostSource::Next() {
     if (mNext >= mNames.size()) return std::nullopt;
     FileInfo file;
-    file.sName = mNames[mNext];
-    file.size = std::filesystem::file_size(file.sName);
+    file.name = mNames[mNext];
+    file.size = std::filesystem::file_size(file.name);
     file.filesLeft = static_cast<std::uint32_t>(mNames.size() - mNext);
-    mFile.reset(std::fopen(file.sName.c_str(), "rbe"));
+    mFile.reset(std::fopen(file.name.c_str(), "rbe"));
     ++mNext;
     return file;
 }
@@ -34,7 +34,7 @@ void HostSource::Close(bool) {
 }
 
 OfferDecision HostSink::Offer(const FileInfo& file) {
-    mFile.reset(std::fopen(file.sName.c_str(), "wbe"));
+    mFile.reset(std::fopen(file.name.c_str(), "wbe"));
     return {};
 }
 

@@ -15,7 +15,7 @@ using transfer::testing::SimulatedLine;
 
 namespace {
 
-constexpr std::uint64_t kContent = 200; // bytes
+constexpr std::uint64_t Content = 200; // bytes
 
 Time Now() {
     return std::chrono::duration_cast<Time>(std::chrono::steady_clock::now().time_since_epoch());
@@ -82,13 +82,13 @@ RelayResult RunRelay(PeerProcess& first, PeerProcess& second, const LineSettings
             if (!begun) firstByte = Now();
             begun = true;
             // What is shorter than this is the farewell's.
-            if (forth.Line().Carried() >= contentAt + kContent) {
+            if (forth.Line().Carried() >= contentAt + Content) {
                 contentAt = forth.Line().Carried();
                 lastContent = Now();
             }
             if (line.rate <= 0) continue;
         } else if (ended) {
-            result.bBothEnded = true;
+            result.bothEnded = true;
             break;
         }
         std::array<pollfd, 2> ready{

@@ -8,7 +8,7 @@
 namespace qncomm::bench {
 
 struct RelayResult {
-    bool bBothEnded = false;
+    bool bothEnded = false;
     double seconds = 0;     // from the first byte to the end of the last program
     double dataSeconds = 0; // from the first byte to the last that carried content
     std::uint64_t faults = 0;

@@ -41,9 +41,9 @@ struct Row {
     unsigned long runs = 1;
 };
 
-constexpr std::size_t kMega = 1U << 20U;
-constexpr double kBaud115200 = 11520;
-constexpr double kMost = 1800; // seconds that a run may take
+constexpr std::size_t Mega = 1U << 20U;
+constexpr double Baud115200 = 11520;
+constexpr double Most = 1800; // seconds that a run may take
 
 const Words kZSend = {"END", "zmodem", "send", "FILE"};
 const Words kZSend8 = {"END", "zmodem", "send", "-8", "FILE"};
@@ -53,9 +53,9 @@ const Words kKLeast = {"END", "kermit", "send", "--prefix", "least", "FILE"};
 const Words kKStream = {"END", "kermit", "send", "--reliable", "--prefix", "least", "FILE"};
 const Words kKStreamReceive = {"END", "kermit", "receive", "--reliable"};
 const Words kKReceive = {"END", "kermit", "receive"};
-const Words kSz = {"sz", "-b", "-q", "FILE"};
-const Words kSz8 = {"sz", "-b", "-q", "-8", "FILE"};
-const Words kRz = {"rz", "-b", "-q", "-y"};
+const Words Sz = {"sz", "-b", "-q", "FILE"};
+const Words Sz8 = {"sz", "-b", "-q", "-8", "FILE"};
+const Words Rz = {"rz", "-b", "-q", "-y"};
 
 Words CKermit(const std::string& settings, const std::string& action) {
     return {"kermit", "-Y", "-q", "-C",
@@ -69,32 +69,32 @@ std::vector<Row> Rows() {
     const Words ckFast = CKermit("fast, set prefixing minimal, ", "send FILE");
     const Words ckFastReceive = CKermit("fast, ", "receive");
     return {
-        {"z-random", kZSend, kZReceive, kMega, Content::Random, kBaud115200, 0, 0},
-        {"z-random-8k", kZSend8, kZReceive, kMega, Content::Random, kBaud115200, 0, 0},
-        {"z-text", kZSend, kZReceive, kMega, Content::Text, kBaud115200, 0, 0},
-        {"z-damage-4", kZSend, kZReceive, kMega, Content::Random, kBaud115200, 0, 1e-4, 5},
-        {"z-damage-3", kZSend, kZReceive, kMega, Content::Random, kBaud115200, 0, 1e-3, 5},
+        {"z-random", kZSend, kZReceive, Mega, Content::Random, Baud115200, 0, 0},
+        {"z-random-8k", kZSend8, kZReceive, Mega, Content::Random, Baud115200, 0, 0},
+        {"z-text", kZSend, kZReceive, Mega, Content::Text, Baud115200, 0, 0},
+        {"z-damage-4", kZSend, kZReceive, Mega, Content::Random, Baud115200, 0, 1e-4, 5},
+        {"z-damage-3", kZSend, kZReceive, Mega, Content::Random, Baud115200, 0, 1e-3, 5},
         {"z-ends", kZSend, kZReceive, 1000, Content::Random, 0, 0, 0, 1000},
-        {"z-memory-1", kZSend, kZReceive, kMega, Content::Random, 0, 0, 0},
-        {"z-memory-32", kZSend, kZReceive, 32 * kMega, Content::Random, 0, 0, 0},
-        {"z-to-rz", kZSend, kRz, kMega, Content::Random, kBaud115200, 0, 0},
-        {"z-from-sz", kSz, kZReceive, kMega, Content::Random, kBaud115200, 0, 0},
-        {"z-fast", kZSend, kZReceive, 16 * kMega, Content::Random, 0, 0, 0},
-        {"z-fast-8k", kZSend8, kZReceive, 16 * kMega, Content::Random, 0, 0, 0},
-        {"k-random", kKSend, kKReceive, kMega, Content::Random, kBaud115200, 0, 0},
-        {"k-least", kKLeast, kKReceive, kMega, Content::Random, kBaud115200, 0, 0},
-        {"k-delay", kKSend, kKReceive, kMega, Content::Random, kBaud115200, 0.025, 0},
-        {"k-damage-4", kKSend, kKReceive, kMega, Content::Random, kBaud115200, 0, 1e-4, 5},
-        {"k-damage-3", kKSend, kKReceive, kMega, Content::Random, kBaud115200, 0, 1e-3, 5},
-        {"k-stream", kKStream, kKStreamReceive, 16 * kMega, Content::Random, 0, 0, 0},
-        {"k-memory-1", kKSend, kKReceive, kMega, Content::Random, 0, 0, 0},
-        {"k-memory-32", kKSend, kKReceive, 32 * kMega, Content::Random, 0, 0, 0},
-        {"k-fast", kKLeast, kKReceive, 16 * kMega, Content::Random, 0, 0, 0},
-        {"peer-z-random", kSz, kRz, kMega, Content::Random, kBaud115200, 0, 0},
-        {"peer-z-fast", kSz, kRz, 16 * kMega, Content::Random, 0, 0, 0},
-        {"peer-z-fast-8k", kSz8, kRz, 16 * kMega, Content::Random, 0, 0, 0},
-        {"peer-k-random", ckSend, ckReceive, kMega, Content::Random, kBaud115200, 0, 0},
-        {"peer-k-fast", ckFast, ckFastReceive, 16 * kMega, Content::Random, 0, 0, 0},
+        {"z-memory-1", kZSend, kZReceive, Mega, Content::Random, 0, 0, 0},
+        {"z-memory-32", kZSend, kZReceive, 32 * Mega, Content::Random, 0, 0, 0},
+        {"z-to-rz", kZSend, Rz, Mega, Content::Random, Baud115200, 0, 0},
+        {"z-from-sz", Sz, kZReceive, Mega, Content::Random, Baud115200, 0, 0},
+        {"z-fast", kZSend, kZReceive, 16 * Mega, Content::Random, 0, 0, 0},
+        {"z-fast-8k", kZSend8, kZReceive, 16 * Mega, Content::Random, 0, 0, 0},
+        {"k-random", kKSend, kKReceive, Mega, Content::Random, Baud115200, 0, 0},
+        {"k-least", kKLeast, kKReceive, Mega, Content::Random, Baud115200, 0, 0},
+        {"k-delay", kKSend, kKReceive, Mega, Content::Random, Baud115200, 0.025, 0},
+        {"k-damage-4", kKSend, kKReceive, Mega, Content::Random, Baud115200, 0, 1e-4, 5},
+        {"k-damage-3", kKSend, kKReceive, Mega, Content::Random, Baud115200, 0, 1e-3, 5},
+        {"k-stream", kKStream, kKStreamReceive, 16 * Mega, Content::Random, 0, 0, 0},
+        {"k-memory-1", kKSend, kKReceive, Mega, Content::Random, 0, 0, 0},
+        {"k-memory-32", kKSend, kKReceive, 32 * Mega, Content::Random, 0, 0, 0},
+        {"k-fast", kKLeast, kKReceive, 16 * Mega, Content::Random, 0, 0, 0},
+        {"peer-z-random", Sz, Rz, Mega, Content::Random, Baud115200, 0, 0},
+        {"peer-z-fast", Sz, Rz, 16 * Mega, Content::Random, 0, 0, 0},
+        {"peer-z-fast-8k", Sz8, Rz, 16 * Mega, Content::Random, 0, 0, 0},
+        {"peer-k-random", ckSend, ckReceive, Mega, Content::Random, Baud115200, 0, 0},
+        {"peer-k-fast", ckFast, ckFastReceive, 16 * Mega, Content::Random, 0, 0, 0},
     };
 }
 
@@ -174,13 +174,13 @@ Run RunRow(const Row& row, const std::string& end, std::uint64_t seed) {
     line.buffer = row.rate > 0 ? 4096 : 65536;
     PeerProcess receiver(Fill(row.receiver, end), (base / "to").string());
     PeerProcess sender(Fill(row.sender, end), (base / "from").string());
-    const auto result = bench::RunRelay(sender, receiver, line, seed, kMost);
+    const auto result = bench::RunRelay(sender, receiver, line, seed, Most);
     const bool whole = Slurp(base / "to" / "bench.bin") == content;
     // A program that stalls at the end of its session is measured without the stall, which stands
     // beside it.
     const double rate = static_cast<double>(row.size) / result.dataSeconds;
     std::cout << row.name << ": " << (whole ? "identical" : "NOT IDENTICAL")
-              << (result.bBothEnded ? "" : ", did not end") << ", status " << sender.Status() << '/'
+              << (result.bothEnded ? "" : ", did not end") << ", status " << sender.Status() << '/'
               << receiver.Status() << ", " << result.seconds << " s, ";
     const double speed = row.rate > 0 ? 100 * rate / row.rate : rate * 1e-6;
     if (row.rate > 0) {
@@ -193,7 +193,7 @@ Run RunRow(const Row& row, const std::string& end, std::uint64_t seed) {
               << " s, memory " << PeakOf(base / "from") << '/' << PeakOf(base / "to") << " KiB"
               << std::endl;
     fs::remove_all(base);
-    return {whole && result.bBothEnded, speed, result.seconds - result.dataSeconds};
+    return {whole && result.bothEnded, speed, result.seconds - result.dataSeconds};
 }
 
 } // namespace

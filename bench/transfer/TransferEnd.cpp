@@ -29,7 +29,7 @@ using transfer::Time;
 
 struct Arguments {
     std::string protocol;
-    bool bSend = false;
+    bool send = false;
     transfer::ZModemSenderOptions zmodem;
     transfer::KermitOptions kermit;
     std::vector<std::string> files;
@@ -43,7 +43,7 @@ transfer::KermitPrefixing Prefixing(const std::string& word) {
 Arguments Parse(const std::vector<std::string>& words) {
     Arguments arguments;
     arguments.protocol = words.at(0);
-    arguments.bSend = words.at(1) == "send";
+    arguments.send = words.at(1) == "send";
     for (std::size_t i = 2; i < words.size(); ++i) {
         if (words[i] == "-8") {
             arguments.zmodem.subpacket = 8192;
@@ -54,7 +54,7 @@ Arguments Parse(const std::vector<std::string>& words) {
         } else if (words[i] == "--window") {
             arguments.kermit.window = static_cast<unsigned>(std::stoul(words.at(++i)));
         } else if (words[i] == "--reliable") {
-            arguments.kermit.bReliable = true;
+            arguments.kermit.reliable = true;
         } else if (words[i] == "--check") {
             arguments.kermit.check = static_cast<unsigned>(std::stoul(words.at(++i)));
         } else {
@@ -66,10 +66,10 @@ Arguments Parse(const std::vector<std::string>& words) {
 
 std::unique_ptr<transfer::TransferEngine> MakeEngine(const Arguments& arguments) {
     if (arguments.protocol == "zmodem") {
-        if (arguments.bSend) return std::make_unique<transfer::ZModemSender>(arguments.zmodem);
+        if (arguments.send) return std::make_unique<transfer::ZModemSender>(arguments.zmodem);
         return std::make_unique<transfer::ZModemReceiver>();
     }
-    if (arguments.bSend) return std::make_unique<transfer::KermitSender>(arguments.kermit);
+    if (arguments.send) return std::make_unique<transfer::KermitSender>(arguments.kermit);
     return std::make_unique<transfer::KermitReceiver>(arguments.kermit);
 }
 
@@ -113,8 +113,8 @@ int Run(const Arguments& arguments) {
     const auto engine = MakeEngine(arguments);
     bench::HostSource source(arguments.files);
     bench::HostSink sink;
-    bench::HostSource* from = arguments.bSend ? &source : nullptr;
-    bench::HostSink* to = arguments.bSend ? nullptr : &sink;
+    bench::HostSource* from = arguments.send ? &source : nullptr;
+    bench::HostSink* to = arguments.send ? nullptr : &sink;
     std::array<char, 65536> buffer{};
     engine->Start(Now());
     while (!engine->IsOver()) {

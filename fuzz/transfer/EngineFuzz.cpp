@@ -51,10 +51,10 @@ class Files {
         switch (request.kind) {
         case RequestKind::NextFile:
             if (mFiles++ >= 2) answer.kind = AnswerKind::Skip;
-            answer.file.sName = "name";
+            answer.file.name = "name";
             if (choice % 2 == 0) answer.file.size = mContent.size();
-            answer.file.bText = choice % 5 == 0;
-            answer.file.bResume = choice % 7 == 0;
+            answer.file.text = choice % 5 == 0;
+            answer.file.resume = choice % 7 == 0;
             break;
         case RequestKind::Read:
             if (request.offset < mContent.size()) {

@@ -31,15 +31,15 @@ std::string WellFormedZModem(std::string_view choices) {
     }
     if (choices.size() > 5) {
         writer.Subpacket(out, choices.substr(5),
-                         static_cast<char>(transfer::zm::kEndFrame + form / 4 % 4));
+                         static_cast<char>(transfer::zm::EndFrame + form / 4 % 4));
     }
     return out;
 }
 
 // Type, sequence, kind of check, then the data.
 std::string WellFormedKermit(std::string_view choices) {
-    static constexpr std::string_view kTypes = "SIFADZBYNEDDYY";
-    const char type = kTypes[At(choices, 0) % kTypes.size()];
+    static constexpr std::string_view Types = "SIFADZBYNEDDYY";
+    const char type = Types[At(choices, 0) % Types.size()];
     const unsigned check = 1U + At(choices, 2) % 3U;
     const std::string_view data = choices.size() > 3 ? choices.substr(3) : std::string_view();
     return transfer::WriteKermitPacket(type, At(choices, 1) % 64U, data, check);

@@ -70,7 +70,7 @@ transfer::OfferDecision ReceivedFile::Offer(const transfer::FileInfo& file) {
     const off_t have = mPreferences.resume ? ::lseek(mFile.Get(), 0, SEEK_END) : 0;
     auto offset = static_cast<std::uint64_t>(have > 0 ? have : 0);
     const bool ofAnother = file.size && offset > *file.size;
-    if (offset > 0 && (ofAnother || !file.bFromAnywhere)) {
+    if (offset > 0 && (ofAnother || !file.fromAnywhere)) {
         if (::ftruncate(mFile.Get(), 0) != 0) return {transfer::AnswerKind::Failed, 0, Reason()};
         offset = 0;
     }

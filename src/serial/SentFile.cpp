@@ -27,11 +27,11 @@ std::optional<transfer::FileInfo> SentFile::Next() {
     struct ::stat facts {};
     if (::fstat(mFile.Get(), &facts) != 0) return std::nullopt;
     transfer::FileInfo info;
-    info.sName = mNameFor();
+    info.name = mNameFor();
     info.size = static_cast<std::uint64_t>(facts.st_size);
     info.modified = facts.st_mtim.tv_sec;
     info.mode = facts.st_mode & 0777U;
-    info.bResume = mResume;
+    info.resume = mResume;
     return info;
 }
 

@@ -23,8 +23,8 @@ std::unique_ptr<transfer::TransferEngine> EngineFor(const TransferOrder& order) 
         return std::make_unique<transfer::ZModemReceiver>();
     }
     transfer::KermitOptions options;
-    options.bSevenBits = order.sevenBits;
-    options.bReliable = order.reliable;
+    options.sevenBits = order.sevenBits;
+    options.reliable = order.reliable;
     if (order.sends) return std::make_unique<transfer::KermitSender>(options);
     return std::make_unique<transfer::KermitReceiver>(options);
 }
@@ -46,7 +46,7 @@ TransferInProgress::TransferInProgress(TransferOrder order, Report report)
     } else {
         mSink = std::make_unique<ReceivedFile>(mOrder.path, mOrder.preferences,
                                                [this](const transfer::FileInfo& file) {
-                                                   mOrder.name = file.sName;
+                                                   mOrder.name = file.name;
                                                    mSize = file.size;
                                                    Enter(TransferAnnounced);
                                                });

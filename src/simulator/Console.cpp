@@ -5,11 +5,11 @@
 namespace qnsim {
 namespace {
 
-constexpr char breakCharacter = '\x03';
-constexpr char backspace = '\b';
-constexpr char rubout = '\x7F';
-constexpr std::string_view newLine = "\r\n";
-constexpr std::size_t inputKept = 64UL * 1024;
+constexpr char BreakCharacter = '\x03';
+constexpr char Backspace = '\b';
+constexpr char Rubout = '\x7F';
+constexpr std::string_view NewLine = "\r\n";
+constexpr std::size_t InputKept = 64UL * 1024;
 
 bool IsControl(char c) {
     return static_cast<unsigned char>(c) < ' ' && c != '\t';
@@ -61,7 +61,7 @@ void Console::Work(int statements) {
 }
 
 void Console::LookForBreak() {
-    const auto at = mInput.find(breakCharacter, mRead);
+    const auto at = mInput.find(BreakCharacter, mRead);
     if (at == std::string::npos) return;
     mRead = at + 1;
     mInterpreter.Break();
@@ -89,10 +89,10 @@ bool Console::ReadLine() {
         const bool ends = c == '\r' || (c == '\n' && !mAfterReturn);
         mAfterReturn = c == '\r';
         if (ends) {
-            Echo(newLine);
+            Echo(NewLine);
             return true;
         }
-        if (c == breakCharacter && mInterpreter.Current() == Interpreter::State::NeedsLine) {
+        if (c == BreakCharacter && mInterpreter.Current() == Interpreter::State::NeedsLine) {
             mInterpreter.Break();
             Settle();
         } else if (c != '\n') {
@@ -105,10 +105,10 @@ bool Console::ReadLine() {
 }
 
 void Console::ReadCharacter(char c) {
-    if (c == backspace || c == rubout) return Erase();
-    if (c == breakCharacter) mLine.clear();
+    if (c == Backspace || c == Rubout) return Erase();
+    if (c == BreakCharacter) mLine.clear();
     if (IsControl(c)) return;
-    if (mLine.size() >= longestLine) {
+    if (mLine.size() >= LongestLine) {
         mLineTooLong = true;
         return;
     }
@@ -128,7 +128,7 @@ void Console::Echo(std::string_view bytes) {
 
 void Console::MakeRoom() {
     // Now and then, not with each line: a long queue of lines is read in linear time.
-    if (mRead < mInput.size() && mRead < inputKept) return;
+    if (mRead < mInput.size() && mRead < InputKept) return;
     mInput.erase(0, mRead);
     mRead = 0;
 }
@@ -148,10 +148,10 @@ void Console::Execute() {
     const std::string_view text = Trim(line);
     if (text.empty()) return;
     if (++mCommands == mErrorOnCommand) {
-        ErrorLine(Error::PrintHead, noLine);
+        ErrorLine(Error::PrintHead, NoLine);
         Prompt();
     } else if (tooLong) {
-        ErrorLine(Error::LineTooLong, mMachine.immediate ? noLine : mModuleLine);
+        ErrorLine(Error::LineTooLong, mMachine.immediate ? NoLine : mModuleLine);
         if (mMachine.immediate) Prompt();
     } else {
         Type(text);
@@ -168,7 +168,7 @@ void Console::Type(std::string_view text) {
     if (numbered || (!mMachine.immediate && !BeginsWithImmediate(text))) return StoreLine(text);
     const Error error = mInterpreter.Begin(text);
     if (error == Error::None) return;
-    ErrorLine(error, noLine);
+    ErrorLine(error, NoLine);
     Prompt();
 }
 
@@ -185,10 +185,10 @@ void Console::ErrorLine(Error error, int line) {
     if (!mMachine.system.ShowsErrors()) return;
     mMachine.out += "Error " + std::to_string(static_cast<int>(error));
     if (mMachine.system.NamesErrors()) {
-        if (line != noLine) mMachine.out += " in line " + std::to_string(line);
+        if (line != NoLine) mMachine.out += " in line " + std::to_string(line);
         mMachine.out += ": " + std::string(ErrorText(error));
     }
-    mMachine.out += newLine;
+    mMachine.out += NewLine;
 }
 
 void Console::Settle() {
@@ -198,8 +198,8 @@ void Console::Settle() {
             ErrorLine(report->error, report->line);
         } else {
             mMachine.out += "Break";
-            if (report->line != noLine) mMachine.out += " in line " + std::to_string(report->line);
-            mMachine.out += newLine;
+            if (report->line != NoLine) mMachine.out += " in line " + std::to_string(report->line);
+            mMachine.out += NewLine;
         }
     }
     if (mInterpreter.Current() != Interpreter::State::Idle || mMachine.restartWanted) return;

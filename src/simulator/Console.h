@@ -1,6 +1,7 @@
+#pragma once
+
 // What the printer's end of the channel does with bytes: echo, line assembly, commands, prompt and
 // error lines.
-#pragma once
 
 #include "language/Interpreter.h"
 
@@ -55,12 +56,12 @@ class Console {
     bool mEchoes;
     int mErrorOnCommand;
     int mCommands = 0;
-    int mModuleLine = 0; // lines since IMMEDIATE OFF, empty ones included
+    int mModuleLine = 0; ///< lines since IMMEDIATE OFF, empty ones included
     std::string mInput;
     std::size_t mRead = 0;
     std::string mLine;
     bool mLineTooLong = false;
-    bool mAfterReturn = false; // a line feed right after it belongs to it
+    bool mAfterReturn = false; ///< a line feed right after it belongs to it
 };
 
 } // namespace qnsim

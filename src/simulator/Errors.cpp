@@ -7,7 +7,7 @@
 namespace qnsim {
 namespace {
 
-constexpr std::array<std::pair<Error, std::string_view>, 44> errorTexts{{
+constexpr std::array<std::pair<Error, std::string_view>, 44> ErrorTexts{{
     {Error::OutOfData, "Out of data"},
     {Error::IllegalArgument, "Illegal argument"},
     {Error::Overflow, "Overflow"},
@@ -57,9 +57,9 @@ constexpr std::array<std::pair<Error, std::string_view>, 44> errorTexts{{
 } // namespace
 
 std::string_view ErrorText(Error error) {
-    const auto* found = std::find_if(errorTexts.begin(), errorTexts.end(),
+    const auto* found = std::find_if(ErrorTexts.begin(), ErrorTexts.end(),
                                      [error](const auto& entry) { return entry.first == error; });
-    return found == errorTexts.end() ? std::string_view() : found->second;
+    return found == ErrorTexts.end() ? std::string_view() : found->second;
 }
 
 } // namespace qnsim

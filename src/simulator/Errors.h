@@ -1,5 +1,6 @@
-// The printer's own errors: their numbers as they appear on the line, and their texts.
 #pragma once
+
+// The printer's own errors: their numbers as they appear on the line, and their texts.
 
 #include <string_view>
 

@@ -19,10 +19,10 @@ using qncomm::transfer::Time;
 using qncomm::transfer::TransferEngine;
 
 // Both protocols put line ends behind their packets, ZModem with the eighth bit and an Xon too.
-constexpr std::string_view protocolLineEnd = "\r\n\x8D\x8A\x11";
-constexpr Micros afterSuccess = 100'000;
-constexpr Micros quietAfterFailure = 500'000;
-constexpr Micros longestQuietWait = 10'000'000; // for a line that never becomes quiet
+constexpr std::string_view ProtocolLineEnd = "\r\n\x8D\x8A\x11";
+constexpr Micros AfterSuccess = 100'000;
+constexpr Micros QuietAfterFailure = 500'000;
+constexpr Micros LongestQuietWait = 10'000'000; // for a line that never becomes quiet
 
 std::unique_ptr<TransferEngine> MakeEngine(FileTransfer::Protocol protocol, bool sevenBits,
                                            bool sends) {
@@ -31,9 +31,9 @@ std::unique_ptr<TransferEngine> MakeEngine(FileTransfer::Protocol protocol, bool
         return std::make_unique<qncomm::transfer::ZModemReceiver>();
     }
     qncomm::transfer::KermitOptions options;
-    options.bSevenBits = sevenBits;
+    options.sevenBits = sevenBits;
     // Its line is a program's: only the host knows whether all of the way is as good, and says so.
-    options.bReliable = true;
+    options.reliable = true;
     if (sends) return std::make_unique<qncomm::transfer::KermitSender>(options);
     return std::make_unique<qncomm::transfer::KermitReceiver>(options);
 }
@@ -79,15 +79,15 @@ std::size_t FileTransfer::Receive(std::string_view bytes, Micros now) {
     }
     if (taken == bytes.size()) return taken;
     if (Succeeded()) return taken + TakeLineEnd(bytes.substr(taken), now);
-    if (mEndedAt) mFreeAt = std::min(now + quietAfterFailure, *mEndedAt + longestQuietWait);
+    if (mEndedAt) mFreeAt = std::min(now + QuietAfterFailure, *mEndedAt + LongestQuietWait);
     return bytes.size();
 }
 
 std::size_t FileTransfer::TakeLineEnd(std::string_view bytes, Micros now) {
     if (mLineEndTaken) return 0;
-    const std::size_t count = std::min(bytes.find_first_not_of(protocolLineEnd), bytes.size());
+    const std::size_t count = std::min(bytes.find_first_not_of(ProtocolLineEnd), bytes.size());
     mLineEndTaken = count < bytes.size();
-    if (mEndedAt && count != 0) mFreeAt = now + afterSuccess;
+    if (mEndedAt && count != 0) mFreeAt = now + AfterSuccess;
     if (mLineEndTaken) mFreeAt = now; // the host goes on: it waits for the prompt by now
     return count;
 }
@@ -120,7 +120,7 @@ void FileTransfer::LookForEnd(Micros now) {
     if (!mEndedAt) {
         mEndedAt = now;
         mFreeAt = now;
-        if (!mLineEndTaken) mFreeAt += Succeeded() ? afterSuccess : quietAfterFailure;
+        if (!mLineEndTaken) mFreeAt += Succeeded() ? AfterSuccess : QuietAfterFailure;
     }
     mOver = now >= mFreeAt;
 }

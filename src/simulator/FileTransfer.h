@@ -1,5 +1,6 @@
-// One transfer between the printer's storage and whoever is at the other end of its line.
 #pragma once
+
+// One transfer between the printer's storage and whoever is at the other end of its line.
 
 #include "Errors.h"
 #include "StorageSink.h"
@@ -54,13 +55,13 @@ class FileTransfer {
     std::size_t TakeLineEnd(std::string_view bytes, Micros now);
 
     std::unique_ptr<qncomm::transfer::TransferEngine> mEngine;
-    std::unique_ptr<qncomm::transfer::FileSource> mSource; // null when it receives
-    std::unique_ptr<StorageSink> mSink;                    // null when it sends
+    std::unique_ptr<qncomm::transfer::FileSource> mSource; ///< null when it receives
+    std::unique_ptr<StorageSink> mSink;                    ///< null when it sends
     bool mHasOutput = false;
-    bool mLineEndTaken = false; // the one behind the protocol's last packet
+    bool mLineEndTaken = false; ///< the one behind the protocol's last packet
     bool mOver = false;
-    std::optional<Micros> mEndedAt; // the protocol's last word was said
-    Micros mFreeAt = 0;             // the moment after it is over then
+    std::optional<Micros> mEndedAt; ///< the protocol's last word was said
+    Micros mFreeAt = 0;             ///< the moment after it is over then
 };
 
 } // namespace qnsim

@@ -6,12 +6,12 @@
 namespace qnsim {
 namespace {
 
-constexpr std::int64_t nsPerMicro = 1000;
-constexpr std::int64_t nsPerSecond = 1'000'000'000;
+constexpr std::int64_t NsPerMicro = 1000;
+constexpr std::int64_t NsPerSecond = 1'000'000'000;
 
 // What a receiver makes of bits that were sent at another rate: long runs of one level. None of
 // these is a letter, a digit or a line end, with or without its eighth bit.
-constexpr std::array<char, 8> noiseBytes{'\x00', '\xFE', '\xF8', '\x80',
+constexpr std::array<char, 8> NoiseBytes{'\x00', '\xFE', '\xF8', '\x80',
                                          '\xC0', '\xE0', '\xFC', '\xFF'};
 
 } // namespace
@@ -22,7 +22,7 @@ std::int64_t Wire::Chunk::DueNs(std::size_t index) const {
 
 void Wire::Put(std::string_view bytes, std::int64_t perByteNs, Micros now) {
     if (bytes.empty()) return;
-    const std::int64_t start = std::max(mFreeNs, now * nsPerMicro);
+    const std::int64_t start = std::max(mFreeNs, now * NsPerMicro);
     if (perByteNs == 0 && !mChunks.empty() && mChunks.back().perByteNs == 0
         && mChunks.back().startNs >= start) {
         mChunks.back().bytes += bytes;
@@ -44,7 +44,7 @@ std::string Wire::Take(Micros now, std::size_t max) {
     std::string result;
     while (!mChunks.empty() && result.size() < max) {
         Chunk& chunk = mChunks.front();
-        const std::size_t passed = Passed(chunk, now * nsPerMicro);
+        const std::size_t passed = Passed(chunk, now * NsPerMicro);
         if (passed <= chunk.taken) break;
         const std::size_t count = std::min(passed - chunk.taken, max - result.size());
         if (chunk.taken == 0 && count == chunk.bytes.size() && result.empty()) {
@@ -64,7 +64,7 @@ std::string Wire::Take(Micros now, std::size_t max) {
 std::size_t Wire::OnTheWay(Micros now) const {
     std::size_t passed = 0;
     for (const Chunk& chunk : mChunks) {
-        const std::size_t count = Passed(chunk, now * nsPerMicro);
+        const std::size_t count = Passed(chunk, now * NsPerMicro);
         if (count <= chunk.taken) break;
         passed += count - chunk.taken;
     }
@@ -74,11 +74,11 @@ std::size_t Wire::OnTheWay(Micros now) const {
 std::optional<Micros> Wire::NextDue() const {
     if (mChunks.empty()) return std::nullopt;
     const Chunk& chunk = mChunks.front();
-    return (chunk.DueNs(chunk.taken) + nsPerMicro - 1) / nsPerMicro;
+    return (chunk.DueNs(chunk.taken) + NsPerMicro - 1) / NsPerMicro;
 }
 
 void Wire::HoldUntil(Micros time) {
-    mFreeNs = std::max(mFreeNs, time * nsPerMicro);
+    mFreeNs = std::max(mFreeNs, time * NsPerMicro);
 }
 
 void Wire::Clear() {
@@ -129,7 +129,7 @@ std::string Line::Garble(std::string_view bytes, int fromBaud, int toBaud) {
     const std::size_t fewer = static_cast<std::size_t>(std::max(fromBaud / std::max(toBaud, 1), 1));
     std::string result((bytes.size() * more + fewer - 1) / fewer, '\0');
     for (char& c : result)
-        c = noiseBytes[mNoise() % noiseBytes.size()];
+        c = NoiseBytes[mNoise() % NoiseBytes.size()];
     return result;
 }
 
@@ -158,7 +158,7 @@ void Line::StripToSevenBits(std::string& bytes) const {
 std::int64_t Line::ByteTimeNs(bool fromHost) const {
     if (!mPaced) return 0;
     const int baud = fromHost ? mHost.baud.value_or(mUart.baud) : mUart.baud;
-    return nsPerSecond * mUart.BitsPerCharacter() / std::max(baud, 1);
+    return NsPerSecond * mUart.BitsPerCharacter() / std::max(baud, 1);
 }
 
 void Line::HostSends(std::string_view bytes, Micros now) {

@@ -1,5 +1,6 @@
-// The serial line between host and printer: settings on both sides, time on the wire, and faults.
 #pragma once
+
+// The serial line between host and printer: settings on both sides, time on the wire, and faults.
 
 #include "Setup.h"
 #include "simulator/Options.h"
@@ -36,7 +37,7 @@ class Wire {
     struct Chunk {
         std::string bytes;
         std::size_t taken = 0;
-        std::int64_t startNs = 0; // when its first bit begins
+        std::int64_t startNs = 0; ///< when its first bit begins
         std::int64_t perByteNs = 0;
         std::int64_t DueNs(std::size_t index) const;
     };
@@ -44,7 +45,7 @@ class Wire {
 
     std::deque<Chunk> mChunks;
     std::size_t mSize = 0;
-    std::int64_t mFreeNs = 0; // when the last byte put will have passed
+    std::int64_t mFreeNs = 0; ///< when the last byte put will have passed
 };
 
 class Line {

@@ -1,5 +1,6 @@
-// The ten printer models: what each has of storage, channels, language and dots.
 #pragma once
+
+// The ten printer models: what each has of storage, channels, language and dots.
 
 #include <cstdint>
 #include <span>
@@ -8,22 +9,22 @@
 namespace qnsim {
 
 struct DeviceSpec {
-    std::string_view name; // lower case, with its colon
-    std::uint64_t size;    // bytes it can hold
+    std::string_view name; ///< lower case, with its colon
+    std::uint64_t size;    ///< bytes it can hold
     bool readOnly;
-    bool isVolatile; // emptied by a restart
+    bool isVolatile; ///< emptied by a restart
 };
 
 struct Model {
     std::string_view code;
-    std::string_view version; // what VERSION$(0) says
-    bool programmable;        // numbered lines and RUN
-    bool listsFiles;          // FILES, FONTS and IMAGES answer with a listing
-    bool trueType;            // scalable fonts can be installed
-    int listingColumns;       // files side by side in one row: 1 or 2
-    int uarts;                // serial channels
+    std::string_view version; ///< what VERSION$(0) says
+    bool programmable;        ///< numbered lines and RUN
+    bool listsFiles;          ///< FILES, FONTS and IMAGES answer with a listing
+    bool trueType;            ///< scalable fonts can be installed
+    int listingColumns;       ///< files side by side in one row: 1 or 2
+    int uarts;                ///< serial channels
     int dotsPerMm;
-    std::uint64_t memory; // working memory for program and variables, bytes
+    std::uint64_t memory; ///< working memory for program and variables, bytes
     std::string_view workDevice;
     std::span<const DeviceSpec> devices;
 };

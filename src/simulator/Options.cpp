@@ -109,7 +109,7 @@ struct OptionRow {
 };
 
 using Sv = std::string_view;
-constexpr std::array<OptionRow, 18> optionRows{{
+constexpr std::array<OptionRow, 18> OptionRows{{
     {"model", SetModel, "a model code: R7A R7B R7C R7D R7E R7F R7EZV R7FZV R7G R7H"},
     {"baud", SetBaud, "a baud rate from 300 to 115200"},
     {"format", SetFormat, "parity, data bits and stop bits, such as n,8,2"},
@@ -141,7 +141,7 @@ constexpr std::array<OptionRow, 18> optionRows{{
 
 std::string OptionNames() {
     std::string names;
-    for (const OptionRow& row : optionRows)
+    for (const OptionRow& row : OptionRows)
         names += (names.empty() ? "" : ", ") + std::string(row.name);
     return names;
 }
@@ -149,9 +149,9 @@ std::string OptionNames() {
 } // namespace
 
 std::string ApplyOption(Options& options, std::string_view name, std::string_view value) {
-    const auto* row = std::find_if(optionRows.begin(), optionRows.end(),
+    const auto* row = std::find_if(OptionRows.begin(), OptionRows.end(),
                                    [name](const OptionRow& entry) { return entry.name == name; });
-    if (row == optionRows.end()) {
+    if (row == OptionRows.end()) {
         return "the virtual printer has no option \"" + std::string(name) + "\" (it has "
                + OptionNames() + ")";
     }

@@ -9,14 +9,14 @@
 namespace qnsim {
 namespace {
 
-constexpr std::string_view switchValues = "ENABLE|DISABLE";
-constexpr std::array<std::pair<char, std::string_view>, 5> parityNames{
+constexpr std::string_view SwitchValues = "ENABLE|DISABLE";
+constexpr std::array<std::pair<char, std::string_view>, 5> ParityNames{
     {{'n', "NONE"}, {'e', "EVEN"}, {'o', "ODD"}, {'m', "MARK"}, {'s', "SPACE"}}};
 
 std::string_view ParityName(char letter) {
-    const auto* found = std::find_if(parityNames.begin(), parityNames.end(),
+    const auto* found = std::find_if(ParityNames.begin(), ParityNames.end(),
                                      [letter](const auto& entry) { return entry.first == letter; });
-    return found == parityNames.end() ? parityNames.front().second : found->second;
+    return found == ParityNames.end() ? ParityNames.front().second : found->second;
 }
 
 bool InRange(std::string_view allowed, std::string_view value) {
@@ -60,9 +60,9 @@ void SetupTree::AddChannel(int number, const Options& options) {
         "NONE|EVEN|ODD|MARK|SPACE");
     Add(path + "CHAR LENGTH", std::to_string(wired ? options.dataBits : 8), "7|8");
     Add(path + "STOPBITS", std::to_string(wired ? options.stopBits : 2), "1|2");
-    Add(path + "FLOWCONTROL,RTS/CTS", off, std::string(switchValues));
-    Add(path + "FLOWCONTROL,XON/XOFF,DATA TO HOST", off, std::string(switchValues));
-    Add(path + "FLOWCONTROL,XON/XOFF,DATA FROM HOST", off, std::string(switchValues));
+    Add(path + "FLOWCONTROL,RTS/CTS", off, std::string(SwitchValues));
+    Add(path + "FLOWCONTROL,XON/XOFF,DATA TO HOST", off, std::string(SwitchValues));
+    Add(path + "FLOWCONTROL,XON/XOFF,DATA FROM HOST", off, std::string(SwitchValues));
     Add(path + "NEW LINE", "CR/LF", "CR/LF|CR|LF");
 }
 

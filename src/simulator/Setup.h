@@ -1,5 +1,6 @@
-// The printer's setup: an ordered tree of items, each a comma-separated path with a value.
 #pragma once
+
+// The printer's setup: an ordered tree of items, each a comma-separated path with a value.
 
 #include "Errors.h"
 #include "Model.h"
@@ -17,8 +18,8 @@ struct Uart {
     char parity = 'n';
     int dataBits = 8;
     int stopBits = 2;
-    bool obeysXon = false; // the host's Xon/Xoff stop and start the printer's output
-    bool sendsXon = false; // the printer stops the host when its buffer fills
+    bool obeysXon = false; ///< the host's Xon/Xoff stop and start the printer's output
+    bool sendsXon = false; ///< the printer stops the host when its buffer fills
     bool rtsCts = false;
 
     /// Bits that one character takes on the line, the start bit included.
@@ -53,7 +54,7 @@ class SetupTree {
         std::string path;
         std::string value;
         std::string
-            allowed; // "A|B|C", "0-9999" for a range, or empty for an item that is only shown
+            allowed; ///< "A|B|C", "0-9999" for a range, or empty for an item that is only shown
     };
     void Add(std::string path, std::string value, std::string allowed);
     void AddChannel(int number, const Options& options);

@@ -10,9 +10,9 @@
 namespace qnsim {
 namespace {
 
-constexpr char plainMark = 'f';
-constexpr char systemMark = 's';
-constexpr std::string_view setupName = "setup.txt";
+constexpr char PlainMark = 'f';
+constexpr char SystemMark = 's';
+constexpr std::string_view SetupName = "setup.txt";
 
 bool IsPlain(char c) {
     return (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z') || (c >= '0' && c <= '9') || c == '.'
@@ -23,7 +23,7 @@ bool IsPlain(char c) {
 /// what is not plain.
 std::string HostName(const std::string& name, bool system) {
     constexpr std::string_view digits = "0123456789ABCDEF";
-    std::string result{system ? systemMark : plainMark, '-'};
+    std::string result{system ? SystemMark : PlainMark, '-'};
     for (const char c : name) {
         const auto byte = static_cast<unsigned char>(c);
         if (IsPlain(c)) {
@@ -47,8 +47,8 @@ struct PrinterName {
 
 std::optional<PrinterName> ReadHostName(const std::string& hostName) {
     if (hostName.size() < 3 || hostName[1] != '-') return std::nullopt;
-    if (hostName[0] != plainMark && hostName[0] != systemMark) return std::nullopt;
-    PrinterName result{{}, hostName[0] == systemMark};
+    if (hostName[0] != PlainMark && hostName[0] != SystemMark) return std::nullopt;
+    PrinterName result{{}, hostName[0] == SystemMark};
     for (std::size_t i = 2; i < hostName.size(); ++i) {
         if (hostName[i] != '%') {
             if (!IsPlain(hostName[i])) return std::nullopt;
@@ -93,12 +93,12 @@ bool StateFolder::WriteFile(const std::string& path, const std::string& content)
 }
 
 bool StateFolder::SaveSetup(const SetupTree& setup) {
-    return WriteFile(mFolder + "/" + std::string(setupName), setup.Write());
+    return WriteFile(mFolder + "/" + std::string(SetupName), setup.Write());
 }
 
 bool StateFolder::Attach(Storage& storage, SetupTree& setup) {
     std::error_code unknown;
-    const bool known = std::filesystem::exists(mFolder + "/" + std::string(setupName), unknown);
+    const bool known = std::filesystem::exists(mFolder + "/" + std::string(SetupName), unknown);
     if (known && !Load(storage, setup)) return mSound = false;
     storage.OnChanged(
         [this](const Device& device, const std::string& name) { Keep(device, name); });
@@ -116,7 +116,7 @@ bool StateFolder::Attach(Storage& storage, SetupTree& setup) {
 }
 
 bool StateFolder::Load(Storage& storage, SetupTree& setup) {
-    const auto text = ReadFile(mFolder + "/" + std::string(setupName));
+    const auto text = ReadFile(mFolder + "/" + std::string(SetupName));
     if (!text || setup.Load(*text) != Error::None) return false;
     for (Device* device : storage.Devices()) {
         if (!device->readOnly && !device->isVolatile && !LoadDevice(storage, *device)) return false;

@@ -1,5 +1,6 @@
-// Keeps the printer's storage and setup in a folder of the machine that it runs on.
 #pragma once
+
+// Keeps the printer's storage and setup in a folder of the machine that it runs on.
 
 #include "Setup.h"
 #include "Storage.h"

@@ -8,9 +8,9 @@
 namespace qnsim {
 namespace {
 
-constexpr std::size_t longestName = 40;
-constexpr std::uint64_t fontSpace = 4ULL * 1024 * 1024;
-constexpr std::uint64_t imageSpace = 4ULL * 1024 * 1024;
+constexpr std::size_t LongestName = 40;
+constexpr std::uint64_t FontSpace = 4ULL * 1024 * 1024;
+constexpr std::uint64_t ImageSpace = 4ULL * 1024 * 1024;
 
 struct FactoryFile {
     std::string_view name;
@@ -18,7 +18,7 @@ struct FactoryFile {
     bool system;
 };
 
-constexpr std::array<FactoryFile, 3> romFiles{{
+constexpr std::array<FactoryFile, 3> RomFiles{{
     {"DEMO.PRG",
      "10 CLL\r\n20 PP 40,40\r\n30 FT \"SW120BSN.1\"\r\n40 PT \"DEMO LABEL\"\r\n50 PF\r\n60 END\r\n",
      false},
@@ -26,7 +26,7 @@ constexpr std::array<FactoryFile, 3> romFiles{{
     {"KERNEL.SYS", "Quorin kernel image\r\n", true},
 }};
 
-constexpr std::array<FactoryFile, 5> workFiles{{
+constexpr std::array<FactoryFile, 5> WorkFiles{{
     {"STARTUP.PRG", "10 REM Started by the operator\r\n20 PRINT \"READY\"\r\n30 END\r\n", false},
     {"PRICES.DAT", "APPLE,1.20\r\nPEAR,1.45\r\nPLUM,2.10\r\n", false},
     {"LAYOUT.LBL", "CLL:PP 40,40:FT \"SW080BSN.1\":PT \"SHELF\":PF\r\n", false},
@@ -54,14 +54,14 @@ Storage::Storage(const Model& model, std::uint64_t capacity) : mCurrent(model.wo
                             {},
                             0});
     }
-    mDevices.push_back({"fonts:", fontSpace, false, false, {}, 0});
-    mDevices.push_back({"images:", imageSpace, false, false, {}, 0});
+    mDevices.push_back({"fonts:", FontSpace, false, false, {}, 0});
+    mDevices.push_back({"images:", ImageSpace, false, false, {}, 0});
     Preinstall(model);
 }
 
 void Storage::Preinstall(const Model& model) {
-    InstallAll(*this, *FindDevice("rom:"), romFiles);
-    InstallAll(*this, *FindDevice(model.workDevice), workFiles);
+    InstallAll(*this, *FindDevice("rom:"), RomFiles);
+    InstallAll(*this, *FindDevice(model.workDevice), WorkFiles);
 }
 
 void Storage::Install(Device& device, std::string name, StoredFile file) {
@@ -92,7 +92,7 @@ FilePlace Storage::Locate(std::string_view path) {
     place.name = Trim(bare ? path : path.substr(colon + 1));
     if (place.device == nullptr) {
         place.error = Error::DeviceNotFound;
-    } else if (place.name.empty() || place.name.size() > longestName
+    } else if (place.name.empty() || place.name.size() > LongestName
                || place.name.find_first_of(":\"\r\n") != std::string::npos) {
         place.error = Error::BadFileName;
     }

@@ -1,5 +1,6 @@
-// The printer's storage: devices with a size, files on them, and the current directory.
 #pragma once
+
+// The printer's storage: devices with a size, files on them, and the current directory.
 
 #include "Errors.h"
 #include "Model.h"
@@ -15,18 +16,18 @@ namespace qnsim {
 
 struct StoredFile {
     std::string content;
-    bool system = false;   // shown by a listing with ",A" only, survives a plain FORMAT
-    bool permanent = true; // survives a restart
+    bool system = false;   ///< shown by a listing with ",A" only, survives a plain FORMAT
+    bool permanent = true; ///< survives a restart
 };
 
 struct Device {
-    std::string name; // lower case, with its colon
+    std::string name; ///< lower case, with its colon
     std::uint64_t size = 0;
     bool readOnly = false;
     bool isVolatile = false;
-    std::map<std::string, StoredFile, std::less<>> files; // names are told apart by case
+    std::map<std::string, StoredFile, std::less<>> files; ///< names are told apart by case
 
-    std::uint64_t used = 0; // kept by Storage
+    std::uint64_t used = 0; ///< kept by Storage
 
     std::uint64_t Free() const { return size - (used < size ? used : size); }
 };

@@ -36,9 +36,9 @@ bool StorageSink::Refuse(Error error, std::string& sReason) {
 OfferDecision StorageSink::Offer(const FileInfo& file) {
     OfferDecision decision;
     decision.kind = AnswerKind::Failed;
-    const FilePlace place = mStorage.Locate(LastPart(file.sName));
+    const FilePlace place = mStorage.Locate(LastPart(file.name));
     if (place.error != Error::None) {
-        Refuse(place.error, decision.sReason);
+        Refuse(place.error, decision.reason);
         return decision;
     }
     const auto old = place.device->files.find(place.name);
@@ -46,11 +46,11 @@ OfferDecision StorageSink::Offer(const FileInfo& file) {
     mRoom = place.device->Free() + (replaces ? old->second.content.size() : 0);
     mPath = place.device->name + place.name;
     mContent.clear();
-    mText = file.bText;
+    mText = file.text;
     if (place.device->readOnly) {
-        Refuse(Error::WriteProtected, decision.sReason);
+        Refuse(Error::WriteProtected, decision.reason);
     } else if (file.size.value_or(0) > mRoom) {
-        Refuse(Error::DeviceFull, decision.sReason);
+        Refuse(Error::DeviceFull, decision.reason);
     } else {
         decision.kind = AnswerKind::Ok;
     }

@@ -1,5 +1,6 @@
-// Files that arrive by a transfer, on their way into the printer's storage.
 #pragma once
+
+// Files that arrive by a transfer, on their way into the printer's storage.
 
 #include "Storage.h"
 
@@ -29,7 +30,7 @@ class StorageSink final : public qncomm::transfer::FileSink {
     Storage& mStorage;
     std::string mPath;
     std::string mContent;
-    std::uint64_t mRoom = 0; // bytes that the file may have
+    std::uint64_t mRoom = 0; ///< bytes that the file may have
     bool mText = false;
     Error mRefusal = Error::None;
 };

@@ -12,7 +12,7 @@ std::optional<qncomm::transfer::FileInfo> StorageSource::Next() {
     if (mGiven) return std::nullopt;
     mGiven = true;
     qncomm::transfer::FileInfo file;
-    file.sName = mName;
+    file.name = mName;
     file.size = mContent.size();
     file.filesLeft = 1;
     return file;

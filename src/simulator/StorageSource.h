@@ -1,5 +1,6 @@
-// A file of the printer's storage on its way out.
 #pragma once
+
+// A file of the printer's storage on its way out.
 
 #include "transfer/TransferFiles.h"
 

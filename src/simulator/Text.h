@@ -1,6 +1,7 @@
+#pragma once
+
 // Small text helpers that the simulator's parts share. ASCII only: the printer's bytes above 127
 // are left alone.
-#pragma once
 
 #include <optional>
 #include <string>

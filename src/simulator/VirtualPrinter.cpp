@@ -9,19 +9,19 @@
 namespace qnsim {
 namespace {
 
-constexpr Micros microsPerMilli = 1000;
-constexpr Micros dataTimeout = 5'000'000; // a load waits so long for its next byte
-constexpr int statementsPerSlice = 5000;
-constexpr std::size_t bytesPerSlice = 64UL * 1024;
-constexpr std::size_t outputLimit =
+constexpr Micros MicrosPerMilli = 1000;
+constexpr Micros DataTimeout = 5'000'000; // a load waits so long for its next byte
+constexpr int StatementsPerSlice = 5000;
+constexpr std::size_t BytesPerSlice = 64UL * 1024;
+constexpr std::size_t OutputLimit =
     256UL * 1024;                        // a host that does not read stops the printer here
-constexpr std::size_t stopHostAt = 3072; // of a receive buffer of 4096 bytes
-constexpr std::size_t resumeHostAt = 1024;
+constexpr std::size_t StopHostAt = 3072; // of a receive buffer of 4096 bytes
+constexpr std::size_t ResumeHostAt = 1024;
 // A transfer fills the line only so far: what it has not given away yet, it may still take back.
-constexpr std::size_t pacedLineTakes = 512;
-constexpr std::size_t lineTakes = 16UL * 1024;
-constexpr char xon = '\x11';
-constexpr char xoff = '\x13';
+constexpr std::size_t PacedLineTakes = 512;
+constexpr std::size_t LineTakes = 16UL * 1024;
+constexpr char Xon = '\x11';
+constexpr char Xoff = '\x13';
 
 } // namespace
 
@@ -74,7 +74,7 @@ class VirtualPrinter::Impl {
 VirtualPrinter::Impl::Impl(const Options& options)
     : mFaults(options.faults),
       mBootMs(options.bootMs),
-      mLineTakes(options.paced ? pacedLineTakes : lineTakes),
+      mLineTakes(options.paced ? PacedLineTakes : LineTakes),
       mMachine(options),
       mConsole(std::make_unique<Console>(mMachine, mFaults)),
       mLine(mMachine.setup.Channel(options.uart), options) {
@@ -100,7 +100,7 @@ void VirtualPrinter::Impl::Break() {
 
 bool VirtualPrinter::Impl::OutputBlocked() const {
     return (mLine.CurrentUart().obeysXon && mHeld) || (mLine.CurrentUart().rtsCts && !mHostReady)
-           || mLine.ToHost().Size() > outputLimit;
+           || mLine.ToHost().Size() > OutputLimit;
 }
 
 std::size_t VirtualPrinter::Impl::LineRoom() const {
@@ -114,16 +114,16 @@ void VirtualPrinter::Impl::Advance(Micros now) {
     if (mBootEnd && mNow >= *mBootEnd) EndBoot();
     Receive();
     if (!CanWork()) return;
-    mConsole->Work(statementsPerSlice);
-    if (mConsole->AwaitsData() && mNow - mLastData >= dataTimeout) mConsole->DataTimedOut();
+    mConsole->Work(StatementsPerSlice);
+    if (mConsole->AwaitsData() && mNow - mLastData >= DataTimeout) mConsole->DataTimedOut();
     Send();
     if (mMachine.restartWanted) Restart();
     GovernHost();
 }
 
 void VirtualPrinter::Impl::Receive() {
-    if (mConsole->Waiting() >= bytesPerSlice) return;
-    std::string bytes = mLine.ToPrinter().Take(mNow, bytesPerSlice);
+    if (mConsole->Waiting() >= BytesPerSlice) return;
+    std::string bytes = mLine.ToPrinter().Take(mNow, BytesPerSlice);
     if (bytes.empty()) {
         if (!mConsole->AwaitsData()) mLastData = mNow;
         return;
@@ -135,21 +135,21 @@ void VirtualPrinter::Impl::Receive() {
 
 std::string VirtualPrinter::Impl::Accept(std::string bytes) {
     if (!mLine.CurrentUart().obeysXon) return bytes;
-    const auto control = [](char c) { return c == xon || c == xoff; };
+    const auto control = [](char c) { return c == Xon || c == Xoff; };
     const auto last = std::find_if(bytes.rbegin(), bytes.rend(), control);
     if (last == bytes.rend()) return bytes;
-    mHeld = *last == xoff;
+    mHeld = *last == Xoff;
     bytes.erase(std::remove_if(bytes.begin(), bytes.end(), control), bytes.end());
     return bytes;
 }
 
 void VirtualPrinter::Impl::GovernHost() {
     const std::size_t waiting = mConsole->Waiting();
-    const bool stop = waiting > (mHostStopped ? resumeHostAt : stopHostAt);
+    const bool stop = waiting > (mHostStopped ? ResumeHostAt : StopHostAt);
     if (stop == mHostStopped) return;
     mHostStopped = stop;
     if (!mLine.CurrentUart().sendsXon || !mHostOpen) return;
-    mLine.PrinterSends(std::string_view(stop ? &xoff : &xon, 1), mNow);
+    mLine.PrinterSends(std::string_view(stop ? &Xoff : &Xon, 1), mNow);
 }
 
 void VirtualPrinter::Impl::Send() {
@@ -165,7 +165,7 @@ void VirtualPrinter::Impl::Send() {
 }
 
 void VirtualPrinter::Impl::Restart() {
-    mBootEnd = mNow + mBootMs * microsPerMilli;
+    mBootEnd = mNow + mBootMs * MicrosPerMilli;
     mMachine.restartWanted = false;
     mMachine.immediate = true;
     mMachine.system.Reset();
@@ -196,9 +196,9 @@ std::optional<Micros> VirtualPrinter::Impl::NextDue() const {
     };
     if (mLine.IsCut()) return due;
     sooner(mBootEnd);
-    if (mConsole->Waiting() < bytesPerSlice) sooner(mLine.ToPrinter().NextDue());
+    if (mConsole->Waiting() < BytesPerSlice) sooner(mLine.ToPrinter().NextDue());
     if (CanWork() && mConsole->Busy()) sooner(mNow);
-    if (CanWork() && mConsole->AwaitsData()) sooner(mLastData + dataTimeout);
+    if (CanWork() && mConsole->AwaitsData()) sooner(mLastData + DataTimeout);
     if (const FileTransfer* transfer = mConsole->Transfer(); transfer != nullptr && CanWork()) {
         sooner(transfer->NextDue());
         if (transfer->HasOutput() && LineRoom() != 0) sooner(mNow);

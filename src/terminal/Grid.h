@@ -53,12 +53,12 @@ class Grid {
     std::uint16_t mColumns;
     RowOrder mOrder;
     std::vector<RowState> mStates; ///< by slot, as the cells are
-    // Not initialised: only what a row's state says to be used is read, so that a page of memory
-    // that no cell was ever written to is never touched.
+    /// Not initialised: only what a row's state says to be used is read, so that a page of memory
+    /// that no cell was ever written to is never touched.
     std::unique_ptr<char[]> mText;
     std::unique_ptr<std::uint64_t[]> mStyles;
 
-    // Rows that changed their place without being written, as one span; none when first > last.
+    /// Rows that changed their place without being written, as one span; none when first > last.
     std::uint16_t mFirstMoved = 1;
     std::uint16_t mLastMoved = 0;
     std::size_t mScrolled = 0;

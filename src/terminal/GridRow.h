@@ -18,7 +18,7 @@ struct RowState {
     bool wrapped = false; ///< the next row goes on where this one had no more space
     bool dirty = true;    ///< a painter has not seen it as it is
 
-    // Member by member: copying a blank row over it costs ten times as much.
+    /// Member by member: copying a blank row over it costs ten times as much.
     void Clear(Style blank) {
         fill = blank;
         used = 0;

@@ -74,7 +74,7 @@ class Screen final : public ControlEvents {
     struct ControlTable;
     using Handler = void (Screen::*)(const ControlSequence&);
 
-    // Moving and scrolling
+    /// Moving and scrolling
     void PrintPiece(std::string_view& text);
     void WrapLine();
     void LineFeed();
@@ -94,7 +94,7 @@ class Screen final : public ControlEvents {
     std::uint16_t MarginHeight() const { return static_cast<std::uint16_t>(mBottom - mTop + 1); }
     Style Blank() const { return mCursor.style.Erased(); }
 
-    // Control sequences, by what they are called
+    /// Control sequences, by what they are called
     void CursorUp(const ControlSequence& sequence);
     void CursorDown(const ControlSequence& sequence);
     void CursorForward(const ControlSequence& sequence);

@@ -60,7 +60,7 @@ class Scrollback {
     std::uint16_t mColumns;
     std::size_t mTextCapacity;
     std::size_t mRunCapacity;
-    // Not initialised: a page is touched when the first line that needs it arrives.
+    /// Not initialised: a page is touched when the first line that needs it arrives.
     std::unique_ptr<char[]> mText;
     std::unique_ptr<StoredRun[]> mRuns;
     std::uint64_t mTextEnd = 0;

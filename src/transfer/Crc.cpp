@@ -52,9 +52,9 @@ constexpr Table32 Make32() {
     return table;
 }
 
-constexpr Table16 kHigh = MakeHigh();
-constexpr Table16 kLow = MakeLow();
-constexpr Table32 k32 = Make32();
+constexpr Table16 High = MakeHigh();
+constexpr Table16 Low = MakeLow();
+constexpr Table32 K32 = Make32();
 
 std::uint32_t Byte(char c) {
     return static_cast<unsigned char>(c);
@@ -64,14 +64,14 @@ std::uint32_t Byte(char c) {
 
 std::uint16_t Crc16High(std::uint16_t crc, std::string_view bytes) {
     for (const char c : bytes) {
-        crc = static_cast<std::uint16_t>((crc << 8U) ^ kHigh[((crc >> 8U) ^ Byte(c)) & 0xFFU]);
+        crc = static_cast<std::uint16_t>((crc << 8U) ^ High[((crc >> 8U) ^ Byte(c)) & 0xFFU]);
     }
     return crc;
 }
 
 std::uint16_t Crc16Low(std::uint16_t crc, std::string_view bytes) {
     for (const char c : bytes) {
-        crc = static_cast<std::uint16_t>((crc >> 8U) ^ kLow[(crc ^ Byte(c)) & 0xFFU]);
+        crc = static_cast<std::uint16_t>((crc >> 8U) ^ Low[(crc ^ Byte(c)) & 0xFFU]);
     }
     return crc;
 }
@@ -80,12 +80,12 @@ std::uint32_t Crc32(std::uint32_t crc, std::string_view bytes) {
     while (bytes.size() >= 4) {
         crc ^=
             Byte(bytes[0]) | Byte(bytes[1]) << 8U | Byte(bytes[2]) << 16U | Byte(bytes[3]) << 24U;
-        crc = k32[3][crc & 0xFFU] ^ k32[2][(crc >> 8U) & 0xFFU] ^ k32[1][(crc >> 16U) & 0xFFU]
-              ^ k32[0][crc >> 24U];
+        crc = K32[3][crc & 0xFFU] ^ K32[2][(crc >> 8U) & 0xFFU] ^ K32[1][(crc >> 16U) & 0xFFU]
+              ^ K32[0][crc >> 24U];
         bytes.remove_prefix(4);
     }
     for (const char c : bytes) {
-        crc = (crc >> 8U) ^ k32[0][(crc ^ Byte(c)) & 0xFFU];
+        crc = (crc >> 8U) ^ K32[0][(crc ^ Byte(c)) & 0xFFU];
     }
     return crc;
 }

@@ -6,18 +6,18 @@ namespace qncomm::transfer {
 
 namespace {
 
-constexpr std::size_t kSamples = 32;
-constexpr int kRoundsToSettle = 2;
-constexpr double kGrowth = 1.25;
+constexpr std::size_t Samples = 32;
+constexpr int RoundsToSettle = 2;
+constexpr double Growth = 1.25;
 // What the two ends and the driver usually take to get to their bytes.
-constexpr Time kJitter = std::chrono::milliseconds(15);
+constexpr Time Jitter = std::chrono::milliseconds(15);
 // Seconds that one of them may be busy with something else before the line falls idle, while damage
 // does not forbid it.
-constexpr double kSlack = 0.25;
-constexpr double kLongestDrain = 10; // seconds
-constexpr std::uint64_t kLargest = 4U << 20U;
+constexpr double Slack = 0.25;
+constexpr double LongestDrain = 10; // seconds
+constexpr std::uint64_t Largest = 4U << 20U;
 // What any line is tried with: the short packets before the data say little about its rate.
-constexpr double kFirst = 1024;
+constexpr double First = 1024;
 
 double Seconds(Time span) {
     return std::max(1e-4, static_cast<double>(span.count()) * 1e-6);
@@ -51,22 +51,22 @@ void FlowWindow::TakeSample(const Mark& mark, Time now) {
         mShortest = std::max(now - mark.at, Time{1});
     const double bytes = static_cast<double>(mAcknowledged - mark.acknowledged);
     mSamples.push_back(bytes / Seconds(now - mark.acknowledgedAt));
-    if (mSamples.size() > kSamples) mSamples.pop_front();
+    if (mSamples.size() > Samples) mSamples.pop_front();
     if (mAcknowledged >= mRoundEnd) Grow();
 }
 
 // Once a round trip, until the rate stops rising: the window doubles.
 void FlowWindow::Grow() {
     mRoundEnd = mMarks.empty() ? mAcknowledged + 1 : mMarks.back().position;
-    if (mRounds >= kRoundsToSettle) return;
+    if (mRounds >= RoundsToSettle) return;
     const double rate = Rate();
-    if (rate >= mGrowFrom * kGrowth) {
+    if (rate >= mGrowFrom * Growth) {
         mGrowFrom = rate;
         mRounds = 0;
     } else {
         ++mRounds;
     }
-    mOpening = std::min(mOpening * 2, kLargest);
+    mOpening = std::min(mOpening * 2, Largest);
 }
 
 void FlowWindow::Restart(std::uint64_t position) {
@@ -86,22 +86,22 @@ double FlowWindow::Rate() const {
 
 std::uint64_t FlowWindow::Size(std::uint64_t piece) const {
     if (mSamples.empty()) return std::max(mOpening, piece * 2);
-    double slack = Rate() * kSlack;
+    double slack = Rate() * Slack;
     if (mErrorRate > 0) slack = std::min(slack, mTolerance / mErrorRate);
-    const double held = Rate() * Seconds(mShortest + kJitter) + slack;
+    const double held = Rate() * Seconds(mShortest + Jitter) + slack;
     // Twice what the line is known to hold shows whether it holds more; beyond that a slow line
     // with a deep buffer would only be filled for seconds, and a cancel would wait behind it.
-    const double twice = std::max(kFirst, 2 * Rate() * Seconds(mShortest) + slack);
+    const double twice = std::max(First, 2 * Rate() * Seconds(mShortest) + slack);
     const double open =
-        mRounds < kRoundsToSettle ? std::min(static_cast<double>(mOpening), twice) : 0;
-    return std::min(kLargest, static_cast<std::uint64_t>(std::max(held, open)) + 2 * piece);
+        mRounds < RoundsToSettle ? std::min(static_cast<double>(mOpening), twice) : 0;
+    return std::min(Largest, static_cast<std::uint64_t>(std::max(held, open)) + 2 * piece);
 }
 
 Time FlowWindow::RetryAfter(std::uint64_t piece) const {
     const double rate = Rate();
     if (rate <= 0) return mRoundTrip.RetryAfter();
     const double full = static_cast<double>(Size(piece)) / rate;
-    const Time drained{static_cast<Time::rep>(std::min(full, kLongestDrain) * 1e6)};
+    const Time drained{static_cast<Time::rep>(std::min(full, LongestDrain) * 1e6)};
     return mRoundTrip.RetryAfter() + drained;
 }
 

@@ -6,48 +6,48 @@
 
 namespace qncomm::transfer {
 
-// How many bytes may be on their way. It watches acknowledgements: the best rate seen and the
-// shortest round trip say what the line itself holds; more than that only queues up before the line
-// and has to be sent again after damage.
+/// How many bytes may be on their way. It watches acknowledgements: the best rate seen and the
+/// shortest round trip say what the line itself holds; more than that only queues up before the
+/// line and has to be sent again after damage.
 class FlowWindow {
   public:
-    // `tolerance`: which part of the line may be lost because bytes that stand queued have to be
-    // sent again after damage.
+    /// `tolerance`: which part of the line may be lost because bytes that stand queued have to be
+    /// sent again after damage.
     explicit FlowWindow(double tolerance) : mTolerance(tolerance) {}
 
-    // A mark was put on the line: `position` counts all bytes of the stream so far.
+    /// A mark was put on the line: `position` counts all bytes of the stream so far.
     void Marked(std::uint64_t position, Time now);
-    // Everything up to `position` has left the line. `bTimed`: the answer is to this mark and to no
-    // earlier try, so that rate and round trip can be told from it.
+    /// Everything up to `position` has left the line. `bTimed`: the answer is to this mark and to
+    /// no earlier try, so that rate and round trip can be told from it.
     void Acknowledged(std::uint64_t position, Time now, bool bTimed = true);
-    // Marks under way will not be acknowledged: the stream goes on from `position`.
+    /// Marks under way will not be acknowledged: the stream goes on from `position`.
     void Restart(std::uint64_t position);
 
-    // Bytes allowed beyond what is acknowledged, for pieces of `piece` bytes.
+    /// Bytes allowed beyond what is acknowledged, for pieces of `piece` bytes.
     [[nodiscard]] std::uint64_t Size(std::uint64_t piece) const;
-    // How long to wait for an acknowledgement before it counts as lost.
+    /// How long to wait for an acknowledgement before it counts as lost.
     [[nodiscard]] Time RetryAfter(std::uint64_t piece) const;
-    // The shortest that was seen on a mark, 0 when none was.
+    /// The shortest that was seen on a mark, 0 when none was.
     [[nodiscard]] Time ShortestRoundTrip() const { return mShortest; }
-    // How many errors there are for each byte; 0 when none was seen.
+    /// How many errors there are for each byte; 0 when none was seen.
     void SetErrorRate(double rate) { mErrorRate = rate; }
-    // Damage was seen: the window is not to be widened any more to find out what the line takes.
-    void Settle() { mRounds = kSettled; }
-    // A round trip that was seen on something else than a mark.
+    /// Damage was seen: the window is not to be widened any more to find out what the line takes.
+    void Settle() { mRounds = Settled; }
+    /// A round trip that was seen on something else than a mark.
     void SawRoundTrip(Time span) { mRoundTrip.Saw(span); }
-    // Whether an acknowledgement is on its way.
+    /// Whether an acknowledgement is on its way.
     [[nodiscard]] bool IsAwaiting() const { return !mMarks.empty(); }
     [[nodiscard]] std::uint64_t AcknowledgedTo() const { return mAcknowledged; }
-    // Bytes per second, 0 when not yet known.
+    /// Bytes per second, 0 when not yet known.
     [[nodiscard]] double Rate() const;
 
   private:
-    static constexpr int kSettled = 100;
+    static constexpr int Settled = 100;
 
     struct Mark {
         std::uint64_t position;
         Time at;
-        std::uint64_t acknowledged; // when it was put
+        std::uint64_t acknowledged; ///< when it was put
         Time acknowledgedAt;
     };
     struct Sample {
@@ -61,7 +61,7 @@ class FlowWindow {
     double mTolerance;
     double mErrorRate = 0;
     std::deque<Mark> mMarks;
-    std::deque<double> mSamples; // rates, bytes per second
+    std::deque<double> mSamples; ///< rates, bytes per second
     Time mShortest{0};
     std::uint64_t mAcknowledged = 0;
     Time mAcknowledgedAt{0};
@@ -69,7 +69,7 @@ class FlowWindow {
     double mGrowFrom = 0;
     int mRounds = 0;
     std::uint64_t mRoundEnd = 0;
-    std::uint64_t mOpening = 2048; // while the line is still being found out
+    std::uint64_t mOpening = 2048; ///< while the line is still being found out
 };
 
 } // namespace qncomm::transfer

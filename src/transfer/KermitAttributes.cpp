@@ -10,11 +10,11 @@ namespace qncomm::transfer {
 
 namespace {
 
-constexpr char kType = '"';        // "A" text, "B8" binary
-constexpr char kDate = '#';        // yyyymmdd hh:mm:ss
-constexpr char kProtection = ',';  // permission bits, octal
-constexpr char kDisposition = '+'; // "R": goes on where an earlier try ended
-constexpr char kLength = '1';      // bytes
+constexpr char Type = '"';        // "A" text, "B8" binary
+constexpr char Date = '#';        // yyyymmdd hh:mm:ss
+constexpr char Protection = ',';  // permission bits, octal
+constexpr char Disposition = '+'; // "R": goes on where an earlier try ended
+constexpr char Length = '1';      // bytes
 
 void Put(std::string& out, std::size_t room, char tag, std::string_view value) {
     if (out.size() + 2 + value.size() > room || value.size() > 94) return;
@@ -74,15 +74,15 @@ std::optional<std::int64_t> DateValue(std::string_view text) {
 
 std::string WriteKermitAttributes(const FileInfo& file, std::size_t room) {
     std::string out;
-    if (file.size) Put(out, room, kLength, std::to_string(*file.size));
-    if (file.bResume) Put(out, room, kDisposition, "R");
-    Put(out, room, kType, file.bText ? "AMJ" : "B8");
-    if (file.modified && *file.modified > 0) Put(out, room, kDate, DateText(*file.modified));
+    if (file.size) Put(out, room, Length, std::to_string(*file.size));
+    if (file.resume) Put(out, room, Disposition, "R");
+    Put(out, room, Type, file.text ? "AMJ" : "B8");
+    if (file.modified && *file.modified > 0) Put(out, room, Date, DateText(*file.modified));
     if (file.mode) {
         std::array<char, 12> digits{};
         const auto end =
             std::to_chars(digits.data(), digits.data() + digits.size(), *file.mode & 0777U, 8).ptr;
-        Put(out, room, kProtection, {digits.data(), static_cast<std::size_t>(end - digits.data())});
+        Put(out, room, Protection, {digits.data(), static_cast<std::size_t>(end - digits.data())});
     }
     return out;
 }
@@ -95,29 +95,29 @@ void ReadKermitAttributes(std::string_view data, FileInfo& file) {
         if (length > data.size()) return;
         const std::string_view value = data.substr(0, length);
         data.remove_prefix(length);
-        if (tag == kLength) {
+        if (tag == Length) {
             if (const auto size = Number(value, 10)) file.size = size;
-        } else if (tag == kType) {
-            file.bText = !value.empty() && value[0] == 'A';
-        } else if (tag == kDate) {
+        } else if (tag == Type) {
+            file.text = !value.empty() && value[0] == 'A';
+        } else if (tag == Date) {
             file.modified = DateValue(value);
-        } else if (tag == kProtection) {
+        } else if (tag == Protection) {
             if (const auto mode = Number(value, 8))
                 file.mode = static_cast<std::uint32_t>(*mode & 07777U);
-        } else if (tag == kDisposition) {
-            file.bResume = value == "R";
+        } else if (tag == Disposition) {
+            file.resume = value == "R";
         }
     }
 }
 
 std::string WriteKermitResume(std::uint64_t offset) {
     std::string out;
-    Put(out, 94, kLength, std::to_string(offset));
+    Put(out, 94, Length, std::to_string(offset));
     return out;
 }
 
 std::optional<std::uint64_t> ReadKermitResume(std::string_view data) {
-    if (data.size() < 3 || data[0] != kLength) return std::nullopt;
+    if (data.size() < 3 || data[0] != Length) return std::nullopt;
     return Number(data.substr(2, kermit::FromChar(data[1])), 10);
 }
 

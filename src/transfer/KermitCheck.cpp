@@ -24,9 +24,9 @@ std::string KermitCheck(unsigned kind, std::string_view bytes) {
 std::string WriteKermitPacket(char type, unsigned sequence, std::string_view data, unsigned check) {
     std::string packet;
     packet.reserve(data.size() + 16);
-    packet.push_back(kermit::kMark);
+    packet.push_back(kermit::Mark);
     const std::size_t length = data.size() + 2 + check;
-    if (length <= kermit::kLongestShort) {
+    if (length <= kermit::LongestShort) {
         packet.append(
             {kermit::ToChar(static_cast<unsigned>(length)), kermit::ToChar(sequence), type});
     } else {
@@ -37,7 +37,7 @@ std::string WriteKermitPacket(char type, unsigned sequence, std::string_view dat
     }
     packet += data;
     packet += KermitCheck(check, std::string_view(packet).substr(1));
-    packet.push_back(kermit::kEndOfLine);
+    packet.push_back(kermit::EndOfLine);
     return packet;
 }
 

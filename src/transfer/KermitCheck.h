@@ -5,10 +5,10 @@
 
 namespace qncomm::transfer {
 
-// The block check of `bytes` as it travels: `kind` characters, 1, 2 or 3.
+/// The block check of `bytes` as it travels: `kind` characters, 1, 2 or 3.
 std::string KermitCheck(unsigned kind, std::string_view bytes);
 
-// The packet from its mark to its end of line.
+/// The packet from its mark to its end of line.
 std::string WriteKermitPacket(char type, unsigned sequence, std::string_view data, unsigned check);
 
 } // namespace qncomm::transfer

@@ -6,16 +6,16 @@ namespace qncomm::transfer {
 
 namespace {
 
-constexpr std::size_t kShortestRun = 4;
-constexpr std::size_t kLongestRun = 94;
-constexpr std::size_t kLongestCoded =
+constexpr std::size_t ShortestRun = 4;
+constexpr std::size_t LongestRun = 94;
+constexpr std::size_t LongestCoded =
     5; // repeat prefix, count, bit prefix, control prefix, character
 
 // Characters that something between the two ends is known to act on: interrupts, line ends, flow
 // control, the escapes of terminal servers and modems.
-constexpr std::string_view kRisky("\x00\x01\x03\x0D\x10\x11\x13\x18\x1D\x1E\x7F", 11);
+constexpr std::string_view Risky("\x00\x01\x03\x0D\x10\x11\x13\x18\x1D\x1E\x7F", 11);
 // What ends or begins a packet.
-constexpr std::string_view kNeeded("\x00\x01\x0D", 3);
+constexpr std::string_view Needed("\x00\x01\x0D", 3);
 
 bool IsControl(unsigned c) {
     return (c & 0x7FU) < 32 || (c & 0x7FU) == 127;
@@ -25,9 +25,9 @@ bool IsPrefixed(unsigned c, KermitPrefixing prefixing) {
     if (!IsControl(c)) return false;
     switch (prefixing) {
     case KermitPrefixing::Least:
-        return kNeeded.find(static_cast<char>(c)) != std::string_view::npos;
+        return Needed.find(static_cast<char>(c)) != std::string_view::npos;
     case KermitPrefixing::Cautious:
-        return kRisky.find(static_cast<char>(c & 0x7FU)) != std::string_view::npos;
+        return Risky.find(static_cast<char>(c & 0x7FU)) != std::string_view::npos;
     default:
         return true;
     }
@@ -88,11 +88,11 @@ void KermitCoding::Encode(std::string_view& bytes, std::size_t room, std::string
         const char c = bytes[at];
         std::size_t run = 1;
         if (mRepeatPrefix != 0 && at + 1 < bytes.size() && bytes[at + 1] == c) {
-            const auto part = bytes.substr(at, kLongestRun);
+            const auto part = bytes.substr(at, LongestRun);
             run = std::min(part.find_first_not_of(c), part.size());
-            if (run < kShortestRun) run = 1;
+            if (run < ShortestRun) run = 1;
         }
-        const bool tight = data.size() + kLongestCoded > end;
+        const bool tight = data.size() + LongestCoded > end;
         std::string& out = tight ? coded : data;
         coded.clear();
         if (run > 1) out.append({mRepeatPrefix, kermit::ToChar(static_cast<unsigned>(run))});
@@ -128,7 +128,7 @@ bool KermitCoding::Decode(std::string_view data, std::string& bytes) const {
         if (mRepeatPrefix != 0 && c == mRepeatPrefix) {
             if (!more()) return false;
             run = kermit::FromChar(data[at++]);
-            if (run > kLongestRun || !more()) return false;
+            if (run > LongestRun || !more()) return false;
             c = data[at++];
         }
         int top = 0;

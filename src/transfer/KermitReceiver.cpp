@@ -9,17 +9,17 @@ namespace qncomm::transfer {
 
 namespace {
 
-constexpr Time kSilence = std::chrono::seconds(2);
-constexpr Time kLongestSilence = std::chrono::seconds(8);
-constexpr Time kBetweenFiles = std::chrono::seconds(1);
-constexpr int kFarewellSilences = 5;
-constexpr Time kSignOfLife = std::chrono::seconds(5);
-constexpr Time kAskAgain = std::chrono::seconds(1);
+constexpr Time Silence = std::chrono::seconds(2);
+constexpr Time LongestSilence = std::chrono::seconds(8);
+constexpr Time BetweenFiles = std::chrono::seconds(1);
+constexpr int FarewellSilences = 5;
+constexpr Time SignOfLife = std::chrono::seconds(5);
+constexpr Time AskAgain = std::chrono::seconds(1);
 
 } // namespace
 
 KermitReceiver::KermitReceiver(KermitOptions options) : m(std::make_unique<Machine>(options)) {
-    m->reader.StripParity(options.bSevenBits);
+    m->reader.StripParity(options.sevenBits);
     SetPatience(options.patience);
 }
 
@@ -32,12 +32,12 @@ void KermitReceiver::OnStart(Time now) {
 void KermitReceiver::OnProduce(Time) {}
 
 void KermitReceiver::OnCancel() {
-    Put(WriteKermitPacket(kermit::kError, m->low, "cancelled by the receiver", m->terms.check));
+    Put(WriteKermitPacket(kermit::Error, m->low, "cancelled by the receiver", m->terms.check));
 }
 
 void KermitReceiver::Fail(const std::string& sReason) {
     DropOutput();
-    Put(WriteKermitPacket(kermit::kError, m->low, m->coding.EncodeText(sReason, 80),
+    Put(WriteKermitPacket(kermit::Error, m->low, m->coding.EncodeText(sReason, 80),
                           m->terms.check));
     End(Outcome::Failed, sReason);
 }
@@ -48,8 +48,8 @@ void KermitReceiver::OnSilence(Time) {
 
 void KermitReceiver::ArmSilence(Time now) {
     const bool between = m->state == State::Ready && mProgress.files + mProgress.skipped != 0;
-    const Time span = std::min(kSilence * (1 << std::min(m->silences, 2)), kLongestSilence);
-    Arm(between ? kBetweenFiles : span, now);
+    const Time span = std::min(Silence * (1 << std::min(m->silences, 2)), LongestSilence);
+    Arm(between ? BetweenFiles : span, now);
 }
 
 void KermitReceiver::OnTimer(Time now) {
@@ -61,7 +61,7 @@ void KermitReceiver::OnTimer(Time now) {
     if (IsStreaming()) return; // a sender that streams waits for nothing
     ++m->silences;
     const bool between = m->state == State::Ready && mProgress.files + mProgress.skipped != 0;
-    if (between && m->silences >= kFarewellSilences) {
+    if (between && m->silences >= FarewellSilences) {
         End(Outcome::Success, ""); // every file stands; the sender's last word was lost
         return;
     }
@@ -71,17 +71,17 @@ void KermitReceiver::OnTimer(Time now) {
 }
 
 void KermitReceiver::SendNak(unsigned sequence) {
-    Put(WriteKermitPacket(kermit::kNak, sequence, {}, m->terms.check));
+    Put(WriteKermitPacket(kermit::Nak, sequence, {}, m->terms.check));
 }
 
 bool KermitReceiver::IsStreaming() const {
-    return m->terms.bStreaming && m->state == State::File;
+    return m->terms.streaming && m->state == State::File;
 }
 
 // Data that streams is acknowledged only now and then, as a sign of life, or when there is
 // something to say.
 void KermitReceiver::AcknowledgeData(const std::string& data) {
-    if (IsStreaming() && data == m->said && LastHeard() - m->saidAt < kSignOfLife) return;
+    if (IsStreaming() && data == m->said && LastHeard() - m->saidAt < SignOfLife) return;
     m->said = data;
     m->saidAt = LastHeard();
     Acknowledge(m->current.sequence, data);
@@ -90,7 +90,7 @@ void KermitReceiver::AcknowledgeData(const std::string& data) {
 // Damage on a line that promised none: what is written is whole, what streams behind it is let
 // pass.
 void KermitReceiver::StopStreaming(Time now) {
-    m->terms.bStreaming = false;
+    m->terms.streaming = false;
     m->broken = true;
     m->askedAt = Time{0};
     ++mProgress.repairs;
@@ -99,15 +99,15 @@ void KermitReceiver::StopStreaming(Time now) {
 }
 
 void KermitReceiver::AskForFile(Time now) {
-    if (m->askedAt != Time{0} && now - m->askedAt < kAskAgain) return;
+    if (m->askedAt != Time{0} && now - m->askedAt < AskAgain) return;
     m->askedAt = now;
-    Put(WriteKermitPacket(kermit::kNak, m->low, std::string(kermit::kStopStreaming),
+    Put(WriteKermitPacket(kermit::Nak, m->low, std::string(kermit::StopStreamingText),
                           m->terms.check));
 }
 
 void KermitReceiver::Acknowledge(unsigned sequence, const std::string& data) {
     m->replies[sequence] = data;
-    Put(WriteKermitPacket(kermit::kAck, sequence, data, m->terms.check));
+    Put(WriteKermitPacket(kermit::Ack, sequence, data, m->terms.check));
 }
 
 bool KermitReceiver::OnInput(Time now) {
@@ -138,29 +138,29 @@ void KermitReceiver::OnDamage(Time now) {
 
 void KermitReceiver::OnPacket(Time now) {
     const KermitPacket& packet = m->reader.Packet();
-    if (packet.type == kermit::kAck || packet.type == kermit::kNak) return; // an echo of our own
+    if (packet.type == kermit::Ack || packet.type == kermit::Nak) return; // an echo of our own
     const unsigned after = kermit::After(m->low, packet.sequence);
-    const bool announces = packet.type == kermit::kFile && after == 0;
-    if (m->broken && !announces && packet.type != kermit::kError) {
+    const bool announces = packet.type == kermit::FilePacket && after == 0;
+    if (m->broken && !announces && packet.type != kermit::Error) {
         AskForFile(now);
         return;
     }
     Heard(now);
     m->silences = 0;
     ArmSilence(now);
-    if (packet.type == kermit::kError) {
+    if (packet.type == kermit::Error) {
         std::string text;
         m->coding.Decode(packet.data, text);
         DropOutput();
         End(Outcome::CancelledThere, "the sender stopped: " + text);
         return;
     }
-    if (packet.type == kermit::kSendInit || packet.type == kermit::kServerInit) {
+    if (packet.type == kermit::SendInit || packet.type == kermit::ServerInit) {
         OnOpening(now);
         return;
     }
     if (m->state == State::Init) return;
-    const bool streams = packet.type == kermit::kData || packet.type == kermit::kEof;
+    const bool streams = packet.type == kermit::DataPacket || packet.type == kermit::EofPacket;
     if (after != 0 && streams && IsStreaming()) {
         StopStreaming(now);
     } else if (after == 0) {
@@ -168,7 +168,7 @@ void KermitReceiver::OnPacket(Time now) {
         Process(now);
     } else if (after < std::max(m->terms.window, 1U)) {
         OnLaterPacket();
-    } else if (kermit::After(packet.sequence, m->low) <= kermit::kMostSlots + 1) {
+    } else if (kermit::After(packet.sequence, m->low) <= kermit::MostSlots + 1) {
         Acknowledge(packet.sequence,
                     std::string(m->replies[packet.sequence])); // its answer was lost
     }
@@ -181,8 +181,8 @@ void KermitReceiver::OnOpening(Time) {
     if (m->state != State::Init && !again) return;
     std::string reply;
     const KermitTerms terms = AcceptKermitTerms(m->options, packet.data, reply);
-    Put(WriteKermitPacket(kermit::kAck, packet.sequence, reply, 1));
-    if (packet.type == kermit::kServerInit) return;
+    Put(WriteKermitPacket(kermit::Ack, packet.sequence, reply, 1));
+    if (packet.type == kermit::ServerInit) return;
     m->terms = terms;
     m->coding = KermitCoding(m->terms, KermitPrefixing::All);
     m->reader.SetCheck(m->terms.check);
@@ -196,9 +196,9 @@ void KermitReceiver::OnOpening(Time) {
 void KermitReceiver::OnLaterPacket() {
     const KermitPacket& packet = m->reader.Packet();
     const unsigned after = kermit::After(m->low, packet.sequence);
-    if (packet.type != kermit::kData || m->state != State::File) return;
+    if (packet.type != kermit::DataPacket || m->state != State::File) return;
     for (unsigned missing = m->seen == 0 ? 0 : m->seen + 1; missing < after; ++missing) {
-        SendNak((m->low + missing) % kermit::kSequences);
+        SendNak((m->low + missing) % kermit::Sequences);
     }
     m->seen = std::max(m->seen, after);
     m->early[packet.sequence] = packet.data;
@@ -211,7 +211,7 @@ void KermitReceiver::TakeNext(Time now) {
     if (m->seen > 0) --m->seen;
     const auto next = m->early.find(m->low);
     if (next == m->early.end()) return;
-    m->current = {kermit::kData, m->low, std::move(next->second)};
+    m->current = {kermit::DataPacket, m->low, std::move(next->second)};
     m->early.erase(next);
     Process(now);
 }

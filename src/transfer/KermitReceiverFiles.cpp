@@ -25,19 +25,19 @@ std::string ToLines(std::string_view bytes, bool& bPendingCr) {
 void KermitReceiver::Process(Time now) {
     const bool inFile = m->state == State::File;
     switch (m->current.type) {
-    case kermit::kFile:
+    case kermit::FilePacket:
         if (m->state == State::Ready || m->broken) ProcessHeader();
         break;
-    case kermit::kAttributes:
+    case kermit::AttributesPacket:
         if (inFile) ProcessAttributes();
         break;
-    case kermit::kData:
+    case kermit::DataPacket:
         if (inFile) ProcessData();
         break;
-    case kermit::kEof:
+    case kermit::EofPacket:
         if (inFile) ProcessEof();
         break;
-    case kermit::kBreak:
+    case kermit::BreakPacket:
         if (m->state != State::Ready) return;
         Acknowledge(m->current.sequence, {});
         End(Outcome::Success, "");
@@ -52,7 +52,7 @@ void KermitReceiver::Process(Time now) {
 
 void KermitReceiver::ProcessHeader() {
     FileInfo file;
-    if (!m->coding.Decode(m->current.data, file.sName)) {
+    if (!m->coding.Decode(m->current.data, file.name)) {
         Fail("the sender's file name is not well formed");
         return;
     }
@@ -73,10 +73,10 @@ void KermitReceiver::ProcessHeader() {
 
 void KermitReceiver::ProcessAttributes() {
     ReadKermitAttributes(m->current.data, mFile);
-    if (mFile.bResume && m->skip != 0) {
+    if (mFile.resume && m->skip != 0) {
         m->skip = 0;
         Acknowledge(m->current.sequence, WriteKermitResume(m->position));
-    } else if (mFile.bResume && !mFileOpen && !m->discard) {
+    } else if (mFile.resume && !mFileOpen && !m->discard) {
         AskOffer(); // the answer says where to go on
     } else {
         Acknowledge(m->current.sequence, "Y");
@@ -87,12 +87,12 @@ void KermitReceiver::AskOffer() {
     Request request;
     request.kind = RequestKind::Offer;
     request.file = mFile;
-    request.file.bFromAnywhere = m->current.type == kermit::kAttributes;
+    request.file.fromAnywhere = m->current.type == kermit::AttributesPacket;
     Ask(std::move(request));
 }
 
 void KermitReceiver::OnOffered(const transfer::Answer& answer, Time now) {
-    const bool resumes = m->current.type == kermit::kAttributes;
+    const bool resumes = m->current.type == kermit::AttributesPacket;
     if (answer.kind == AnswerKind::Skip) {
         m->discard = true;
     } else {
@@ -127,7 +127,7 @@ void KermitReceiver::ProcessData() {
         Fail("the sender's data is not well formed");
         return;
     }
-    if (mFile.bText) m->content = ToLines(m->content, m->pendingCr);
+    if (mFile.text) m->content = ToLines(m->content, m->pendingCr);
     const std::size_t known =
         static_cast<std::size_t>(std::min<std::uint64_t>(m->skip, m->content.size()));
     m->skip -= known;
@@ -173,13 +173,13 @@ void KermitReceiver::OnClosed(Time now) {
     (m->whole ? mProgress.files : mProgress.skipped) += 1;
     m->state = State::Ready;
     // A sender that streams may have come to the end before it heard that the file is not wanted.
-    Acknowledge(m->current.sequence, m->terms.bStreaming && m->discard ? "X" : "");
+    Acknowledge(m->current.sequence, m->terms.streaming && m->discard ? "X" : "");
     ArmSilence(now);
 }
 
 void KermitReceiver::OnAnswer(RequestKind kind, const transfer::Answer& answer, Time now) {
     if (answer.kind == AnswerKind::Failed) {
-        Fail(answer.sReason);
+        Fail(answer.reason);
         return;
     }
     switch (kind) {
@@ -188,7 +188,7 @@ void KermitReceiver::OnAnswer(RequestKind kind, const transfer::Answer& answer, 
         break;
     case RequestKind::Write:
         mProgress.bytes = m->position;
-        if (m->current.type == kermit::kEof) {
+        if (m->current.type == kermit::EofPacket) {
             Process(now);
             break;
         }

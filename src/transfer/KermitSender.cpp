@@ -11,35 +11,35 @@ namespace qncomm::transfer {
 
 namespace {
 
-constexpr Time kLongestRetry = std::chrono::seconds(10);
-constexpr Time kBreakEvery =
+constexpr Time LongestRetry = std::chrono::seconds(10);
+constexpr Time BreakEvery =
     std::chrono::milliseconds(330); // three of these: what a farewell may take
-constexpr int kBreakTries = 3;
+constexpr int BreakTries = 3;
 // How receivers that cannot leave streaming call damage; they end the session with it.
-constexpr std::string_view kDamagedStream = "reliable link";
-constexpr int kOverTries = 3;
-constexpr Time kNakGuard = std::chrono::milliseconds(50);
+constexpr std::string_view DamagedStream = "reliable link";
+constexpr int OverTries = 3;
+constexpr Time NakGuard = std::chrono::milliseconds(50);
 
 } // namespace
 
 KermitSender::KermitSender(KermitOptions options) : m(std::make_unique<Machine>(options)) {
-    m->reader.StripParity(options.bSevenBits);
+    m->reader.StripParity(options.sevenBits);
     SetPatience(options.patience);
 }
 
 KermitSender::~KermitSender() = default;
 
 void KermitSender::OnStart(Time now) {
-    SendPacket(kermit::kSendInit, ProposeKermitTerms(m->options), 0, now);
+    SendPacket(kermit::SendInit, ProposeKermitTerms(m->options), 0, now);
 }
 
 void KermitSender::OnCancel() {
-    Put(WriteKermitPacket(kermit::kError, m->sequence, "cancelled by the sender", m->terms.check));
+    Put(WriteKermitPacket(kermit::Error, m->sequence, "cancelled by the sender", m->terms.check));
 }
 
 void KermitSender::Fail(const std::string& sReason) {
     DropOutput();
-    Put(WriteKermitPacket(kermit::kError, m->sequence, m->coding.EncodeText(sReason, 80),
+    Put(WriteKermitPacket(kermit::Error, m->sequence, m->coding.EncodeText(sReason, 80),
                           m->terms.check));
     End(Outcome::Failed, sReason);
 }
@@ -64,19 +64,19 @@ bool KermitSender::OnInput(Time now) {
 void KermitSender::OnPacket(Time now) {
     const KermitPacket& packet = m->reader.Packet();
     switch (packet.type) {
-    case kermit::kAck:
+    case kermit::Ack:
         Heard(now);
         OnAck(packet.sequence, packet.data, now);
         break;
-    case kermit::kNak:
+    case kermit::Nak:
         Heard(now);
-        if (m->terms.bStreaming && mFileOpen && packet.data == kermit::kStopStreaming) {
+        if (m->terms.streaming && mFileOpen && packet.data == kermit::StopStreamingText) {
             StopStreaming(packet.sequence, now);
         } else {
             OnNak(packet.sequence, now);
         }
         break;
-    case kermit::kError:
+    case kermit::Error:
         OnError(now);
         break;
     default:
@@ -88,7 +88,7 @@ void KermitSender::OnError(Time now) {
     std::string text;
     m->coding.Decode(m->reader.Packet().data, text);
     const std::string reason = "the receiver stopped: " + text;
-    if (m->terms.bStreaming && mFileOpen && text.find(kDamagedStream) != std::string::npos) {
+    if (m->terms.streaming && mFileOpen && text.find(DamagedStream) != std::string::npos) {
         StartOver(reason, now);
     } else {
         DropOutput();
@@ -97,7 +97,7 @@ void KermitSender::OnError(Time now) {
 }
 
 void KermitSender::SendPacket(char type, const std::string& data, std::size_t content, Time now) {
-    const unsigned check = type == kermit::kSendInit ? 1 : m->terms.check;
+    const unsigned check = type == kermit::SendInit ? 1 : m->terms.check;
     Slot slot;
     slot.type = type;
     slot.sequence = m->sequence;
@@ -128,8 +128,8 @@ void KermitSender::Resend(Slot& slot, Time now) {
 
 void KermitSender::ArmRetry(Time now) {
     Time span = m->flow.RetryAfter(m->piece.Current());
-    span = std::min(span * (1 << std::min(m->timeouts, 4)), std::max(span, kLongestRetry));
-    Arm(m->state == State::Break ? kBreakEvery : span, now);
+    span = std::min(span * (1 << std::min(m->timeouts, 4)), std::max(span, LongestRetry));
+    Arm(m->state == State::Break ? BreakEvery : span, now);
 }
 
 void KermitSender::OnTimer(Time now) {
@@ -138,11 +138,11 @@ void KermitSender::OnTimer(Time now) {
         return;
     }
     ++m->timeouts;
-    if (m->state == State::Break && m->timeouts >= kBreakTries) {
+    if (m->state == State::Break && m->timeouts >= BreakTries) {
         End(Outcome::Success, ""); // every file was acknowledged
         return;
     }
-    if (!m->ended.empty() && m->state == State::Init && m->timeouts >= kOverTries) {
+    if (!m->ended.empty() && m->state == State::Init && m->timeouts >= OverTries) {
         End(Outcome::CancelledThere, m->ended);
         return;
     }
@@ -152,8 +152,8 @@ void KermitSender::OnTimer(Time now) {
 }
 
 void KermitSender::OnAck(unsigned sequence, const std::string& data, Time now) {
-    if (m->terms.bStreaming && m->state == State::Data) {
-        OnReply(kermit::kData, data, now); // a sign of life, or the file is not wanted
+    if (m->terms.streaming && m->state == State::Data) {
+        OnReply(kermit::DataPacket, data, now); // a sign of life, or the file is not wanted
         return;
     }
     if (m->slots.empty()) return;
@@ -195,7 +195,7 @@ void KermitSender::RetireFront(Time now) {
 void KermitSender::OnNak(unsigned sequence, Time now) {
     if (m->slots.empty()) return;
     const std::size_t at = kermit::After(m->slots.front().sequence, sequence);
-    const Time guard = std::max(m->flow.ShortestRoundTrip(), kNakGuard);
+    const Time guard = std::max(m->flow.ShortestRoundTrip(), NakGuard);
     if (at < m->slots.size()) {
         Slot& slot = m->slots[at];
         if (!slot.acknowledged && now - slot.sentAt >= guard) Resend(slot, now);
@@ -208,7 +208,7 @@ void KermitSender::OnNak(unsigned sequence, Time now) {
                                     [](const Slot& slot) { return !slot.acknowledged; });
     Slot& last = m->slots.back();
     if (sequence != m->sequence || open != 1 || last.acknowledged) return;
-    if (last.type == kermit::kSendInit || last.type == kermit::kAttributes) {
+    if (last.type == kermit::SendInit || last.type == kermit::AttributesPacket) {
         if (now - last.sentAt >= guard) Resend(last, now);
         return;
     }
@@ -221,10 +221,10 @@ void KermitSender::OnNak(unsigned sequence, Time now) {
 // many times, so the file is announced again under the one that the receiver awaits: what is still
 // under way it tells from that.
 void KermitSender::StopStreaming(unsigned sequence, Time now) {
-    m->terms.bStreaming = false;
+    m->terms.streaming = false;
     DropUnderWay();
     m->sequence = sequence;
-    mFile.bResume = m->terms.bResume && !mFile.bText;
+    mFile.resume = m->terms.resume && !mFile.text;
     AnnounceFile(now);
 }
 
@@ -241,7 +241,7 @@ void KermitSender::DropUnderWay() {
 void KermitSender::StartOver(const std::string& sReason, Time now) {
     DropUnderWay();
     m->ended = sReason;
-    m->options.bReliable = false;
+    m->options.reliable = false;
     m->terms = {};
     m->coding = KermitCoding(m->terms, KermitPrefixing::All);
     m->reader.SetCheck(m->terms.check);

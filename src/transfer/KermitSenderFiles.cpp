@@ -10,34 +10,34 @@ namespace qncomm::transfer {
 // The answer to a packet that has left the window.
 void KermitSender::OnReply(char type, const std::string& data, Time now) {
     switch (type) {
-    case kermit::kSendInit:
+    case kermit::SendInit:
         OnTermsAgreed(data, now);
         break;
-    case kermit::kFile:
-        if (m->terms.bAttributes) {
+    case kermit::FilePacket:
+        if (m->terms.attributes) {
             m->state = State::Attributes;
-            SendPacket(kermit::kAttributes, WriteKermitAttributes(mFile, m->terms.DataRoom()), 0,
-                       now);
+            SendPacket(kermit::AttributesPacket, WriteKermitAttributes(mFile, m->terms.DataRoom()),
+                       0, now);
         } else {
             m->state = State::Data;
             Enter(Phase::Moving);
         }
         break;
-    case kermit::kAttributes:
+    case kermit::AttributesPacket:
         OnAttributesReply(data);
         break;
-    case kermit::kData:
+    case kermit::DataPacket:
         if (data == "X" || data == "Z") m->discard = true;
         if (data == "Z") m->discardAll = true;
         break;
-    case kermit::kEof:
+    case kermit::EofPacket:
         if (data == "X") m->discard = true;
         (m->discard ? mProgress.skipped : mProgress.files) += 1;
         if (!m->discard && mProgress.size) mProgress.bytes = *mProgress.size;
         Disarm();
         AskClose(!m->discard);
         break;
-    case kermit::kBreak:
+    case kermit::BreakPacket:
         End(Outcome::Success, "");
         break;
     default:
@@ -61,7 +61,7 @@ void KermitSender::OnTermsAgreed(const std::string& data, Time now) {
 
 void KermitSender::OnAttributesReply(const std::string& data) {
     if (!data.empty() && data[0] == 'N') m->discard = true;
-    if (const auto offset = ReadKermitResume(data); offset && mFile.bResume) {
+    if (const auto offset = ReadKermitResume(data); offset && mFile.resume) {
         m->readAt = *offset;
         mProgress.bytes = *offset;
     }
@@ -79,7 +79,7 @@ void KermitSender::AskNextFile() {
 
 void KermitSender::OnAnswer(RequestKind kind, const transfer::Answer& answer, Time now) {
     if (answer.kind == AnswerKind::Failed && kind != RequestKind::Close) {
-        Fail(answer.sReason);
+        Fail(answer.reason);
         return;
     }
     switch (kind) {
@@ -104,7 +104,7 @@ void KermitSender::OnNextFile(const transfer::Answer& answer, Time now) {
     if (answer.kind == AnswerKind::Skip) {
         m->state = State::Break;
         Enter(Phase::Closing);
-        SendPacket(kermit::kBreak, {}, 0, now);
+        SendPacket(kermit::BreakPacket, {}, 0, now);
         return;
     }
     mFile = answer.file;
@@ -121,14 +121,14 @@ void KermitSender::AnnounceFile(Time now) {
     m->atEnd = false;
     m->discard = false;
     m->state = State::Header;
-    SendPacket(kermit::kFile, m->coding.EncodeText(mFile.sName, m->terms.DataRoom()), 0, now);
+    SendPacket(kermit::FilePacket, m->coding.EncodeText(mFile.name, m->terms.DataRoom()), 0, now);
 }
 
 void KermitSender::OnRead(std::string_view data) {
     m->readAt += data.size();
     m->atEnd = data.empty();
     m->aheadUsed = 0;
-    if (!mFile.bText) {
+    if (!mFile.text) {
         m->ahead.assign(data);
         return;
     }
@@ -147,14 +147,14 @@ void KermitSender::OnProduce(Time now) {
         if (!m->slots.empty()) return;
         m->state = State::Eof;
         Enter(Phase::Closing);
-        SendPacket(kermit::kEof, m->discard ? "D" : "", 0, now);
+        SendPacket(kermit::EofPacket, m->discard ? "D" : "", 0, now);
     } else if (used) {
         Request request;
         request.kind = RequestKind::Read;
         request.offset = m->readAt;
-        request.length = Machine::kReadAhead;
+        request.length = Machine::ReadAhead;
         Ask(std::move(request));
-    } else if (m->terms.bStreaming) {
+    } else if (m->terms.streaming) {
         Heard(now); // a line that takes bytes is alive, and nothing else is said to be
         SendData(now);
     } else if (m->slots.size() < m->terms.window) {
@@ -167,19 +167,20 @@ void KermitSender::SendData(Time now) {
     std::string_view rest = std::string_view(m->ahead).substr(m->aheadUsed);
     const std::size_t before = rest.size();
     std::string data;
-    m->coding.Encode(rest, m->terms.bStreaming ? m->terms.DataRoom() : m->piece.Current(), data);
+    m->coding.Encode(rest, m->terms.streaming ? m->terms.DataRoom() : m->piece.Current(), data);
     const std::size_t content = before - rest.size();
     m->aheadUsed += content;
-    if (m->terms.bStreaming) {
+    if (m->terms.streaming) {
         Stream(data, content);
         return;
     }
-    SendPacket(kermit::kData, data, content, now);
+    SendPacket(kermit::DataPacket, data, content, now);
 }
 
 // A data packet that nobody acknowledges and that is not kept.
 void KermitSender::Stream(const std::string& data, std::size_t content) {
-    const std::string packet = WriteKermitPacket(kermit::kData, m->sequence, data, m->terms.check);
+    const std::string packet =
+        WriteKermitPacket(kermit::DataPacket, m->sequence, data, m->terms.check);
     Put(packet);
     m->sentBytes += packet.size();
     m->sequence = kermit::Next(m->sequence);

@@ -8,9 +8,9 @@ namespace qncomm::transfer {
 namespace {
 
 // What was seen this many errors ago hardly counts any more.
-constexpr double kForget = 0.9;
+constexpr double Forget = 0.9;
 // An error right at the start says little about the rate.
-constexpr double kLeastBytes = 256;
+constexpr double LeastBytes = 256;
 
 } // namespace
 
@@ -20,8 +20,8 @@ void PieceLength::Travelled(std::size_t bytes) {
 }
 
 void PieceLength::Lost() {
-    mErrors = mErrors * kForget + 1;
-    mBytes *= kForget;
+    mErrors = mErrors * Forget + 1;
+    mBytes *= Forget;
 }
 
 void PieceLength::Limit(std::size_t longest) {
@@ -29,7 +29,7 @@ void PieceLength::Limit(std::size_t longest) {
 }
 
 double PieceLength::ErrorRate() const {
-    return mErrors / (std::max(mBytes, kLeastBytes) + kLeastBytes);
+    return mErrors / (std::max(mBytes, LeastBytes) + LeastBytes);
 }
 
 std::size_t PieceLength::Current() const {

@@ -6,8 +6,8 @@ namespace qncomm::transfer {
 
 namespace {
 
-constexpr Time kShortestRetry = std::chrono::milliseconds(300);
-constexpr Time kLongestRetry = std::chrono::seconds(10);
+constexpr Time ShortestRetry = std::chrono::milliseconds(300);
+constexpr Time LongestRetry = std::chrono::seconds(10);
 
 } // namespace
 
@@ -27,7 +27,7 @@ void RoundTrip::Saw(Time span) {
 
 Time RoundTrip::RetryAfter(Time first) const {
     if (mSmoothed == Time{0}) return first;
-    return std::clamp(mSmoothed * 2 + mDeviation * 4, kShortestRetry, kLongestRetry);
+    return std::clamp(mSmoothed * 2 + mDeviation * 4, ShortestRetry, LongestRetry);
 }
 
 } // namespace qncomm::transfer

@@ -7,8 +7,8 @@ namespace qncomm::transfer {
 
 namespace {
 
-constexpr std::size_t kBatch = 16384;
-constexpr Time kLastWords = std::chrono::seconds(10);
+constexpr std::size_t Batch = 16384;
+constexpr Time LastWords = std::chrono::seconds(10);
 
 } // namespace
 
@@ -83,9 +83,9 @@ std::string_view TransferEngine::Output(Time now) {
         do {
             before = mOutput.size();
             if (mOutcome == Outcome::Running && !mRequest) OnProduce(now);
-        } while (mOutput.size() > before && mOutput.size() < kBatch);
+        } while (mOutput.size() > before && mOutput.size() < Batch);
     }
-    if (mOutcome != Outcome::Running && !mLastWordsBy) mLastWordsBy = now + kLastWords;
+    if (mOutcome != Outcome::Running && !mLastWordsBy) mLastWordsBy = now + LastWords;
     return std::string_view(mOutput).substr(mOutputTaken);
 }
 
@@ -95,7 +95,7 @@ void TransferEngine::Sent(std::size_t count, Time now) {
         mOutput.clear();
         mOutputTaken = 0;
     }
-    if (mLastWordsBy && count != 0) mLastWordsBy = now + kLastWords;
+    if (mLastWordsBy && count != 0) mLastWordsBy = now + LastWords;
     if (mTimer && mTimerSpan != Time{0} && count != 0) mTimer = now + mTimerSpan;
 }
 
@@ -103,7 +103,7 @@ void TransferEngine::Cancel(Time now) {
     if (mPhase == Phase::Idle || mOutcome != Outcome::Running) return;
     DropOutput();
     OnCancel();
-    mLastWordsBy = now + kLastWords;
+    mLastWordsBy = now + LastWords;
     End(Outcome::CancelledHere, "cancelled");
 }
 
@@ -121,7 +121,7 @@ void TransferEngine::AskClose(bool bWhole) {
     Request request;
     request.kind = RequestKind::Close;
     request.file = mFile;
-    request.bWhole = bWhole;
+    request.whole = bWhole;
     Ask(std::move(request));
 }
 

@@ -9,7 +9,7 @@ namespace {
 transfer::Answer FailedAnswer(std::string reason) {
     transfer::Answer answer;
     answer.kind = AnswerKind::Failed;
-    answer.sReason = std::move(reason);
+    answer.reason = std::move(reason);
     return answer;
 }
 
@@ -32,7 +32,7 @@ transfer::Answer AskSource(FileSource& source, const Request& request, std::stri
         return answer;
     }
     case RequestKind::Close:
-        source.Close(request.bWhole);
+        source.Close(request.whole);
         return answer;
     default:
         return FailedAnswer("no place for received files");
@@ -47,14 +47,14 @@ transfer::Answer AskSink(FileSink& sink, const Request& request) {
         auto decision = sink.Offer(request.file);
         answer.kind = decision.kind;
         answer.offset = decision.offset;
-        answer.sReason = std::move(decision.sReason);
+        answer.reason = std::move(decision.reason);
         return answer;
     }
     case RequestKind::Write:
-        done = sink.Write(request.offset, request.data, answer.sReason);
+        done = sink.Write(request.offset, request.data, answer.reason);
         break;
     case RequestKind::Close:
-        done = sink.Close(request.bWhole, answer.sReason);
+        done = sink.Close(request.whole, answer.reason);
         break;
     default:
         return FailedAnswer("no files to send");

@@ -30,7 +30,7 @@ std::optional<std::uint64_t> TakeNumber(std::string_view& text, int base) {
 } // namespace
 
 std::string WriteZModemFileInfo(const FileInfo& file) {
-    std::string text = file.sName;
+    std::string text = file.name;
     text.push_back('\0');
     if (file.size) {
         const auto time = file.modified && *file.modified > 0 ? *file.modified : 0;
@@ -48,7 +48,7 @@ std::string WriteZModemFileInfo(const FileInfo& file) {
 FileInfo ReadZModemFileInfo(std::string_view content) {
     FileInfo file;
     const auto nameEnd = content.find('\0');
-    file.sName = content.substr(0, nameEnd);
+    file.name = content.substr(0, nameEnd);
     if (nameEnd == std::string_view::npos) return file;
     std::string_view rest = content.substr(nameEnd + 1);
     rest = rest.substr(0, rest.find('\0'));

@@ -9,17 +9,17 @@ namespace qncomm::transfer {
 // The bytes and numbers of ZModem that both sides share.
 namespace zm {
 
-inline constexpr char kPad = '*';
-inline constexpr char kDle = '\x18'; // also CAN
-inline constexpr char kBin16 = 'A';
-inline constexpr char kHex = 'B';
-inline constexpr char kBin32 = 'C';
+inline constexpr char PadByte = '*';
+inline constexpr char Dle = '\x18'; ///< also CAN
+inline constexpr char Bin16 = 'A';
+inline constexpr char HexFormat = 'B';
+inline constexpr char Bin32 = 'C';
 
-// How a data subpacket ends.
-inline constexpr char kEndFrame = 'h'; // the frame is over, a header follows
-inline constexpr char kEndGo = 'i';    // the next subpacket follows
-inline constexpr char kEndQuery = 'j'; // the next follows, an acknowledgement is wanted
-inline constexpr char kEndWait = 'k';  // the frame is over, an acknowledgement is awaited
+/// How a data subpacket ends.
+inline constexpr char EndFrame = 'h'; ///< the frame is over, a header follows
+inline constexpr char EndGo = 'i';    ///< the next subpacket follows
+inline constexpr char EndQuery = 'j'; ///< the next follows, an acknowledgement is wanted
+inline constexpr char EndWait = 'k';  ///< the frame is over, an acknowledgement is awaited
 
 enum Type : std::uint8_t {
     RqInit = 0,
@@ -44,27 +44,27 @@ enum Type : std::uint8_t {
     StdErr = 19,
 };
 
-// Flags of RInit (in the last byte of the header): what the receiver can do.
-inline constexpr std::uint8_t kCanFullDuplex = 0x01;
-inline constexpr std::uint8_t kCanOverlapIo = 0x02;
-inline constexpr std::uint8_t kCanBreak = 0x04;
-inline constexpr std::uint8_t kCanCrc32 = 0x20;
-inline constexpr std::uint8_t kEscapeControls = 0x40; // of RInit and of SInit
+/// Flags of RInit (in the last byte of the header): what the receiver can do.
+inline constexpr std::uint8_t CanFullDuplex = 0x01;
+inline constexpr std::uint8_t CanOverlapIo = 0x02;
+inline constexpr std::uint8_t CanBreak = 0x04;
+inline constexpr std::uint8_t CanCrc32 = 0x20;
+inline constexpr std::uint8_t EscapeControlsFlag = 0x40; ///< of RInit and of SInit
 
-// Conversion (last byte of File): how the file is to be taken.
-inline constexpr std::uint8_t kConvertBinary = 1;
-inline constexpr std::uint8_t kConvertText = 2;
-inline constexpr std::uint8_t kConvertResume = 3;
+/// Conversion (last byte of File): how the file is to be taken.
+inline constexpr std::uint8_t ConvertBinary = 1;
+inline constexpr std::uint8_t ConvertText = 2;
+inline constexpr std::uint8_t ConvertResume = 3;
 
-// What ends a session by force: enough CANs for any receiver, then backspaces that clean a command
-// line.
-inline constexpr char kCancelText[] = "\x18\x18\x18\x18\x18\x18\x18\x18\b\b\b\b\b\b\b\b\b\b";
-inline constexpr int kCansToCancel = 5;
+/// What ends a session by force: enough CANs for any receiver, then backspaces that clean a command
+/// line.
+inline constexpr char CancelText[] = "\x18\x18\x18\x18\x18\x18\x18\x18\b\b\b\b\b\b\b\b\b\b";
+inline constexpr int CansToCancel = 5;
 
 } // namespace zm
 
-// A header: its type and four bytes that are a position (low byte first) or flags (the first flag
-// byte is the last).
+/// A header: its type and four bytes that are a position (low byte first) or flags (the first flag
+/// byte is the last).
 struct ZModemHeader {
     std::uint8_t type = 0;
     std::array<std::uint8_t, 4> bytes{};

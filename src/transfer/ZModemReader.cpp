@@ -8,7 +8,7 @@ namespace qncomm::transfer {
 
 namespace {
 
-constexpr std::size_t kHeaderBytes = 5;
+constexpr std::size_t HeaderBytes = 5;
 
 // Bytes that a subpacket's content may hold as they are; the others are looked at one by one.
 constexpr std::array<bool, 256> MakePlain(bool bControlsAreNoise) {
@@ -20,8 +20,8 @@ constexpr std::array<bool, 256> MakePlain(bool bControlsAreNoise) {
     return table;
 }
 
-constexpr std::array<bool, 256> kPlain = MakePlain(false);
-constexpr std::array<bool, 256> kPlainNoControls = MakePlain(true);
+constexpr std::array<bool, 256> Plain = MakePlain(false);
+constexpr std::array<bool, 256> PlainNoControls = MakePlain(true);
 
 bool EndsLine(char c) {
     return (c & 0x7F) == '\r' || (c & 0x7F) == '\n';
@@ -42,7 +42,7 @@ std::uint32_t Sum32(std::string_view sum) {
 }
 
 bool SumIsRight(bool bCrc32, std::string_view bytes, std::string_view mark, std::string_view sum) {
-    if (bCrc32) return ~Crc32(Crc32(kCrc32Start, bytes), mark) == Sum32(sum);
+    if (bCrc32) return ~Crc32(Crc32(Crc32Start, bytes), mark) == Sum32(sum);
     return Crc16High(Crc16High(Crc16High(0, bytes), mark), sum) == 0;
 }
 
@@ -106,8 +106,8 @@ ZModemReader::Item ZModemReader::Next(std::string_view& in) {
 ZModemReader::Item ZModemReader::Hunt(char c) {
     const char last = mLast;
     mLast = c;
-    if (c == zm::kDle) {
-        if (++mCans >= zm::kCansToCancel) {
+    if (c == zm::Dle) {
+        if (++mCans >= zm::CansToCancel) {
             mCans = 0;
             return Item::Cancel;
         }
@@ -115,22 +115,22 @@ ZModemReader::Item ZModemReader::Hunt(char c) {
         return Item::None;
     }
     mCans = 0;
-    mState = c == zm::kPad ? State::Pad : State::Hunt;
+    mState = c == zm::PadByte ? State::Pad : State::Hunt;
     if (c != 'O' || last != 'O') return Item::None;
     mLast = 0;
     return Item::Farewell;
 }
 
 ZModemReader::Item ZModemReader::ReadKind(char c) {
-    if (c != zm::kHex && c != zm::kBin16 && c != zm::kBin32) {
+    if (c != zm::HexFormat && c != zm::Bin16 && c != zm::Bin32) {
         mState = State::Hunt;
         return Hunt(c);
     }
     mCans = 0;
     mBody.clear();
     mEscaped = false;
-    mCrc32 = c == zm::kBin32;
-    mHex = c == zm::kHex;
+    mCrc32 = c == zm::Bin32;
+    mHex = c == zm::HexFormat;
     mState = mHex ? State::HexBody : State::BinaryBody;
     return Item::None;
 }
@@ -144,7 +144,7 @@ ZModemReader::Item ZModemReader::ReadHex(char c) {
         return Item::BadHeader;
     }
     mBody.push_back(c);
-    if (mBody.size() < 2 * (kHeaderBytes + 2)) return Item::None;
+    if (mBody.size() < 2 * (HeaderBytes + 2)) return Item::None;
     std::string bytes;
     for (std::size_t i = 0; i < mBody.size(); i += 2) {
         bytes.push_back(static_cast<char>(HexDigit(mBody[i]) * 16 + HexDigit(mBody[i + 1])));
@@ -155,12 +155,12 @@ ZModemReader::Item ZModemReader::ReadHex(char c) {
 
 // Content up to the next byte that needs a look.
 void ZModemReader::TakeRun(std::string_view& in) {
-    const auto& plain = mIgnoreControls ? kPlainNoControls : kPlain;
+    const auto& plain = mIgnoreControls ? PlainNoControls : Plain;
     std::size_t run = 0;
     while (run < in.size() && plain[static_cast<unsigned char>(in[run])]) {
         ++run;
     }
-    if (mContent.size() + run > kMaxSubpacket) run = kMaxSubpacket - mContent.size();
+    if (mContent.size() + run > MaxSubpacket) run = MaxSubpacket - mContent.size();
     mContent.append(in.substr(0, run));
     in.remove_prefix(run);
 }
@@ -172,7 +172,7 @@ bool ZModemReader::IsNoise(char c) const {
 
 ZModemReader::Item ZModemReader::ReadEscaped(char c) {
     if (mEscaped) return AfterDle(c);
-    if (c == zm::kDle) {
+    if (c == zm::Dle) {
         mEscaped = true;
         mCans = 1;
         return Item::None;
@@ -181,14 +181,14 @@ ZModemReader::Item ZModemReader::ReadEscaped(char c) {
 }
 
 ZModemReader::Item ZModemReader::AfterDle(char c) {
-    if (c == zm::kDle) {
-        if (++mCans < zm::kCansToCancel) return Item::None;
+    if (c == zm::Dle) {
+        if (++mCans < zm::CansToCancel) return Item::None;
         ExpectHeader();
         return Item::Cancel;
     }
     if (IsNoise(c)) return Item::None;
     mEscaped = false;
-    const bool ends = c >= zm::kEndFrame && c <= zm::kEndWait;
+    const bool ends = c >= zm::EndFrame && c <= zm::EndWait;
     const bool byte = c == 'l' || c == 'm' || (c & 0x60) == 0x40;
     if (mCans > 1 || !(byte || (ends && mState == State::Content))) {
         const Item item = Fail();
@@ -208,22 +208,22 @@ ZModemReader::Item ZModemReader::AfterDle(char c) {
 
 ZModemReader::Item ZModemReader::Take(char c) {
     if (mState == State::Content) {
-        if (mContent.size() >= kMaxSubpacket) return Fail();
+        if (mContent.size() >= MaxSubpacket) return Fail();
         mContent.push_back(c);
         return Item::None;
     }
     mBody.push_back(c);
     const std::size_t sum = mCrc32 ? 4 : 2;
     if (mState == State::ContentSum) return mBody.size() < sum ? Item::None : FinishData();
-    return mBody.size() < kHeaderBytes + sum ? Item::None : FinishHeader();
+    return mBody.size() < HeaderBytes + sum ? Item::None : FinishHeader();
 }
 
 ZModemReader::Item ZModemReader::FinishHeader() {
     mLast = 0;
     ExpectHeader();
     const std::string_view body = mBody;
-    const auto bytes = body.substr(0, kHeaderBytes);
-    if (!SumIsRight(mCrc32, bytes, {}, body.substr(kHeaderBytes))) return Item::BadHeader;
+    const auto bytes = body.substr(0, HeaderBytes);
+    if (!SumIsRight(mCrc32, bytes, {}, body.substr(HeaderBytes))) return Item::BadHeader;
     mHeader.type = static_cast<std::uint8_t>(bytes[0]);
     for (std::size_t i = 0; i < mHeader.bytes.size(); ++i) {
         mHeader.bytes[i] = static_cast<std::uint8_t>(bytes[i + 1]);
@@ -233,7 +233,7 @@ ZModemReader::Item ZModemReader::FinishHeader() {
 
 ZModemReader::Item ZModemReader::FinishData() {
     if (!SumIsRight(mCrc32, mContent, {&mEnd, 1}, mBody)) return Fail();
-    const bool more = mEnd == zm::kEndGo || mEnd == zm::kEndQuery;
+    const bool more = mEnd == zm::EndGo || mEnd == zm::EndQuery;
     mState = more ? State::Content : State::Hunt;
     mContentRead = true;
     return Item::Data;

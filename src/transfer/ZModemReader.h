@@ -6,30 +6,30 @@
 
 namespace qncomm::transfer {
 
-// Takes the line apart into headers and data subpackets, from bytes that are cut anywhere.
+/// Takes the line apart into headers and data subpackets, from bytes that are cut anywhere.
 class ZModemReader {
   public:
     enum class Item {
-        None,      // the bytes are used up
-        Header,    // Header() stands
-        BadHeader, // one began and its sum or form is wrong
-        Data,      // a subpacket: Content() and End() stand
-        BadData,   // a subpacket is damaged; headers are looked for from here on
-        Cancel,    // the other side's CANs
-        Farewell,  // "OO", which ends a session
+        None,      ///< the bytes are used up
+        Header,    ///< Header() stands
+        BadHeader, ///< one began and its sum or form is wrong
+        Data,      ///< a subpacket: Content() and End() stand
+        BadData,   ///< a subpacket is damaged; headers are looked for from here on
+        Cancel,    ///< the other side's CANs
+        Farewell,  ///< "OO", which ends a session
     };
 
-    // A subpacket longer than this is damage.
-    static constexpr std::size_t kMaxSubpacket = 32768;
+    /// A subpacket longer than this is damage.
+    static constexpr std::size_t MaxSubpacket = 32768;
 
-    // Takes bytes from the front of `in` up to the end of one item.
+    /// Takes bytes from the front of `in` up to the end of one item.
     Item Next(std::string_view& in);
 
-    // After a header that announces data: what follows is subpackets, until one ends its frame.
+    /// After a header that announces data: what follows is subpackets, until one ends its frame.
     void ExpectData();
-    // What follows is looked through for headers.
+    /// What follows is looked through for headers.
     void ExpectHeader();
-    // Control characters that arrive bare are noise: the sender escapes them all.
+    /// Control characters that arrive bare are noise: the sender escapes them all.
     void IgnoreControls(bool bIgnore) { mIgnoreControls = bIgnore; }
 
     [[nodiscard]] const ZModemHeader& Header() const { return mHeader; }
@@ -43,7 +43,7 @@ class ZModemReader {
         Kind,
         HexBody,
         BinaryBody,
-        LineEnd, // of a hex header that content follows
+        LineEnd, ///< of a hex header that content follows
         Content,
         ContentSum,
     };
@@ -70,7 +70,7 @@ class ZModemReader {
     char mLast = 0;
     char mEnd = 0;
     ZModemHeader mHeader;
-    std::string mBody; // of a header, then of a sum
+    std::string mBody; ///< of a header, then of a sum
     std::string mContent;
 };
 

@@ -10,11 +10,11 @@ namespace {
 
 using Wait = std::chrono::milliseconds;
 
-constexpr Time kReadyEvery = Wait(3000);
-constexpr Time kNextFileEvery = Wait(1000);
-constexpr int kNextFileTries = 10;
-constexpr Time kFarewellEvery = Wait(330); // three of these are the second that a farewell may take
-constexpr int kFarewellTries = 3;
+constexpr Time ReadyEvery = Wait(3000);
+constexpr Time NextFileEvery = Wait(1000);
+constexpr int NextFileTries = 10;
+constexpr Time FarewellEvery = Wait(330); // three of these are the second that a farewell may take
+constexpr int FarewellTries = 3;
 
 } // namespace
 
@@ -32,7 +32,7 @@ void ZModemReceiver::OnStart(Time now) {
 void ZModemReceiver::OnProduce(Time) {}
 
 void ZModemReceiver::OnCancel() {
-    Put({static_cast<const char*>(zm::kCancelText), sizeof zm::kCancelText - 1});
+    Put({static_cast<const char*>(zm::CancelText), sizeof zm::CancelText - 1});
 }
 
 void ZModemReceiver::Fail(const std::string& sReason) {
@@ -134,7 +134,7 @@ void ZModemReceiver::OnFin(Time now) {
         Fail("the sender ended the session before the file was whole");
         return;
     }
-    if (m->state != State::Finished) ArmFixed(kFarewellEvery * kFarewellTries, now);
+    if (m->state != State::Finished) ArmFixed(FarewellEvery * FarewellTries, now);
     m->state = State::Finished;
     Enter(Phase::Closing);
     m->writer.Hex(OutputBuffer(), ZModemHeader::At(zm::Fin, 0));
@@ -159,17 +159,17 @@ void ZModemReceiver::OnDamage(bool bHeader, Time now) {
 
 void ZModemReceiver::SendReady(Time now) {
     m->state = State::Ready;
-    std::uint8_t flags = zm::kCanFullDuplex | zm::kCanOverlapIo | zm::kCanBreak;
-    if (m->options.bCrc32) flags |= zm::kCanCrc32;
-    if (m->options.bEscapeControls) flags |= zm::kEscapeControls;
+    std::uint8_t flags = zm::CanFullDuplex | zm::CanOverlapIo | zm::CanBreak;
+    if (m->options.crc32) flags |= zm::CanCrc32;
+    if (m->options.escapeControls) flags |= zm::EscapeControlsFlag;
     ZModemHeader header = ZModemHeader::WithFlags(zm::RInit, flags);
     header.bytes[0] = static_cast<std::uint8_t>(m->options.buffer & 0xFFU);
     header.bytes[1] = static_cast<std::uint8_t>(m->options.buffer >> 8U);
     m->writer.Hex(OutputBuffer(), header);
-    Time span = kReadyEvery;
+    Time span = ReadyEvery;
     if (mProgress.files + mProgress.skipped != 0) {
         const bool last = mFile.filesLeft && *mFile.filesLeft <= 1;
-        span = last ? std::max(kFarewellEvery, m->roundTrip.Shortest() * 3 / 2) : kNextFileEvery;
+        span = last ? std::max(FarewellEvery, m->roundTrip.Shortest() * 3 / 2) : NextFileEvery;
     }
     Arm(span, now);
 }
@@ -207,14 +207,14 @@ void ZModemReceiver::OnTimer(Time now) {
 void ZModemReceiver::OnReadyTimer(Time now) {
     if (mProgress.files + mProgress.skipped == 0) {
         if (HasOutput()) {
-            Arm(kReadyEvery, now);
+            Arm(ReadyEvery, now);
         } else {
             SendReady(now);
         }
         return;
     }
     const bool last = mFile.filesLeft && *mFile.filesLeft <= 1;
-    if (++m->tries < (last ? kFarewellTries : kNextFileTries)) {
+    if (++m->tries < (last ? FarewellTries : NextFileTries)) {
         SendReady(now);
     } else if (last || !mFile.filesLeft) {
         End(Outcome::Success, "");

@@ -7,19 +7,19 @@ namespace qncomm::transfer {
 
 namespace {
 
-constexpr Time kDataSilence = std::chrono::seconds(1);
+constexpr Time DataSilence = std::chrono::seconds(1);
 // A frame that starts this far behind is taken and what is already here passed over; farther back
 // it is refused.
-constexpr std::uint64_t kOverlap = 65536;
-constexpr std::uint32_t kCommandRefused = 127;
+constexpr std::uint64_t Overlap = 65536;
+constexpr std::uint32_t CommandRefused = 127;
 // In an attention sequence these two stand for a break signal and a pause; bytes alone can be sent
 // here.
-constexpr std::string_view kAttentionMarks = "\xDD\xDE";
+constexpr std::string_view AttentionMarks = "\xDD\xDE";
 
 } // namespace
 
 void ZModemReceiver::ArmData(Time now) {
-    Arm(std::max(kDataSilence, m->roundTrip.RetryAfter() * 2), now);
+    Arm(std::max(DataSilence, m->roundTrip.RetryAfter() * 2), now);
 }
 
 void ZModemReceiver::SendReposition(Time now) {
@@ -44,12 +44,12 @@ void ZModemReceiver::OnContent(Time now) {
     case zm::SInit:
         m->attention = content.substr(0, content.find('\0'));
         std::erase_if(m->attention,
-                      [](char c) { return kAttentionMarks.find(c) != std::string_view::npos; });
-        m->reader.IgnoreControls((m->reader.Header().Flags() & zm::kEscapeControls) != 0);
+                      [](char c) { return AttentionMarks.find(c) != std::string_view::npos; });
+        m->reader.IgnoreControls((m->reader.Header().Flags() & zm::EscapeControlsFlag) != 0);
         m->writer.Hex(OutputBuffer(), ZModemHeader::At(zm::Ack, 1));
         break;
     case zm::Command:
-        m->writer.Hex(OutputBuffer(), ZModemHeader::At(zm::Compl, kCommandRefused));
+        m->writer.Hex(OutputBuffer(), ZModemHeader::At(zm::Compl, CommandRefused));
         break;
     default:
         break;
@@ -66,9 +66,9 @@ void ZModemReceiver::OnFileContent(Time now) {
     Request request;
     request.kind = RequestKind::Offer;
     request.file = ReadZModemFileInfo(m->reader.Content());
-    request.file.bText = m->reader.Header().Flags() == zm::kConvertText;
-    request.file.bResume = m->reader.Header().Flags() == zm::kConvertResume;
-    request.file.bFromAnywhere = true;
+    request.file.text = m->reader.Header().Flags() == zm::ConvertText;
+    request.file.resume = m->reader.Header().Flags() == zm::ConvertResume;
+    request.file.fromAnywhere = true;
     mFile = request.file;
     m->state = State::Offered;
     Enter(Phase::Opening);
@@ -77,7 +77,7 @@ void ZModemReceiver::OnFileContent(Time now) {
 
 void ZModemReceiver::OnAnswer(RequestKind kind, const transfer::Answer& answer, Time now) {
     if (answer.kind == AnswerKind::Failed) {
-        Fail(answer.sReason);
+        Fail(answer.reason);
         return;
     }
     switch (kind) {
@@ -118,7 +118,7 @@ void ZModemReceiver::OnDataHeader(std::uint64_t position, Time now) {
         return;
     }
     if (m->state != State::Reposition && m->state != State::Data) return;
-    if (position > m->filePosition || position + kOverlap < m->filePosition) {
+    if (position > m->filePosition || position + Overlap < m->filePosition) {
         SendReposition(now);
         return;
     }
@@ -152,7 +152,7 @@ void ZModemReceiver::OnDataContent(Time now) {
 
 void ZModemReceiver::SubpacketTaken(Time now) {
     mProgress.bytes = m->filePosition;
-    if (m->subpacketEnd == zm::kEndQuery || m->subpacketEnd == zm::kEndWait) {
+    if (m->subpacketEnd == zm::EndQuery || m->subpacketEnd == zm::EndWait) {
         const auto position = static_cast<std::uint32_t>(m->framePosition);
         m->writer.Hex(OutputBuffer(), ZModemHeader::At(zm::Ack, position));
     }

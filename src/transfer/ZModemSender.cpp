@@ -12,16 +12,16 @@ namespace {
 
 using Millis = std::chrono::milliseconds;
 
-constexpr Time kHelloEvery = Millis(3000);
-constexpr Time kFinishEvery = Millis(330); // three of these are the second that a farewell may take
-constexpr int kFinishTries = 3;
-constexpr std::uint64_t kLargestPosition = 0xFFFFFFFFU;
+constexpr Time HelloEvery = Millis(3000);
+constexpr Time FinishEvery = Millis(330); // three of these are the second that a farewell may take
+constexpr int FinishTries = 3;
+constexpr std::uint64_t LargestPosition = 0xFFFFFFFFU;
 
 } // namespace
 
 ZModemSender::ZModemSender(ZModemSenderOptions options)
     : m(std::make_unique<Machine>(std::move(options))) {
-    m->writer.EscapeControls(m->options.bEscapeControls);
+    m->writer.EscapeControls(m->options.escapeControls);
     SetPatience(m->options.patience);
 }
 
@@ -33,7 +33,7 @@ void ZModemSender::OnStart(Time now) {
 }
 
 void ZModemSender::OnCancel() {
-    Put({static_cast<const char*>(zm::kCancelText), sizeof zm::kCancelText - 1});
+    Put({static_cast<const char*>(zm::CancelText), sizeof zm::CancelText - 1});
 }
 
 void ZModemSender::Fail(const std::string& sReason) {
@@ -98,9 +98,9 @@ void ZModemSender::OnOther(std::uint8_t type, Time now) {
     case zm::Crc:
         if (m->state == State::FileSent) {
             const std::uint64_t limit = m->reader.Header().Position();
-            m->checksumEnd = limit == 0 ? kLargestPosition : limit;
+            m->checksumEnd = limit == 0 ? LargestPosition : limit;
             m->checksumAt = 0;
-            m->checksum = kCrc32Start;
+            m->checksum = Crc32Start;
             m->state = State::Checksum;
             AskRead(0);
         }
@@ -133,15 +133,15 @@ void ZModemSender::OnReceiverReady(Time now) {
         return;
     }
     if (m->state != State::Hello) return;
-    m->writer.UseCrc32(m->options.bCrc32 && (header.Flags() & zm::kCanCrc32) != 0);
-    const bool escape = m->options.bEscapeControls || (header.Flags() & zm::kEscapeControls) != 0;
+    m->writer.UseCrc32(m->options.crc32 && (header.Flags() & zm::CanCrc32) != 0);
+    const bool escape = m->options.escapeControls || (header.Flags() & zm::EscapeControlsFlag) != 0;
     m->writer.EscapeControls(escape);
     m->segment =
         static_cast<std::size_t>(header.bytes[0]) | static_cast<std::size_t>(header.bytes[1]) << 8U;
-    const std::uint8_t streams = zm::kCanFullDuplex | zm::kCanOverlapIo;
+    const std::uint8_t streams = zm::CanFullDuplex | zm::CanOverlapIo;
     if (m->segment == 0 && (header.Flags() & streams) != streams) m->segment = m->options.subpacket;
     DropOutput();
-    if (m->options.bEscapeControls || !m->options.sAttention.empty()) {
+    if (m->options.escapeControls || !m->options.sAttention.empty()) {
         SendAttention(now);
     } else {
         AskNextFile();
@@ -150,12 +150,12 @@ void ZModemSender::OnReceiverReady(Time now) {
 
 void ZModemSender::SendAttention(Time now) {
     m->state = State::Attention;
-    const std::uint8_t flags = m->options.bEscapeControls ? zm::kEscapeControls : 0;
+    const std::uint8_t flags = m->options.escapeControls ? zm::EscapeControlsFlag : 0;
     ZModemWriter writer = m->writer;
     writer.UseCrc32(false); // what follows a hex header has the sum of one
     writer.Hex(OutputBuffer(), ZModemHeader::WithFlags(zm::SInit, flags));
-    writer.Subpacket(OutputBuffer(), m->options.sAttention.substr(0, 31) + '\0', zm::kEndWait);
-    Arm(kHelloEvery, now);
+    writer.Subpacket(OutputBuffer(), m->options.sAttention.substr(0, 31) + '\0', zm::EndWait);
+    Arm(HelloEvery, now);
 }
 
 void ZModemSender::AskNextFile() {
@@ -170,13 +170,13 @@ void ZModemSender::AskRead(std::uint64_t offset) {
     Request request;
     request.kind = RequestKind::Read;
     request.offset = offset;
-    request.length = Machine::kReadAhead;
+    request.length = Machine::ReadAhead;
     Ask(std::move(request));
 }
 
 void ZModemSender::OnAnswer(RequestKind kind, const transfer::Answer& answer, Time now) {
     if (answer.kind == AnswerKind::Failed && kind != RequestKind::Close) {
-        Fail(answer.sReason);
+        Fail(answer.reason);
         return;
     }
     switch (kind) {
@@ -206,10 +206,10 @@ void ZModemSender::OnNextFile(const transfer::Answer& answer, Time now) {
 void ZModemSender::SendFile(Time now) {
     m->state = State::FileSent;
     m->askedAt = m->askedAt == Time{0} ? now : Time{-1};
-    std::uint8_t how = mFile.bText ? zm::kConvertText : zm::kConvertBinary;
-    if (mFile.bResume) how = zm::kConvertResume;
+    std::uint8_t how = mFile.text ? zm::ConvertText : zm::ConvertBinary;
+    if (mFile.resume) how = zm::ConvertResume;
     m->writer.Binary(OutputBuffer(), ZModemHeader::WithFlags(zm::File, how));
-    m->writer.Subpacket(OutputBuffer(), WriteZModemFileInfo(mFile), zm::kEndWait);
+    m->writer.Subpacket(OutputBuffer(), WriteZModemFileInfo(mFile), zm::EndWait);
     Arm(m->flow.RetryAfter(m->piece.Current()), now);
 }
 
@@ -225,7 +225,7 @@ void ZModemSender::SendFinish(Time now) {
     m->state = State::Finish;
     Enter(Phase::Closing);
     m->writer.Hex(OutputBuffer(), ZModemHeader::At(zm::Fin, 0));
-    Arm(kFinishEvery, now);
+    Arm(FinishEvery, now);
 }
 
 // Says again what has not been answered.
@@ -236,7 +236,7 @@ void ZModemSender::Repeat(Time now) {
         if (quiet || m->options.sGreeting.size() == OutputSize()) {
             m->writer.Hex(OutputBuffer(), ZModemHeader::At(zm::RqInit, 0));
         }
-        Arm(kHelloEvery, now);
+        Arm(HelloEvery, now);
         break;
     case State::Attention:
         if (quiet) SendAttention(now);
@@ -248,7 +248,7 @@ void ZModemSender::Repeat(Time now) {
         if (quiet) SendEof(now);
         break;
     case State::Finish:
-        if (++m->finishTries >= kFinishTries) {
+        if (++m->finishTries >= FinishTries) {
             End(Outcome::Success, "");
         } else {
             SendFinish(now);

@@ -4,8 +4,8 @@ namespace qncomm::transfer {
 
 namespace {
 
-constexpr int kRestartLimit = 300;
-constexpr std::uint64_t kPositions = 0x100000000U; // a header carries 32 bits
+constexpr int RestartLimit = 300;
+constexpr std::uint64_t Positions = 0x100000000U; // a header carries 32 bits
 
 } // namespace
 
@@ -36,7 +36,7 @@ void ZModemSender::StartData(std::uint64_t position, Time now) {
     if (position > m->flow.AcknowledgedTo()) {
         m->restarts = 0;
         mProgress.bytes = position;
-    } else if (++m->restarts > kRestartLimit) {
+    } else if (++m->restarts > RestartLimit) {
         Fail("the line damages everything that is sent");
         return;
     }
@@ -89,7 +89,7 @@ void ZModemSender::OnProduce(Time now) {
     if (m->state != State::Data) return;
     const bool covered = m->position >= m->aheadAt && m->position < m->aheadAt + m->ahead.size();
     if (m->atEnd) {
-        if (m->frameOpen) m->writer.Subpacket(OutputBuffer(), {}, zm::kEndFrame);
+        if (m->frameOpen) m->writer.Subpacket(OutputBuffer(), {}, zm::EndFrame);
         m->frameOpen = false;
         SendEof(now);
     } else if (!covered) {
@@ -133,7 +133,7 @@ void ZModemSender::SendPiece(Time now) {
         const auto left = m->segment - static_cast<std::size_t>(m->position - m->frameStart);
         length = std::min(length, left);
     }
-    if (m->position + length >= kPositions) {
+    if (m->position + length >= Positions) {
         Fail("the file is too long for ZModem");
         return;
     }
@@ -141,21 +141,21 @@ void ZModemSender::SendPiece(Time now) {
     m->position += length;
     m->furthest = std::max(m->furthest, m->position);
 
-    char end = zm::kEndGo;
+    char end = zm::EndGo;
     const std::uint64_t room = Room();
     if (m->segment != 0 && m->position - m->frameStart >= m->segment) {
-        end = zm::kEndWait;
+        end = zm::EndWait;
         m->frameOpen = false;
         m->frameAwaited = true;
     } else if (mFile.size && m->position == *mFile.size) {
-        end = zm::kEndFrame;
+        end = zm::EndFrame;
         m->frameOpen = false;
     } else if (room == 0 || !m->flow.IsAwaiting()
                || (m->position - m->marked) * 4 >= m->flow.Size(m->piece.Current())) {
-        end = zm::kEndQuery;
+        end = zm::EndQuery;
     }
     m->writer.Subpacket(OutputBuffer(), data, end);
-    if (end == zm::kEndQuery || end == zm::kEndWait) {
+    if (end == zm::EndQuery || end == zm::EndWait) {
         m->marked = m->position;
         m->flow.Marked(m->position, now);
     }

@@ -13,19 +13,19 @@
 namespace qncomm::transfer {
 
 enum class ZModemSender::State {
-    Hello,     // asking for a receiver
-    Attention, // told the attention sequence, not yet acknowledged
-    NextFile,  // waiting for the caller
-    FileSent,  // offered a file
-    Checksum,  // summing up the file, which the receiver asked for
+    Hello,     ///< asking for a receiver
+    Attention, ///< told the attention sequence, not yet acknowledged
+    NextFile,  ///< waiting for the caller
+    FileSent,  ///< offered a file
+    Checksum,  ///< summing up the file, which the receiver asked for
     Data,
     Eof,
     Finish,
 };
 
-// What a sender remembers.
+/// What a sender remembers.
 struct ZModemSender::Machine {
-    static constexpr std::size_t kReadAhead = 65536;
+    static constexpr std::size_t ReadAhead = 65536;
 
     explicit Machine(ZModemSenderOptions given)
         : options(std::move(given)),
@@ -42,22 +42,22 @@ struct ZModemSender::Machine {
     State state = State::Hello;
     int finishTries = 0;
     Time askedAt{
-        0}; // when a file was offered; -1 when more than once, so that no round trip can be told
+        0}; ///< when a file was offered; -1 when more than once, so that no round trip can be told
 
-    std::uint64_t position = 0; // of the next byte to send
-    std::uint64_t furthest = 0; // that was ever sent
-    std::uint64_t marked = 0;   // last position that an acknowledgement was asked for
+    std::uint64_t position = 0; ///< of the next byte to send
+    std::uint64_t furthest = 0; ///< that was ever sent
+    std::uint64_t marked = 0;   ///< last position that an acknowledgement was asked for
     bool frameOpen = false;
-    bool frameAwaited = false; // the frame ended with a wait for its acknowledgement
-    std::size_t segment = 0;   // bytes that the receiver takes at once, 0: any number
+    bool frameAwaited = false; ///< the frame ended with a wait for its acknowledgement
+    std::size_t segment = 0;   ///< bytes that the receiver takes at once, 0: any number
     std::uint64_t frameStart = 0;
     Time restartedAt{0};
     std::uint64_t restartedTo = 0;
-    int restarts = 0; // since the last progress
+    int restarts = 0; ///< since the last progress
 
-    std::string ahead; // of the file, from aheadAt
+    std::string ahead; ///< of the file, from aheadAt
     std::uint64_t aheadAt = 0;
-    bool atEnd = false; // the byte at `position` is behind the end
+    bool atEnd = false; ///< the byte at `position` is behind the end
 
     std::uint64_t checksumAt = 0;
     std::uint64_t checksumEnd = 0;

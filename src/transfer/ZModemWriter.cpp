@@ -30,14 +30,14 @@ constexpr EscapeTable MakeEscapes(bool bAll) {
     return table;
 }
 
-constexpr EscapeTable kEscapeSome = MakeEscapes(false);
-constexpr EscapeTable kEscapeAll = MakeEscapes(true);
+constexpr EscapeTable EscapeSome = MakeEscapes(false);
+constexpr EscapeTable EscapeAll = MakeEscapes(true);
 
-constexpr char kHexDigits[] = "0123456789abcdef";
+constexpr char HexDigits[] = "0123456789abcdef";
 
 void PutHexByte(std::string& out, unsigned byte) {
-    out.push_back(kHexDigits[(byte >> 4U) & 0xFU]);
-    out.push_back(kHexDigits[byte & 0xFU]);
+    out.push_back(HexDigits[(byte >> 4U) & 0xFU]);
+    out.push_back(HexDigits[byte & 0xFU]);
 }
 
 std::string HeaderBytes(const ZModemHeader& header) {
@@ -52,7 +52,7 @@ std::string HeaderBytes(const ZModemHeader& header) {
 
 void ZModemWriter::Hex(std::string& out, const ZModemHeader& header) const {
     const std::string bytes = HeaderBytes(header);
-    out.append({zm::kPad, zm::kPad, zm::kDle, zm::kHex});
+    out.append({zm::PadByte, zm::PadByte, zm::Dle, zm::HexFormat});
     for (const char c : bytes) {
         PutHexByte(out, static_cast<unsigned char>(c));
     }
@@ -67,14 +67,14 @@ void ZModemWriter::Hex(std::string& out, const ZModemHeader& header) const {
 
 void ZModemWriter::Binary(std::string& out, const ZModemHeader& header) const {
     const std::string bytes = HeaderBytes(header);
-    out.append({zm::kPad, zm::kDle, mCrc32 ? zm::kBin32 : zm::kBin16});
+    out.append({zm::PadByte, zm::Dle, mCrc32 ? zm::Bin32 : zm::Bin16});
     Escape(out, bytes);
     Sum(out, bytes, '\0');
 }
 
 void ZModemWriter::Subpacket(std::string& out, std::string_view data, char end) const {
     Escape(out, data);
-    out.push_back(zm::kDle);
+    out.push_back(zm::Dle);
     out.push_back(end);
     Sum(out, data, end);
 }
@@ -84,7 +84,7 @@ void ZModemWriter::Sum(std::string& out, std::string_view summed, char end) cons
     const std::string_view mark(&end, end == '\0' ? 0 : 1);
     std::string sum;
     if (mCrc32) {
-        const std::uint32_t crc = ~Crc32(Crc32(kCrc32Start, summed), mark);
+        const std::uint32_t crc = ~Crc32(Crc32(Crc32Start, summed), mark);
         for (unsigned shift = 0; shift < 32; shift += 8) {
             sum.push_back(static_cast<char>(crc >> shift));
         }
@@ -96,7 +96,7 @@ void ZModemWriter::Sum(std::string& out, std::string_view summed, char end) cons
 }
 
 void ZModemWriter::Escape(std::string& out, std::string_view bytes) const {
-    const EscapeTable& table = mEscapeAll ? kEscapeAll : kEscapeSome;
+    const EscapeTable& table = mEscapeAll ? EscapeAll : EscapeSome;
     std::size_t run = 0;
     for (std::size_t i = 0; i < bytes.size(); ++i) {
         const Escaping escaping = table[static_cast<unsigned char>(bytes[i])];
@@ -104,7 +104,7 @@ void ZModemWriter::Escape(std::string& out, std::string_view bytes) const {
         // At the start the byte before is not known here, so the rare CR is escaped to be safe.
         if (escaping == Escaping::AfterAt && i > 0 && (bytes[i - 1] & 0x7F) != '@') continue;
         out.append(bytes.substr(run, i - run));
-        out.push_back(zm::kDle);
+        out.push_back(zm::Dle);
         out.push_back(static_cast<char>(bytes[i] ^ 0x40));
         run = i + 1;
     }

@@ -22,7 +22,7 @@
 namespace qnsim::test {
 namespace {
 
-constexpr int patienceMs = 10'000; // how long a test waits for what must come
+constexpr int PatienceMs = 10'000; // how long a test waits for what must come
 
 Options Printer(std::string_view address) {
     const ParseResult result = ParseAddress(address);
@@ -64,7 +64,7 @@ class Served {
 };
 
 /// Reads until the text ends as wanted, the other side leaves, or patience runs out.
-std::string ReadUntil(int descriptor, std::string_view end, int patience = patienceMs) {
+std::string ReadUntil(int descriptor, std::string_view end, int patience = PatienceMs) {
     std::string text;
     while (!text.ends_with(end)) {
         pollfd wait{descriptor, POLLIN, 0};
@@ -209,7 +209,7 @@ TEST(PtyEndpoint, HostSeesTheLineGoWhenItIsCut) {
     EXPECT_EQ(::write(host.Get(), "PRINT 1\r\n", 9), 9);
     EXPECT_TRUE(served.WaitForCut());
     pollfd wait{host.Get(), POLLIN, 0};
-    EXPECT_EQ(::poll(&wait, 1, patienceMs), 1);
+    EXPECT_EQ(::poll(&wait, 1, PatienceMs), 1);
     EXPECT_NE(wait.revents & POLLHUP, 0);
 }
 

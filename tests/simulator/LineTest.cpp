@@ -5,11 +5,11 @@
 namespace qnsim::test {
 namespace {
 
-constexpr std::string_view probe = "\x11\rIMMEDIATE ON:SYSVAR(18)=-1:PRINT\"HELLO\"\r";
+constexpr std::string_view Probe = "\x11\rIMMEDIATE ON:SYSVAR(18)=-1:PRINT\"HELLO\"\r";
 
 std::string ProbeWith(PrinterBench& bench, const LineFormat& format) {
     bench.Printer().SetHostFormat(format, bench.Now());
-    bench.Send(probe);
+    bench.Send(Probe);
     std::string reply = bench.Read();
     for (char& c : reply)
         c = static_cast<char>(c & 0x7F);

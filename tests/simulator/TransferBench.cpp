@@ -15,11 +15,11 @@ using qncomm::transfer::KermitOptions;
 using qncomm::transfer::Phase;
 using qncomm::transfer::Time;
 
-constexpr std::size_t hostBuffer = 512; // bytes that the host lets queue on its line
+constexpr std::size_t HostBuffer = 512; // bytes that the host lets queue on its line
 // What stands behind a last packet and behind the sign that cancels ZModem.
-constexpr std::string_view endOfProtocol = "\r\n\x8D\x8A\x11\x18\b";
-constexpr Micros longest = 3'600'000'000;  // no transfer here takes an hour
-constexpr Micros afterTheEnd = 12'000'000; // the printer is at its prompt by then
+constexpr std::string_view EndOfProtocol = "\r\n\x8D\x8A\x11\x18\b";
+constexpr Micros Longest = 3'600'000'000;  // no transfer here takes an hour
+constexpr Micros AfterTheEnd = 12'000'000; // the printer is at its prompt by then
 
 template <class Engine>
 std::unique_ptr<TransferEngine> Make() {
@@ -29,14 +29,14 @@ std::unique_ptr<TransferEngine> Make() {
 template <class Engine>
 std::unique_ptr<TransferEngine> MakeSevenBits() {
     KermitOptions options;
-    options.bSevenBits = true;
+    options.sevenBits = true;
     return std::make_unique<Engine>(options);
 }
 
 template <class Engine>
 std::unique_ptr<TransferEngine> MakeWithoutSize() {
     KermitOptions options;
-    options.bAttributes = false;
+    options.attributes = false;
     return std::make_unique<Engine>(options);
 }
 
@@ -84,7 +84,7 @@ Outcome TransferBench::Download(const Protocol& protocol, const std::string& nam
 
 void TransferBench::Run(TransferEngine& engine, MemorySource* source, MemorySink* into) {
     engine.Start(Time(Now()));
-    const Micros end = Now() + longest;
+    const Micros end = Now() + Longest;
     while (!engine.IsOver() && Now() < end) {
         Hear(engine, source, into);
         if (const auto due = engine.NextDeadline(); due && *due <= Time(Now()))
@@ -95,8 +95,8 @@ void TransferBench::Run(TransferEngine& engine, MemorySource* source, MemorySink
     }
     EXPECT_TRUE(engine.IsOver()) << "the host's end waits for ever";
     Send(behindTheEnd);
-    mTail += Read(afterTheEnd);
-    mTail.erase(0, mTail.find_first_not_of(endOfProtocol));
+    mTail += Read(AfterTheEnd);
+    mTail.erase(0, mTail.find_first_not_of(EndOfProtocol));
 }
 
 /// The engine is given what may belong to it and no byte more.
@@ -115,7 +115,7 @@ void TransferBench::Hear(TransferEngine& engine, MemorySource* source, MemorySin
 void TransferBench::Speak(TransferEngine& engine, MemorySource* source, MemorySink* into) {
     for (;;) {
         const std::size_t room =
-            hostBuffer - std::min(hostBuffer, Printer().PendingFromHost(Now()));
+            HostBuffer - std::min(HostBuffer, Printer().PendingFromHost(Now()));
         const auto output = ServedOutput(engine, source, into, Time(Now())).substr(0, room);
         if (output.empty()) return;
         const std::string bytes(output);

@@ -51,7 +51,7 @@ TEST_P(Transfer, SendsAFileAsItIsStored) {
         LoadFile(bench, "F.BIN", content);
         EXPECT_EQ(bench.Download(Way(), "F.BIN"), Outcome::Success);
         ASSERT_EQ(bench.sink.Whole().size(), 1U);
-        EXPECT_EQ(bench.sink.Whole()[0].sName, "F.BIN");
+        EXPECT_EQ(bench.sink.Whole()[0].name, "F.BIN");
         EXPECT_TRUE(bench.sink.Whole()[0].content == content) << content.size();
         EXPECT_EQ(bench.Tail(), "Ok\r\n");
     }
@@ -264,7 +264,7 @@ TEST(SevenBitLine, IsNotForZModem) {
 TEST(TextByKermit, IsStoredWithTheLineEndsThatTravel) {
     TransferBench bench;
     MemorySource source({MemoryFile{"T", "one\ntwo\n"}});
-    source.bText = true;
+    source.text = true;
     EXPECT_EQ(bench.Upload(kermit, source), Outcome::Success);
     EXPECT_EQ(bench.Download(kermit, "T"), Outcome::Success);
     ASSERT_EQ(bench.sink.Whole().size(), 1U);

@@ -25,7 +25,7 @@ struct EnginePair {
     // Both ends succeeded and exactly this file arrived.
     [[nodiscard]] bool Carried(const std::string& content) const {
         return sender.Outcome() == Outcome::Success && receiver.Outcome() == Outcome::Success
-               && sink.Whole().size() == 1 && sink.Whole()[0].content == content && !sink.bGap;
+               && sink.Whole().size() == 1 && sink.Whole()[0].content == content && !sink.gap;
     }
 
     Sender sender;

@@ -26,6 +26,6 @@ inline bool EveryCombinationIsWanted() {
 }
 
 // Other people's programs take their time over each, so they get one of this many.
-inline constexpr std::uint64_t kFaultsForOneOfAPeer = 50;
+inline constexpr std::uint64_t FaultsForOneOfAPeer = 50;
 
 } // namespace qncomm::transfer::testing

@@ -62,8 +62,8 @@ TEST(KermitPair, AgreesOnEveryCombinationOfTerms) {
                 options.packet = packet;
                 options.window = window;
                 options.check = check;
-                options.bRepeats = window != 8;
-                options.bAttributes = check != 2;
+                options.repeats = window != 8;
+                options.attributes = check != 2;
                 const std::string content = RandomBytes(3000, 5) + std::string(400, '\0');
                 KPair pair({{"a.bin", content}}, PacedLine(), 1, options, {});
                 ASSERT_TRUE(pair.rig.Run(100s));
@@ -94,9 +94,9 @@ TEST(KermitPair, KeepsToThePacketLengthThatTheReceiverAllows) {
 
 TEST(KermitPair, SevenBitLinesCarryEightBitFiles) {
     KermitOptions options;
-    options.bSevenBits = true;
+    options.sevenBits = true;
     LineSettings line = PacedLine();
-    line.bSevenBits = true;
+    line.sevenBits = true;
     const std::string content = RandomBytes(20000, 5);
     for (const bool both : {true, false}) {
         // A receiver that knows says so to a sender that does not.
@@ -118,11 +118,11 @@ TEST(KermitPair, RunsOfOneByteShrink) {
 TEST(KermitPair, TextTravelsWithCarriageReturns) {
     const std::string content = "one\ntwo\n\nthree\r\nlast\r";
     KPair pair({{"a.txt", content}}, PacedLine());
-    pair.source.bText = true;
+    pair.source.text = true;
     ASSERT_TRUE(pair.rig.Run(100s));
     ASSERT_EQ(pair.sink.Whole().size(), 1U);
     EXPECT_EQ(pair.sink.Whole()[0].content, "one\ntwo\n\nthree\nlast\r");
-    EXPECT_TRUE(pair.sink.Offered()[0].bText);
+    EXPECT_TRUE(pair.sink.Offered()[0].text);
     EXPECT_NE(pair.rig.Forth().Log().find("one#M\ntwo"), std::string::npos);
 }
 
@@ -130,7 +130,7 @@ TEST(KermitPair, AttributesArriveWithTheFile) {
     KPair pair({{"a.bin", "content"}}, PacedLine());
     ASSERT_TRUE(pair.rig.Run(100s));
     ASSERT_EQ(pair.sink.Offered().size(), 1U);
-    EXPECT_EQ(pair.sink.Offered()[0].sName, "a.bin");
+    EXPECT_EQ(pair.sink.Offered()[0].name, "a.bin");
     EXPECT_EQ(pair.sink.Offered()[0].size, 7U);
     EXPECT_EQ(pair.sink.Offered()[0].modified, 1700000000);
     EXPECT_EQ(pair.sink.Offered()[0].mode, 0644U);

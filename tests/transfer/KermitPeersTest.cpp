@@ -15,13 +15,13 @@ struct KermitSetting {
     unsigned window;
     unsigned check;
     KermitPrefixing prefixing;
-    bool bSevenBits = false;
+    bool sevenBits = false;
 };
 
 void PrintTo(const KermitSetting& setting, std::ostream* out) {
     *out << "length " << setting.packet << ", window " << setting.window << ", check "
          << setting.check << ", prefixing " << static_cast<int>(setting.prefixing)
-         << (setting.bSevenBits ? ", seven bits" : "");
+         << (setting.sevenBits ? ", seven bits" : "");
 }
 
 namespace {
@@ -42,7 +42,7 @@ std::vector<std::string> CKermit(const KermitSetting& setting, const std::string
                          + std::to_string(setting.window) + ", set receive packet-length " + length
                          + ", set send packet-length " + length + ", set streaming off, "
                          + PrefixingOf(setting.prefixing)
-                         + (setting.bSevenBits ? "set parity space, " : "") + action + ", exit";
+                         + (setting.sevenBits ? "set parity space, " : "") + action + ", exit";
     return {"kermit", "-Y", "-q", "-C", script};
 }
 
@@ -52,12 +52,12 @@ KermitOptions Options(const KermitSetting& setting) {
     options.window = setting.window;
     options.check = setting.check;
     options.prefixing = setting.prefixing;
-    options.bSevenBits = setting.bSevenBits;
+    options.sevenBits = setting.sevenBits;
     return options;
 }
 
 // What a run may take; the machine may be busy with others.
-constexpr Time kLimit = 300s;
+constexpr Time Limit = 300s;
 
 // Packets of a few bytes take their time, so an ordinary run sends less in them.
 std::vector<MemoryFile> FilesFor(const KermitSetting& setting) {
@@ -68,21 +68,21 @@ std::vector<MemoryFile> FilesFor(const KermitSetting& setting) {
     return files;
 }
 
-constexpr std::array<std::size_t, 6> kLengths = {20, 90, 94, 95, 1000, 9000};
-constexpr std::array<unsigned, 3> kWindows = {1, 8, 30};
-constexpr std::array<KermitPrefixing, 2> kPrefixings = {KermitPrefixing::All,
-                                                        KermitPrefixing::Least};
-constexpr std::array<unsigned, 3> kChecks = {1, 2, 3};
+constexpr std::array<std::size_t, 6> Lengths = {20, 90, 94, 95, 1000, 9000};
+constexpr std::array<unsigned, 3> Windows = {1, 8, 30};
+constexpr std::array<KermitPrefixing, 2> Prefixings = {KermitPrefixing::All,
+                                                       KermitPrefixing::Least};
+constexpr std::array<unsigned, 3> Checks = {1, 2, 3};
 
 // Every pair of values of two settings stands in one row at least: all lengths with all windows,
 // each of both with every prefixing and check.
 std::vector<KermitSetting> PairwiseSettings() {
     std::vector<KermitSetting> settings;
-    for (std::size_t length = 0; length < kLengths.size(); ++length) {
-        for (std::size_t window = 0; window < kWindows.size(); ++window) {
-            settings.push_back({kLengths[length], kWindows[window],
-                                kChecks[(length + window) % kChecks.size()],
-                                kPrefixings[(length + window) % kPrefixings.size()]});
+    for (std::size_t length = 0; length < Lengths.size(); ++length) {
+        for (std::size_t window = 0; window < Windows.size(); ++window) {
+            settings.push_back({Lengths[length], Windows[window],
+                                Checks[(length + window) % Checks.size()],
+                                Prefixings[(length + window) % Prefixings.size()]});
         }
     }
     return settings;
@@ -90,10 +90,10 @@ std::vector<KermitSetting> PairwiseSettings() {
 
 std::vector<KermitSetting> EverySetting() {
     std::vector<KermitSetting> settings;
-    for (const std::size_t length : kLengths)
-        for (const unsigned window : kWindows)
-            for (const KermitPrefixing prefixing : kPrefixings)
-                for (const unsigned check : kChecks)
+    for (const std::size_t length : Lengths)
+        for (const unsigned window : Windows)
+            for (const KermitPrefixing prefixing : Prefixings)
+                for (const unsigned check : Checks)
                     settings.push_back({length, window, check, prefixing});
     return settings;
 }
@@ -124,7 +124,7 @@ TEST_P(KermitPeers, CKermitReceivesWhatIsSent) {
     KermitSender sender(Options(GetParam()));
     const auto files = FilesFor(GetParam());
     MemorySource source(files);
-    EXPECT_TRUE(RunAgainst(sender, &source, nullptr, peer, kLimit));
+    EXPECT_TRUE(RunAgainst(sender, &source, nullptr, peer, Limit));
     EXPECT_EQ(sender.Outcome(), Outcome::Success) << sender.Reason();
     EXPECT_EQ(sender.Progress().files, files.size());
     ExpectArrived(folder, files);
@@ -136,14 +136,14 @@ TEST_P(KermitPeers, CKermitSendsWhatIsReceived) {
     const auto files = FilesFor(GetParam());
     std::string names;
     for (const auto& file : files) {
-        folder.Write(file.sName, file.content);
+        folder.Write(file.name, file.content);
         names +=
-            file.sName.find(' ') == std::string::npos ? ' ' + file.sName : " {" + file.sName + "}";
+            file.name.find(' ') == std::string::npos ? ' ' + file.name : " {" + file.name + "}";
     }
     PeerProcess peer(CKermit(GetParam(), "msend" + names), folder.Path());
     KermitReceiver receiver(Options(GetParam()));
     MemorySink sink;
-    EXPECT_TRUE(RunAgainst(receiver, nullptr, &sink, peer, kLimit));
+    EXPECT_TRUE(RunAgainst(receiver, nullptr, &sink, peer, Limit));
     EXPECT_EQ(receiver.Outcome(), Outcome::Success) << receiver.Reason();
     ExpectReceived(sink, files);
 }
@@ -164,12 +164,12 @@ TEST_P(GKermitPeers, GKermitReceivesWhatIsSent) {
         "-e",
         std::to_string(std::max<std::size_t>(GetParam().packet, 40)),
         "-r"};
-    if (GetParam().bSevenBits) command.insert(command.begin() + 1, {"-p", "s"});
+    if (GetParam().sevenBits) command.insert(command.begin() + 1, {"-p", "s"});
     PeerProcess peer(command, folder.Path());
     KermitSender sender(Options(GetParam()));
     const auto files = FilesFor(GetParam());
     MemorySource source(files);
-    EXPECT_TRUE(RunAgainst(sender, &source, nullptr, peer, kLimit));
+    EXPECT_TRUE(RunAgainst(sender, &source, nullptr, peer, Limit));
     EXPECT_EQ(sender.Outcome(), Outcome::Success) << sender.Reason();
     ExpectArrived(folder, files);
 }
@@ -179,16 +179,16 @@ TEST_P(GKermitPeers, GKermitSendsWhatIsReceived) {
     const ScratchFolder folder;
     const auto files = FilesFor(GetParam());
     std::vector<std::string> command = {"gkermit", "-q", "-i", "-P"};
-    if (GetParam().bSevenBits) command.insert(command.end(), {"-p", "s"});
+    if (GetParam().sevenBits) command.insert(command.end(), {"-p", "s"});
     command.emplace_back("-s");
     for (const auto& file : files) {
-        folder.Write(file.sName, file.content);
-        command.push_back(file.sName);
+        folder.Write(file.name, file.content);
+        command.push_back(file.name);
     }
     PeerProcess peer(command, folder.Path());
     KermitReceiver receiver(Options(GetParam()));
     MemorySink sink;
-    EXPECT_TRUE(RunAgainst(receiver, nullptr, &sink, peer, kLimit));
+    EXPECT_TRUE(RunAgainst(receiver, nullptr, &sink, peer, Limit));
     EXPECT_EQ(receiver.Outcome(), Outcome::Success) << receiver.Reason();
     ExpectReceived(sink, files);
 }

@@ -14,7 +14,7 @@ using namespace std::chrono_literals;
 
 KermitOptions Reliable() {
     KermitOptions options;
-    options.bReliable = true;
+    options.reliable = true;
     return options;
 }
 
@@ -62,8 +62,8 @@ void ReceiveFrom(std::vector<std::string> command, const std::string& names) {
     const ScratchFolder folder;
     const auto files = KeptFiles();
     for (const auto& file : files) {
-        folder.Write(file.sName, file.content);
-        if (names.empty()) command.push_back(file.sName);
+        folder.Write(file.name, file.content);
+        if (names.empty()) command.push_back(file.name);
     }
     PeerProcess peer(command, folder.Path());
     KermitReceiver receiver(Reliable());
@@ -83,7 +83,7 @@ TEST(KermitStreamingPeers, CKermitReceivesWhatIsSent) {
 TEST(KermitStreamingPeers, CKermitSendsWhatIsReceived) {
     std::string names;
     for (const auto& file : KeptFiles())
-        names += " {" + file.sName + "}";
+        names += " {" + file.name + "}";
     ReceiveFrom(CKermit("msend" + names), names);
 }
 
@@ -127,7 +127,7 @@ TEST(KermitStreamingPeers, DamageOfWhatAProgramStreamsIsNeverTakenForTheFile) {
         if (!PeersAreInstalled({program})) continue;
         const ScratchFolder folder;
         const MemoryFile file{"a.bin", RandomBytes(100000, 6)};
-        folder.Write(file.sName, file.content);
+        folder.Write(file.name, file.content);
         PeerProcess peer(program == "kermit"
                              ? CKermit("send a.bin")
                              : std::vector<std::string>{"gkermit", "-q", "-i", "-P", "-s", "a.bin"},

@@ -14,7 +14,7 @@ using KPair = EnginePair<KermitSender, KermitReceiver, KermitOptions, KermitOpti
 
 KermitOptions Reliable() {
     KermitOptions options;
-    options.bReliable = true;
+    options.reliable = true;
     return options;
 }
 
@@ -37,16 +37,16 @@ LineSettings DamagedAt(std::uint64_t place, double rate) {
     return line;
 }
 
-const std::string kContent = RandomBytes(60000, 4);
+const std::string Content = RandomBytes(60000, 4);
 
 } // namespace
 
 TEST(KermitStreaming, DataIsNotAcknowledgedWhenBothSidesSayThatTheLineIsReliable) {
-    KPair pair({{"a.bin", kContent}, {"b.bin", kContent}}, PacedLine(115200), 1, Reliable(),
+    KPair pair({{"a.bin", Content}, {"b.bin", Content}}, PacedLine(115200), 1, Reliable(),
                Reliable());
     ASSERT_TRUE(pair.rig.Run(100s));
     ASSERT_EQ(pair.sink.Whole().size(), 2U);
-    EXPECT_TRUE(pair.sink.Whole()[1].content == kContent);
+    EXPECT_TRUE(pair.sink.Whole()[1].content == Content);
     EXPECT_EQ(pair.sender.Outcome(), Outcome::Success);
     EXPECT_EQ(Answers(pair), 8U); // terms, twice name, attributes and end, and the end of the batch
     EXPECT_EQ(pair.sender.Progress().repairs, 0U);
@@ -54,10 +54,10 @@ TEST(KermitStreaming, DataIsNotAcknowledgedWhenBothSidesSayThatTheLineIsReliable
 
 TEST(KermitStreaming, OneSideAloneDoesNotStream) {
     for (const bool sends : {true, false}) {
-        KPair pair({{"a.bin", kContent}}, PacedLine(115200), 1,
-                   sends ? Reliable() : KermitOptions{}, sends ? KermitOptions{} : Reliable());
+        KPair pair({{"a.bin", Content}}, PacedLine(115200), 1, sends ? Reliable() : KermitOptions{},
+                   sends ? KermitOptions{} : Reliable());
         ASSERT_TRUE(pair.rig.Run(100s));
-        EXPECT_TRUE(pair.Carried(kContent));
+        EXPECT_TRUE(pair.Carried(Content));
         EXPECT_GT(Answers(pair), 10U);
     }
 }
@@ -76,7 +76,7 @@ TEST(KermitStreaming, ARoundTripOfASecondCostsNothingInMidFile) {
 
 // Wherever the one damaged byte is: the file arrives, is offered once, and does not start anew.
 TEST(KermitStreaming, TheFirstDamageEndsItAndTheFileGoesOn) {
-    const std::string content = kContent.substr(0, 30000);
+    const std::string content = Content.substr(0, 30000);
     for (std::uint64_t place = 1; place < 34000; place += place < 200 || place > 33000 ? 1 : 97) {
         KPair pair({{"a.bin", content}}, DamagedAt(place, 1e6), 1, Reliable(), Reliable(),
                    PacedLine(1e6));
@@ -88,16 +88,16 @@ TEST(KermitStreaming, TheFirstDamageEndsItAndTheFileGoesOn) {
 }
 
 TEST(KermitStreaming, OnlyTheRestTravelsAgainAndInWindows) {
-    KPair pair({{"a.bin", kContent}, {"b.bin", kContent}}, DamagedAt(40000, 1e5), 1, Reliable(),
+    KPair pair({{"a.bin", Content}, {"b.bin", Content}}, DamagedAt(40000, 1e5), 1, Reliable(),
                Reliable(), PacedLine(1e5));
     ASSERT_TRUE(pair.rig.Run(200s));
     ASSERT_EQ(pair.sink.Whole().size(), 2U);
-    EXPECT_TRUE(pair.sink.Whole()[0].content == kContent);
-    EXPECT_TRUE(pair.sink.Whole()[1].content == kContent);
+    EXPECT_TRUE(pair.sink.Whole()[0].content == Content);
+    EXPECT_TRUE(pair.sink.Whole()[1].content == Content);
     EXPECT_EQ(pair.receiver.Progress().repairs, 1U);
     EXPECT_GT(Answers(pair), 30U);
     // Both files once and what stood in the line when the damage was seen.
-    EXPECT_LT(pair.rig.Forth().Carried(), 3 * kContent.size());
+    EXPECT_LT(pair.rig.Forth().Carried(), 3 * Content.size());
 }
 
 // A text's offsets differ on the two sides, and one who knows no attributes cannot be asked for the
@@ -106,9 +106,9 @@ TEST(KermitStreaming, WhatIsHereIsPassedOverWhereTheRestCannotBeAskedFor) {
     const std::string text = TextBytes(30000, 3);
     for (const bool attributes : {true, false}) {
         KermitOptions options = Reliable();
-        options.bAttributes = attributes;
+        options.attributes = attributes;
         KPair pair({{"a.txt", text}}, DamagedAt(20000, 1e6), 1, options, options, PacedLine(1e6));
-        pair.source.bText = attributes;
+        pair.source.text = attributes;
         ASSERT_TRUE(pair.rig.Run(200s));
         EXPECT_TRUE(pair.Carried(text)) << pair.sender.Reason();
         EXPECT_EQ(pair.sink.Offered().size(), 1U);
@@ -118,9 +118,9 @@ TEST(KermitStreaming, WhatIsHereIsPassedOverWhereTheRestCannotBeAskedFor) {
 
 TEST(KermitStreaming, AFileThatIsNotWantedIsLeftOut) {
     for (const std::size_t size : {100U, 60000U}) {
-        KPair pair({{"unwanted", kContent.substr(0, size)}, {"wanted", "x"}}, PacedLine(), 1,
+        KPair pair({{"unwanted", Content.substr(0, size)}, {"wanted", "x"}}, PacedLine(), 1,
                    Reliable(), Reliable());
-        pair.sink.sSkipName = "unwanted";
+        pair.sink.skipName = "unwanted";
         ASSERT_TRUE(pair.rig.Run(100s));
         ASSERT_EQ(pair.sink.Whole().size(), 1U);
         EXPECT_EQ(pair.sender.Progress().skipped, 1U);
@@ -131,7 +131,7 @@ TEST(KermitStreaming, AFileThatIsNotWantedIsLeftOut) {
 
 TEST(KermitStreaming, EitherSideCanCancel) {
     for (const bool bySender : {true, false}) {
-        KPair pair({{"a.bin", kContent}}, PacedLine(), 1, Reliable(), Reliable());
+        KPair pair({{"a.bin", Content}}, PacedLine(), 1, Reliable(), Reliable());
         TransferEngine& engine = bySender ? static_cast<TransferEngine&>(pair.sender)
                                           : static_cast<TransferEngine&>(pair.receiver);
         pair.rig.onStep = [&](Time now) {
@@ -147,9 +147,9 @@ TEST(KermitStreaming, EitherSideCanCancel) {
 
 // Minutes in which nothing has to be said: a slow line, and files that take their time.
 TEST(KermitStreaming, ALongStreamIsNotTakenForSilence) {
-    KPair pair({{"a.bin", kContent}}, PacedLine(300), 1, Reliable(), Reliable());
+    KPair pair({{"a.bin", Content}}, PacedLine(300), 1, Reliable(), Reliable());
     ASSERT_TRUE(pair.rig.Run(1000s));
-    EXPECT_TRUE(pair.Carried(kContent)) << pair.sender.Reason() << pair.receiver.Reason();
+    EXPECT_TRUE(pair.Carried(Content)) << pair.sender.Reason() << pair.receiver.Reason();
     EXPECT_EQ(pair.receiver.Progress().repairs, 0U);
 }
 

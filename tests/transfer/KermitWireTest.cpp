@@ -172,17 +172,17 @@ TEST(KermitTerms, StreamingIsWhatBothSidesSay) {
     const std::string waits = "~/ @-#Y3~^>J)0___F\"U1A";
     KermitOptions options;
     std::string reply;
-    EXPECT_FALSE(AcceptKermitTerms(options, streams, reply).bStreaming);
+    EXPECT_FALSE(AcceptKermitTerms(options, streams, reply).streaming);
     EXPECT_EQ(reply.find("___"), std::string::npos);
-    options.bReliable = true;
-    EXPECT_TRUE(AcceptKermitTerms(options, streams, reply).bStreaming);
-    EXPECT_TRUE(ConcludeKermitTerms(options, reply).bStreaming);
-    EXPECT_TRUE(ConcludeKermitTerms(options, answers).bStreaming);
-    EXPECT_FALSE(AcceptKermitTerms(options, waits, reply).bStreaming);
-    EXPECT_FALSE(ConcludeKermitTerms(options, reply).bStreaming);
-    EXPECT_TRUE(AcceptKermitTerms(options, ProposeKermitTerms(options), reply).bStreaming);
+    options.reliable = true;
+    EXPECT_TRUE(AcceptKermitTerms(options, streams, reply).streaming);
+    EXPECT_TRUE(ConcludeKermitTerms(options, reply).streaming);
+    EXPECT_TRUE(ConcludeKermitTerms(options, answers).streaming);
+    EXPECT_FALSE(AcceptKermitTerms(options, waits, reply).streaming);
+    EXPECT_FALSE(ConcludeKermitTerms(options, reply).streaming);
+    EXPECT_TRUE(AcceptKermitTerms(options, ProposeKermitTerms(options), reply).streaming);
     for (std::size_t length = 0; length < 18; ++length)
-        EXPECT_FALSE(AcceptKermitTerms(options, streams.substr(0, length), reply).bStreaming);
+        EXPECT_FALSE(AcceptKermitTerms(options, streams.substr(0, length), reply).streaming);
 }
 
 TEST(KermitAttributes, ComeBackAsTheyWereWritten) {
@@ -190,14 +190,14 @@ TEST(KermitAttributes, ComeBackAsTheyWereWritten) {
     file.size = 123456789;
     file.modified = 1700000001;
     file.mode = 0640;
-    file.bResume = true;
+    file.resume = true;
     FileInfo read;
     ReadKermitAttributes(WriteKermitAttributes(file, 90), read);
     EXPECT_EQ(read.size, file.size);
     EXPECT_EQ(read.modified, file.modified);
     EXPECT_EQ(read.mode, file.mode);
-    EXPECT_TRUE(read.bResume);
-    EXPECT_FALSE(read.bText);
+    EXPECT_TRUE(read.resume);
+    EXPECT_FALSE(read.text);
     EXPECT_EQ(WriteKermitAttributes(file, 90), "1)123456789+!R\"\"B8#120231114 22:13:21,#640");
 }
 

@@ -22,15 +22,15 @@ namespace {
 
 using namespace std::chrono_literals;
 
-constexpr std::size_t kAtATime = 24;
+constexpr std::size_t AtATime = 24;
 // What a program may take with all its repeats before it is killed: the engine's patience then
 // costs no more time.
-constexpr Time kLongest = 30s;
-constexpr Time kHangs = 10s; // behind that
-constexpr Time kLongestSilence = 60s;
+constexpr Time Longest = 30s;
+constexpr Time Hangs = 10s; // behind that
+constexpr Time LongestSilence = 60s;
 // How long the program may take to end behind the engine, before its file is looked at.
-constexpr Time kFarewell = 2s;
-const std::string kName = "file.bin";
+constexpr Time Farewell = 2s;
+const std::string FileName = "file.bin";
 
 enum class Mishap {
     Flip,
@@ -43,18 +43,18 @@ enum class Mishap {
     Killed,
     DiskFull,
 };
-constexpr unsigned kMishaps = 9;
+constexpr unsigned Mishaps = 9;
 
 // One program with one engine against it.
 struct Opponent {
     const char* name;
     std::vector<std::string> command; // NAME stands for the file
     std::unique_ptr<TransferEngine> (*engine)();
-    bool bSends;             // the engine
+    bool sends;             // the engine
     std::size_t size = 4000; // of the file, at least; twice that at most
 };
 
-constexpr Time kPatience = 12s; // the programs repeat after a second
+constexpr Time Patience = 12s; // the programs repeat after a second
 
 template <class Engine>
 std::unique_ptr<TransferEngine> Make() {
@@ -64,8 +64,8 @@ std::unique_ptr<TransferEngine> Make() {
 template <class Engine, bool bReliable = false>
 std::unique_ptr<TransferEngine> MakeKermit() {
     KermitOptions options;
-    options.bReliable = bReliable;
-    options.patience = kPatience;
+    options.reliable = bReliable;
+    options.patience = Patience;
     return std::make_unique<Engine>(options);
 }
 
@@ -112,7 +112,7 @@ LineSettings LineFor(Mishap mishap, std::uint64_t seed) {
     LineSettings line;
     line.rate = 200000;
     LineFaults& faults = line.faults;
-    const double rate = seed / (Opponents().size() * kMishaps) % 2 == 0 ? 1e-3 : 2e-4;
+    const double rate = seed / (Opponents().size() * Mishaps) % 2 == 0 ? 1e-3 : 2e-4;
     faults.stallFor = 300ms;
     switch (mishap) {
     case Mishap::Flip:
@@ -146,7 +146,7 @@ std::vector<std::string> CommandFor(const Opponent& opponent, bool bDiskFull) {
     for (const std::string& word : opponent.command) {
         std::string filled = word;
         if (const auto at = filled.find("NAME"); at != std::string::npos)
-            filled.replace(at, 4, kName);
+            filled.replace(at, 4, FileName);
         command.push_back(filled);
     }
     return command;
@@ -162,17 +162,17 @@ class Match {
     explicit Match(std::uint64_t seed)
         : mSeed(seed),
           mOpponent(Opponents()[seed % Opponents().size()]),
-          mMishap(static_cast<Mishap>(seed / Opponents().size() % kMishaps)),
+          mMishap(static_cast<Mishap>(seed / Opponents().size() % Mishaps)),
           mContent(RandomBytes(mOpponent.size + seed * 977 % mOpponent.size, seed)),
-          mSource({{kName, mContent}}),
+          mSource({{FileName, mContent}}),
           mEngine(mOpponent.engine()),
           mStart(MachineTime()) {
-        if (!mOpponent.bSends) mFolder.Write(kName, mContent);
-        if (mMishap == Mishap::DiskFull && !mOpponent.bSends) mSink.failWriteAt = 2048;
+        if (!mOpponent.sends) mFolder.Write(FileName, mContent);
+        if (mMishap == Mishap::DiskFull && !mOpponent.sends) mSink.failWriteAt = 2048;
         mPeer = std::make_unique<PeerProcess>(
-            CommandFor(mOpponent, mMishap == Mishap::DiskFull && mOpponent.bSends), mFolder.Path());
-        mRun = std::make_unique<PeerRun>(*mEngine, mOpponent.bSends ? &mSource : nullptr,
-                                         mOpponent.bSends ? nullptr : &mSink, *mPeer,
+            CommandFor(mOpponent, mMishap == Mishap::DiskFull && mOpponent.sends), mFolder.Path());
+        mRun = std::make_unique<PeerRun>(*mEngine, mOpponent.sends ? &mSource : nullptr,
+                                         mOpponent.sends ? nullptr : &mSink, *mPeer,
                                          LineFor(mMishap, seed), seed);
     }
 
@@ -182,24 +182,24 @@ class Match {
         mRun->Step(now);
         const bool ends = mMishap == Mishap::Killed || mMishap == Mishap::Cut;
         if (ends && mRun->Carried() > 200 + mSeed * 7919 % mOpponent.size) mPeer->Kill();
-        if (now - mStart > kLongest) mPeer->Kill();
-        if (!mRun->IsOver()) return now - mStart < kLongest + kHangs;
+        if (now - mStart > Longest) mPeer->Kill();
+        if (!mRun->IsOver()) return now - mStart < Longest + Hangs;
         if (mOverAt == Time{0}) mOverAt = now;
-        return !mPeer->HasEnded() && now - mOverAt < kFarewell;
+        return !mPeer->HasEnded() && now - mOverAt < Farewell;
     }
 
     // What went wrong, counted, and what may not have.
     std::uint64_t Judge() {
         const std::string which = Name();
         EXPECT_TRUE(mRun->IsOver()) << which << " hangs";
-        EXPECT_LE(mRun->Silence(), kLongestSilence + kFarewell) << which;
-        EXPECT_FALSE(mSink.bGap) << which;
+        EXPECT_LE(mRun->Silence(), LongestSilence + Farewell) << which;
+        EXPECT_FALSE(mSink.gap) << which;
         for (const auto& whole : mSink.Whole())
             EXPECT_TRUE(whole.content == mContent) << which << " is damaged and was not noticed";
         const bool success = mEngine->Outcome() == Outcome::Success;
         EXPECT_FALSE(success && mMishap == Mishap::DiskFull) << which;
         const bool there =
-            mOpponent.bSends ? mFolder.Read(kName) == mContent : mSink.Whole().size() == 1;
+            mOpponent.sends ? mFolder.Read(FileName) == mContent : mSink.Whole().size() == 1;
         EXPECT_TRUE(there || !success) << which << " is called whole and is not";
         return mRun->Faults() + (mMishap >= Mishap::Cut ? 1 : 0);
     }
@@ -212,7 +212,7 @@ class Match {
     [[nodiscard]] std::string Name() const {
         return "seed " + std::to_string(mSeed) + ", " + mOpponent.name + ", mishap "
                + std::to_string(static_cast<int>(mMishap)) + ", "
-               + (mOpponent.bSends ? "sending" : "receiving") + ", " + mEngine->Reason();
+               + (mOpponent.sends ? "sending" : "receiving") + ", " + mEngine->Reason();
     }
 
   private:
@@ -242,15 +242,15 @@ void WaitForAny(const std::list<Match>& matches) {
 
 TEST(PeerFaults, NothingIsEverWrongAndNothingHangs) {
     if (!PeersAreInstalled({"rz", "sz", "kermit", "gkermit"})) return;
-    const std::uint64_t wanted = FaultsWanted() / kFaultsForOneOfAPeer;
+    const std::uint64_t wanted = FaultsWanted() / FaultsForOneOfAPeer;
     const std::uint64_t first = FirstSeed();
-    const std::uint64_t leastSeed = first + Opponents().size() * kMishaps;
+    const std::uint64_t leastSeed = first + Opponents().size() * Mishaps;
     std::uint64_t faults = 0;
     std::uint64_t seed = first;
     std::uint64_t good = 0;
     std::list<Match> matches;
     while (!matches.empty() || faults < wanted || seed < leastSeed) {
-        while (matches.size() < kAtATime && (faults < wanted || seed < leastSeed))
+        while (matches.size() < AtATime && (faults < wanted || seed < leastSeed))
             matches.emplace_back(seed++);
         for (auto match = matches.begin(); match != matches.end();) {
             if (match->Step()) {

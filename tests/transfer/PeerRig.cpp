@@ -39,16 +39,16 @@ std::vector<MemoryFile> KeptFiles() {
 
 void ExpectArrived(const ScratchFolder& folder, const std::vector<MemoryFile>& files) {
     for (const auto& file : files) {
-        EXPECT_TRUE(folder.Has(file.sName)) << file.sName;
-        EXPECT_TRUE(folder.Read(file.sName) == file.content) << file.sName;
+        EXPECT_TRUE(folder.Has(file.name)) << file.name;
+        EXPECT_TRUE(folder.Read(file.name) == file.content) << file.name;
     }
 }
 
 void ExpectReceived(const MemorySink& sink, const std::vector<MemoryFile>& files) {
     ASSERT_EQ(sink.Whole().size(), files.size());
     for (std::size_t i = 0; i < files.size(); ++i) {
-        EXPECT_EQ(sink.Whole()[i].sName, files[i].sName);
-        EXPECT_TRUE(sink.Whole()[i].content == files[i].content) << files[i].sName;
+        EXPECT_EQ(sink.Whole()[i].name, files[i].name);
+        EXPECT_TRUE(sink.Whole()[i].content == files[i].content) << files[i].name;
     }
 }
 

@@ -14,7 +14,7 @@ namespace {
 
 using namespace std::chrono_literals;
 
-constexpr std::size_t kHave = 150000;
+constexpr std::size_t Have = 150000;
 
 std::string Content() {
     return RandomBytes(200000, 31);
@@ -24,13 +24,13 @@ std::string Content() {
 void SendTheRest(TransferEngine& sender, const std::vector<std::string>& command) {
     if (!PeersAreInstalled({command[0]})) return;
     const ScratchFolder folder;
-    folder.Write("part.bin", Content().substr(0, kHave));
+    folder.Write("part.bin", Content().substr(0, Have));
     PeerProcess peer(command, folder.Path());
     MemorySource source(std::vector<MemoryFile>{{"part.bin", Content()}});
-    source.bResume = true;
+    source.resume = true;
     EXPECT_TRUE(RunAgainst(sender, &source, nullptr, peer, 50s));
     EXPECT_EQ(sender.Outcome(), Outcome::Success) << sender.Reason();
-    EXPECT_GE(source.FirstRead(), kHave - 4096);
+    EXPECT_GE(source.FirstRead(), Have - 4096);
     ExpectArrived(folder, {{"part.bin", Content()}});
 }
 
@@ -40,11 +40,11 @@ void ReceiveTheRest(TransferEngine& receiver, const std::vector<std::string>& co
     folder.Write("part.bin", Content());
     PeerProcess peer(command, folder.Path());
     MemorySink sink;
-    sink.resumeFrom = Content().substr(0, kHave);
+    sink.resumeFrom = Content().substr(0, Have);
     EXPECT_TRUE(RunAgainst(receiver, nullptr, &sink, peer, 50s));
     EXPECT_EQ(receiver.Outcome(), Outcome::Success) << receiver.Reason();
     ExpectReceived(sink, {{"part.bin", Content()}});
-    EXPECT_FALSE(sink.bGap);
+    EXPECT_FALSE(sink.gap);
 }
 
 std::vector<std::string> CKermit(const std::string& action) {

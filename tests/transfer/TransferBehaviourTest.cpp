@@ -12,7 +12,7 @@ namespace {
 
 using namespace std::chrono_literals;
 
-const std::string kContent = RandomBytes(30000, 21);
+const std::string Content = RandomBytes(30000, 21);
 
 } // namespace
 
@@ -27,12 +27,12 @@ TYPED_TEST_SUITE(Behaviour, Pairs);
 
 TYPED_TEST(Behaviour, CarriesABatchWithEmptyFilesInIt) {
     const std::vector<MemoryFile> files = {
-        {"a.bin", kContent}, {"empty", ""}, {"a name", "x"}, {"last", kContent}};
+        {"a.bin", Content}, {"empty", ""}, {"a name", "x"}, {"last", Content}};
     TypeParam pair(files, PacedLine(115200));
     ASSERT_TRUE(pair.rig.Run(100s));
     ASSERT_EQ(pair.sink.Whole().size(), files.size());
     for (std::size_t i = 0; i < files.size(); ++i) {
-        EXPECT_EQ(pair.sink.Whole()[i].sName, files[i].sName);
+        EXPECT_EQ(pair.sink.Whole()[i].name, files[i].name);
         EXPECT_TRUE(pair.sink.Whole()[i].content == files[i].content);
     }
     EXPECT_EQ(pair.sender.Progress().files, 4U);
@@ -81,7 +81,7 @@ TYPED_TEST(Behaviour, ACancelWaitsBehindLittleOfASlowLineWithADeepBuffer) {
 }
 
 TYPED_TEST(Behaviour, ProgressRisesToTheSizeOfTheFile) {
-    TypeParam pair({{"a.bin", kContent}}, PacedLine());
+    TypeParam pair({{"a.bin", Content}}, PacedLine());
     std::uint64_t sent = 0;
     std::uint64_t received = 0;
     pair.rig.onStep = [&](Time) {
@@ -92,15 +92,15 @@ TYPED_TEST(Behaviour, ProgressRisesToTheSizeOfTheFile) {
         EXPECT_LE(sent, received) << "the sender knows of nothing that has not arrived";
     };
     ASSERT_TRUE(pair.rig.Run(100s));
-    EXPECT_EQ(sent, kContent.size());
-    EXPECT_EQ(received, kContent.size());
-    EXPECT_EQ(pair.receiver.Progress().size, kContent.size());
+    EXPECT_EQ(sent, Content.size());
+    EXPECT_EQ(received, Content.size());
+    EXPECT_EQ(pair.receiver.Progress().size, Content.size());
     EXPECT_EQ(pair.sender.Progress().repairs, 0U);
     EXPECT_EQ(pair.receiver.Progress().repairs, 0U);
 }
 
 TYPED_TEST(Behaviour, PhasesComeInTheirOrder) {
-    TypeParam pair({{"a.bin", kContent}}, PacedLine());
+    TypeParam pair({{"a.bin", Content}}, PacedLine());
     EXPECT_EQ(pair.sender.Phase(), Phase::Idle);
     std::vector<Phase> phases;
     pair.rig.onStep = [&](Time) {
@@ -114,7 +114,7 @@ TYPED_TEST(Behaviour, PhasesComeInTheirOrder) {
 
 TYPED_TEST(Behaviour, ACancelHereStopsBothEndsSoon) {
     for (const bool bySender : {true, false}) {
-        TypeParam pair({{"a.bin", kContent}}, PacedLine());
+        TypeParam pair({{"a.bin", Content}}, PacedLine());
         Time cancelled{0};
         Time over{0};
         pair.rig.onStep = [&](Time now) {
@@ -140,30 +140,30 @@ TYPED_TEST(Behaviour, ACancelHereStopsBothEndsSoon) {
 }
 
 TYPED_TEST(Behaviour, AFileThatIsNotWantedIsLeftOut) {
-    TypeParam pair({{"unwanted", kContent}, {"wanted", "x"}}, PacedLine());
-    pair.sink.sSkipName = "unwanted";
+    TypeParam pair({{"unwanted", Content}, {"wanted", "x"}}, PacedLine());
+    pair.sink.skipName = "unwanted";
     ASSERT_TRUE(pair.rig.Run(100s));
     EXPECT_EQ(pair.sender.Outcome(), Outcome::Success);
     EXPECT_EQ(pair.receiver.Outcome(), Outcome::Success);
     ASSERT_EQ(pair.sink.Whole().size(), 1U);
-    EXPECT_EQ(pair.sink.Whole()[0].sName, "wanted");
+    EXPECT_EQ(pair.sink.Whole()[0].name, "wanted");
     EXPECT_EQ(pair.sender.Progress().skipped, 1U);
     EXPECT_EQ(pair.receiver.Progress().skipped, 1U);
     EXPECT_EQ(pair.source.Closed(), (std::vector<bool>{false, true}));
 }
 
 TYPED_TEST(Behaviour, AnEarlierTryIsContinued) {
-    TypeParam pair({{"a.bin", kContent}}, PacedLine());
-    pair.source.bResume = true;
-    pair.sink.resumeFrom = kContent.substr(0, 20000);
+    TypeParam pair({{"a.bin", Content}}, PacedLine());
+    pair.source.resume = true;
+    pair.sink.resumeFrom = Content.substr(0, 20000);
     ASSERT_TRUE(pair.rig.Run(100s));
-    EXPECT_TRUE(pair.Carried(kContent)) << pair.sender.Reason() << pair.receiver.Reason();
-    EXPECT_TRUE(pair.sink.Offered()[0].bResume);
+    EXPECT_TRUE(pair.Carried(Content)) << pair.sender.Reason() << pair.receiver.Reason();
+    EXPECT_TRUE(pair.sink.Offered()[0].resume);
     EXPECT_LT(pair.rig.Forth().Carried(), 13000U);
 }
 
 TYPED_TEST(Behaviour, AFullDiskFailsBothEnds) {
-    TypeParam pair({{"a.bin", kContent}}, PacedLine());
+    TypeParam pair({{"a.bin", Content}}, PacedLine());
     pair.sink.failWriteAt = 10000;
     ASSERT_TRUE(pair.rig.Run(100s));
     EXPECT_EQ(pair.receiver.Outcome(), Outcome::Failed);
@@ -174,8 +174,8 @@ TYPED_TEST(Behaviour, AFullDiskFailsBothEnds) {
 }
 
 TYPED_TEST(Behaviour, AFileThatCannotBeClosedIsNotAcknowledged) {
-    TypeParam pair({{"a.bin", kContent}}, PacedLine());
-    pair.sink.bFailClose = true;
+    TypeParam pair({{"a.bin", Content}}, PacedLine());
+    pair.sink.failClose = true;
     ASSERT_TRUE(pair.rig.Run(100s));
     EXPECT_EQ(pair.receiver.Outcome(), Outcome::Failed);
     EXPECT_EQ(pair.receiver.Reason(), "the file cannot be renamed");
@@ -196,7 +196,7 @@ TYPED_TEST(Behaviour, AFileThatCannotBeReadFailsBothEnds) {
 TYPED_TEST(Behaviour, NobodyThereIsSaidWithinAMinute) {
     LineSettings line = PacedLine();
     line.faults.cutAfter = 0;
-    TypeParam pair({{"a.bin", kContent}}, line);
+    TypeParam pair({{"a.bin", Content}}, line);
     ASSERT_TRUE(pair.rig.Run(60s));
     EXPECT_EQ(pair.sender.Outcome(), Outcome::Failed);
     EXPECT_EQ(pair.receiver.Outcome(), Outcome::Failed);
@@ -207,11 +207,11 @@ TYPED_TEST(Behaviour, NobodyThereIsSaidWithinAMinute) {
 TYPED_TEST(Behaviour, ALineThatTakesNothingHoldsNoEnd) {
     LineSettings line = PacedLine();
     line.buffer = 0;
-    TypeParam pair({{"a.bin", kContent}}, line);
+    TypeParam pair({{"a.bin", Content}}, line);
     ASSERT_TRUE(pair.rig.Run(61s));
     EXPECT_EQ(pair.sender.Outcome(), Outcome::Failed);
     EXPECT_EQ(pair.receiver.Outcome(), Outcome::Failed);
-    TypeParam cancelled({{"a.bin", kContent}}, line);
+    TypeParam cancelled({{"a.bin", Content}}, line);
     cancelled.rig.onStep = [&](Time now) {
         cancelled.sender.Cancel(now);
         cancelled.receiver.Cancel(now);
@@ -223,7 +223,7 @@ TYPED_TEST(Behaviour, ALineThatTakesNothingHoldsNoEnd) {
 TYPED_TEST(Behaviour, ALineThatIsCutIsSaidWithinAMinute) {
     LineSettings line = PacedLine();
     line.faults.cutAfter = 20000;
-    TypeParam pair({{"a.bin", kContent}}, line);
+    TypeParam pair({{"a.bin", Content}}, line);
     ASSERT_TRUE(pair.rig.Run(100s));
     EXPECT_LE(pair.rig.Elapsed() - pair.rig.LastByte(), 60s);
     EXPECT_NE(pair.sender.Outcome(), Outcome::Success);

@@ -18,15 +18,15 @@ using KPair = EnginePair<KermitSender, KermitReceiver, KermitOptions, KermitOpti
 
 // What goes wrong is the remainder of the transfer's number; these end the transfer, and the others
 // may not.
-constexpr std::uint64_t kKinds = 9;
-constexpr std::uint64_t kCut = 5;
-constexpr std::uint64_t kKilled = 6;
-constexpr std::uint64_t kDiskFull = 7;
+constexpr std::uint64_t Kinds = 9;
+constexpr std::uint64_t Cut = 5;
+constexpr std::uint64_t Killed = 6;
+constexpr std::uint64_t DiskFull = 7;
 
 LineFaults FaultsOf(std::uint64_t seed) {
     LineFaults faults;
-    const double rate = (seed / kKinds) % 2 == 0 ? 1e-3 : 2e-4;
-    switch (seed % kKinds) {
+    const double rate = (seed / Kinds) % 2 == 0 ? 1e-3 : 2e-4;
+    switch (seed % Kinds) {
     case 0:
         faults.flip = rate;
         break;
@@ -42,11 +42,11 @@ LineFaults FaultsOf(std::uint64_t seed) {
     case 4:
         faults.stall = 1e-4;
         break;
-    case kCut:
+    case Cut:
         faults.cutAfter = 100 + (seed * 7919) % 60000;
         break;
-    case kKilled:
-    case kDiskFull:
+    case Killed:
+    case DiskFull:
         break; // the line is good
     default:
         faults = {rate / 4, rate / 4, rate / 4, rate / 4, 1e-5, 3s, 0, ~0ULL};
@@ -64,27 +64,27 @@ void Survive(std::uint64_t seed, std::uint64_t& faults, const SenderOptions& sen
     LineSettings line = PacedLine(seed % 3 == 0 ? 11520 : 115200);
     line.faults = FaultsOf(seed);
     Pair pair({{"first.bin", content}, {"second.bin", "x"}}, line, seed, sending, receiving);
-    const std::uint64_t kind = seed % kKinds;
+    const std::uint64_t kind = seed % Kinds;
     const std::uint64_t place = (seed * 7919) % content.size();
-    if (kind == kDiskFull) pair.sink.failWriteAt = place;
+    if (kind == DiskFull) pair.sink.failWriteAt = place;
     pair.rig.onStep = [&](Time) {
-        if (kind != kKilled || pair.receiver.Progress().bytes < place) return;
-        (seed / kKinds % 2 == 0 ? pair.rig.bSenderDead : pair.rig.bReceiverDead) = true;
+        if (kind != Killed || pair.receiver.Progress().bytes < place) return;
+        (seed / Kinds % 2 == 0 ? pair.rig.senderDead : pair.rig.receiverDead) = true;
     };
     ASSERT_TRUE(pair.rig.Run(900s)) << "seed " << seed;
     EXPECT_LE(pair.rig.Elapsed() - pair.rig.LastByte(), 60s) << "seed " << seed;
-    EXPECT_FALSE(pair.sink.bGap);
+    EXPECT_FALSE(pair.sink.gap);
     const auto& whole = pair.sink.Whole();
     EXPECT_TRUE(whole.empty() || whole[0].content == content) << "seed " << seed;
     EXPECT_TRUE(pair.sender.Outcome() != Outcome::Success || whole.size() == 2) << "seed " << seed;
-    const bool mayFail = kind == kCut || kind == kKilled || kind == kDiskFull;
+    const bool mayFail = kind == Cut || kind == Killed || kind == DiskFull;
     if (!mayFail) {
         EXPECT_EQ(pair.sender.Outcome(), Outcome::Success)
             << "seed " << seed << ": " << pair.sender.Reason();
         EXPECT_EQ(pair.receiver.Outcome(), Outcome::Success)
             << "seed " << seed << ": " << pair.receiver.Reason();
     }
-    EXPECT_TRUE(kind != kDiskFull || whole.empty()) << "seed " << seed;
+    EXPECT_TRUE(kind != DiskFull || whole.empty()) << "seed " << seed;
     faults += pair.rig.Forth().Faults() + pair.rig.Back().Faults() + (mayFail ? 1 : 0);
 }
 
@@ -107,7 +107,7 @@ TEST(TransferFaults, KermitSurvivesWhatLinesDo) {
 // It ends at the first fault, so each file has only so many.
 TEST(TransferFaults, StreamingKermitSurvivesWhatLinesDo) {
     KermitOptions options;
-    options.bReliable = true;
+    options.reliable = true;
     std::uint64_t faults = 0;
     for (std::uint64_t seed = FirstSeed(); faults < FaultsWanted(); ++seed) {
         Survive<KPair>(seed, faults, options, options);

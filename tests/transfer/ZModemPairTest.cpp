@@ -119,9 +119,9 @@ TEST(ZModemPair, EscapesEveryControlCharacterWhenEitherSideSaysSo) {
     for (const bool sending : {false, true}) {
         const std::string content = RandomBytes(5000, 5);
         ZModemSenderOptions options;
-        options.bEscapeControls = sending;
+        options.escapeControls = sending;
         ZModemReceiverOptions receiving;
-        receiving.bEscapeControls = !sending;
+        receiving.escapeControls = !sending;
         ZPair pair({{"a.bin", content}}, PacedLine(), 1, options, receiving);
         ASSERT_TRUE(pair.rig.Run(60s));
         EXPECT_TRUE(pair.Carried(content));
@@ -133,7 +133,7 @@ TEST(ZModemPair, EscapesEveryControlCharacterWhenEitherSideSaysSo) {
 TEST(ZModemPair, UsesShortSumsWhenTheReceiverKnowsNoOthers) {
     const std::string content = RandomBytes(5000, 5);
     ZModemReceiverOptions options;
-    options.bCrc32 = false;
+    options.crc32 = false;
     ZPair pair({{"a.bin", content}}, PacedLine(), 1, {}, options);
     ASSERT_TRUE(pair.rig.Run(60s));
     EXPECT_TRUE(pair.Carried(content));

@@ -8,9 +8,9 @@ namespace qncomm::transfer::testing {
 
 // What the sending side is told.
 struct ZModemSetting {
-    bool bEscape;
-    bool bLong;
-    bool bWindow;
+    bool escape;
+    bool longPackets;
+    bool window;
 };
 
 namespace {
@@ -18,8 +18,8 @@ namespace {
 using namespace std::chrono_literals;
 
 // What a run may take; the machine may be busy with others.
-constexpr Time kLimit = 300s;
-constexpr int kWindow = 4096; // bytes
+constexpr Time Limit = 300s;
+constexpr int Window = 4096; // bytes
 
 std::vector<ZModemSetting> Settings() {
     std::vector<ZModemSetting> settings;
@@ -33,8 +33,8 @@ std::vector<ZModemSetting> Settings() {
 } // namespace
 
 void PrintTo(const ZModemSetting& setting, std::ostream* out) {
-    *out << (setting.bEscape ? "all controls escaped, " : "") << (setting.bLong ? "8" : "1")
-         << " KiB" << (setting.bWindow ? ", a window" : "");
+    *out << (setting.escape ? "all controls escaped, " : "") << (setting.longPackets ? "8" : "1")
+         << " KiB" << (setting.window ? ", a window" : "");
 }
 
 class ZModemPeers : public ::testing::TestWithParam<ZModemSetting> {};
@@ -45,17 +45,17 @@ TEST_P(ZModemPeers, ReceiveWhatIsSent) {
     for (const bool asked : {false, true}) {
         const ScratchFolder folder;
         std::vector<std::string> command = {"rz", "-b", "-q"};
-        if (asked && GetParam().bEscape) command.emplace_back("-e");
-        if (asked && GetParam().bWindow)
-            command.insert(command.end(), {"-w", std::to_string(kWindow)});
+        if (asked && GetParam().escape) command.emplace_back("-e");
+        if (asked && GetParam().window)
+            command.insert(command.end(), {"-w", std::to_string(Window)});
         PeerProcess peer(command, folder.Path());
         ZModemSenderOptions options;
-        options.bEscapeControls = !asked && GetParam().bEscape;
-        options.subpacket = GetParam().bLong ? 8192 : 1024;
-        options.window = !asked && GetParam().bWindow ? kWindow : 0;
+        options.escapeControls = !asked && GetParam().escape;
+        options.subpacket = GetParam().longPackets ? 8192 : 1024;
+        options.window = !asked && GetParam().window ? Window : 0;
         ZModemSender sender(options);
         MemorySource source(KeptFiles());
-        EXPECT_TRUE(RunAgainst(sender, &source, nullptr, peer, kLimit));
+        EXPECT_TRUE(RunAgainst(sender, &source, nullptr, peer, Limit));
         EXPECT_EQ(sender.Outcome(), Outcome::Success) << sender.Reason();
         EXPECT_EQ(sender.Progress().repairs, 0U);
         ExpectArrived(folder, KeptFiles());
@@ -66,20 +66,20 @@ TEST_P(ZModemPeers, SendWhatIsReceived) {
     if (!PeersAreInstalled({"sz"})) return;
     const ScratchFolder folder;
     std::vector<std::string> command = {"sz", "-b", "-q"};
-    if (GetParam().bEscape) command.emplace_back("-e");
-    if (GetParam().bLong) command.emplace_back("-8");
-    if (GetParam().bWindow) command.insert(command.end(), {"-w", std::to_string(kWindow)});
+    if (GetParam().escape) command.emplace_back("-e");
+    if (GetParam().longPackets) command.emplace_back("-8");
+    if (GetParam().window) command.insert(command.end(), {"-w", std::to_string(Window)});
     for (const auto& file : KeptFiles()) {
-        folder.Write(file.sName, file.content);
-        command.push_back(file.sName);
+        folder.Write(file.name, file.content);
+        command.push_back(file.name);
     }
     PeerProcess peer(command, folder.Path());
     ZModemReceiver receiver;
     MemorySink sink;
-    EXPECT_TRUE(RunAgainst(receiver, nullptr, &sink, peer, kLimit));
+    EXPECT_TRUE(RunAgainst(receiver, nullptr, &sink, peer, Limit));
     EXPECT_EQ(receiver.Outcome(), Outcome::Success) << receiver.Reason();
     // A window that holds no whole subpacket stops sz until it is asked again, by whomever.
-    if (!GetParam().bLong || !GetParam().bWindow) {
+    if (!GetParam().longPackets || !GetParam().window) {
         EXPECT_EQ(receiver.Progress().repairs, 0U);
     }
     ExpectReceived(sink, KeptFiles());

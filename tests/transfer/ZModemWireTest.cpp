@@ -45,14 +45,14 @@ std::vector<std::string> Seen(std::initializer_list<std::string_view> pieces) {
 TEST(Crc, HasThePublishedCheckValues) {
     EXPECT_EQ(Crc16High(0, "123456789"), 0x31C3);
     EXPECT_EQ(Crc16Low(0, "123456789"), 0x2189);
-    EXPECT_EQ(~Crc32(kCrc32Start, "123456789"), 0xCBF43926U);
+    EXPECT_EQ(~Crc32(Crc32Start, "123456789"), 0xCBF43926U);
 }
 
 TEST(Crc, IsTheSameInOnePieceAndInTwo) {
     const std::string_view bytes = "The quick brown fox";
     for (std::size_t cut = 0; cut <= bytes.size(); ++cut) {
-        EXPECT_EQ(Crc32(Crc32(kCrc32Start, bytes.substr(0, cut)), bytes.substr(cut)),
-                  Crc32(kCrc32Start, bytes));
+        EXPECT_EQ(Crc32(Crc32(Crc32Start, bytes.substr(0, cut)), bytes.substr(cut)),
+                  Crc32(Crc32Start, bytes));
     }
 }
 
@@ -68,7 +68,7 @@ TEST(ZModemWire, WritesTheHexHeadersThatEveryProgramKnows) {
 TEST(ZModemWire, EscapesWhatLinesEat) {
     std::string out;
     ZModemWriter writer;
-    writer.Subpacket(out, std::string_view("a\x10\x11\x13\x18\x90\x91\x93@\r", 10), zm::kEndFrame);
+    writer.Subpacket(out, std::string_view("a\x10\x11\x13\x18\x90\x91\x93@\r", 10), zm::EndFrame);
     EXPECT_EQ(out.substr(0, 18),
               "a\x18\x50\x18\x51\x18\x53\x18\x58\x18\xD0\x18\xD1\x18\xD3@\x18\x4D");
     EXPECT_EQ(out.substr(18, 2), "\x18h");
@@ -82,9 +82,9 @@ TEST(ZModemWire, EscapesEveryControlCharacterWhenTold) {
     for (int c = 0; c < 256; ++c) {
         all.push_back(static_cast<char>(c));
     }
-    writer.Subpacket(out, all, zm::kEndFrame);
+    writer.Subpacket(out, all, zm::EndFrame);
     for (const char c : out) {
-        EXPECT_TRUE((c & 0x60) != 0 || c == zm::kDle) << static_cast<int>(c);
+        EXPECT_TRUE((c & 0x60) != 0 || c == zm::Dle) << static_cast<int>(c);
     }
 }
 
@@ -95,10 +95,10 @@ TEST(ZModemWire, IsReadTheSameHoweverItIsCut) {
         std::string line = "noise*\x18";
         writer.Hex(line, ZModemHeader::At(zm::RPos, 70000));
         writer.Binary(line, ZModemHeader::At(zm::Data, 0x11131810));
-        writer.Subpacket(line, "abc\x18\x11", zm::kEndGo);
-        writer.Subpacket(line, "", zm::kEndFrame);
+        writer.Subpacket(line, "abc\x18\x11", zm::EndGo);
+        writer.Subpacket(line, "", zm::EndFrame);
         writer.Hex(line, ZModemHeader::At(zm::SInit, 0));
-        ZModemWriter().Subpacket(line, "attn", zm::kEndWait);
+        ZModemWriter().Subpacket(line, "attn", zm::EndWait);
         line += "OO";
         const auto whole = Seen({line});
         ASSERT_EQ(whole.size(), 7U);
@@ -117,7 +117,7 @@ TEST(ZModemWire, EveryFlippedBitIsFound) {
     writer.UseCrc32(true);
     std::string line;
     writer.Binary(line, ZModemHeader::At(zm::Data, 5));
-    writer.Subpacket(line, "content", zm::kEndFrame);
+    writer.Subpacket(line, "content", zm::EndFrame);
     for (std::size_t bit = 0; bit < line.size() * 8; ++bit) {
         std::string damaged = line;
         damaged[bit / 8] = static_cast<char>(damaged[bit / 8] ^ (1 << (bit % 8)));
@@ -139,19 +139,19 @@ TEST(ZModemWire, FiveCansCancelAnywhere) {
 TEST(ZModemWire, ASubpacketWithoutEndIsDamage) {
     std::string line;
     ZModemWriter().Binary(line, ZModemHeader::At(zm::Data, 0));
-    line.append(ZModemReader::kMaxSubpacket + 1, 'x');
+    line.append(ZModemReader::MaxSubpacket + 1, 'x');
     EXPECT_EQ(Seen({line}).back(), "other 4");
 }
 
 TEST(ZModemFileInfo, ComesBackAsItWasWritten) {
     FileInfo file;
-    file.sName = "a name.bin";
+    file.name = "a name.bin";
     file.size = 123456789;
     file.modified = 1700000000;
     file.mode = 0640;
     file.filesLeft = 3;
     const FileInfo read = ReadZModemFileInfo(WriteZModemFileInfo(file));
-    EXPECT_EQ(read.sName, file.sName);
+    EXPECT_EQ(read.name, file.name);
     EXPECT_EQ(read.size, file.size);
     EXPECT_EQ(read.modified, file.modified);
     EXPECT_EQ(read.mode, file.mode);
@@ -159,7 +159,7 @@ TEST(ZModemFileInfo, ComesBackAsItWasWritten) {
 }
 
 TEST(ZModemFileInfo, TakesWhatIsThereAndNoMore) {
-    EXPECT_EQ(ReadZModemFileInfo("bare").sName, "bare");
+    EXPECT_EQ(ReadZModemFileInfo("bare").name, "bare");
     const FileInfo file = ReadZModemFileInfo(std::string_view("n\0 12 junk\0", 11));
     EXPECT_EQ(file.size, 12U);
     EXPECT_FALSE(file.modified);

@@ -33,7 +33,7 @@ struct Command {
 
 using CommandTable = std::vector<Command>;
 
-// The families, each in a file of its own.
+/// The families, each in a file of its own.
 CommandTable PortCommands();
 CommandTable ConnectionCommands();
 CommandTable LineCommands();

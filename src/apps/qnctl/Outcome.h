@@ -35,7 +35,7 @@ inline Outcome Refused(ExitStatus status, std::string message) {
 
 /// An error of the system as the program tells it.
 inline Outcome OutcomeOf(const qncomm::QNError& error) {
-    constexpr std::int32_t firstOfPort = 8000; // below are files, such as a capture's
+    constexpr std::int32_t firstOfPort = 8000; ///< below are files, such as a capture's
     const bool port = error.Source() == "PDQComm" && error.Number() >= firstOfPort;
     return {port ? ExitStatus::PortUnavailable : ExitStatus::Error, error.Number(), error.Source(),
             error.Description()};

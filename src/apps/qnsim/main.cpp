@@ -15,9 +15,9 @@
 namespace qnsim {
 namespace {
 
-constexpr int exitOtherwise = 1; // a replayed session went otherwise than recorded
-constexpr int exitUsage = 2;
-constexpr int exitNoEndpoint = 4;
+constexpr int ExitOtherwise = 1; // a replayed session went otherwise than recorded
+constexpr int ExitUsage = 2;
+constexpr int ExitNoEndpoint = 4;
 
 struct Arguments {
     std::vector<std::pair<std::string, std::string>> options; // name and value, as in an address
@@ -39,7 +39,7 @@ struct ValueOption {
     const char* help;
 };
 
-constexpr std::array<ValueOption, 9> valueOptions{{
+constexpr std::array<ValueOption, 9> ValueOptions{{
     {"--model", "model", "R7A R7B R7C R7D R7E R7F R7EZV R7FZV R7G or R7H (default R7G)"},
     {"--baud", "baud", "the printer's baud rate (default 9600)"},
     {"--format", "format", "parity, data bits, stop bits (default n,8,2)"},
@@ -52,7 +52,7 @@ constexpr std::array<ValueOption, 9> valueOptions{{
 }};
 
 void Declare(CLI::App& app, Arguments& arguments) {
-    for (const ValueOption& option : valueOptions) {
+    for (const ValueOption& option : ValueOptions) {
         app.add_option_function<std::string>(
             option.flag,
             [&arguments, name = std::string(option.name)](const std::string& value) {
@@ -137,20 +137,20 @@ int Replay(const Arguments& arguments) {
     qncomm::TraceReading reading = qncomm::ReadTrace(arguments.replay);
     if (!reading.result.Ok()) {
         std::cerr << "qnsim: " << arguments.replay << ": " << reading.result.text << '\n';
-        return exitUsage;
+        return ExitUsage;
     }
     const Descriptor stop(StopSignals());
     const OpenedEndpoint opened = OpenEndpoint(arguments);
     if (!opened.endpoint) {
         std::cerr << "qnsim: " << opened.error << '\n';
-        return exitNoEndpoint;
+        return ExitNoEndpoint;
     }
     std::cout << opened.endpoint->Address() << std::endl;
     TracePlayer player(std::move(reading.records), arguments.replayDelays);
     const std::string ended = ReplayServer(player, *opened.endpoint, stop.Get()).Run();
     if (ended.empty()) return 0;
     std::cerr << "qnsim: " << arguments.replay << ": " << ended << '\n';
-    return exitOtherwise;
+    return ExitOtherwise;
 }
 
 int Serve(const Options& options, const Arguments& arguments) {
@@ -158,12 +158,12 @@ int Serve(const Options& options, const Arguments& arguments) {
     const OpenedEndpoint opened = OpenEndpoint(arguments);
     if (!opened.endpoint) {
         std::cerr << "qnsim: " << opened.error << '\n';
-        return exitNoEndpoint;
+        return ExitNoEndpoint;
     }
     VirtualPrinter printer(options);
     if (!printer.Problem().empty()) {
         std::cerr << "qnsim: " << printer.Problem() << '\n';
-        return exitNoEndpoint;
+        return ExitNoEndpoint;
     }
     std::cout << opened.endpoint->Address() << std::endl;
     const bool stopped = PrinterServer(printer, *opened.endpoint, stop.Get()).Run();
@@ -180,13 +180,13 @@ int Run(int argc, char** argv) {
     try {
         app.parse(argc, argv);
     } catch (const CLI::ParseError& error) {
-        return app.exit(error) == 0 ? 0 : exitUsage;
+        return app.exit(error) == 0 ? 0 : ExitUsage;
     }
     if (!arguments.replay.empty()) return Replay(arguments);
     const ParseResult parsed = ReadOptions(arguments);
     if (parsed.options) return Serve(*parsed.options, arguments);
     std::cerr << "qnsim: " << parsed.error << '\n';
-    return exitUsage;
+    return ExitUsage;
 }
 
 } // namespace

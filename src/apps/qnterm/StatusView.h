@@ -33,7 +33,7 @@ class StatusView final : public QObject {
     /// A message that stands for a while.
     void Say(const QString& sText);
 
-    // What is shown now.
+    /// What is shown now.
     QString PortText() const;
     QString Message() const;
     bool OffersCancel() const;

@@ -118,13 +118,13 @@ class TerminalView : public QAbstractScrollArea {
     struct Parts;
     struct Command;
 
-    // TerminalView.cpp
+    /// TerminalView.cpp
     void UseFont();
     void ShowFrame();
     void TrackContent(const terminal::Damage& damage, bool renumbered);
     void PlaceSearchBar();
     void Ring();
-    // TerminalViewScroll.cpp
+    /// TerminalViewScroll.cpp
     void LayOut();
     void FollowCursor();
     void ScrollTo(std::uint64_t top, bool byPerson);
@@ -133,18 +133,18 @@ class TerminalView : public QAbstractScrollArea {
     void UpdateCursorCell();
     std::uint64_t LastTop() const;
     void PageBy(int pages);
-    // TerminalViewPaint.cpp
+    /// TerminalViewPaint.cpp
     void PaintRows(QPainter& painter, const QRect& exposed);
     void PaintCursor(QPainter& painter);
     void PaintPlaceholder(QPainter& painter);
     void RestartBlink();
     void Blink();
-    // TerminalViewKeys.cpp
+    /// TerminalViewKeys.cpp
     static const Command* CommandFor(const QKeyEvent& event);
     bool TakesKey(const QKeyEvent& event) const;
     void TypeBytes(std::string_view bytes);
     bool Find(const QString& text, bool forward);
-    // TerminalViewMouse.cpp
+    /// TerminalViewMouse.cpp
     void DragTo(const QPoint& at);
 
     std::unique_ptr<Parts> mParts;

@@ -22,14 +22,14 @@ struct TerminalView::Parts {
     TerminalText text;
     ScreenReaderText readers;
 
-    // How it looks.
+    /// How it looks.
     CellFont font;
     CellColours colours;
     terminal::TerminalAppearance shown; ///< what font and colours were made from
     qreal devicePixels = 0;
     int zoom = 0;
 
-    // What is in view.
+    /// What is in view.
     std::uint64_t top = 0;
     std::size_t left = 0;
     int rows = 1; ///< whole ones
@@ -42,7 +42,7 @@ struct TerminalView::Parts {
     std::optional<std::uint64_t> typedOn; ///< the line that the person types on
     TextPosition cursor;                  ///< where it was painted
 
-    // What the person does.
+    /// What the person does.
     TerminalSelection selection;
     bool dragging = false;
     QPoint dragAt;
@@ -52,7 +52,7 @@ struct TerminalView::Parts {
     QString preedit;
     SearchBar* search = nullptr;
 
-    // Time.
+    /// Time.
     QBasicTimer frameTimer;
     QBasicTimer blinkTimer;
     QBasicTimer bellTimer;

@@ -15,7 +15,7 @@ class QNCommWidget::Surroundings final : public ControlHost,
   public:
     explicit Surroundings(QNCommWidget& widget) : mWidget(widget) {}
 
-    // ControlHost
+    /// ControlHost
     bool UserMode() const override;
     void PropertyChanged(std::string_view sName) override;
     void SetAlign(std::int16_t iAlign) override;
@@ -25,7 +25,7 @@ class QNCommWidget::Surroundings final : public ControlHost,
     std::int32_t ParentScaleHeight() const override;
     std::vector<std::shared_ptr<ContainerControl>> ParentControls() override;
 
-    // ControlWindow
+    /// ControlWindow
     std::int32_t ScaleWidth() const override;
     std::int32_t ScaleHeight() const override;
     std::int32_t TitleHeight() const override;
@@ -35,13 +35,13 @@ class QNCommWidget::Surroundings final : public ControlHost,
     void ShowPopUpMenu(const PopUpMenu& menu) override;
     void SetHelpFile(std::string_view sPath) override;
 
-    // TerminalGlass
+    /// TerminalGlass
     void SetFocus() override;
     void Move(const Rectangle& place) override;
     void Changed() override;
     void CaptureFailed(const std::string& sPath, const std::string& sReason) override;
 
-    // TerminalInput
+    /// TerminalInput
     bool KeyDown(const KeyStroke& stroke) override;
     void FunctionKey(std::int32_t lKey) override;
     bool Type(std::string_view sBytes) override;

@@ -1,5 +1,6 @@
-// The clock that the servers run on, and how they sleep.
 #pragma once
+
+// The clock that the servers run on, and how they sleep.
 
 #include "simulator/Options.h"
 

@@ -9,46 +9,46 @@ namespace qnsim {
 namespace {
 
 // Telnet's commands.
-constexpr unsigned char cmdEnd = 240;
-constexpr unsigned char cmdBreak = 243;
-constexpr unsigned char cmdBegin = 250;
-constexpr unsigned char cmdWill = 251;
-constexpr unsigned char cmdWont = 252;
-constexpr unsigned char cmdDo = 253;
-constexpr unsigned char cmdDont = 254;
-constexpr unsigned char cmdEscape = 255;
+constexpr unsigned char CmdEnd = 240;
+constexpr unsigned char CmdBreak = 243;
+constexpr unsigned char CmdBegin = 250;
+constexpr unsigned char CmdWill = 251;
+constexpr unsigned char CmdWont = 252;
+constexpr unsigned char CmdDo = 253;
+constexpr unsigned char CmdDont = 254;
+constexpr unsigned char CmdEscape = 255;
 
 // Its options that a serial port has a use for.
-constexpr unsigned char optBinary = 0;
-constexpr unsigned char optEcho = 1;
-constexpr unsigned char optNoGoAhead = 3;
-constexpr unsigned char optComPort = 44;
+constexpr unsigned char OptBinary = 0;
+constexpr unsigned char OptEcho = 1;
+constexpr unsigned char OptNoGoAhead = 3;
+constexpr unsigned char OptComPort = 44;
 
 struct KnownOption {
     unsigned char option;
     bool ours;  // we may do it: the printer itself echoes
     bool hosts; // the host may
 };
-constexpr std::array<KnownOption, 4> knownOptions{{{optBinary, true, true},
-                                                   {optEcho, true, false},
-                                                   {optNoGoAhead, true, true},
-                                                   {optComPort, true, true}}};
+constexpr std::array<KnownOption, 4> KnownOptions{{{OptBinary, true, true},
+                                                   {OptEcho, true, false},
+                                                   {OptNoGoAhead, true, true},
+                                                   {OptComPort, true, true}}};
 
 // Values of the remote port's requests.
-constexpr unsigned char answerOffset = 100;
-constexpr unsigned char notifyLineState = 106;
-constexpr unsigned char notifyModemState = 107;
-constexpr unsigned char requestControl = 5;
-constexpr std::array<char, 5> parities{'n', 'o', 'e', 'm', 's'}; // counted from 1
-constexpr std::array<int, 10> bauds{300, 600, 1200, 2400, 4800, 9600, 19200, 38400, 57600, 115200};
-constexpr unsigned char frameError = 0x08;
-constexpr unsigned char parityError = 0x04;
-constexpr unsigned char modemDsr = 0x20;
-constexpr unsigned char modemCts = 0x10;
-constexpr unsigned char changedDsr = 0x02;
-constexpr unsigned char changedCts = 0x01;
+constexpr unsigned char AnswerOffset = 100;
+constexpr unsigned char NotifyLineState = 106;
+constexpr unsigned char ModemStateNotice = 107;
+constexpr unsigned char RequestControl = 5;
+constexpr std::array<char, 5> Parities{'n', 'o', 'e', 'm', 's'}; // counted from 1
+constexpr std::array<int, 10> Bauds{300, 600, 1200, 2400, 4800, 9600, 19200, 38400, 57600, 115200};
+constexpr unsigned char FrameError = 0x08;
+constexpr unsigned char ParityError = 0x04;
+constexpr unsigned char ModemDsr = 0x20;
+constexpr unsigned char ModemCts = 0x10;
+constexpr unsigned char ChangedDsr = 0x02;
+constexpr unsigned char ChangedCts = 0x01;
 
-constexpr std::size_t longestParameters = 512;
+constexpr std::size_t LongestParameters = 512;
 
 unsigned char First(std::string_view value) {
     return value.empty() ? 0 : static_cast<unsigned char>(value.front());
@@ -79,7 +79,7 @@ std::vector<HostAction> ComPortServer::Receive(std::string_view bytes) {
 void ComPortServer::Take(unsigned char byte) {
     switch (mState) {
     case State::Data:
-        if (byte == cmdEscape)
+        if (byte == CmdEscape)
             mState = State::Command;
         else
             TakeData(byte);
@@ -92,16 +92,16 @@ void ComPortServer::Take(unsigned char byte) {
         TakeOption(byte);
         return;
     case State::Parameters:
-        if (byte == cmdEscape)
+        if (byte == CmdEscape)
             mState = State::ParametersCommand;
         else
             TakeParameter(byte);
         return;
     case State::ParametersCommand:
         mState = State::Parameters;
-        if (byte == cmdEscape) {
+        if (byte == CmdEscape) {
             TakeParameter(byte);
-        } else if (byte == cmdEnd) {
+        } else if (byte == CmdEnd) {
             EndParameters();
         } else { // another command where only these two can stand: the parameters are lost
             TakeCommand(byte);
@@ -123,21 +123,21 @@ void ComPortServer::TakeData(unsigned char byte) {
 void ComPortServer::TakeCommand(unsigned char byte) {
     mState = State::Data;
     switch (byte) {
-    case cmdEscape:
+    case CmdEscape:
         TakeData(byte);
         return;
-    case cmdWill:
-    case cmdWont:
-    case cmdDo:
-    case cmdDont:
+    case CmdWill:
+    case CmdWont:
+    case CmdDo:
+    case CmdDont:
         mVerb = byte;
         mState = State::Option;
         return;
-    case cmdBegin:
+    case CmdBegin:
         mParameters.clear();
         mState = State::Parameters;
         return;
-    case cmdBreak:
+    case CmdBreak:
         Happened(HostAction::Kind::Break);
         return;
     default:
@@ -146,34 +146,34 @@ void ComPortServer::TakeCommand(unsigned char byte) {
 }
 
 void ComPortServer::TakeOption(unsigned char option) {
-    const bool ours = mVerb == cmdDo || mVerb == cmdDont;
-    const bool on = mVerb == cmdDo || mVerb == cmdWill;
-    const unsigned char yes = ours ? cmdWill : cmdDo;
-    const unsigned char no = ours ? cmdWont : cmdDont;
+    const bool ours = mVerb == CmdDo || mVerb == CmdDont;
+    const bool on = mVerb == CmdDo || mVerb == CmdWill;
+    const unsigned char yes = ours ? CmdWill : CmdDo;
+    const unsigned char no = ours ? CmdWont : CmdDont;
     const auto* known =
-        std::find_if(knownOptions.begin(), knownOptions.end(),
+        std::find_if(KnownOptions.begin(), KnownOptions.end(),
                      [option](const KnownOption& entry) { return entry.option == option; });
-    const bool may = known != knownOptions.end() && (ours ? known->ours : known->hosts);
+    const bool may = known != KnownOptions.end() && (ours ? known->ours : known->hosts);
     if (!may) {
         if (on)
             mOutput +=
-                {static_cast<char>(cmdEscape), static_cast<char>(no), static_cast<char>(option)};
+                {static_cast<char>(CmdEscape), static_cast<char>(no), static_cast<char>(option)};
         return;
     }
     // What is so already is not said again: else two sides could go on for ever.
-    const unsigned bit = 1U << static_cast<unsigned>(known - knownOptions.begin());
+    const unsigned bit = 1U << static_cast<unsigned>(known - KnownOptions.begin());
     unsigned& options = mOptionsOn.at(ours ? 0 : 1);
     if (((options & bit) != 0) == on) return;
     options ^= bit;
     mOutput +=
-        {static_cast<char>(cmdEscape), static_cast<char>(on ? yes : no), static_cast<char>(option)};
-    if (option == optBinary) (ours ? mBinaryToHost : mBinaryFromHost) = on;
-    if (option != optComPort || !on || std::exchange(mRemoteControl, true)) return;
+        {static_cast<char>(CmdEscape), static_cast<char>(on ? yes : no), static_cast<char>(option)};
+    if (option == OptBinary) (ours ? mBinaryToHost : mBinaryFromHost) = on;
+    if (option != OptComPort || !on || std::exchange(mRemoteControl, true)) return;
     NotifyModemState(0);
 }
 
 void ComPortServer::TakeParameter(unsigned char byte) {
-    if (mParameters.size() <= longestParameters) mParameters += static_cast<char>(byte);
+    if (mParameters.size() <= LongestParameters) mParameters += static_cast<char>(byte);
 }
 
 void ComPortServer::EndParameters() {
@@ -190,8 +190,8 @@ void ComPortServer::EndParameters() {
                                                        {12, &ComPortServer::Purge}}};
     mState = State::Data;
     const std::string parameters = std::exchange(mParameters, {});
-    if (parameters.size() < 2 || parameters.size() > longestParameters) return;
-    if (First(parameters) != optComPort) return;
+    if (parameters.size() < 2 || parameters.size() > LongestParameters) return;
+    if (First(parameters) != OptComPort) return;
     const std::string_view value = std::string_view(parameters).substr(2);
     const auto number = static_cast<unsigned char>(parameters[1]);
     for (const Command& command : commands)
@@ -204,10 +204,10 @@ void ComPortServer::SetBaud(std::string_view value) {
     std::uint32_t wanted = 0;
     for (const char byte : value.substr(0, 4))
         wanted = wanted << 8U | static_cast<unsigned char>(byte);
-    const auto* found = std::find_if(bauds.begin(), bauds.end(), [wanted](int baud) {
+    const auto* found = std::find_if(Bauds.begin(), Bauds.end(), [wanted](int baud) {
         return static_cast<std::uint32_t>(baud) == wanted;
     });
-    if (value.size() == 4 && found != bauds.end()) {
+    if (value.size() == 4 && found != Bauds.end()) {
         mFormat.baud = *found;
         Happened(HostAction::Kind::Format);
     }
@@ -225,12 +225,12 @@ void ComPortServer::SetDataBits(std::string_view value) {
 
 void ComPortServer::SetParity(std::string_view value) {
     const unsigned char code = First(value);
-    if (code >= 1 && code <= parities.size()) {
-        mFormat.parity = parities.at(code - 1U);
+    if (code >= 1 && code <= Parities.size()) {
+        mFormat.parity = Parities.at(code - 1U);
         Happened(HostAction::Kind::Format);
     }
-    const auto* now = std::find(parities.begin(), parities.end(), *mFormat.parity);
-    Answer(3, static_cast<unsigned char>(now - parities.begin() + 1));
+    const auto* now = std::find(Parities.begin(), Parities.end(), *mFormat.parity);
+    Answer(3, static_cast<unsigned char>(now - Parities.begin() + 1));
 }
 
 void ComPortServer::SetStopBits(std::string_view value) {
@@ -268,7 +268,7 @@ void ComPortServer::SetFlow(unsigned char value) {
     } else if (incoming && value != inQuery) {
         mFlowIn = value;
     }
-    Answer(requestControl, incoming ? mFlowIn : mFlow);
+    Answer(RequestControl, incoming ? mFlowIn : mFlow);
 }
 
 void ComPortServer::SetBreak(unsigned char value) {
@@ -276,7 +276,7 @@ void ComPortServer::SetBreak(unsigned char value) {
     constexpr unsigned char off = 6;
     if (value == on && !mBreak) Happened(HostAction::Kind::Break);
     if (value == on || value == off) mBreak = value == on;
-    Answer(requestControl, mBreak ? on : off);
+    Answer(RequestControl, mBreak ? on : off);
 }
 
 void ComPortServer::SetLine(unsigned char value, unsigned char on, bool& line) {
@@ -285,7 +285,7 @@ void ComPortServer::SetLine(unsigned char value, unsigned char on, bool& line) {
         line = value == on;
         Happened(HostAction::Kind::Lines);
     }
-    Answer(requestControl, line ? on : off);
+    Answer(RequestControl, line ? on : off);
 }
 
 void ComPortServer::Sign(std::string_view value) {
@@ -319,10 +319,10 @@ void ComPortServer::Purge(std::string_view value) {
 }
 
 void ComPortServer::Answer(unsigned char command, std::string_view value) {
-    mOutput += {static_cast<char>(cmdEscape), static_cast<char>(cmdBegin),
-                static_cast<char>(optComPort), static_cast<char>(command + answerOffset)};
+    mOutput += {static_cast<char>(CmdEscape), static_cast<char>(CmdBegin),
+                static_cast<char>(OptComPort), static_cast<char>(command + AnswerOffset)};
     AppendEscaped(value);
-    mOutput += {static_cast<char>(cmdEscape), static_cast<char>(cmdEnd)};
+    mOutput += {static_cast<char>(CmdEscape), static_cast<char>(CmdEnd)};
 }
 
 void ComPortServer::Answer(unsigned char command, unsigned char value) {
@@ -333,7 +333,7 @@ void ComPortServer::Answer(unsigned char command, unsigned char value) {
 // -- To the host
 
 void ComPortServer::ShowLines(bool dsr, bool cts) {
-    const unsigned changed = (dsr != mDsr ? changedDsr : 0U) | (cts != mCts ? changedCts : 0U);
+    const unsigned changed = (dsr != mDsr ? ChangedDsr : 0U) | (cts != mCts ? ChangedCts : 0U);
     mDsr = dsr;
     mCts = cts;
     if ((changed & mModemMask) != 0 && mRemoteControl)
@@ -341,14 +341,14 @@ void ComPortServer::ShowLines(bool dsr, bool cts) {
 }
 
 void ComPortServer::ShowErrors(const HostErrors& errors) {
-    const unsigned state = (errors.frame ? frameError : 0U) | (errors.parity ? parityError : 0U);
+    const unsigned state = (errors.frame ? FrameError : 0U) | (errors.parity ? ParityError : 0U);
     const auto told = static_cast<unsigned char>(state & mLineMask);
-    if (told != 0 && mRemoteControl) Answer(notifyLineState - answerOffset, told);
+    if (told != 0 && mRemoteControl) Answer(NotifyLineState - AnswerOffset, told);
 }
 
 void ComPortServer::NotifyModemState(unsigned char changed) {
-    const unsigned state = (mDsr ? modemDsr : 0U) | (mCts ? modemCts : 0U) | changed;
-    Answer(notifyModemState - answerOffset, static_cast<unsigned char>(state & mModemMask));
+    const unsigned state = (mDsr ? ModemDsr : 0U) | (mCts ? ModemCts : 0U) | changed;
+    Answer(ModemStateNotice - AnswerOffset, static_cast<unsigned char>(state & mModemMask));
 }
 
 void ComPortServer::Send(std::string_view bytes) {
@@ -366,7 +366,7 @@ void ComPortServer::Send(std::string_view bytes) {
 void ComPortServer::AppendEscaped(std::string_view bytes) {
     for (const char byte : bytes) {
         mOutput += byte;
-        if (static_cast<unsigned char>(byte) == cmdEscape) mOutput += byte;
+        if (static_cast<unsigned char>(byte) == CmdEscape) mOutput += byte;
     }
 }
 

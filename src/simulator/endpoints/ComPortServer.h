@@ -1,5 +1,6 @@
-// The server's side of a remote serial port (RFC 2217).
 #pragma once
+
+// The server's side of a remote serial port (RFC 2217).
 
 #include "HostAction.h"
 #include "simulator/VirtualPrinter.h"
@@ -74,12 +75,12 @@ class ComPortServer {
     State mState = State::Data;
     unsigned char mVerb = 0;
     std::string mParameters;
-    bool mAfterReturn = false;    // the last byte from the host was a CR
-    bool mSentReturn = false;     // the last byte to the host was one
-    bool mBinaryFromHost = false; // both directions start as lines of text
+    bool mAfterReturn = false;    ///< the last byte from the host was a CR
+    bool mSentReturn = false;     ///< the last byte to the host was one
+    bool mBinaryFromHost = false; ///< both directions start as lines of text
     bool mBinaryToHost = false;
-    bool mRemoteControl = false;          // the host speaks of the port's settings
-    std::array<unsigned, 2> mOptionsOn{}; // ours and the host's: a bit for each known option
+    bool mRemoteControl = false;          ///< the host speaks of the port's settings
+    std::array<unsigned, 2> mOptionsOn{}; ///< ours and the host's: a bit for each known option
 
     LineFormat mFormat{9600, 8, 1, 'n'};
     unsigned char mFlow = 1;

@@ -1,5 +1,6 @@
-// Where a host reaches the printer from outside the process.
 #pragma once
+
+// Where a host reaches the printer from outside the process.
 
 #include "HostAction.h"
 #include "simulator/VirtualPrinter.h"

@@ -1,5 +1,6 @@
-// What a host does at its end of the line.
 #pragma once
+
+// What a host does at its end of the line.
 
 #include "simulator/Options.h"
 
@@ -9,12 +10,12 @@ namespace qnsim {
 
 struct HostAction {
     enum class Kind {
-        Bytes,        // sends text
-        Format,       // has set its line to format
-        Lines,        // holds DTR and RTS as told
-        Break,        // begins a break
-        DropSent,     // takes back what has not reached the printer
-        DropReceived, // drops what the printer has sent and the host has not got
+        Bytes,        ///< sends text
+        Format,       ///< has set its line to format
+        Lines,        ///< holds DTR and RTS as told
+        Break,        ///< begins a break
+        DropSent,     ///< takes back what has not reached the printer
+        DropReceived, ///< drops what the printer has sent and the host has not got
     };
     Kind kind = Kind::Bytes;
     std::string text;

@@ -7,9 +7,9 @@
 namespace qnsim {
 namespace {
 
-constexpr std::size_t pieceSize = 64UL * 1024;
-constexpr std::size_t backlogLimit = 64UL * 1024;
-constexpr std::size_t wireLimit = 128; // of a paced line
+constexpr std::size_t PieceSize = 64UL * 1024;
+constexpr std::size_t BacklogLimit = 64UL * 1024;
+constexpr std::size_t WireLimit = 128; // of a paced line
 
 } // namespace
 
@@ -63,11 +63,11 @@ void PrinterServer::CarryOut(const HostAction& action) {
 }
 
 std::size_t PrinterServer::Room() const {
-    if (mPrinter.Backlog() >= backlogLimit) return 0;
+    if (mPrinter.Backlog() >= BacklogLimit) return 0;
     // What a paced line has not carried stays with the host, as in a real port's buffer, where a
     // flush still finds it.
-    if (!mPrinter.Paced()) return pieceSize;
-    return wireLimit - std::min(wireLimit, mPrinter.PendingFromHost(mNow));
+    if (!mPrinter.Paced()) return PieceSize;
+    return WireLimit - std::min(WireLimit, mPrinter.PendingFromHost(mNow));
 }
 
 void PrinterServer::Exchange() {
@@ -77,7 +77,7 @@ void PrinterServer::Exchange() {
     }
     mPrinter.Advance(mNow);
     mEndpoint.ShowLines(mPrinter.Dsr(), mPrinter.Cts());
-    if (mOutput.empty()) mOutput = mPrinter.ToHost(mNow, pieceSize);
+    if (mOutput.empty()) mOutput = mPrinter.ToHost(mNow, PieceSize);
     if (mOutput.empty() || !mHostThere) return;
     mEndpoint.ShowErrors(mPrinter.TakeHostErrors());
     mOutput.erase(0, mEndpoint.Write(mOutput));

@@ -1,5 +1,6 @@
-// Brings a virtual printer and an endpoint together until it is told to stop.
 #pragma once
+
+// Brings a virtual printer and an endpoint together until it is told to stop.
 
 #include "Endpoint.h"
 #include "simulator/VirtualPrinter.h"
@@ -31,7 +32,7 @@ class PrinterServer {
     Endpoint& mEndpoint;
     int mStop;
     bool mHostThere = false;
-    std::string mOutput; // taken from the printer, not yet written
+    std::string mOutput; ///< taken from the printer, not yet written
     Micros mNow = 0;
 };
 

@@ -17,9 +17,9 @@ namespace qnsim {
 namespace {
 
 /// How soon after a host has put the device's settings back it has closed it.
-constexpr int leavingMs = 2;
+constexpr int LeavingMs = 2;
 
-constexpr std::array<std::pair<speed_t, int>, 10> speeds{{{B300, 300},
+constexpr std::array<std::pair<speed_t, int>, 10> Speeds{{{B300, 300},
                                                           {B600, 600},
                                                           {B1200, 1200},
                                                           {B2400, 2400},
@@ -108,7 +108,7 @@ void PtyEndpoint::Refresh() {
     // Settings that change under an open device are a host's last act or a change for what it
     // sends next; which of them, its leaving tells.
     const bool changed = !opened && mConnected && CurrentFormat() != mFormat;
-    const bool left = HungUp(changed ? leavingMs : 0);
+    const bool left = HungUp(changed ? LeavingMs : 0);
     // A host that left may have left bytes behind; they are read first, as it sent them.
     pollfd state{mMaster.Get(), POLLIN, 0};
     const bool bytes = ::poll(&state, 1, 0) > 0 && (state.revents & POLLIN) != 0;
@@ -127,9 +127,9 @@ LineFormat PtyEndpoint::CurrentFormat() const {
     termios settings{};
     if (::tcgetattr(mMaster.Get(), &settings) != 0) return format;
     const speed_t speed = ::cfgetospeed(&settings);
-    const auto* found = std::find_if(speeds.begin(), speeds.end(),
+    const auto* found = std::find_if(Speeds.begin(), Speeds.end(),
                                      [speed](const auto& entry) { return entry.first == speed; });
-    format.baud = found == speeds.end() ? 0 : found->second;
+    format.baud = found == Speeds.end() ? 0 : found->second;
     format.stopBits = (settings.c_cflag & CSTOPB) != 0 ? 2 : 1;
     return format;
 }

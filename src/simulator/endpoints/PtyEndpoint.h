@@ -1,5 +1,6 @@
-// A pseudo-terminal that hosts open like a serial device.
 #pragma once
+
+// A pseudo-terminal that hosts open like a serial device.
 
 #include "Endpoint.h"
 
@@ -33,11 +34,11 @@ class PtyEndpoint : public Endpoint {
     bool HungUp(int limitMs) const;
 
     Descriptor mMaster;
-    Descriptor mOpenings; // tells when a host opens the device
+    Descriptor mOpenings; ///< tells when a host opens the device
     std::string mDevice;
     std::string mLink;
     bool mConnected = false;
-    LineFormat mFormat; // of the host that is there, or was
+    LineFormat mFormat; ///< of the host that is there, or was
 };
 
 } // namespace qnsim

@@ -7,7 +7,7 @@
 namespace qnsim {
 namespace {
 
-constexpr std::size_t readSize = 64UL * 1024;
+constexpr std::size_t ReadSize = 64UL * 1024;
 
 } // namespace
 
@@ -29,7 +29,7 @@ std::string ReplayServer::Run() {
 
 void ReplayServer::Exchange() {
     if (!mEndpoint.Connected()) return;
-    for (const HostAction& action : mEndpoint.Receive(readSize))
+    for (const HostAction& action : mEndpoint.Receive(ReadSize))
         if (action.kind == HostAction::Kind::Bytes) mPlayer.FromHost(action.text, mNow);
     mOutput += mPlayer.ToHost(mNow);
     if (!mOutput.empty() && mEndpoint.Connected()) mOutput.erase(0, mEndpoint.Write(mOutput));

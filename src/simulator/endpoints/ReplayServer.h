@@ -1,5 +1,6 @@
-// Brings a recorded session and an endpoint together.
 #pragma once
+
+// Brings a recorded session and an endpoint together.
 
 #include "Endpoint.h"
 #include "TracePlayer.h"
@@ -25,7 +26,7 @@ class ReplayServer {
     TracePlayer& mPlayer;
     Endpoint& mEndpoint;
     int mStop;
-    std::string mOutput; // due, not yet written
+    std::string mOutput; ///< due, not yet written
     Micros mNow = 0;
 };
 

@@ -4,8 +4,8 @@ namespace qnsim {
 namespace {
 
 /// A host that asks much and takes no answers is not listened to beyond this.
-constexpr std::size_t mostUnsent = 64UL * 1024;
-constexpr std::size_t mostTaken = 16UL * 1024;
+constexpr std::size_t MostUnsent = 64UL * 1024;
+constexpr std::size_t MostTaken = 16UL * 1024;
 
 } // namespace
 
@@ -22,7 +22,7 @@ std::string Rfc2217Endpoint::Address() const {
 
 void Rfc2217Endpoint::AddWaits(std::vector<pollfd>& waits, bool wantInput, bool wantOutput) {
     const bool unsent = !mPort.Output().empty();
-    mSocket.AddWaits(waits, wantInput && mPort.Output().size() < mostUnsent,
+    mSocket.AddWaits(waits, wantInput && mPort.Output().size() < MostUnsent,
                      unsent || (wantOutput && !mPort.Suspended()));
 }
 
@@ -35,7 +35,7 @@ void Rfc2217Endpoint::Refresh() {
 }
 
 std::vector<HostAction> Rfc2217Endpoint::Receive(std::size_t max) {
-    if (mPort.Output().size() >= mostUnsent) return {};
+    if (mPort.Output().size() >= MostUnsent) return {};
     return mPort.Receive(mSocket.Read(max));
 }
 
@@ -53,7 +53,7 @@ void Rfc2217Endpoint::ShowErrors(const HostErrors& errors) {
 
 std::size_t Rfc2217Endpoint::Write(std::string_view bytes) {
     if (mPort.Suspended() || !mPort.Output().empty()) return 0;
-    const std::string_view taken = bytes.substr(0, mostTaken);
+    const std::string_view taken = bytes.substr(0, MostTaken);
     mPort.Send(taken);
     Flush();
     return taken.size();

@@ -1,5 +1,6 @@
-// A remote serial port as a device server offers it (RFC 2217).
 #pragma once
+
+// A remote serial port as a device server offers it (RFC 2217).
 
 #include "ComPortServer.h"
 #include "SocketHost.h"
@@ -28,7 +29,7 @@ class Rfc2217Endpoint : public Endpoint {
     void Flush();
 
     SocketHost mSocket;
-    ComPortServer mPort; // of the host that is there
+    ComPortServer mPort; ///< of the host that is there
     bool mDsr = true;
     bool mCts = true;
 };

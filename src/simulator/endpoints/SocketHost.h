@@ -1,5 +1,6 @@
-// A listening socket and the one host that is connected to it.
 #pragma once
+
+// A listening socket and the one host that is connected to it.
 
 #include "Endpoint.h"
 
@@ -11,8 +12,8 @@ namespace qnsim {
 
 /// Who may reach a listening socket.
 enum class Reach {
-    ThisMachine, // programs of this machine, over its loopback address
-    Everywhere,  // whoever reaches this machine
+    ThisMachine, ///< programs of this machine, over its loopback address
+    Everywhere,  ///< whoever reaches this machine
 };
 
 /// Takes one host at a time; the next one waits until that has left.

@@ -1,5 +1,6 @@
-// A socket that carries the line's bytes, as a device server would offer it.
 #pragma once
+
+// A socket that carries the line's bytes, as a device server would offer it.
 
 #include "SocketHost.h"
 

@@ -10,15 +10,15 @@ namespace {
 using qncomm::TraceKind;
 using qncomm::TraceRecord;
 
-constexpr std::size_t longestQuote = 40;
-constexpr Micros microsPerMilli = 1000;
-constexpr Micros beforeLoss = 100'000; // for a host to read what came before the line is lost
+constexpr std::size_t LongestQuote = 40;
+constexpr Micros MicrosPerMilli = 1000;
+constexpr Micros BeforeLoss = 100'000; // for a host to read what came before the line is lost
 
 /// Bytes as a person can read them in one line.
 std::string Quoted(std::string_view bytes) {
     constexpr std::string_view hex = "0123456789abcdef";
     std::string text = "\"";
-    for (const char byte : bytes.substr(0, longestQuote)) {
+    for (const char byte : bytes.substr(0, LongestQuote)) {
         const auto value = static_cast<unsigned char>(byte);
         if (byte == '\r') {
             text += "\\r";
@@ -30,7 +30,7 @@ std::string Quoted(std::string_view bytes) {
             text += {'\\', 'x', hex[value >> 4U], hex[value & 15U]};
         }
     }
-    return text + (bytes.size() > longestQuote ? "\"…" : "\"");
+    return text + (bytes.size() > LongestQuote ? "\"…" : "\"");
 }
 
 } // namespace
@@ -66,9 +66,9 @@ void TracePlayer::GiveOut(Micros now, bool hostGoesOn) {
 
 std::optional<Micros> TracePlayer::NextDue() const {
     if (Finished() || Current().kind == TraceKind::Sent || !mMismatch.empty()) return std::nullopt;
-    if (AtLoss() && !mDelays) return mBefore.value_or(0) + beforeLoss;
+    if (AtLoss() && !mDelays) return mBefore.value_or(0) + BeforeLoss;
     if (!mDelays || mNext == 0 || !mBefore) return mBefore.value_or(0);
-    return *mBefore + (Current().ms - mRecords[mNext - 1].ms) * microsPerMilli;
+    return *mBefore + (Current().ms - mRecords[mNext - 1].ms) * MicrosPerMilli;
 }
 
 std::string TracePlayer::ToHost(Micros now) {

@@ -1,5 +1,6 @@
-// A recorded session as the printer's side of a line.
 #pragma once
+
+// A recorded session as the printer's side of a line.
 
 #include "simulator/Options.h"
 #include "trace/TraceReader.h"
@@ -47,11 +48,11 @@ class TracePlayer {
     void Advance(Micros now);
     void Compare(std::string_view& bytes, Micros now);
 
-    std::vector<qncomm::TraceRecord> mRecords; // those of bytes and losses
+    std::vector<qncomm::TraceRecord> mRecords; ///< those of bytes and losses
     bool mDelays;
-    std::size_t mNext = 0;         // the record that is played
-    std::size_t mMatched = 0;      // bytes of it that the host has sent
-    std::optional<Micros> mBefore; // when the record before it was done; nothing at the start
+    std::size_t mNext = 0;         ///< the record that is played
+    std::size_t mMatched = 0;      ///< bytes of it that the host has sent
+    std::optional<Micros> mBefore; ///< when the record before it was done; nothing at the start
     std::string mOutput;
     std::string mMismatch;
 };

@@ -1,5 +1,6 @@
-// A picture of one bit per dot.
 #pragma once
+
+// A picture of one bit per dot.
 
 #include <cstddef>
 #include <cstdint>

@@ -8,7 +8,7 @@
 namespace qnsim {
 namespace {
 
-constexpr double degreesPerRadian = 57.295779513;
+constexpr double DegreesPerRadian = 57.295779513;
 
 /// What a built-in font's name says: two letters, the height in tenths of a millimetre, and the
 /// weight.
@@ -35,7 +35,7 @@ Span FilledColumns(char character) {
     for (const std::uint8_t row : GlyphOf(character))
         all |= row;
     if (all == 0) return {0, 2};
-    Span span{0, glyphWidth - 1};
+    Span span{0, GlyphWidth - 1};
     while ((all & (0x10U >> static_cast<unsigned>(span.first))) == 0)
         ++span.first;
     while ((all & (0x10U >> static_cast<unsigned>(span.last))) == 0)
@@ -46,15 +46,15 @@ Span FilledColumns(char character) {
 Bitmap PlainText(std::string_view text, bool proportional) {
     int width = 0;
     for (const char c : text) {
-        const Span span = proportional ? FilledColumns(c) : Span{0, glyphWidth - 1};
+        const Span span = proportional ? FilledColumns(c) : Span{0, GlyphWidth - 1};
         width += span.last - span.first + 2;
     }
-    Bitmap line(width - 1, glyphHeight);
+    Bitmap line(width - 1, GlyphHeight);
     int at = 0;
     for (const char c : text) {
-        const Span span = proportional ? FilledColumns(c) : Span{0, glyphWidth - 1};
+        const Span span = proportional ? FilledColumns(c) : Span{0, GlyphWidth - 1};
         const auto rows = GlyphOf(c);
-        for (int y = 0; y < glyphHeight; ++y) {
+        for (int y = 0; y < GlyphHeight; ++y) {
             for (int x = span.first; x <= span.last; ++x) {
                 const bool black =
                     (rows[static_cast<std::size_t>(y)] & (0x10U >> static_cast<unsigned>(x))) != 0;
@@ -81,12 +81,12 @@ Bitmap Bolder(const Bitmap& line, int by) {
 Bitmap PaintBitmapText(std::string_view text, const FontChoice& font, int dotsPerMm) {
     const NamedFont named = ReadFontName(font.name);
     const int dots = named.height * dotsPerMm / 10;
-    const int vertically = std::max(1, (dots + glyphHeight / 2) / glyphHeight);
+    const int vertically = std::max(1, (dots + GlyphHeight / 2) / GlyphHeight);
     const int horizontally = std::max(1, (vertically * font.width + 50) / 100);
     Bitmap line = PlainText(text, named.proportional).Scaled(horizontally, vertically);
     if (named.bold) line = Bolder(line, std::max(1, horizontally / 2));
     return line.Leaning(
-        static_cast<int>(std::lround(100 * std::tan(font.slant / degreesPerRadian))));
+        static_cast<int>(std::lround(100 * std::tan(font.slant / DegreesPerRadian))));
 }
 
 } // namespace qnsim

@@ -5,12 +5,12 @@
 namespace qnsim {
 namespace {
 
-constexpr unsigned char firstShape = ' ';
-constexpr unsigned char lastShape = '~';
-using Shape = std::array<std::uint8_t, glyphHeight>;
+constexpr unsigned char FirstShape = ' ';
+constexpr unsigned char LastShape = '~';
+using Shape = std::array<std::uint8_t, GlyphHeight>;
 
 // clang-format off
-constexpr std::array<Shape, lastShape - firstShape + 1> shapes{{
+constexpr std::array<Shape, LastShape - FirstShape + 1> shapes{{
     {0x00, 0x00, 0x00, 0x00, 0x00, 0x00, 0x00, 0x00}, // blank
     {0x04, 0x04, 0x04, 0x04, 0x04, 0x00, 0x04, 0x00}, // !
     {0x0A, 0x0A, 0x0A, 0x00, 0x00, 0x00, 0x00, 0x00}, // "
@@ -109,14 +109,14 @@ constexpr std::array<Shape, lastShape - firstShape + 1> shapes{{
 }};
 // clang-format on
 
-constexpr Shape emptyBox{0x1F, 0x11, 0x11, 0x11, 0x11, 0x11, 0x1F, 0x00};
+constexpr Shape EmptyBox{0x1F, 0x11, 0x11, 0x11, 0x11, 0x11, 0x1F, 0x00};
 
 } // namespace
 
-std::array<std::uint8_t, glyphHeight> GlyphOf(char character) {
+std::array<std::uint8_t, GlyphHeight> GlyphOf(char character) {
     const auto code = static_cast<unsigned char>(character);
-    if (code < firstShape || code > lastShape) return emptyBox;
-    return shapes[static_cast<std::size_t>(code - firstShape)];
+    if (code < FirstShape || code > LastShape) return EmptyBox;
+    return shapes[static_cast<std::size_t>(code - FirstShape)];
 }
 
 } // namespace qnsim

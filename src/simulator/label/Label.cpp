@@ -17,7 +17,7 @@ struct Turn {
     int upY;
 };
 
-constexpr std::array<Turn, 4> turns{{{1, 0, 0, 1}, {0, -1, 1, 0}, {-1, 0, 0, -1}, {0, 1, -1, 0}}};
+constexpr std::array<Turn, 4> Turns{{{1, 0, 0, 1}, {0, -1, 1, 0}, {-1, 0, 0, -1}, {0, 1, -1, 0}}};
 
 } // namespace
 
@@ -90,7 +90,7 @@ void Label::DrawBox(int height, int width, int thickness) {
 
 void Label::Place(const Bitmap& object) {
     Bitmap& canvas = Canvas();
-    const Turn& turn = turns[static_cast<std::size_t>(mDirection - 1)];
+    const Turn& turn = Turns[static_cast<std::size_t>(mDirection - 1)];
     const int anchorRight = (object.Width() - 1) * ((mAnchor - 1) % 3) / 2;
     const int anchorUp = (object.Height() - 1) * ((mAnchor - 1) / 3) / 2;
     for (int row = 0; row < object.Height(); ++row) {

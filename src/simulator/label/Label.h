@@ -1,5 +1,6 @@
-// The label that statements draw on: a position, an anchor, a direction, a font, and dots.
 #pragma once
+
+// The label that statements draw on: a position, an anchor, a direction, a font, and dots.
 
 #include "Errors.h"
 #include "Setup.h"
@@ -52,7 +53,7 @@ class Label {
     const SetupTree& mSetup;
     Storage& mStorage;
     std::optional<Bitmap>
-        mCanvas; // made when the first thing is drawn, as large as the setup says then
+        mCanvas; ///< made when the first thing is drawn, as large as the setup says then
     int mX = 0;
     int mY = 0;
     int mAnchor = 1;

@@ -6,8 +6,8 @@
 namespace qnsim {
 namespace {
 
-constexpr std::size_t headerSize = 128;
-constexpr int largestSide = 8192;
+constexpr std::size_t HeaderSize = 128;
+constexpr int LargestSide = 8192;
 
 int Byte(std::string_view file, std::size_t at) {
     return static_cast<unsigned char>(file[at]);
@@ -34,7 +34,7 @@ bool SecondColourIsDarker(std::string_view file) {
 }
 
 std::optional<Header> ReadHeader(std::string_view file) {
-    if (file.size() < headerSize || Byte(file, 0) != 10) return std::nullopt;
+    if (file.size() < HeaderSize || Byte(file, 0) != 10) return std::nullopt;
     const int version = Byte(file, 1);
     const bool monochrome = Byte(file, 3) == 1 && Byte(file, 65) == 1;
     if ((version != 3 && version != 5) || Byte(file, 2) > 1 || !monochrome) return std::nullopt;
@@ -44,8 +44,8 @@ std::optional<Header> ReadHeader(std::string_view file) {
     header.rowBytes = Word(file, 66);
     header.packed = Byte(file, 2) == 1;
     header.oneIsBlack = version == 5 && SecondColourIsDarker(file);
-    const bool fits = header.width >= 1 && header.width <= largestSide && header.height >= 1
-                      && header.height <= largestSide && header.rowBytes * 8 >= header.width;
+    const bool fits = header.width >= 1 && header.width <= LargestSide && header.height >= 1
+                      && header.height <= LargestSide && header.rowBytes * 8 >= header.width;
     return fits ? std::optional(header) : std::nullopt;
 }
 
@@ -86,7 +86,7 @@ class Unpacker {
 std::optional<Bitmap> ReadPcx(std::string_view file) {
     const auto header = ReadHeader(file);
     if (!header) return std::nullopt;
-    Unpacker bytes(file.substr(headerSize), header->packed);
+    Unpacker bytes(file.substr(HeaderSize), header->packed);
     Bitmap picture(header->width, header->height);
     for (int y = 0; y < header->height; ++y) {
         for (int column = 0; column < header->rowBytes; ++column) {

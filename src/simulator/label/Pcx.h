@@ -1,5 +1,6 @@
-// Monochrome PCX pictures, versions 3 and 5, run-length packed.
 #pragma once
+
+// Monochrome PCX pictures, versions 3 and 5, run-length packed.
 
 #include "label/Bitmap.h"
 

@@ -1,5 +1,6 @@
-// Writes a label as a PNG.
 #pragma once
+
+// Writes a label as a PNG.
 
 #include "label/Bitmap.h"
 

@@ -10,21 +10,21 @@
 namespace qnsim {
 namespace {
 
-constexpr double millimetresPerInch = 25.4;
-constexpr int pointsPerInch = 72;
-constexpr double fixedOne = 65536.0;
-constexpr double degrees = 57.295779513;
-constexpr int widestText = 32'000; // dots; a longer text is cut there
+constexpr double MillimetresPerInch = 25.4;
+constexpr int PointsPerInch = 72;
+constexpr double FixedOne = 65536.0;
+constexpr double Degrees = 57.295779513;
+constexpr int WidestText = 32'000; // dots; a longer text is cut there
 
 /// The characters 0x80 to 0x9F of Windows-1252; 0 = none.
-constexpr std::array<char32_t, 32> windowsExtras{
+constexpr std::array<char32_t, 32> WindowsExtras{
     0x20AC, 0,      0x201A, 0x0192, 0x201E, 0x2026, 0x2020, 0x2021, 0x02C6, 0x2030, 0x0160,
     0x2039, 0x0152, 0,      0x017D, 0,      0,      0x2018, 0x2019, 0x201C, 0x201D, 0x2022,
     0x2013, 0x2014, 0x02DC, 0x2122, 0x0161, 0x203A, 0x0153, 0,      0x017E, 0x0178};
 
 char32_t Unicode(char c) {
     const auto byte = static_cast<unsigned char>(c);
-    return byte >= 0x80 && byte < 0xA0 ? windowsExtras[byte - 0x80U] : byte;
+    return byte >= 0x80 && byte < 0xA0 ? WindowsExtras[byte - 0x80U] : byte;
 }
 
 /// A font file opened by the font library, both released with their owner.
@@ -53,9 +53,9 @@ class OpenFont {
 
 FT_Matrix FontMatrix(const FontChoice& font) {
     const double wide = font.width / 100.0;
-    return {static_cast<FT_Fixed>(wide * fixedOne),
-            static_cast<FT_Fixed>(std::tan(font.slant / degrees) * fixedOne), 0,
-            static_cast<FT_Fixed>(fixedOne)};
+    return {static_cast<FT_Fixed>(wide * FixedOne),
+            static_cast<FT_Fixed>(std::tan(font.slant / Degrees) * FixedOne), 0,
+            static_cast<FT_Fixed>(FixedOne)};
 }
 
 /// One character's dots and where they stand on the line.
@@ -79,7 +79,7 @@ int TextWidth(FT_Face face, std::string_view text) {
     FT_Pos width = 0;
     int reach = 0;
     for (const char c : text) {
-        if (!LoadCharacter(face, c) || width / 64 > widestText) continue;
+        if (!LoadCharacter(face, c) || width / 64 > WidestText) continue;
         const int right = face->glyph->bitmap_left + static_cast<int>(face->glyph->bitmap.width);
         reach = std::max(reach, static_cast<int>(width / 64) + right);
         width += face->glyph->advance.x;
@@ -98,17 +98,17 @@ Bitmap PaintScalableText(std::string_view text, const FontChoice& font, int dots
     const OpenFont open(fontFile);
     if (!open.Usable()) return {};
     FT_Face face = open.Face();
-    const auto dotsPerInch = static_cast<FT_UInt>(std::lround(dotsPerMm * millimetresPerInch));
+    const auto dotsPerInch = static_cast<FT_UInt>(std::lround(dotsPerMm * MillimetresPerInch));
     if (FT_Set_Char_Size(face, 0, FT_F26Dot6{font.points} * 64, dotsPerInch, dotsPerInch) != 0)
         return {};
     FT_Matrix shape = FontMatrix(font);
     FT_Set_Transform(face, &shape, nullptr);
     const int ascent = static_cast<int>((face->size->metrics.ascender + 63) / 64);
     const int descent = static_cast<int>((63 - face->size->metrics.descender) / 64);
-    Bitmap line(std::min(TextWidth(face, text), widestText), ascent + descent);
+    Bitmap line(std::min(TextWidth(face, text), WidestText), ascent + descent);
     FT_Pos at = 0;
     for (const char c : text) {
-        if (at / 64 > widestText || !LoadCharacter(face, c)) continue;
+        if (at / 64 > WidestText || !LoadCharacter(face, c)) continue;
         Draw(*face->glyph, static_cast<int>(at / 64), ascent, line);
         at += face->glyph->advance.x;
     }

@@ -1,5 +1,6 @@
-// Turns a line of text into dots: the built-in bitmap fonts and installed scalable fonts.
 #pragma once
+
+// Turns a line of text into dots: the built-in bitmap fonts and installed scalable fonts.
 
 #include "label/Bitmap.h"
 
@@ -10,9 +11,9 @@ namespace qnsim {
 
 struct FontChoice {
     std::string name;
-    int points = 12; // the height of scalable fonts; a bitmap font has its own
-    int slant = 0;   // degrees, 0 to 60
-    int width = 100; // percent of the height's natural width
+    int points = 12; ///< the height of scalable fonts; a bitmap font has its own
+    int slant = 0;   ///< degrees, 0 to 60
+    int width = 100; ///< percent of the height's natural width
 };
 
 /// The text in a built-in bitmap font. Its name gives the height in tenths of a millimetre and the

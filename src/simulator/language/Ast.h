@@ -1,6 +1,7 @@
+#pragma once
+
 // What a line of Quorin becomes when it has been read: expressions as trees, statements as a flat
 // list with jumps.
-#pragma once
 
 #include <cstddef>
 #include <string>
@@ -9,15 +10,15 @@
 namespace qnsim {
 
 enum class Node {
-    Absent, // an argument that was left out
+    Absent, ///< an argument that was left out
     Number,
     Text,
     NumberVariable,
     TextVariable,
-    NumberArray, // args: the index
+    NumberArray, ///< args: the index
     TextArray,
-    SystemVariable, // args: the number
-    NumberCall,     // code: the function
+    SystemVariable, ///< args: the number
+    NumberCall,     ///< code: the function
     TextCall,
     Add,
     Subtract,
@@ -31,19 +32,19 @@ enum class Node {
     And,
     Or,
     Xor,
-    Compare, // sign: the comparison
+    Compare, ///< sign: the comparison
     CompareText,
     Join,
 };
 
 struct Expr {
     Node node = Node::Absent;
-    char sign = 0;      // Compare, CompareText
-    bool whole = false; // a variable that holds whole numbers only
-    int slot = 0;       // variables: where it is kept; calls: the function's row
-    int depth = 1;      // height of the tree, which a limit holds down
+    char sign = 0;      ///< Compare, CompareText
+    bool whole = false; ///< a variable that holds whole numbers only
+    int slot = 0;       ///< variables: where it is kept; calls: the function's row
+    int depth = 1;      ///< height of the tree, which a limit holds down
     double number = 0;
-    std::string text; // Text, and an item of DATA as it was written
+    std::string text; ///< Text, and an item of DATA as it was written
     std::vector<Expr> args;
 
     bool IsText() const {
@@ -53,16 +54,16 @@ struct Expr {
     bool IsPresent() const { return node != Node::Absent; }
 };
 
-constexpr int noLine = 0; // the line number of a statement that was typed without one
+constexpr int NoLine = 0; ///< the line number of a statement that was typed without one
 
 struct Statement {
-    int row = 0;          // its row in the statement table
-    int line = noLine;    // the program line it stands in
-    std::size_t jump = 0; // If, Jump: index in the list; others: unused
-    int number = 0;       // a line number, a mode or a flag, as the statement needs
+    int row = 0;          ///< its row in the statement table
+    int line = NoLine;    ///< the program line it stands in
+    std::size_t jump = 0; ///< If, Jump: index in the list; others: unused
+    int number = 0;       ///< a line number, a mode or a flag, as the statement needs
     int number2 = 0;
-    std::string text;       // separators of PRINT, a name, a rest of the line
-    std::vector<int> lines; // line numbers to choose from
+    std::string text;       ///< separators of PRINT, a name, a rest of the line
+    std::vector<int> lines; ///< line numbers to choose from
     std::vector<Expr> args;
 };
 

@@ -10,7 +10,7 @@ namespace {
 
 // The letters tell the family, the digits the height, the suffix the orientation: .1 along, .2
 // across.
-constexpr std::array<std::string_view, 20> fontNames{
+constexpr std::array<std::string_view, 20> FontNames{
     "MS030RMN.1", "MS030RMN.2", "MS050RMN.1", "MS050RMN.2", "MS060BMN.1",
     "MS060BMN.2", "OB035RM1.1", "OB035RM1.2", "SW020BSN.1", "SW020BSN.2",
     "SW030RSN.1", "SW030RSN.2", "SW050RSN.1", "SW050RSN.2", "SW060BSN.1",
@@ -19,11 +19,11 @@ constexpr std::array<std::string_view, 20> fontNames{
 } // namespace
 
 std::span<const std::string_view> BuiltInFontNames() {
-    return fontNames;
+    return FontNames;
 }
 
 bool IsBuiltInFont(std::string_view name) {
-    return std::find(fontNames.begin(), fontNames.end(), Upper(name)) != fontNames.end();
+    return std::find(FontNames.begin(), FontNames.end(), Upper(name)) != FontNames.end();
 }
 
 } // namespace qnsim

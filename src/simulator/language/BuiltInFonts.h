@@ -1,5 +1,6 @@
-// The bitmap fonts that every model has, by their names.
 #pragma once
+
+// The bitmap fonts that every model has, by their names.
 
 #include <span>
 #include <string_view>
@@ -7,6 +8,6 @@
 namespace qnsim {
 
 std::span<const std::string_view> BuiltInFontNames();
-bool IsBuiltInFont(std::string_view name); // without regard to case
+bool IsBuiltInFont(std::string_view name); ///< without regard to case
 
 } // namespace qnsim

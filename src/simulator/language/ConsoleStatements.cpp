@@ -5,8 +5,8 @@
 namespace qnsim {
 namespace {
 
-constexpr std::size_t zoneWidth = 14;
-constexpr int largestFileNumber = 255;
+constexpr std::size_t ZoneWidth = 14;
+constexpr int LargestFileNumber = 255;
 
 } // namespace
 
@@ -19,7 +19,7 @@ std::string Interpreter::PrintedText(const Statement& statement) {
         } else if (item.IsPresent()) {
             line += NumberText(mEvaluator.Number(item));
         }
-        if (statement.text[i] == ',') line.append(zoneWidth - line.size() % zoneWidth, ' ');
+        if (statement.text[i] == ',') line.append(ZoneWidth - line.size() % ZoneWidth, ' ');
     }
     const bool goesOn = !statement.text.empty() && statement.text.back() != ' ';
     return goesOn ? line : line + "\r\n";
@@ -32,7 +32,7 @@ void Interpreter::Print(const Statement& statement) {
         mMachine.out += text;
         return;
     }
-    const int number = mEvaluator.Whole(statement.args[0], 1, largestFileNumber);
+    const int number = mEvaluator.Whole(statement.args[0], 1, LargestFileNumber);
     if (mEvaluator.Failure() == Error::None) Fail(mFiles.Write(number, text));
 }
 
@@ -42,7 +42,7 @@ void Interpreter::Input(const Statement& statement) {
         mState = State::NeedsLine;
         return;
     }
-    const int number = mEvaluator.Whole(statement.args[0], 1, largestFileNumber);
+    const int number = mEvaluator.Whole(statement.args[0], 1, LargestFileNumber);
     for (std::size_t i = 1; i < statement.args.size(); ++i) {
         if (mEvaluator.Failure() != Error::None) return;
         const bool whole = statement.number == 1;
@@ -82,7 +82,7 @@ void Interpreter::AcceptInput(const std::string& line) {
 
 void Interpreter::Open(const Statement& statement) {
     const std::string path = mEvaluator.Text(statement.args[0]);
-    const int number = mEvaluator.Whole(statement.args[1], 1, largestFileNumber);
+    const int number = mEvaluator.Whole(statement.args[1], 1, LargestFileNumber);
     if (mEvaluator.Failure() != Error::None) return;
     Fail(mFiles.Open(number, path, static_cast<char>(statement.number)));
 }
@@ -90,7 +90,7 @@ void Interpreter::Open(const Statement& statement) {
 void Interpreter::Close(const Statement& statement) {
     if (statement.args.empty()) mFiles.CloseAll();
     for (const Expr& argument : statement.args) {
-        const int number = mEvaluator.Whole(argument, 1, largestFileNumber);
+        const int number = mEvaluator.Whole(argument, 1, LargestFileNumber);
         if (mEvaluator.Failure() != Error::None) return;
         Fail(mFiles.Close(number));
     }

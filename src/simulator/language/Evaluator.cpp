@@ -9,9 +9,9 @@
 namespace qnsim {
 namespace {
 
-constexpr std::size_t longestText = 32767;
-constexpr double yes = -1;
-constexpr double largestBits = 2147483647.0;
+constexpr std::size_t LongestText = 32767;
+constexpr double Yes = -1;
+constexpr double LargestBits = 2147483647.0;
 
 bool Holds(char sign, int order) {
     switch (sign) {
@@ -21,9 +21,9 @@ bool Holds(char sign, int order) {
         return order < 0;
     case '>':
         return order > 0;
-    case signNotEqual:
+    case SignNotEqual:
         return order != 0;
-    case signLessEqual:
+    case SignLessEqual:
         return order <= 0;
     default:
         return order >= 0;
@@ -92,7 +92,7 @@ double Evaluator::Checked(double value) {
 }
 
 std::int64_t Evaluator::ToBits(double value) {
-    if (std::abs(value) <= largestBits) return std::llrint(value);
+    if (std::abs(value) <= LargestBits) return std::llrint(value);
     Fail(Error::Overflow);
     return 0;
 }
@@ -110,12 +110,12 @@ double Evaluator::CompareNumbers(const Expr& expr) {
     const double left = Number(expr.args[0]);
     const double right = Number(expr.args[1]);
     const int above = left > right ? 1 : 0;
-    return Holds(expr.sign, left < right ? -1 : above) ? yes : 0;
+    return Holds(expr.sign, left < right ? -1 : above) ? Yes : 0;
 }
 
 double Evaluator::CompareTexts(const Expr& expr) {
     const std::string left = Text(expr.args[0]);
-    return Holds(expr.sign, left.compare(Text(expr.args[1]))) ? yes : 0;
+    return Holds(expr.sign, left.compare(Text(expr.args[1]))) ? Yes : 0;
 }
 
 double Evaluator::Element(const Expr& expr) {
@@ -134,7 +134,7 @@ double Evaluator::SystemValue(const Expr& expr) {
 }
 
 std::string Evaluator::Limited(std::string text) {
-    if (text.size() <= longestText) return text;
+    if (text.size() <= LongestText) return text;
     Fail(Error::StringTooLong);
     return {};
 }

@@ -1,5 +1,6 @@
-// Works out expressions.
 #pragma once
+
+// Works out expressions.
 
 #include "Errors.h"
 #include "language/Ast.h"
@@ -47,7 +48,7 @@ class Evaluator {
         mLastErrorLine = line;
     }
 
-    // The functions, called through their table.
+    /// The functions, called through their table.
     double Absolute(const Expr& call);
     double Ascii(const Expr& call);
     double WholePart(const Expr& call);

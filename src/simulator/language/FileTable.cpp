@@ -7,7 +7,7 @@
 namespace qnsim {
 namespace {
 
-constexpr std::size_t mostOpen = 16;
+constexpr std::size_t MostOpen = 16;
 
 } // namespace
 
@@ -20,7 +20,7 @@ std::optional<int> FileTable::Channel(std::string_view path) {
 
 Error FileTable::Open(int number, std::string_view path, char mode) {
     if (mFiles.count(number) != 0) return Error::FileNumberInUse;
-    if (mFiles.size() >= mostOpen) return Error::TooManyFiles;
+    if (mFiles.size() >= MostOpen) return Error::TooManyFiles;
     OpenFile file{std::string(path), mode, 0, {}, 0};
     if (const auto channel = Channel(path)) {
         if (*channel > mMachine.model.uarts) return Error::DeviceNotFound;

@@ -1,5 +1,6 @@
-// The files that a program has open, by their numbers.
 #pragma once
+
+// The files that a program has open, by their numbers.
 
 #include "language/Machine.h"
 
@@ -35,7 +36,7 @@ class FileTable {
     struct OpenFile {
         std::string path;
         char mode;
-        int channel; // 0 = a file
+        int channel; ///< 0 = a file
         std::string content;
         std::size_t at = 0;
     };

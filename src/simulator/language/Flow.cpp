@@ -8,8 +8,8 @@
 namespace qnsim {
 namespace {
 
-constexpr std::size_t deepestCalls = 256;
-constexpr std::size_t deepestLoops = 64;
+constexpr std::size_t DeepestCalls = 256;
+constexpr std::size_t DeepestLoops = 64;
 
 } // namespace
 
@@ -34,7 +34,7 @@ void Interpreter::Goto(const Statement& statement) {
 }
 
 void Interpreter::Gosub(const Statement& statement) {
-    if (mCalls.size() >= deepestCalls) return Fail(Error::NestingTooDeep);
+    if (mCalls.size() >= DeepestCalls) return Fail(Error::NestingTooDeep);
     mCalls.push_back({mCode, mAt});
     Goto(statement);
 }
@@ -57,7 +57,7 @@ void Interpreter::On(const Statement& statement) {
         return;
     }
     if (statement.number == 1) {
-        if (mCalls.size() >= deepestCalls) return Fail(Error::NestingTooDeep);
+        if (mCalls.size() >= DeepestCalls) return Fail(Error::NestingTooDeep);
         mCalls.push_back({mCode, mAt});
     }
     JumpToLine(statement.lines[static_cast<std::size_t>(choice - 1)]);
@@ -79,7 +79,7 @@ void Interpreter::For(const Statement& statement) {
                                    [&](const ForFrame& loop) { return loop.slot == frame.slot; });
     mLoops.erase(same, mLoops.end());
     if (!LoopGoesOn(frame)) return SkipLoop("FOR", "NEXT", Error::ForWithoutNext);
-    if (mLoops.size() >= deepestLoops) return Fail(Error::NestingTooDeep);
+    if (mLoops.size() >= DeepestLoops) return Fail(Error::NestingTooDeep);
     mLoops.push_back(frame);
 }
 
@@ -122,7 +122,7 @@ void Interpreter::While(const Statement& statement) {
         return loop.code == here.code && loop.at == here.at;
     });
     mWhiles.erase(same, mWhiles.end());
-    if (mWhiles.size() >= deepestLoops) return Fail(Error::NestingTooDeep);
+    if (mWhiles.size() >= DeepestLoops) return Fail(Error::NestingTooDeep);
     mWhiles.push_back(here);
 }
 

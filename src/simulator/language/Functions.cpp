@@ -9,7 +9,7 @@
 namespace qnsim {
 namespace {
 
-constexpr int largestCount = 32767;
+constexpr int LargestCount = 32767;
 
 } // namespace
 
@@ -84,31 +84,31 @@ std::string Evaluator::NumberToText(const Expr& call) {
 
 std::string Evaluator::Left(const Expr& call) {
     std::string text = Text(call.args[0]);
-    const auto count = static_cast<std::size_t>(Whole(call.args[1], 0, largestCount));
+    const auto count = static_cast<std::size_t>(Whole(call.args[1], 0, LargestCount));
     if (count < text.size()) text.resize(count);
     return text;
 }
 
 std::string Evaluator::Right(const Expr& call) {
     const std::string text = Text(call.args[0]);
-    const auto count = static_cast<std::size_t>(Whole(call.args[1], 0, largestCount));
+    const auto count = static_cast<std::size_t>(Whole(call.args[1], 0, LargestCount));
     return count < text.size() ? text.substr(text.size() - count) : text;
 }
 
 std::string Evaluator::Middle(const Expr& call) {
     const std::string text = Text(call.args[0]);
-    const auto first = static_cast<std::size_t>(Whole(call.args[1], 1, largestCount, 1)) - 1;
-    const int count = Whole(call.args[2], 0, largestCount, largestCount);
+    const auto first = static_cast<std::size_t>(Whole(call.args[1], 1, LargestCount, 1)) - 1;
+    const int count = Whole(call.args[2], 0, LargestCount, LargestCount);
     return first < text.size() ? text.substr(first, static_cast<std::size_t>(count))
                                : std::string();
 }
 
 std::string Evaluator::Spaces(const Expr& call) {
-    return std::string(static_cast<std::size_t>(Whole(call.args[0], 0, largestCount)), ' ');
+    return std::string(static_cast<std::size_t>(Whole(call.args[0], 0, LargestCount)), ' ');
 }
 
 std::string Evaluator::Repeat(const Expr& call) {
-    const auto count = static_cast<std::size_t>(Whole(call.args[0], 0, largestCount));
+    const auto count = static_cast<std::size_t>(Whole(call.args[0], 0, LargestCount));
     const std::string text = Text(call.args[1]);
     return text.empty() ? std::string() : std::string(count, text.front());
 }

@@ -11,7 +11,7 @@ Interpreter::Interpreter(Machine& machine)
 
 Error Interpreter::Begin(std::string_view text) {
     mTypedCode.clear();
-    const Error error = Parser(text, noLine, mVariables).Read(mTypedCode);
+    const Error error = Parser(text, NoLine, mVariables).Read(mTypedCode);
     if (error != Error::None) return error;
     mLoops.clear();
     mCalls.clear();
@@ -25,7 +25,7 @@ Error Interpreter::Begin(std::string_view text) {
 
 Error Interpreter::StoreLine(int number, std::string_view text) {
     if (!mMachine.model.programmable) return Error::NotProgrammable;
-    if (number <= 0 || number > largestLineNumber) return Error::LineNumber;
+    if (number <= 0 || number > LargestLineNumber) return Error::LineNumber;
     if (text.size() + mProgram.Bytes() + mVariables.Bytes() >= mMachine.model.memory)
         return Error::OutOfMemory;
     mProgram.Store(number, text);
@@ -52,7 +52,7 @@ void Interpreter::Run(int statements) {
 void Interpreter::HandleFailure(const Statement& statement, std::size_t at) {
     const Error error = mEvaluator.TakeFailure();
     mEvaluator.SetLastError(error, statement.line);
-    if (mTrap.line != noLine && !mTrap.active && InProgram()) {
+    if (mTrap.line != NoLine && !mTrap.active && InProgram()) {
         mTrap.active = true;
         mTrap.failedAt = at;
         mState = State::Running;
@@ -75,7 +75,7 @@ void Interpreter::Break() {
     if (mTransfer) mTransfer->Cancel(mMachine.now, mMachine.out);
     // A running program stops before its next statement, a waiting one in the statement that waits.
     const std::size_t at = mState == State::Running ? mAt : mAt - 1;
-    mReport = Report{Error::None, at < mCode->size() ? (*mCode)[at].line : noLine};
+    mReport = Report{Error::None, at < mCode->size() ? (*mCode)[at].line : NoLine};
     mData = {};
     mTransfer.reset();
     Finish();
@@ -140,7 +140,7 @@ void Interpreter::StartProgram(int line) {
     mTrap = {};
     mCode = &mProgramCode;
     mAt = 0;
-    if (line != noLine) JumpToLine(line);
+    if (line != NoLine) JumpToLine(line);
 }
 
 } // namespace qnsim

@@ -1,5 +1,6 @@
-// Runs statements: what was typed, and the program.
 #pragma once
+
+// Runs statements: what was typed, and the program.
 
 #include "FileTransfer.h"
 #include "language/Evaluator.h"
@@ -21,15 +22,15 @@ class Interpreter {
     enum class State {
         Idle,
         Running,
-        NeedsLine, // INPUT waits for a line from the console
-        NeedsData, // a load waits for its bytes
-        Transfers, // a file transfer has the channel
+        NeedsLine, ///< INPUT waits for a line from the console
+        NeedsData, ///< a load waits for its bytes
+        Transfers, ///< a file transfer has the channel
     };
 
     /// How a run ended other than well.
     struct Report {
-        Error error = Error::None; // None = stopped by a break
-        int line = noLine;
+        Error error = Error::None; ///< None = stopped by a break
+        int line = NoLine;
     };
 
     explicit Interpreter(Machine& machine);
@@ -63,7 +64,7 @@ class Interpreter {
     void Break();
     std::optional<Report> TakeReport();
 
-    // The statements, called through their table.
+    /// The statements, called through their table.
     void Assign(const Statement& statement);
     void If(const Statement& statement);
     void Jump(const Statement& statement);
@@ -139,16 +140,16 @@ class Interpreter {
         std::size_t item = 0;
     };
     struct DataWait {
-        bool image = false; // IMAGE LOAD; else FILE& LOAD
+        bool image = false; ///< IMAGE LOAD; else FILE& LOAD
         bool permanent = false;
         std::string name;
         std::size_t missing = 0;
-        std::size_t room = 0; // bytes that are kept; more are counted and dropped
+        std::size_t room = 0; ///< bytes that are kept; more are counted and dropped
         bool tooLarge = false;
         std::string bytes;
     };
     struct Trap {
-        int line = noLine; // ON ERROR GOTO
+        int line = NoLine; ///< ON ERROR GOTO
         bool active = false;
         std::size_t failedAt = 0;
     };
@@ -194,7 +195,7 @@ class Interpreter {
     State mState = State::Idle;
     const Code* mCode = &mTypedCode;
     std::size_t mAt = 0;
-    bool mSliceEnds = false; // a long statement was the last of its slice
+    bool mSliceEnds = false; ///< a long statement was the last of its slice
     std::vector<ForFrame> mLoops;
     std::vector<CallFrame> mCalls;
     std::vector<CallFrame> mWhiles;

@@ -5,9 +5,9 @@
 namespace qnsim {
 namespace {
 
-constexpr int farthestDot = 32767;
-constexpr int mostCopies = 9999;
-constexpr double mostDots = 4096.0 * 4096.0;
+constexpr int FarthestDot = 32767;
+constexpr int MostCopies = 9999;
+constexpr double MostDots = 4096.0 * 4096.0;
 
 } // namespace
 
@@ -16,8 +16,8 @@ void Interpreter::ClearLabel(const Statement& /*statement*/) {
 }
 
 void Interpreter::Position(const Statement& statement) {
-    const int x = mEvaluator.Whole(statement.args[0], -farthestDot, farthestDot);
-    const int y = mEvaluator.Whole(statement.args[1], -farthestDot, farthestDot);
+    const int x = mEvaluator.Whole(statement.args[0], -FarthestDot, FarthestDot);
+    const int y = mEvaluator.Whole(statement.args[1], -FarthestDot, FarthestDot);
     if (mEvaluator.Failure() == Error::None) mMachine.label.MoveTo(x, y);
 }
 
@@ -53,7 +53,7 @@ void Interpreter::LabelText(const Statement& statement) {
     const Expr& item = statement.args[0];
     const std::string text =
         item.IsText() ? mEvaluator.Text(item) : NumberText(mEvaluator.Number(item));
-    if (text.size() > longestLine) Fail(Error::StringTooLong);
+    if (text.size() > LongestLine) Fail(Error::StringTooLong);
     if (mEvaluator.Failure() == Error::None) Fail(mMachine.label.PrintText(text));
 }
 
@@ -65,9 +65,9 @@ void Interpreter::LabelImage(const Statement& statement) {
 
 void Interpreter::LabelLine(const Statement& statement) {
     mSliceEnds = true;
-    const int length = mEvaluator.Whole(statement.args[0], 1, farthestDot);
-    const int thickness = mEvaluator.Whole(statement.args[1], 1, farthestDot, 1);
-    if (static_cast<double>(length) * thickness > mostDots) Fail(Error::IllegalArgument);
+    const int length = mEvaluator.Whole(statement.args[0], 1, FarthestDot);
+    const int thickness = mEvaluator.Whole(statement.args[1], 1, FarthestDot, 1);
+    if (static_cast<double>(length) * thickness > MostDots) Fail(Error::IllegalArgument);
     if (mEvaluator.Failure() == Error::None) mMachine.label.DrawLine(length, thickness);
 }
 
@@ -82,7 +82,7 @@ void Interpreter::LabelBox(const Statement& statement) {
 
 void Interpreter::PrintFeed(const Statement& statement) {
     mSliceEnds = true;
-    mEvaluator.Whole(statement.args[0], 1, mostCopies, 1);
+    mEvaluator.Whole(statement.args[0], 1, MostCopies, 1);
     if (mEvaluator.Failure() != Error::None) return;
     const Bitmap label = mMachine.label.Feed();
     if (mMachine.labels && !mMachine.labels->Add(label, mMachine.model.dotsPerMm))

@@ -1,5 +1,6 @@
-// What a program can reach of the printer it runs on.
 #pragma once
+
+// What a program can reach of the printer it runs on.
 
 #include "Model.h"
 #include "Setup.h"
@@ -54,13 +55,13 @@ struct Machine {
     Storage storage;
     SystemVariables system;
     Label label;
-    std::optional<LabelFolder> labels; // where printed labels go as pictures
-    Micros now = 0;                    // the time that the caller gave last
-    std::size_t lineRoom = 0; // bytes that the wired channel takes without letting them queue
+    std::optional<LabelFolder> labels; ///< where printed labels go as pictures
+    Micros now = 0;                    ///< the time that the caller gave last
+    std::size_t lineRoom = 0; ///< bytes that the wired channel takes without letting them queue
     bool immediate = true;
-    bool setupChanged = false; // the line's settings take effect after the reply
+    bool setupChanged = false; ///< the line's settings take effect after the reply
     bool restartWanted = false;
-    std::string out; // bytes for the wired channel
+    std::string out; ///< bytes for the wired channel
 };
 
 } // namespace qnsim

@@ -7,9 +7,9 @@
 namespace qnsim {
 namespace {
 
-constexpr int deepestNesting = 64;
-constexpr int tallestTree = 400;
-constexpr int topLevel = 6; // the tightest binary operator
+constexpr int DeepestNesting = 64;
+constexpr int TallestTree = 400;
+constexpr int TopLevel = 6; // the tightest binary operator
 
 struct Operator {
     int level; // loosest first
@@ -18,16 +18,16 @@ struct Operator {
     Node node;
 };
 
-constexpr std::array<Operator, 17> operators{{
+constexpr std::array<Operator, 17> Operators{{
     {0, 0, "OR", Node::Or},
     {0, 0, "XOR", Node::Xor},
     {1, 0, "AND", Node::And},
     {2, '=', "", Node::Compare},
     {2, '<', "", Node::Compare},
     {2, '>', "", Node::Compare},
-    {2, signNotEqual, "", Node::Compare},
-    {2, signLessEqual, "", Node::Compare},
-    {2, signGreaterEqual, "", Node::Compare},
+    {2, SignNotEqual, "", Node::Compare},
+    {2, SignLessEqual, "", Node::Compare},
+    {2, SignGreaterEqual, "", Node::Compare},
     {3, '+', "", Node::Add},
     {3, '-', "", Node::Subtract},
     {4, 0, "MOD", Node::Modulo},
@@ -45,7 +45,7 @@ class Nesting {
     ~Nesting() { --mDepth; }
     Nesting(const Nesting&) = delete;
     Nesting& operator=(const Nesting&) = delete;
-    bool TooDeep() const { return mDepth > deepestNesting; }
+    bool TooDeep() const { return mDepth > DeepestNesting; }
 
   private:
     int& mDepth;
@@ -53,12 +53,12 @@ class Nesting {
 
 const Operator* FindOperator(const Token& token, int level) {
     const auto* found =
-        std::find_if(operators.begin(), operators.end(), [&](const Operator& entry) {
+        std::find_if(Operators.begin(), Operators.end(), [&](const Operator& entry) {
             if (entry.level != level) return false;
             return entry.sign != 0 ? token.kind == TokenKind::Sign && token.sign == entry.sign
                                    : token.kind == TokenKind::Word && token.text == entry.word;
         });
-    return found == operators.end() ? nullptr : found;
+    return found == Operators.end() ? nullptr : found;
 }
 
 } // namespace
@@ -77,14 +77,14 @@ Expr Parser::Combine(Node node, char sign, Expr left, Expr right) {
         Fail(Error::TypeMismatch);
     }
     result.depth = std::max(left.depth, right.depth) + 1;
-    if (result.depth > tallestTree) Fail(Error::NestingTooDeep);
+    if (result.depth > TallestTree) Fail(Error::NestingTooDeep);
     result.args.push_back(std::move(left));
     result.args.push_back(std::move(right));
     return result;
 }
 
 Expr Parser::ReadExpression(int level) {
-    if (level > topLevel) return ReadUnary();
+    if (level > TopLevel) return ReadUnary();
     Expr left = ReadExpression(level + 1);
     while (const Operator* found = FindOperator(mTokens.Current(), level)) {
         mTokens.Next();
@@ -106,7 +106,7 @@ Expr Parser::ReadUnary() {
     // The sign takes a power with it (-2^2 is -4), NOT takes a comparison.
     Expr result;
     result.node = inverts ? Node::Not : Node::Negate;
-    Expr inner = ReadExpression(inverts ? 2 : topLevel);
+    Expr inner = ReadExpression(inverts ? 2 : TopLevel);
     Require(inner, 'n');
     result.depth = inner.depth + 1;
     result.args.push_back(std::move(inner));

@@ -131,14 +131,14 @@ void Parser::ReadClose(Statement& statement) {
 void Parser::ReadList(Statement& statement) {
     // LIST, LIST 10, LIST 10-, LIST -20, LIST 10-20
     statement.number = 0;
-    statement.number2 = largestLineNumber;
+    statement.number2 = LargestLineNumber;
     if (AtStatementEnd()) return;
     if (mTokens.Current().kind == TokenKind::Number) {
         statement.number = ReadLineNumber();
         statement.number2 = statement.number;
     }
     if (!TakeSign('-')) return;
-    statement.number2 = AtStatementEnd() ? largestLineNumber : ReadLineNumber();
+    statement.number2 = AtStatementEnd() ? LargestLineNumber : ReadLineNumber();
 }
 
 void Parser::ReadResume(Statement& statement) {

@@ -6,7 +6,7 @@
 namespace qnsim {
 namespace {
 
-constexpr int deepestIf = 32;
+constexpr int DeepestIf = 32;
 
 } // namespace
 
@@ -15,7 +15,7 @@ int TakeLineNumber(std::string_view& text) {
     std::size_t digits = 0;
     int number = 0;
     while (digits < text.size() && text[digits] >= '0' && text[digits] <= '9') {
-        if (number <= largestLineNumber) number = number * 10 + (text[digits] - '0');
+        if (number <= LargestLineNumber) number = number * 10 + (text[digits] - '0');
         ++digits;
     }
     if (digits == 0) return -1;
@@ -144,7 +144,7 @@ void Parser::ReadArgument(Statement& statement, char kind) {
 }
 
 void Parser::ReadIf() {
-    if (++mDepth > deepestIf) return Fail(Error::NestingTooDeep);
+    if (++mDepth > DeepestIf) return Fail(Error::NestingTooDeep);
     mTokens.Next();
     Statement statement;
     statement.line = mLine;
@@ -182,12 +182,12 @@ int Parser::ReadLineNumber() {
     const Token& token = mTokens.Current();
     if (token.kind != TokenKind::Number) {
         Fail(Error::Syntax);
-        return noLine;
+        return NoLine;
     }
     const double number = token.number;
-    if (number < 0 || number > largestLineNumber || number != static_cast<int>(number)) {
+    if (number < 0 || number > LargestLineNumber || number != static_cast<int>(number)) {
         Fail(Error::LineNumber);
-        return noLine;
+        return NoLine;
     }
     mTokens.Next();
     return static_cast<int>(number);

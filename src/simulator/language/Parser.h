@@ -1,5 +1,6 @@
-// Reads one line of Quorin into statements.
 #pragma once
+
+// Reads one line of Quorin into statements.
 
 #include "language/Ast.h"
 #include "language/Token.h"
@@ -19,7 +20,7 @@ class Parser {
     /// Appends the line's statements to the code.
     Error Read(Code& code);
 
-    // The statements that have a form of their own; called through the statement table.
+    /// The statements that have a form of their own; called through the statement table.
     void ReadPrint(Statement& statement);
     void ReadInput(Statement& statement);
     void ReadLineInput(Statement& statement);
@@ -84,7 +85,7 @@ class Parser {
 /// what follows it.
 int TakeLineNumber(std::string_view& text);
 
-constexpr int largestLineNumber = 65535;
-constexpr std::size_t longestLine = 1024;
+constexpr int LargestLineNumber = 65535;
+constexpr std::size_t LongestLine = 1024;
 
 } // namespace qnsim

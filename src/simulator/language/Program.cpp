@@ -6,7 +6,7 @@
 namespace qnsim {
 namespace {
 
-constexpr int numberStep = 10;
+constexpr int NumberStep = 10;
 
 } // namespace
 
@@ -27,8 +27,8 @@ void Program::Clear() {
 }
 
 int Program::NextNumber() const {
-    return mLines.empty() ? numberStep
-                          : (mLines.rbegin()->first / numberStep) * numberStep + numberStep;
+    return mLines.empty() ? NumberStep
+                          : (mLines.rbegin()->first / NumberStep) * NumberStep + NumberStep;
 }
 
 std::string Program::Listing(int from, int to) const {
@@ -43,14 +43,14 @@ Program::Reading Program::ReadListing(std::string_view text) {
     Reading reading;
     for (std::string_view line : Split(text, '\n')) {
         if (!line.empty() && line.back() == '\r') line.remove_suffix(1);
-        if (line.size() > longestLine) reading.error = Error::LineTooLong;
+        if (line.size() > LongestLine) reading.error = Error::LineTooLong;
         int number = TakeLineNumber(line);
         if (line.empty()) continue;
         if (number < 0) {
             number =
-                reading.lines.empty() ? numberStep : reading.lines.rbegin()->first + numberStep;
+                reading.lines.empty() ? NumberStep : reading.lines.rbegin()->first + NumberStep;
         }
-        if (number == 0 || number > largestLineNumber) reading.error = Error::LineNumber;
+        if (number == 0 || number > LargestLineNumber) reading.error = Error::LineNumber;
         if (reading.error != Error::None) return reading;
         reading.lines.insert_or_assign(number, std::string(line));
     }

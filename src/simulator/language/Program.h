@@ -1,5 +1,6 @@
-// The program in working memory: numbered lines as they were typed.
 #pragma once
+
+// The program in working memory: numbered lines as they were typed.
 
 #include "Errors.h"
 

@@ -24,7 +24,7 @@ void Interpreter::List(const Statement& statement) {
 
 void Interpreter::RunProgram(const Statement& statement) {
     const int line =
-        statement.args.empty() ? noLine : mEvaluator.Whole(statement.args[0], 0, largestLineNumber);
+        statement.args.empty() ? NoLine : mEvaluator.Whole(statement.args[0], 0, LargestLineNumber);
     if (mEvaluator.Failure() == Error::None) StartProgram(line);
 }
 
@@ -32,7 +32,7 @@ void Interpreter::Save(const Statement& statement) {
     const std::string path = mEvaluator.Text(statement.args[0]);
     if (mEvaluator.Failure() != Error::None) return;
     if (!mMachine.model.programmable) return Fail(Error::NotProgrammable);
-    Fail(mMachine.storage.Write(path, mProgram.Listing(0, largestLineNumber)));
+    Fail(mMachine.storage.Write(path, mProgram.Listing(0, LargestLineNumber)));
 }
 
 void Interpreter::Load(const Statement& statement) {

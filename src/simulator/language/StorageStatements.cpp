@@ -10,15 +10,15 @@
 namespace qnsim {
 namespace {
 
-constexpr std::size_t nameWidth = 20;
-constexpr std::size_t sizeWidth = 10;
-constexpr int largestPayload = std::numeric_limits<int>::max();
+constexpr std::size_t NameWidth = 20;
+constexpr std::size_t SizeWidth = 10;
+constexpr int LargestPayload = std::numeric_limits<int>::max();
 
 std::string Row(std::string_view name, std::string_view size) {
     // At least two blanks stand between a name and what follows it.
     std::string row(name);
-    const std::size_t width = std::max(nameWidth, name.size() + 2) + sizeWidth;
-    row.append(std::max<std::size_t>(width - name.size() - std::min(size.size(), sizeWidth), 2),
+    const std::size_t width = std::max(NameWidth, name.size() + 2) + SizeWidth;
+    row.append(std::max<std::size_t>(width - name.size() - std::min(size.size(), SizeWidth), 2),
                ' ');
     return row + std::string(size);
 }
@@ -112,7 +112,7 @@ void Interpreter::Fonts(const Statement& /*statement*/) {
         names.push_back(name);
     const int columns = mMachine.model.listingColumns;
     for (std::size_t i = 0; columns == 2 && i + 1 < names.size(); i += 2)
-        names[i].resize(std::max(nameWidth, names[i].size()), ' ');
+        names[i].resize(std::max(NameWidth, names[i].size()), ' ');
     mMachine.out += TwoColumns(names, columns);
     WriteBytesLine(device);
 }
@@ -149,7 +149,7 @@ void Interpreter::AwaitData(const Statement& statement, bool image) {
     mData.image = image;
     mData.name = mEvaluator.Text(statement.args[0]);
     mData.missing =
-        static_cast<std::size_t>(mEvaluator.Whole(statement.args[1], 0, largestPayload));
+        static_cast<std::size_t>(mEvaluator.Whole(statement.args[1], 0, LargestPayload));
     if (statement.args.size() > 2 && statement.args[2].IsPresent())
         mData.permanent = Upper(mEvaluator.Text(statement.args[2])) == "S";
     if (mEvaluator.Failure() != Error::None) return;

@@ -106,9 +106,9 @@ void Lexer::ReadSign() {
     const char next = mAt < mLine.size() ? mLine[mAt] : '\0';
     mToken.kind = TokenKind::Sign;
     mToken.sign = c;
-    if (c == '<' && next == '>') mToken.sign = signNotEqual;
-    if (c == '<' && next == '=') mToken.sign = signLessEqual;
-    if (c == '>' && next == '=') mToken.sign = signGreaterEqual;
+    if (c == '<' && next == '>') mToken.sign = SignNotEqual;
+    if (c == '<' && next == '=') mToken.sign = SignLessEqual;
+    if (c == '>' && next == '=') mToken.sign = SignGreaterEqual;
     if (mToken.sign != c) ++mAt;
     constexpr std::string_view signs = "+-*/^()=<>,;:#?'\\";
     if (signs.find(c) == std::string_view::npos) Stop(Error::Syntax);

@@ -1,5 +1,6 @@
-// The words, numbers, texts and signs that a line of Quorin is made of.
 #pragma once
+
+// The words, numbers, texts and signs that a line of Quorin is made of.
 
 #include "Errors.h"
 
@@ -12,17 +13,17 @@ namespace qnsim {
 enum class TokenKind { End, Number, Text, Word, Sign, Item };
 
 /// Signs of two characters are held as one letter of their own.
-constexpr char signNotEqual = 'n';
-constexpr char signLessEqual = 'l';
-constexpr char signGreaterEqual = 'g';
+constexpr char SignNotEqual = 'n';
+constexpr char SignLessEqual = 'l';
+constexpr char SignGreaterEqual = 'g';
 
 struct Token {
     TokenKind kind = TokenKind::End;
-    char sign = 0;     // Sign: the character, or one of the three above
-    double number = 0; // Number
-    std::string text; // Text: without its quotes. Word: upper case, with its "$", "%" or "&". Item:
-                      // as written
-    std::size_t begin = 0; // where it starts in the line
+    char sign = 0;     ///< Sign: the character, or one of the three above
+    double number = 0; ///< Number
+    std::string text;  ///< Text: without its quotes. Word: upper case, with its "$", "%" or "&".
+                       ///< Item: as written
+    std::size_t begin = 0; ///< where it starts in the line
 };
 
 /// Reads tokens from one line. A word that the language reserves ends before a digit (PRINT#1,

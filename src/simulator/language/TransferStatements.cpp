@@ -5,7 +5,7 @@
 namespace qnsim {
 namespace {
 
-constexpr int bitsOfAllBytes = 8;
+constexpr int BitsOfAllBytes = 8;
 
 } // namespace
 
@@ -23,7 +23,7 @@ void Interpreter::BeginTransfer(const Statement& statement, FileTransfer::Protoc
     const std::string path = named ? mEvaluator.Text(statement.args[1]) : std::string();
     if (mEvaluator.Failure() != Error::None) return;
     if ((way != "R" && way != "S") || named != (way == "S")) return Fail(Error::IllegalArgument);
-    const bool sevenBits = mMachine.setup.Channel(mMachine.wiredUart).dataBits != bitsOfAllBytes;
+    const bool sevenBits = mMachine.setup.Channel(mMachine.wiredUart).dataBits != BitsOfAllBytes;
     if (sevenBits && protocol == FileTransfer::Protocol::ZModem)
         return Fail(Error::EightBitsNeeded);
     if (way == "R") {

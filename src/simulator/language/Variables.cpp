@@ -5,9 +5,9 @@
 namespace qnsim {
 namespace {
 
-constexpr int mostNames = 4096;
-constexpr std::size_t outside = static_cast<std::size_t>(-1);
-constexpr double largestArray = 100'000;
+constexpr int MostNames = 4096;
+constexpr std::size_t Outside = static_cast<std::size_t>(-1);
+constexpr double LargestArray = 100'000;
 
 } // namespace
 
@@ -16,7 +16,7 @@ int Variables::Slot(std::map<std::string, int, std::less<>>& names, Values& valu
                     const std::string& name) {
     const auto found = names.find(name);
     if (found != names.end()) return found->second;
-    if (values.size() >= mostNames) return noSlot;
+    if (values.size() >= MostNames) return noSlot;
     const int slot = static_cast<int>(values.size());
     values.emplace_back();
     names.emplace(name, slot);
@@ -52,33 +52,33 @@ std::size_t Variables::Resolve(std::vector<Element>& array, double index) {
         mBytes += array.size() * sizeof(double);
     }
     const double whole = std::nearbyint(index);
-    if (!(whole >= 0) || whole >= static_cast<double>(array.size())) return outside;
+    if (!(whole >= 0) || whole >= static_cast<double>(array.size())) return Outside;
     return static_cast<std::size_t>(whole);
 }
 
 double* Variables::NumberElement(int slot, double index) {
     auto& array = mNumberArrays[static_cast<std::size_t>(slot)];
     const std::size_t at = Resolve(array, index);
-    return at == outside ? nullptr : &array[at];
+    return at == Outside ? nullptr : &array[at];
 }
 
 const std::string* Variables::TextElement(int slot, double index) {
     auto& array = mTextArrays[static_cast<std::size_t>(slot)];
     const std::size_t at = Resolve(array, index);
-    return at == outside ? nullptr : &array[at];
+    return at == Outside ? nullptr : &array[at];
 }
 
 Error Variables::SetTextElement(int slot, double index, std::string value) {
     auto& array = mTextArrays[static_cast<std::size_t>(slot)];
     const std::size_t at = Resolve(array, index);
-    if (at == outside) return Error::SubscriptOutOfRange;
+    if (at == Outside) return Error::SubscriptOutOfRange;
     mBytes = mBytes - array[at].size() + value.size();
     array[at] = std::move(value);
     return Error::None;
 }
 
 Error Variables::Dimension(int slot, bool text, double last) {
-    if (!(last >= 0) || last > largestArray) return Error::SubscriptOutOfRange;
+    if (!(last >= 0) || last > LargestArray) return Error::SubscriptOutOfRange;
     const auto at = static_cast<std::size_t>(slot);
     const bool made = text ? !mTextArrays[at].empty() : !mNumberArrays[at].empty();
     if (made) return Error::ArrayAgain;

@@ -1,5 +1,6 @@
-// The values of a program: numbers, texts and arrays, each name resolved once to a slot.
 #pragma once
+
+// The values of a program: numbers, texts and arrays, each name resolved once to a slot.
 
 #include "Errors.h"
 
@@ -14,7 +15,7 @@ namespace qnsim {
 class Variables {
   public:
     static constexpr int noSlot = -1;
-    static constexpr int defaultLimit = 10; // the last index of an array that was not dimensioned
+    static constexpr int defaultLimit = 10; ///< the last index of an array that was not dimensioned
 
     /// The slot of a name (upper case); a new name gets one. noSlot when there are too many names.
     int NumberSlot(const std::string& name);

@@ -15,7 +15,7 @@ using P = Parser;
 using I = Interpreter;
 using E = Evaluator;
 
-constexpr std::array statements{
+constexpr std::array Statements{
     StatementRow{"LET", "", &P::ReadLet, &I::Assign},
     StatementRow{"IF", "", nullptr, &I::If},
     StatementRow{"ELSE", "", nullptr, &I::Jump},
@@ -78,7 +78,7 @@ constexpr std::array statements{
     StatementRow{"PF", "?n", nullptr, &I::PrintFeed},
 };
 
-constexpr std::array functions{
+constexpr std::array Functions{
     FunctionRow{"ABS", "n", &E::Absolute, nullptr},
     FunctionRow{"ASC", "s", &E::Ascii, nullptr},
     FunctionRow{"INT", "n", &E::WholePart, nullptr},
@@ -103,7 +103,7 @@ constexpr std::array functions{
     FunctionRow{"HEX$", "n", nullptr, &E::Hex},
 };
 
-constexpr std::array<std::string_view, 17> connectingWords{
+constexpr std::array<std::string_view, 17> ConnectingWords{
     "TO",  "STEP", "THEN",   "ELSE",   "AS",    "OFF",   "AND",  "OR", "XOR",
     "NOT", "MOD",  "OUTPUT", "APPEND", "ERROR", "WRITE", "FONT", "POW"};
 
@@ -119,23 +119,23 @@ Rows IndexOf(const Table& table, std::string_view (*key)(const typename Table::v
 
 const Rows& StatementRows() {
     static const Rows rows = IndexOf(
-        statements, +[](const StatementRow& row) { return row.words; });
+        Statements, +[](const StatementRow& row) { return row.words; });
     return rows;
 }
 
 const Rows& FunctionRows() {
     static const Rows rows = IndexOf(
-        functions, +[](const FunctionRow& row) { return row.name; });
+        Functions, +[](const FunctionRow& row) { return row.name; });
     return rows;
 }
 
 Rows ReservedWords() {
     Rows words;
-    for (const StatementRow& row : statements)
+    for (const StatementRow& row : Statements)
         words.emplace(row.words.substr(0, row.words.find(' ')), 0);
-    for (const FunctionRow& row : functions)
+    for (const FunctionRow& row : Functions)
         words.emplace(row.name, 0);
-    for (const std::string_view word : connectingWords)
+    for (const std::string_view word : ConnectingWords)
         words.emplace(word, 0);
     return words;
 }
@@ -156,11 +156,11 @@ int FindStatement(std::string_view first, std::string_view second) {
 }
 
 const StatementRow& StatementAt(int row) {
-    return statements[static_cast<std::size_t>(row)];
+    return Statements[static_cast<std::size_t>(row)];
 }
 
 int StatementCount() {
-    return static_cast<int>(statements.size());
+    return static_cast<int>(Statements.size());
 }
 
 int AssignRow() {
@@ -181,11 +181,11 @@ int FindFunction(std::string_view name) {
 }
 
 const FunctionRow& FunctionAt(int row) {
-    return functions[static_cast<std::size_t>(row)];
+    return Functions[static_cast<std::size_t>(row)];
 }
 
 int FunctionCount() {
-    return static_cast<int>(functions.size());
+    return static_cast<int>(Functions.size());
 }
 
 bool IsReserved(std::string_view word) {

@@ -1,5 +1,6 @@
-// The words of the language: one table of statements, one of functions, and the words between them.
 #pragma once
+
+// The words of the language: one table of statements, one of functions, and the words between them.
 
 #include <string>
 #include <string_view>
@@ -16,7 +17,7 @@ struct Statement;
 /// an argument that may be left out, a capital letter for itself), or by a function of the parser
 /// when they have a form of their own.
 struct StatementRow {
-    std::string_view words; // one word or two
+    std::string_view words; ///< one word or two
     std::string_view args;
     void (Parser::*parse)(Statement&);
     void (Interpreter::*run)(const Statement&);
@@ -35,7 +36,7 @@ int GotoRow();
 
 struct FunctionRow {
     std::string_view name;
-    std::string_view args; // "n", "s", "?" as above; empty = used without parentheses
+    std::string_view args; ///< "n", "s", "?" as above; empty = used without parentheses
     double (Evaluator::*number)(const Expr&);
     std::string (Evaluator::*text)(const Expr&);
 };

@@ -17,7 +17,7 @@ namespace qncomm::testing {
 
 /// The far side of a FakeChannel: what it will do and what it has seen. Outlives the channel.
 struct FakeLine {
-    // Switches
+    /// Switches
     IoResult openResult;
     IoResult probeResult;
     IoResult configureResult;
@@ -28,7 +28,7 @@ struct FakeLine {
     std::size_t pending = 0;                ///< bytes on their way to the line
     std::optional<std::int64_t> pendingEnd; ///< when they will have left
 
-    // What it has seen
+    /// What it has seen
     std::string written;
     std::vector<LineSettings> settings; ///< of each opening and change
     int opens = 0;

@@ -1,5 +1,6 @@
-// Pictures and a font for the printer's tests, and a reader for the labels that it writes.
 #pragma once
+
+// Pictures and a font for the printer's tests, and a reader for the labels that it writes.
 
 #include <functional>
 #include <string>

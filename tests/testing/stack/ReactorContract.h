@@ -41,7 +41,7 @@ struct TestPipe {
     Fd in;
 };
 
-constexpr std::int32_t AnHourMs = 3'600'000; // a test that waited for it would hang
+constexpr std::int32_t AnHourMs = 3'600'000; ///< a test that waited for it would hang
 
 TYPED_TEST_P(ReactorContract, AYieldEndsWithWhatIsDueAndNotWithItsLimit) {
     TypeParam loop;

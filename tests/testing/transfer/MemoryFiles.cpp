@@ -9,13 +9,13 @@ namespace qncomm::transfer::testing {
 std::optional<FileInfo> MemorySource::Next() {
     if (mNext >= mFiles.size()) return std::nullopt;
     FileInfo file;
-    file.sName = mFiles[mNext].sName;
+    file.name = mFiles[mNext].name;
     file.size = mFiles[mNext].content.size();
     file.modified = 1700000000;
     file.mode = 0644;
     file.filesLeft = static_cast<std::uint32_t>(mFiles.size() - mNext);
-    file.bText = bText;
-    file.bResume = bResume;
+    file.text = text;
+    file.resume = resume;
     ++mNext;
     return file;
 }
@@ -35,11 +35,11 @@ bool MemorySource::Read(std::uint64_t offset, std::size_t length, std::string& d
 OfferDecision MemorySink::Offer(const FileInfo& file) {
     mOffered.push_back(file);
     OfferDecision decision;
-    if (!sSkipName.empty() && file.sName == sSkipName) {
+    if (!skipName.empty() && file.name == skipName) {
         decision.kind = AnswerKind::Skip;
         return decision;
     }
-    mOpen = {file.sName, resumeFrom};
+    mOpen = {file.name, resumeFrom};
     decision.offset = resumeFrom.size();
     return decision;
 }
@@ -49,13 +49,13 @@ bool MemorySink::Write(std::uint64_t offset, std::string_view data, std::string&
         sReason = "the disk is full";
         return false;
     }
-    if (offset != mOpen.content.size()) bGap = true;
+    if (offset != mOpen.content.size()) gap = true;
     mOpen.content.append(data);
     return true;
 }
 
 bool MemorySink::Close(bool bWhole, std::string& sReason) {
-    if (bWhole && bFailClose) {
+    if (bWhole && failClose) {
         sReason = "the file cannot be renamed";
         return false;
     }
@@ -72,13 +72,13 @@ std::string RandomBytes(std::size_t size, std::uint64_t seed) {
 }
 
 std::string TextBytes(std::size_t size, std::uint64_t seed) {
-    static constexpr std::array<std::string_view, 8> kWords = {
+    static constexpr std::array<std::string_view, 8> Words = {
         "label", "print", "the", "of", "barcode", "and", "position", "font"};
     std::mt19937_64 random(seed);
     std::string text;
     std::size_t column = 0;
     while (text.size() < size) {
-        const auto word = kWords[random() % kWords.size()];
+        const auto word = Words[random() % Words.size()];
         text += word;
         column += word.size();
         text.push_back(column > 60 ? '\n' : ' ');

@@ -9,11 +9,11 @@
 namespace qncomm::transfer::testing {
 
 struct MemoryFile {
-    std::string sName;
+    std::string name;
     std::string content;
 };
 
-// Sends files that stand in memory. Each switch is a failure.
+/// Sends files that stand in memory. Each switch is a failure.
 class MemorySource final : public FileSource {
   public:
     explicit MemorySource(std::vector<MemoryFile> files) : mFiles(std::move(files)) {}
@@ -25,12 +25,12 @@ class MemorySource final : public FileSource {
 
     [[nodiscard]] const std::vector<bool>& Closed() const { return mClosed; }
 
-    // The lowest offset that was read, or the largest number when none was.
+    /// The lowest offset that was read, or the largest number when none was.
     [[nodiscard]] std::uint64_t FirstRead() const { return mFirstRead; }
 
-    bool bText = false;
-    bool bResume = false;
-    std::optional<std::uint64_t> failReadAt; // fails from this offset on
+    bool text = false;
+    bool resume = false;
+    std::optional<std::uint64_t> failReadAt; ///< fails from this offset on
 
   private:
     std::vector<MemoryFile> mFiles;
@@ -39,7 +39,7 @@ class MemorySource final : public FileSource {
     std::vector<bool> mClosed;
 };
 
-// Keeps received files in memory; a file that was closed as not whole is kept apart.
+/// Keeps received files in memory; a file that was closed as not whole is kept apart.
 class MemorySink final : public FileSink {
   public:
     OfferDecision Offer(const FileInfo& file) override;
@@ -50,11 +50,11 @@ class MemorySink final : public FileSink {
     [[nodiscard]] const std::vector<MemoryFile>& Partial() const { return mPartial; }
     [[nodiscard]] const std::vector<FileInfo>& Offered() const { return mOffered; }
 
-    std::string sSkipName;                    // a file of this name is not wanted
-    std::string resumeFrom;                   // what is already here
-    std::optional<std::uint64_t> failWriteAt; // the disk is full from this offset on
-    bool bFailClose = false;
-    bool bGap = false; // set when an offset did not follow the one before
+    std::string skipName;                    ///< a file of this name is not wanted
+    std::string resumeFrom;                   ///< what is already here
+    std::optional<std::uint64_t> failWriteAt; ///< the disk is full from this offset on
+    bool failClose = false;
+    bool gap = false; ///< set when an offset did not follow the one before
 
   private:
     std::vector<FileInfo> mOffered;
@@ -63,9 +63,9 @@ class MemorySink final : public FileSink {
     MemoryFile mOpen;
 };
 
-// The same bytes for the same seed.
+/// The same bytes for the same seed.
 std::string RandomBytes(std::size_t size, std::uint64_t seed);
-// Lines of words with LF ends.
+/// Lines of words with LF ends.
 std::string TextBytes(std::size_t size, std::uint64_t seed);
 
 } // namespace qncomm::transfer::testing

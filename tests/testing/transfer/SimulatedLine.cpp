@@ -6,7 +6,7 @@ namespace qncomm::transfer::testing {
 
 namespace {
 
-constexpr std::size_t kLogLimit = 65536;
+constexpr std::size_t LogLimit = 65536;
 
 } // namespace
 
@@ -14,7 +14,7 @@ std::size_t SimulatedLine::Write(std::string_view bytes) {
     const std::size_t room = mSettings.buffer - std::min(mSettings.buffer, mWaiting.size());
     const std::size_t taken = std::min(room, bytes.size());
     mWaiting.append(bytes.substr(0, taken));
-    if (mLog.size() < kLogLimit) mLog.append(bytes.substr(0, taken));
+    if (mLog.size() < LogLimit) mLog.append(bytes.substr(0, taken));
     return taken;
 }
 
@@ -55,7 +55,7 @@ std::string SimulatedLine::Damage(std::string_view bytes, Time now) {
     std::string out;
     for (const char c : bytes) {
         if (++mCarried > faults.cutAfter || Chance(faults.drop)) continue;
-        char arrived = mSettings.bSevenBits ? static_cast<char>(c & 0x7F) : c;
+        char arrived = mSettings.sevenBits ? static_cast<char>(c & 0x7F) : c;
         const bool chosen = mCarried == faults.flipAt;
         mFaults += chosen ? 1 : 0;
         if (chosen || Chance(faults.flip))

@@ -8,39 +8,39 @@
 
 namespace qncomm::transfer::testing {
 
-// What can go wrong on a line; probabilities are per byte.
+/// What can go wrong on a line; probabilities are per byte.
 struct LineFaults {
     double flip = 0;
     double drop = 0;
     double repeat = 0;
     double insert = 0;
-    double stall = 0; // the line stands still for stallFor
+    double stall = 0; ///< the line stands still for stallFor
     Time stallFor{std::chrono::seconds(2)};
-    std::uint64_t flipAt = 0;       // this byte alone, counted from 1; 0: none
-    std::uint64_t cutAfter = ~0ULL; // bytes, then nothing arrives any more
+    std::uint64_t flipAt = 0;       ///< this byte alone, counted from 1; 0: none
+    std::uint64_t cutAfter = ~0ULL; ///< bytes, then nothing arrives any more
 };
 
 struct LineSettings {
-    double rate = 0; // bytes per second, 0: at once
+    double rate = 0; ///< bytes per second, 0: at once
     Time latency{0};
-    std::size_t buffer = 4096; // bytes that the line takes before they have left
+    std::size_t buffer = 4096; ///< bytes that the line takes before they have left
     LineFaults faults;
-    bool bSevenBits = false; // the top bit does not survive
+    bool sevenBits = false; ///< the top bit does not survive
 };
 
-// One direction of a line, on a clock that its caller drives.
+/// One direction of a line, on a clock that its caller drives.
 class SimulatedLine {
   public:
     SimulatedLine(const LineSettings& settings, std::uint64_t seed)
         : mSettings(settings), mRandom(seed) {}
 
-    // Takes what fits and says how much that was.
+    /// Takes what fits and says how much that was.
     std::size_t Write(std::string_view bytes);
-    // Lets time pass up to `now`.
+    /// Lets time pass up to `now`.
     void Advance(Time now);
-    // What has arrived by then.
+    /// What has arrived by then.
     std::string Arrived(Time now);
-    // Nothing is on the way.
+    /// Nothing is on the way.
     [[nodiscard]] bool IsIdle() const { return mWaiting.empty() && mFlying.empty(); }
     [[nodiscard]] std::uint64_t Faults() const { return mFaults; }
     [[nodiscard]] std::uint64_t Carried() const { return mCarried; }

@@ -6,7 +6,7 @@ namespace qncomm::transfer::testing {
 
 namespace {
 
-constexpr Time kStep = std::chrono::milliseconds(1);
+constexpr Time StepSpan = std::chrono::milliseconds(1);
 
 } // namespace
 
@@ -28,12 +28,12 @@ TransferRig::TransferRig(TransferEngine& sender, FileSource& source, TransferEng
 bool TransferRig::Run(Time limit) {
     mReceiver.engine.Start(mNow);
     mSender.engine.Start(mNow);
-    while (mNow - kStart <= limit) {
-        const bool sent = bSenderDead ? Drain(mBack) : Step(mSender, mForth, mBack);
-        const bool received = bReceiverDead ? Drain(mForth) : Step(mReceiver, mBack, mForth);
+    while (mNow - StartOfClock <= limit) {
+        const bool sent = senderDead ? Drain(mBack) : Step(mSender, mForth, mBack);
+        const bool received = receiverDead ? Drain(mForth) : Step(mReceiver, mBack, mForth);
         if (onStep) onStep(mNow);
-        if ((bSenderDead || mSender.engine.IsOver())
-            && (bReceiverDead || mReceiver.engine.IsOver()))
+        if ((senderDead || mSender.engine.IsOver())
+            && (receiverDead || mReceiver.engine.IsOver()))
             return true;
         AdvanceClock(sent || received || !mForth.IsIdle() || !mBack.IsIdle());
     }
@@ -76,7 +76,7 @@ bool TransferRig::Step(End& end, SimulatedLine& out, SimulatedLine& in) {
 }
 
 void TransferRig::AdvanceClock(bool bBusy) {
-    Time next = mNow + kStep;
+    Time next = mNow + StepSpan;
     if (!bBusy) {
         Time deadline = mNow + std::chrono::seconds(60);
         for (const TransferEngine* engine : {&mSender.engine, &mReceiver.engine}) {

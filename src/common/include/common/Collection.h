@@ -79,7 +79,7 @@ class Collection {
   private:
     struct Entry {
         T item;
-        std::string key; // lower case
+        std::string key; ///< lower case
     };
 
     std::size_t Place(std::size_t lIndex) const {

@@ -39,7 +39,7 @@ class Event {
     }
 
     void Raise(Args... args) const {
-        const auto connected = mSlots; // handlers may connect others
+        const auto connected = mSlots; ///< handlers may connect others
         for (const auto& weak : connected)
             if (const auto slot = weak.lock()) (*slot)(args...);
     }

@@ -283,7 +283,7 @@ class QNComm {
     struct ToolbarCommand;
     class Operation;
 
-    // QNComm.cpp
+    /// QNComm.cpp
     const std::shared_ptr<Members>& Wired() const;
     Operation Begin() const;
     void Wire();
@@ -294,13 +294,13 @@ class QNComm {
     void LayOut();
     FrameSizes Sizes() const;
 
-    // Surface.cpp, Listings.cpp
+    /// Surface.cpp, Listings.cpp
     template <class List>
     std::shared_ptr<PrinterFiles> CachedList(const std::string& device, bool refresh, List list);
     std::int16_t CountOf(std::string_view device) const;
     std::int32_t ListedSize(const std::string& path);
 
-    // ToolbarCommands.cpp
+    /// ToolbarCommands.cpp
     void Dispatch(const std::string& key);
     void LoadFunctionKeyTips();
     void RunMacro(const std::string& key);

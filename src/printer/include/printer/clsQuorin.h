@@ -200,7 +200,7 @@ class clsQuorin {
     struct Exchange;
     struct Listing;
 
-    // Exchange.cpp
+    /// Exchange.cpp
     clsDataLink& Link() const;
     PortClaim Claim();
     std::optional<Reply> Run(const Exchange& exchange);
@@ -213,7 +213,7 @@ class clsQuorin {
     void ReportDone(std::string message);
     MsgBoxResult AskPerson(const MsgBox& box);
 
-    // DeviceTable.cpp
+    /// DeviceTable.cpp
     void InitFileSystem();
     std::shared_ptr<clsPrinterDevice> Device(std::string_view name);
     void IsValidPrinterDevice(std::string_view name);
@@ -223,7 +223,7 @@ class clsQuorin {
     bool SystemLevelAllowed(bool flag);
     std::string OnWorkDevice(std::string_view name);
 
-    // Listings.cpp
+    /// Listings.cpp
     bool ModelLists();
     void ParseRows(clsPrinterDevice& device, const Reply& reply, std::size_t first,
                    const Listing& listing);
@@ -233,23 +233,23 @@ class clsQuorin {
     void FillFontFilter();
     void KeepFontDefaults(qncomm::RegSettings& settings, const std::vector<SettingValue>& defaults);
 
-    // ProgramControl.cpp
+    /// ProgramControl.cpp
     void WithPlantedLine(const std::function<void()>& body);
     void RemovePlantedLine();
     bool TestRun();
 
-    // ModuleUpload.cpp
+    /// ModuleUpload.cpp
     void BeginTyping();
     Reply EndTyping();
     Reply TypeModule(const std::vector<std::string>& lines, std::string message);
     void TypeLines(const std::vector<std::string>& lines, std::string& message);
     void LinkModules(const Collection<std::string>& modules, std::string_view header);
 
-    // Transfers.cpp
+    /// Transfers.cpp
     void ReplaceByKermit(const std::string& source, const std::string& destination);
     void MarkAfterFailure(const std::string& destination);
 
-    // Images.cpp, RawFiles.cpp
+    /// Images.cpp, RawFiles.cpp
     bool IsValidPcxImage(const std::string& path);
     static void RequireImageFile(const std::string& path);
     [[noreturn]] static void RefuseImage(PortClaim& claim, std::int32_t number);

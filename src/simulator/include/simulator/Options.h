@@ -1,6 +1,7 @@
+#pragma once
+
 // What a virtual printer is made of, and the text form of it that an address or a command line
 // carries.
-#pragma once
 
 #include <cstddef>
 #include <cstdint>
@@ -10,59 +11,59 @@
 
 namespace qnsim {
 
-using Micros = std::int64_t; // the caller's monotonic clock, in microseconds
+using Micros = std::int64_t; ///< the caller's monotonic clock, in microseconds
 
 /// A line's settings as one side knows them. An item that is absent is not carried by the endpoint
 /// and never causes a mismatch: a pseudo-terminal has no data bits and no parity, a socket has none
 /// of the four.
 struct LineFormat {
-    std::optional<int> baud;     // bits per second
-    std::optional<int> dataBits; // 7 or 8
-    std::optional<int> stopBits; // 1 or 2
-    std::optional<char> parity;  // 'n', 'e', 'o', 'm' or 's'
+    std::optional<int> baud;     ///< bits per second
+    std::optional<int> dataBits; ///< 7 or 8
+    std::optional<int> stopBits; ///< 1 or 2
+    std::optional<char> parity;  ///< 'n', 'e', 'o', 'm' or 's'
 
     bool operator==(const LineFormat&) const = default;
 };
 
 /// Something that happens to a byte with a probability; the same seed gives the same bytes.
 struct FaultRate {
-    double rate = 0.0; // 0 never, 1 every byte
+    double rate = 0.0; ///< 0 never, 1 every byte
     std::uint64_t seed = 1;
 };
 
 /// Faults that can be switched on. The line's faults work in both directions.
 struct Faults {
-    FaultRate lost;          // the byte does not arrive
-    FaultRate doubled;       // the byte arrives twice
-    FaultRate flipped;       // one of its bits is turned over
-    FaultRate stall;         // before this byte the printer's output pauses
-    int stallMs = 1000;      // and for so long
-    bool noEcho = false;     // command lines are not echoed
-    int errorOnCommand = 0;  // the n-th command line (1-based) fails with error 1099; 0 = none
-    bool dsrDropped = false; // the printer never holds DSR
-    std::optional<std::size_t> cutAfter; // the line is cut once so many bytes went to the host
+    FaultRate lost;          ///< the byte does not arrive
+    FaultRate doubled;       ///< the byte arrives twice
+    FaultRate flipped;       ///< one of its bits is turned over
+    FaultRate stall;         ///< before this byte the printer's output pauses
+    int stallMs = 1000;      ///< and for so long
+    bool noEcho = false;     ///< command lines are not echoed
+    int errorOnCommand = 0;  ///< the n-th command line (1-based) fails with error 1099; 0 = none
+    bool dsrDropped = false; ///< the printer never holds DSR
+    std::optional<std::size_t> cutAfter; ///< the line is cut once so many bytes went to the host
 };
 
 /// One virtual printer. The defaults are a printer that a host finds with its default search.
 struct Options {
-    std::string model = "R7G"; // one of the ten model codes
-    int baud = 9600; // the wired UART's setup at start: rate, parity, data bits, stop bits
+    std::string model = "R7G"; ///< one of the ten model codes
+    int baud = 9600; ///< the wired UART's setup at start: rate, parity, data bits, stop bits
     char parity = 'n';
     int dataBits = 8;
     int stopBits = 2;
-    int uart = 1;               // the channel that the host is wired to, 1 to 3
-    int bootMs = 3000;          // how long a restart takes
-    bool paced = false;         // bytes take their time on the line
-    std::string version;        // firmware text; empty = the model's own
-    std::uint64_t capacity = 0; // bytes of the work device; 0 = the model's own
-    std::string stateDir;       // keep storage and setup in this folder; empty = in memory
-    std::string labelsDir;      // write a PNG for each printed label here; empty = none
+    int uart = 1;               ///< the channel that the host is wired to, 1 to 3
+    int bootMs = 3000;          ///< how long a restart takes
+    bool paced = false;         ///< bytes take their time on the line
+    std::string version;        ///< firmware text; empty = the model's own
+    std::uint64_t capacity = 0; ///< bytes of the work device; 0 = the model's own
+    std::string stateDir;       ///< keep storage and setup in this folder; empty = in memory
+    std::string labelsDir;      ///< write a PNG for each printed label here; empty = none
     Faults faults;
 };
 
 struct ParseResult {
-    std::optional<Options> options; // absent = refused
-    std::string error;              // says what was wrong, for a person
+    std::optional<Options> options; ///< absent = refused
+    std::string error;              ///< says what was wrong, for a person
 };
 
 /// Reads what follows "sim:" in an address: MODEL, or MODEL?name=value&name=value…

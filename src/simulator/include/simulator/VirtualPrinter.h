@@ -1,6 +1,7 @@
+#pragma once
+
 // A label printer that runs inside the calling program: a line, a console, the language, storage
 // and a label.
-#pragma once
 
 #include "simulator/Options.h"
 
@@ -14,7 +15,7 @@ namespace qnsim {
 
 /// What the receiver at the host's end finds wrong with what the printer sends.
 struct HostErrors {
-    bool frame = false; // a byte does not end where it should
+    bool frame = false; ///< a byte does not end where it should
     bool parity = false;
 };
 

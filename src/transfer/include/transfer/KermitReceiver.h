@@ -7,8 +7,8 @@
 
 namespace qncomm::transfer {
 
-// Receives a batch of files by Kermit. A file that the sender calls text has its CR LF line ends
-// written as LF.
+/// Receives a batch of files by Kermit. A file that the sender calls text has its CR LF line ends
+/// written as LF.
 class KermitReceiver final : public TransferEngine {
   public:
     explicit KermitReceiver(KermitOptions options = {});

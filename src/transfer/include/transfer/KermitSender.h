@@ -7,7 +7,7 @@
 
 namespace qncomm::transfer {
 
-// Sends a batch of files by Kermit. A file whose `bText` is set has its LF line ends sent as CR LF.
+/// Sends a batch of files by Kermit. A file whose `text` is set has its LF line ends sent as CR LF.
 class KermitSender final : public TransferEngine {
   public:
     explicit KermitSender(KermitOptions options = {});

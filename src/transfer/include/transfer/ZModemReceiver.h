@@ -7,14 +7,14 @@
 namespace qncomm::transfer {
 
 struct ZModemReceiverOptions {
-    bool bCrc32 = true;           // let the sender use 32-bit sums
-    bool bEscapeControls = false; // ask the sender to escape all control characters
-    std::uint16_t buffer = 0;     // bytes that are taken before an acknowledgement, 0: any number
+    bool crc32 = true;           ///< let the sender use 32-bit sums
+    bool escapeControls = false; ///< ask the sender to escape all control characters
+    std::uint16_t buffer = 0;    ///< bytes that are taken before an acknowledgement, 0: any number
     Time patience =
-        std::chrono::seconds(50); // fail after this long without a valid header or subpacket
+        std::chrono::seconds(50); ///< fail after this long without a valid header or subpacket
 };
 
-// Receives a batch of files by ZModem. A command that the sender asks for is never carried out.
+/// Receives a batch of files by ZModem. A command that the sender asks for is never carried out.
 class ZModemReceiver final : public TransferEngine {
   public:
     explicit ZModemReceiver(ZModemReceiverOptions options = {});

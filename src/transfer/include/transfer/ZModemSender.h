@@ -8,18 +8,18 @@ namespace qncomm::transfer {
 
 struct ZModemSenderOptions {
     std::string
-        sGreeting; // put before the first header, such as the command that starts a receiver
+        sGreeting; ///< put before the first header, such as the command that starts a receiver
     std::string
-        sAttention; // what the receiver shall send to interrupt, up to 31 bytes; empty: nothing
+        sAttention; ///< what the receiver shall send to interrupt, up to 31 bytes; empty: nothing
     std::size_t subpacket =
-        1024; // longest content of a subpacket, 32 to 8192 bytes; every receiver takes 1024
-    bool bEscapeControls = false;             // escape all control characters
-    std::uint64_t window = 0;                 // most bytes under way, 0: found out from the line
-    bool bCrc32 = true;                       // 32-bit sums when the receiver can
-    Time patience = std::chrono::seconds(50); // fail after this long without a valid header
+        1024; ///< longest content of a subpacket, 32 to 8192 bytes; every receiver takes 1024
+    bool escapeControls = false;              ///< escape all control characters
+    std::uint64_t window = 0;                 ///< most bytes under way, 0: found out from the line
+    bool crc32 = true;                        ///< 32-bit sums when the receiver can
+    Time patience = std::chrono::seconds(50); ///< fail after this long without a valid header
 };
 
-// Sends a batch of files by ZModem.
+/// Sends a batch of files by ZModem.
 class ZModemSender final : public TransferEngine {
   public:
     explicit ZModemSender(ZModemSenderOptions options = {});

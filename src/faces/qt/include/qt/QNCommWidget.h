@@ -29,7 +29,7 @@ class QtPropertyBag;
 /// cancelled and the port closed.
 class QNCommWidget : public QWidget {
     Q_OBJECT
-    // Colours are 0x00BBGGRR, or negative for a colour of the desktop.
+    /// Colours are 0x00BBGGRR, or negative for a colour of the desktop.
     Q_PROPERTY(int BackColor READ backColor WRITE setBackColor RESET resetBackColor)
     Q_PROPERTY(int ForeColor READ foreColor WRITE setForeColor RESET resetForeColor)
     Q_PROPERTY(bool Enabled READ isEnabled WRITE setEnabled RESET resetEnabled)
