@@ -1,5 +1,5 @@
 // How long qnterm takes from its start to a window that takes keys, beside an empty Qt window on
-// the same display in the same run. A window takes keys when it is on the glass and its program
+// the same display in the same run. A window takes keys when it is shown and its program
 // answers the window system's question whether it is alive, which goes through the same loop as
 // keys do.
 //
@@ -46,7 +46,7 @@ class Display {
         xcb_flush(mConnection.get());
     }
 
-    /// Waits until a window is on the glass and answers. False when that takes too long.
+    /// Waits until a window is shown and answers. False when that takes too long.
     bool AwaitWindow() {
         const auto end = Clock::now() + Longest;
         xcb_window_t window = XCB_NONE;

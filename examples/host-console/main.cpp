@@ -31,7 +31,7 @@ int main(int argc, char** argv) try {
 
     // The control with its serial port and its terminal. It starts to live when its host hands it
     // the properties that it was designed with; an empty bag has the defaults.
-    ControlAssembly assembly(loop, desk.Services(), desk.Glass(), std::move(options));
+    ControlAssembly assembly(loop, desk.Services(), desk.View(), std::move(options));
     QNComm& control = assembly.Control();
     control.UserControl_ReadProperties(MemoryPropertyBag());
 

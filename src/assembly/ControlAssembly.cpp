@@ -6,11 +6,11 @@ namespace qncomm {
 
 /// What stands under the control, and stays for as long as its operations do.
 struct ControlAssembly::Line {
-    Line(Reactor& reactor, TerminalGlass& glass, Options options)
+    Line(Reactor& reactor, TerminalScreen& screen, Options options)
         : keep(std::move(options.keep)),
           serial(reactor, std::move(options.bindings), options.trace, std::move(options.factory)),
           grid(std::move(options.grid)),
-          viewport(grid, serial, glass) {}
+          viewport(grid, serial, screen) {}
 
     std::shared_ptr<void> keep;
     PDQComm serial;
@@ -19,18 +19,17 @@ struct ControlAssembly::Line {
 };
 
 ControlAssembly::ControlAssembly(Reactor& reactor, const ControlServices& services,
-                                 const ControlGlass& glass)
-    : ControlAssembly(reactor, services, glass, Options{}) {}
+                                 const ControlView& view)
+    : ControlAssembly(reactor, services, view, Options{}) {}
 
 ControlAssembly::ControlAssembly(Reactor& reactor, const ControlServices& services,
-                                 const ControlGlass& glass, Options options)
-    : mLine(std::make_shared<Line>(reactor, glass.terminal, std::move(options))),
+                                 const ControlView& view, Options options)
+    : mLine(std::make_shared<Line>(reactor, view.terminal, std::move(options))),
       mControl(std::make_unique<QNComm>(
-          ControlParts{mLine->serial, mLine->viewport, glass.host, glass.window, mLine},
-          services)) {}
+          ControlParts{mLine->serial, mLine->viewport, view.host, view.window, mLine}, services)) {}
 
 ControlAssembly::~ControlAssembly() {
-    mLine->viewport.TakeGlassAway();
+    mLine->viewport.TakeScreenAway();
 }
 
 PDQComm& ControlAssembly::Serial() {

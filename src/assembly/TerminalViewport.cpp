@@ -24,11 +24,11 @@ std::int32_t NumberOf(CaptureStatus status) {
 
 } // namespace
 
-TerminalViewport::TerminalViewport(Terminal& grid, PDQComm& serial, TerminalGlass& glass)
-    : mGrid(grid), mSerial(serial), mGlass(&glass) {
+TerminalViewport::TerminalViewport(Terminal& grid, PDQComm& serial, TerminalScreen& screen)
+    : mGrid(grid), mSerial(serial), mScreen(&screen) {
     mGrid.Appearance().displayState = DisplayActive;
     mGrid.SetCaptureFailureHandler([this](const terminal::CaptureResult& result) {
-        if (mGlass != nullptr) mGlass->CaptureFailed(mCapturePath, result.text);
+        if (mScreen != nullptr) mScreen->CaptureFailed(mCapturePath, result.text);
     });
     mSerial.SetTerminalSink([this](std::string_view text) { Show(text); });
 }
@@ -44,7 +44,7 @@ void TerminalViewport::Show(std::string_view text) {
 }
 
 void TerminalViewport::TellChange() {
-    if (mGlass != nullptr) mGlass->Changed();
+    if (mScreen != nullptr) mScreen->Changed();
 }
 
 std::size_t TerminalViewport::Type(std::string_view sKeys) {
@@ -91,11 +91,11 @@ void TerminalViewport::SetDisplayState(std::int16_t iState) {
 }
 
 void TerminalViewport::SetFocus() {
-    if (mGlass != nullptr) mGlass->SetFocus();
+    if (mScreen != nullptr) mScreen->SetFocus();
 }
 
 void TerminalViewport::Move(const Rectangle& place) {
-    if (mGlass != nullptr) mGlass->Move(place);
+    if (mScreen != nullptr) mScreen->Move(place);
 }
 
 // -- The grid

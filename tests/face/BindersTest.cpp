@@ -257,7 +257,7 @@ TEST_F(Binders, EveryCaptionGetsAKeyOfItsOwn) {
     EXPECT_EQ(label.text(), u"&Printer port:"_qs);
 }
 
-TEST(Charset, EveryByteOfTheLineSurvivesTheWayToTheGlassAndBack) {
+TEST(Charset, EveryByteOfTheLineSurvivesBeingShownAndTypedAgain) {
     std::string all;
     for (int byte = 0; byte < 256; ++byte)
         all += static_cast<char>(byte);

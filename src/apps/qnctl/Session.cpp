@@ -95,7 +95,7 @@ void Session::Wire() {
     qncomm::ControlAssembly::Options options;
     options.bindings = mBindings;
     options.trace = mTrace.get();
-    mAssembly = std::make_unique<qncomm::ControlAssembly>(mLoop, mDesk.Services(), mDesk.Glass(),
+    mAssembly = std::make_unique<qncomm::ControlAssembly>(mLoop, mDesk.Services(), mDesk.View(),
                                                           std::move(options));
     mDesk.Host().Hold(&Control());
     mStatusEvent = Control().StatusEvent.Connect(

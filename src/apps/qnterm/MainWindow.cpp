@@ -101,7 +101,7 @@ void MainWindow::BuildCentre(qncomm::TraceSink* trace) {
 }
 
 /// The docks are there from the start, so that the window comes up as it was left; what they hold
-/// is made when the window is on the glass.
+/// is made once the window is shown.
 void MainWindow::BuildDocks() {
     setDockNestingEnabled(true);
     QDockWidget* first = nullptr;

@@ -79,7 +79,7 @@ class MainWindow final : public QMainWindow {
     QString mPrinter;         ///< the model that answered on the port
     SentFiles mSent;
     std::optional<QTemporaryDir> mScratchLabels;
-    QTimer mStarting; ///< the window is on the glass and is about to be filled
+    QTimer mStarting; ///< the window is shown and is about to be filled
     QTimer mEnding;   ///< looks whether what runs has ended, so that the window can close
     bool mStarted = false;
     bool mClosing = false;

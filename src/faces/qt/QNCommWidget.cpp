@@ -43,7 +43,7 @@ QNCommWidget::QNCommWidget(Mode mode, QWidget* parent, ControlAssembly::Options 
         reactor,
         ControlServices{reactor, services.desktop, services.inputs, services.clipboard,
                         services.files, services.launcher, services.forms},
-        ControlGlass{p.surroundings, p.surroundings, p.surroundings}, std::move(options));
+        ControlView{p.surroundings, p.surroundings, p.surroundings}, std::move(options));
     QNComm& control = p.assembly->Control();
     p.title = new TitleBar(control.lblCaption, control.cmdClose, p.guard, this);
     p.toolbar = new ToolbarView(control.Toolbar1, p.guard, this);

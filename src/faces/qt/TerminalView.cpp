@@ -1,4 +1,4 @@
-// How the view comes into being, what it is made of and how what changed gets to the glass.
+// How the view is built, what it is made of and how changes are painted.
 
 #include "TerminalView.h"
 

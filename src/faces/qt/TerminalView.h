@@ -65,8 +65,8 @@ class TerminalView : public QAbstractScrollArea {
     void ZoomReset();
     int ZoomSteps() const;
 
-    /// The line shown first: its number as Terminal counts scroll-back. What follows it is on the
-    /// glass too, as far as there is room.
+    /// The line shown first: its number as Terminal counts scroll-back. As many of the
+    /// following lines are in view as there is room for.
     std::uint64_t TopLine() const;
     /// Whether new text scrolls into view by itself.
     bool Follows() const;
@@ -82,7 +82,7 @@ class TerminalView : public QAbstractScrollArea {
 
     ReaderScreen ScreenForReaders() const;
 
-    /// How often what changed was brought to the glass.
+    /// How many times changes have been painted so far.
     std::uint64_t Frames() const;
 
     QVariant inputMethodQuery(Qt::InputMethodQuery query) const override;

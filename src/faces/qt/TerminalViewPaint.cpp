@@ -1,4 +1,4 @@
-// What is drawn on the glass.
+// Draws the visible rows, the cursor and the placeholder of design time.
 
 #include "TerminalViewParts.h"
 #include "control/ViewportTerminal.h"

@@ -11,27 +11,27 @@
 namespace qncomm {
 namespace {
 
-QString ToGlass(std::string_view text, TextKind kind) {
+QString ToWidget(std::string_view text, TextKind kind) {
     return kind == TextKind::Line ? FromLine(text) : FromHost(text);
 }
 
-std::string FromGlass(const QString& text, TextKind kind) {
+std::string FromWidget(const QString& text, TextKind kind) {
     return kind == TextKind::Line ? ToLine(text) : ToHost(text);
 }
 
 /// A cursor with the selection behind it, in characters of the widget.
-struct GlassSelection {
+struct WidgetSelection {
     int start = 0;
     int length = 0;
-    bool operator==(const GlassSelection&) const = default;
+    bool operator==(const WidgetSelection&) const = default;
 };
 
-GlassSelection SelectionOf(const QLineEdit& edit) {
+WidgetSelection SelectionOf(const QLineEdit& edit) {
     if (edit.hasSelectedText()) return {edit.selectionStart(), edit.selectionLength()};
     return {edit.cursorPosition(), 0};
 }
 
-void Select(QLineEdit& edit, const GlassSelection& selection) {
+void Select(QLineEdit& edit, const WidgetSelection& selection) {
     if (selection == SelectionOf(edit)) return;
     if (selection.length > 0) {
         edit.setSelection(selection.start, selection.length);
@@ -71,18 +71,18 @@ class TextBoxBinder : public Binder<TextBoxModel, QLineEdit> {
 
   private:
     std::size_t BytesBefore(int position) const {
-        return FromGlass(mWidget.text().left(position), mModel.Kind()).size();
+        return FromWidget(mWidget.text().left(position), mModel.Kind()).size();
     }
 
     int CharactersBefore(std::size_t byte) const {
         const std::string_view text = mModel.Text();
-        return static_cast<int>(ToGlass(text.substr(0, byte), mModel.Kind()).size());
+        return static_cast<int>(ToWidget(text.substr(0, byte), mModel.Kind()).size());
     }
 
     void TakeText() {
         if (mBusy) return;
         TextBoxModel& typed = mModel;
-        const std::string text = FromGlass(mWidget.text(), typed.Kind());
+        const std::string text = FromWidget(mWidget.text(), typed.Kind());
         const std::size_t cursor = BytesBefore(mWidget.cursorPosition());
         mBusy = true; // the model speaks before it has the cursor
         const QPointer<QObject> self(this);
@@ -93,8 +93,8 @@ class TextBoxBinder : public Binder<TextBoxModel, QLineEdit> {
     }
 
     void TakeSelection() {
-        if (mBusy || mWidget.text() != ToGlass(mModel.Text(), mModel.Kind())) return;
-        const GlassSelection selection = SelectionOf(mWidget);
+        if (mBusy || mWidget.text() != ToWidget(mModel.Text(), mModel.Kind())) return;
+        const WidgetSelection selection = SelectionOf(mWidget);
         const std::size_t start = BytesBefore(selection.start);
         const std::size_t end = BytesBefore(selection.start + selection.length);
         const QScopedValueRollback busy(mBusy, true);
@@ -104,7 +104,7 @@ class TextBoxBinder : public Binder<TextBoxModel, QLineEdit> {
     void Show() override {
         if (mBusy) return;
         const QScopedValueRollback busy(mBusy, true);
-        const QString text = ToGlass(mModel.Text(), mModel.Kind());
+        const QString text = ToWidget(mModel.Text(), mModel.Kind());
         if (mShown && mWidget.text() != text) Rewrite(mWidget, text);
         if (!mShown) mWidget.setText(text);
         mShown = true;

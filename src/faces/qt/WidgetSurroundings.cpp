@@ -102,7 +102,7 @@ void QNCommWidget::Surroundings::SetHelpFile(std::string_view sPath) {
     mWidget.mParts->helpFile = FromHost(sPath);
 }
 
-// -- TerminalGlass
+// -- TerminalScreen
 
 void QNCommWidget::Surroundings::SetFocus() {
     if (mWidget.mParts->view != nullptr) mWidget.mParts->view->setFocus(Qt::OtherFocusReason);

@@ -10,7 +10,7 @@ namespace qncomm {
 /// What the control, its terminal and its viewport ask of the widget that they are shown on.
 class QNCommWidget::Surroundings final : public ControlHost,
                                          public ControlWindow,
-                                         public TerminalGlass,
+                                         public TerminalScreen,
                                          public TerminalInput {
   public:
     explicit Surroundings(QNCommWidget& widget) : mWidget(widget) {}
@@ -35,7 +35,7 @@ class QNCommWidget::Surroundings final : public ControlHost,
     void ShowPopUpMenu(const PopUpMenu& menu) override;
     void SetHelpFile(std::string_view sPath) override;
 
-    /// TerminalGlass
+    /// TerminalScreen
     void SetFocus() override;
     void Move(const Rectangle& place) override;
     void Changed() override;

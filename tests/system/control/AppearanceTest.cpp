@@ -14,7 +14,7 @@ using ::testing::Not;
 class Appearance : public AssembledFixture {};
 
 TEST_F(Appearance, ColoursAndFontAreTheGrids) {
-    const int changes = mGlass.mChanges;
+    const int changes = mScreen.mChanges;
     Control().SetBackColor(0x00112233);
     Control().SetForeColor(0x00445566);
     Control().SetFont({"Serif", 9.75F});
@@ -26,7 +26,7 @@ TEST_F(Appearance, ColoursAndFontAreTheGrids) {
     Control().SetTerminalFontSize("12");
     Control().SetTerminalFontName("Sans");
     EXPECT_EQ(Control().Font(), (TerminalFont{"Sans", 12.0F}));
-    EXPECT_GT(mGlass.mChanges, changes + 3) << "the glass is told";
+    EXPECT_GT(mScreen.mChanges, changes + 3) << "the screen is told";
 }
 
 TEST_F(Appearance, WhatIsSetComesBackFromTheBag) {
@@ -53,15 +53,15 @@ TEST_F(Appearance, WhatIsSetComesBackFromTheBag) {
 }
 
 TEST_F(Appearance, TheToolbarGivesItsPlaceToTheTerminal) {
-    EXPECT_EQ(mGlass.mPlace, (Rectangle{0, 50, 800, 950}));
+    EXPECT_EQ(mScreen.mPlace, (Rectangle{0, 50, 800, 950}));
     Control().SetToolbarVisible(false);
-    EXPECT_EQ(mGlass.mPlace, (Rectangle{0, 20, 800, 980}));
+    EXPECT_EQ(mScreen.mPlace, (Rectangle{0, 20, 800, 980}));
     Control().SetToolbarVisible(true);
     Control().SetToolbarAlign(ToolbarBottom);
-    EXPECT_EQ(mGlass.mPlace, (Rectangle{0, 20, 800, 950}));
+    EXPECT_EQ(mScreen.mPlace, (Rectangle{0, 20, 800, 950}));
     mWindow.mScaleHeight = 400;
     Control().Refresh();
-    EXPECT_EQ(mGlass.mPlace, (Rectangle{0, 20, 800, 350}));
+    EXPECT_EQ(mScreen.mPlace, (Rectangle{0, 20, 800, 350}));
 }
 
 TEST_F(Appearance, TheCursorFollowsTheTextAndGoesWhereItIsPut) {

@@ -19,14 +19,14 @@ using Assembly = AssembledFixture;
 TEST_F(Assembly, ShowsThePrintersAnswerToWhatIsTyped) {
     Show().DoAutoconnect();
     EXPECT_EQ(Type("PRINT 5\r"), "PRINT 5\r\n5\r\nOk");
-    EXPECT_GT(mGlass.mChanges, 0);
-    EXPECT_GT(mGlass.mFocused, 0);
+    EXPECT_GT(mScreen.mChanges, 0);
+    EXPECT_GT(mScreen.mFocused, 0);
 }
 
 TEST_F(Assembly, HasAGridOf300By300AtRunTimeAndLaysItOut) {
     EXPECT_EQ(mAssembly->Grid().Rows(), 300);
     EXPECT_EQ(mAssembly->Grid().Columns(), 300);
-    EXPECT_EQ(mGlass.mPlace, (Rectangle{0, 50, 800, 950}));
+    EXPECT_EQ(mScreen.mPlace, (Rectangle{0, 50, 800, 950}));
 }
 
 TEST_F(Assembly, KeepsTheExchangesOfOperationsOffTheScreen) {
@@ -74,8 +74,8 @@ TEST_F(Assembly, SaysOnceWhatEndedACaptureAndGoesOn) {
     Control().SetCaptureToFile("/dev/full");
     EXPECT_EQ(Type("PRINT 9\r"), "PRINT 9\r\n9\r\nOk");
     Type("PRINT 9\r");
-    ASSERT_EQ(mGlass.mFailures.size(), 1U);
-    EXPECT_THAT(mGlass.mFailures[0], HasSubstr("/dev/full: "));
+    ASSERT_EQ(mScreen.mFailures.size(), 1U);
+    EXPECT_THAT(mScreen.mFailures[0], HasSubstr("/dev/full: "));
 }
 
 TEST_F(Assembly, RefusesAGridThatCannotBe) {
@@ -106,12 +106,12 @@ TEST_F(Assembly, MayGoWhenThePortStateChanges) {
     mReactor.Pass(100);
 }
 
-TEST_F(Assembly, ShowsNothingOnTheGlassOfAControlThatIsGone) {
+TEST_F(Assembly, ShowsNothingOfAControlThatIsGone) {
     Show().DoAutoconnect();
     mAssembly.reset();
-    const int changes = mGlass.mChanges;
+    const int changes = mScreen.mChanges;
     mReactor.Pass(5000);
-    EXPECT_EQ(mGlass.mChanges, changes);
+    EXPECT_EQ(mScreen.mChanges, changes);
 }
 
 } // namespace

@@ -14,9 +14,9 @@ TEST_P(WithinEvents, TheControlMayBeDestroyed) {
         Prepare();
         Run(at, [this] { mAssembly.reset(); });
         EXPECT_EQ(mAssembly, nullptr) << "event " << at;
-        const int changes = mGlass.mChanges;
+        const int changes = mScreen.mChanges;
         mReactor.Pass(5000);
-        EXPECT_EQ(mGlass.mChanges, changes);
+        EXPECT_EQ(mScreen.mChanges, changes);
         Assemble("sim:R7G");
         ExpectUsable();
     }

@@ -30,7 +30,7 @@ class ControlRig {
     /// Types into the terminal as a person does.
     void Type(const QString& text);
     void Press(Qt::Key key, Qt::KeyboardModifiers held = Qt::NoModifier);
-    /// Writes to the terminal as if the line had brought it, and waits until it is on the glass.
+    /// Writes to the terminal as if the line had brought it, and waits until it is painted.
     void Receive(std::string_view text);
     /// Waits until the terminal's screen holds the text.
     bool WaitForScreen(std::string_view text);

@@ -44,7 +44,7 @@ class ViewRig {
     ViewRig(const ViewRig&) = delete;
     ViewRig& operator=(const ViewRig&) = delete;
 
-    /// Text from the line; returns when it is on the glass.
+    /// Text from the line; returns when it is painted.
     void Receive(std::string_view text);
     /// Numbered lines from first on, below what is there.
     void ReceiveLines(int first, int count);

@@ -9,7 +9,7 @@ namespace qncomm::testing {
 /// Shows the window and waits until it has the keys.
 void ShowActive(QWidget& window);
 
-/// Calls act with the next modal window that stands on the glass and has the keys, from the event
+/// Calls act with the next modal window that is shown and has the keys, from the event
 /// loop that the window runs. A window that act leaves open fails the test and is closed.
 void OnModal(std::function<void(QWidget&)> act);
 

@@ -21,8 +21,8 @@
 
 namespace qncomm::testing {
 
-/// Glass that keeps what it is shown.
-struct RecordingGlass : TerminalGlass {
+/// A screen that records what it is told.
+struct RecordingScreen : TerminalScreen {
     void SetFocus() override { ++mFocused; }
     void Move(const Rectangle& place) override { mPlace = place; }
     void Changed() override { ++mChanges; }
@@ -62,7 +62,7 @@ class ControlDesk {
         mAssembly = std::make_unique<ControlAssembly>(
             mReactor,
             ControlServices{mReactor, mDesktop, mInputs, mClipboard, mFiles, mLauncher, mForms},
-            ControlGlass{mHost, mWindow, mGlass}, std::move(options));
+            ControlView{mHost, mWindow, mScreen}, std::move(options));
         mHost.mUserMode = true;
         mWindow.mControl = &Control();
         mSettings->WriteValue("Settings", "Commport", "1");
@@ -139,7 +139,7 @@ class ControlDesk {
     ScriptedForms mForms;
     FakeHost mHost;
     FakeWindow mWindow;
-    RecordingGlass mGlass;
+    RecordingScreen mScreen;
     RecordingTrace mTrace;
     ScratchFolder mFolder;
     std::shared_ptr<MemorySettings> mSettings = std::make_shared<MemorySettings>();

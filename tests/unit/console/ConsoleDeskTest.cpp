@@ -190,7 +190,7 @@ TEST_F(Desk, AControlRunsOnIt) {
     ConsoleDesk& desk = Nobody();
     ControlAssembly::Options options;
     ASSERT_EQ(options.bindings.Give(1, "sim:R7A"), "");
-    ControlAssembly assembly(mLoop, desk.Services(), desk.Glass(), std::move(options));
+    ControlAssembly assembly(mLoop, desk.Services(), desk.View(), std::move(options));
     QNComm& control = assembly.Control();
     desk.Host().Hold(&control);
     auto settings = std::make_shared<MemorySettings>();

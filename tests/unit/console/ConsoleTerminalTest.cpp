@@ -76,7 +76,7 @@ TEST_F(ConsoleTerminalTest, SendsTheLinesOfItsInputEachWhenTheOneBeforeWasAnswer
     EXPECT_EQ(mOutput.Take(), "Ok\r\nOk\r\nOk\r\n");
 }
 
-TEST_F(ConsoleTerminalTest, ConvertsBothWaysAtTheGlass) {
+TEST_F(ConsoleTerminalTest, ConvertsBothWaysWhereTextIsShown) {
     Pipe input;
     input.Put("å\n");
     input.mWrite.Reset();

@@ -10,19 +10,19 @@
 
 namespace qncomm {
 
-/// What a face shows a control on.
-struct ControlGlass {
+/// What a face supplies to show one control: the form around it, its window and its terminal.
+struct ControlView {
     ControlHost& host;
     ControlWindow& window;
-    TerminalGlass& terminal;
+    TerminalScreen& terminal;
 };
 
 /// A control with the serial control and the terminal grid under it, wired together.
 ///
-/// The loop of the services is the reactor. Reactor, services and glass outlive the assembly; the
-/// assembly may go while an operation of the control is on the stack, such as in a handler of one
-/// of its events: reactor, services, trace and what Options::keep holds then serve until that
-/// operation has ended, the glass no longer.
+/// The loop of the services is the reactor. Reactor, services and view must outlive the assembly.
+/// The assembly may be destroyed while an operation of the control is on the stack, such as in a
+/// handler of one of its events: reactor, services, trace and Options::keep must stay valid until
+/// that operation has returned; the view need not.
 class ControlAssembly {
   public:
     struct Options {
@@ -34,8 +34,8 @@ class ControlAssembly {
         std::shared_ptr<void> keep = {};
     };
 
-    ControlAssembly(Reactor& reactor, const ControlServices& services, const ControlGlass& glass);
-    ControlAssembly(Reactor& reactor, const ControlServices& services, const ControlGlass& glass,
+    ControlAssembly(Reactor& reactor, const ControlServices& services, const ControlView& view);
+    ControlAssembly(Reactor& reactor, const ControlServices& services, const ControlView& view,
                     Options options);
     /// Takes the control down first: the port is closed and its claim given back.
     ~ControlAssembly();

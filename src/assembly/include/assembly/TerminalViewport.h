@@ -13,9 +13,9 @@ class Terminal;
 
 /// Where a face shows a terminal. Its members are called from within the loop's turns and from
 /// within the control's members, and paint nothing themselves.
-class TerminalGlass {
+class TerminalScreen {
   public:
-    virtual ~TerminalGlass() = default;
+    virtual ~TerminalScreen() = default;
 
     virtual void SetFocus() = 0;
     virtual void Move(const Rectangle& place) = 0;
@@ -30,14 +30,14 @@ class TerminalGlass {
 /// is typed goes to the line. It is the serial control's terminal while it lives.
 class TerminalViewport final : public ViewportTerminal {
   public:
-    /// Grid and serial control outlive the viewport. The glass may be taken away before.
-    TerminalViewport(Terminal& grid, PDQComm& serial, TerminalGlass& glass);
+    /// Grid and serial control must outlive the viewport; the screen until TakeScreenAway.
+    TerminalViewport(Terminal& grid, PDQComm& serial, TerminalScreen& screen);
     ~TerminalViewport() override;
     TerminalViewport(const TerminalViewport&) = delete;
     TerminalViewport& operator=(const TerminalViewport&) = delete;
 
-    /// From now on nobody is shown anything.
-    void TakeGlassAway() { mGlass = nullptr; }
+    /// Calls the screen no more; it may be destroyed from now on.
+    void TakeScreenAway() { mScreen = nullptr; }
 
     /// Keys that the person typed, as bytes for the line. Returns how many it took: none while the
     /// port is closed or an operation has it, fewer than all when the line is behind.
@@ -71,7 +71,7 @@ class TerminalViewport final : public ViewportTerminal {
 
     Terminal& mGrid;
     PDQComm& mSerial;
-    TerminalGlass* mGlass;
+    TerminalScreen* mScreen;
     std::string mCapturePath;
 };
 

@@ -6,8 +6,8 @@
 namespace qncomm {
 
 /// The clipboard's text as 8-bit text of the line with CR LF between its lines; whoever implements
-/// it converts at the glass and turns lone line feeds into CR LF. The primary selection of some
-/// desktops is none of its business.
+/// it converts when it hands the text to the desktop, and turns lone line feeds into CR LF. The
+/// primary selection of some desktops is none of its business.
 class Clipboard {
   public:
     virtual ~Clipboard() = default;

@@ -9,7 +9,7 @@ namespace qncomm {
 /// The screen's mouse pointer as the system sees it: a shape number that doubles as its busy flag.
 enum PointerShape : std::int16_t { PointerDefault = 0, PointerHourglass = 11 };
 
-/// The pointer of the user-interface thread that calls. A face mirrors it on the glass; the system
+/// The pointer of the user-interface thread that calls. A face shows it on the desktop; the system
 /// never asks a toolkit whether it is busy.
 class Pointer {
   public:

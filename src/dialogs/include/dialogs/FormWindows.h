@@ -11,7 +11,7 @@ class frmCommSettings;
 class frmFunctionKeysSetup;
 class frmWaitForReboot;
 
-/// Puts forms on the glass. A face implements it.
+/// Shows forms as windows. A face implements it.
 class FormWindows {
   public:
     virtual ~FormWindows() = default;

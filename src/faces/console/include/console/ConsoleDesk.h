@@ -38,7 +38,7 @@ class ConsoleDesk {
 
     /// What a ControlAssembly takes; all of it lives as long as this object.
     ControlServices Services();
-    ControlGlass Glass() { return {mHost, mHost, mHost}; }
+    ControlView View() { return {mHost, mHost, mHost}; }
 
     StatusLine& Status() { return mStatus; }
     Desktop& Boxes() { return mDesktop; }

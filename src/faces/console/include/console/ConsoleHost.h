@@ -14,9 +14,9 @@ namespace qncomm {
 
 class QNComm;
 
-/// Container, window and glass of a control that nobody sees: it runs, and what it would show goes
+/// Container, window and screen of a control that nobody sees: it runs, and what it would show goes
 /// nowhere. Its form is as large as the control.
-class ConsoleHost final : public ControlHost, public ControlWindow, public TerminalGlass {
+class ConsoleHost final : public ControlHost, public ControlWindow, public TerminalScreen {
   public:
     /// The asker outlives the object; it tells the person when a capture ends for want of space.
     explicit ConsoleHost(ConsoleAsker& asker) : mAsker(asker) {}
