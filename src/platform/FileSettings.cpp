@@ -20,11 +20,6 @@ namespace {
 
 constexpr std::int32_t LockTimeoutMs = 5000;
 
-std::string Reason(const FileResult& failure) {
-    if (failure.error == EWOULDBLOCK) return failure.path + ": another program holds the lock";
-    return failure.path + ": " + std::generic_category().message(failure.error);
-}
-
 std::int32_t RuntimeNumber(int systemError) {
     static constexpr std::array<std::pair<int, std::int32_t>, 7> table{{
         {EACCES, RtPermissionDenied},
@@ -40,11 +35,11 @@ std::int32_t RuntimeNumber(int systemError) {
     return RtPathFileAccess;
 }
 
-void RaiseUnless(const FileResult& result) {
-    if (result) return;
-    const std::int32_t number = RuntimeNumber(result.error);
+void RaiseUnless(const IoResult& result) {
+    if (result.Ok()) return;
+    const std::int32_t number = RuntimeNumber(result.systemNumber);
     throw QNError(number, "FileSettings:WriteValue",
-                  RuntimeErrorText(number) + " (" + Reason(result) + ")");
+                  RuntimeErrorText(number) + " (" + result.text + ")");
 }
 
 std::string HomeFolder() {
@@ -105,7 +100,7 @@ void FileSettings::WriteValues(const std::vector<SettingValue>& values) {
             document->SetValue(section, key, value);
             changed = true;
         }
-        if (changed) RaiseUnless(ReplaceFile(mPath, document->Text()));
+        if (changed) RaiseUnless(ReplaceSettings(mPath, document->Text()));
     }
     if (!movedTo.empty()) Warn("The settings in " + mPath + " were damaged; kept as " + movedTo);
 }
@@ -128,8 +123,8 @@ void FileSettings::Read() const {
     mDocument = {};
     mDamaged = false;
     std::string text;
-    if (const FileResult result = ReadWholeFile(mPath, text); !result) {
-        Warn("The settings cannot be read: " + Reason(result));
+    if (const IoResult result = ReadWholeFile(mPath, text); !result.Ok()) {
+        Warn("The settings cannot be read: " + result.text);
         return;
     }
     auto document = SettingsDocument::Parse(text);
@@ -140,16 +135,16 @@ void FileSettings::Read() const {
 void FileSettings::MoveDamagedAside() const {
     mDamaged = false;
     std::string movedTo;
-    FileResult result;
+    IoResult result;
     {
         const FileLock lock(mPath, LockTimeoutMs);
         result = lock.Result();
         std::string text;
-        if (result) result = ReadWholeFile(mPath, text);
-        if (result && !SettingsDocument::Parse(text)) result = MoveAside(mPath, movedTo);
+        if (result.Ok()) result = ReadWholeFile(mPath, text);
+        if (result.Ok() && !SettingsDocument::Parse(text)) result = MoveAside(mPath, movedTo);
     }
-    if (!result)
-        Warn("The settings in " + mPath + " are damaged and stay: " + Reason(result));
+    if (!result.Ok())
+        Warn("The settings in " + mPath + " are damaged and stay: " + result.text);
     else if (!movedTo.empty())
         Warn("The settings in " + mPath + " were damaged; kept as " + movedTo);
 }

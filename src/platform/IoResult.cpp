@@ -47,6 +47,12 @@ IoResult OpenFailure(int error) {
     return {status, error, SystemText(error)};
 }
 
+IoResult FileFailure(int error, const std::string& sPath) {
+    IoResult failure = OpenFailure(error != 0 ? error : EIO);
+    failure.text = sPath + ": " + failure.text;
+    return failure;
+}
+
 IoResult LineFailure(int error, const std::string& sLost) {
     return {IoStatus::Lost, error, error == 0 ? sLost : sLost + " (" + SystemText(error) + ")"};
 }

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "platform/Fd.h"
+#include "platform/DurableFile.h"
 #include "serial/TransferPreferences.h"
 #include "transfer/TransferFiles.h"
 
@@ -26,16 +26,14 @@ class ReceivedFile final : public transfer::FileSink {
     bool Close(bool bWhole, std::string& sReason) override;
 
   private:
-    bool Open();
-    bool PutInPlace();
+    IoResult Open();
+    IoResult PutInPlace();
     void Abandon();
-    std::string Reason() const;
 
     std::string mTarget;
     TransferPreferences mPreferences;
     std::function<void(const transfer::FileInfo&)> mAnnounced;
-    std::string mBeside; ///< where it is written
-    Fd mFile;
+    DurableFile mFile;
     transfer::FileInfo mInfo;
     bool mOffered = false;
 };

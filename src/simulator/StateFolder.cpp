@@ -1,5 +1,7 @@
 #include "StateFolder.h"
 
+#include "platform/DurableFile.h"
+
 #include <array>
 #include <filesystem>
 #include <fstream>
@@ -80,16 +82,10 @@ std::string StateFolder::DeviceFolder(const Device& device) const {
 }
 
 bool StateFolder::WriteFile(const std::string& path, const std::string& content) {
-    const std::string beside = path + ".new";
-    std::ofstream file(beside, std::ios::binary | std::ios::trunc);
-    file << content;
-    file.close();
-    std::error_code error;
-    if (file) std::filesystem::rename(beside, path, error);
-    if (file && !error) return true;
-    std::filesystem::remove(beside, error);
-    mSound = false;
-    return false;
+    // Until it is in place the file has a name that ReadHostName does not take for a printer's.
+    const bool written = qncomm::ReplaceFile(path, content, qncomm::FileMode::Usual).Ok();
+    mSound = mSound && written;
+    return written;
 }
 
 bool StateFolder::SaveSetup(const SetupTree& setup) {

@@ -10,8 +10,8 @@
 namespace qnsim {
 
 /// One folder per device, one file per stored file, and the setup as a text file. Volatile devices
-/// and files that a restart takes away are not kept. Files are written beside their place and moved
-/// there.
+/// and files that a restart takes away are not kept. Each file is replaced as a whole: what a crash
+/// leaves of one that was being written is no file of the printer.
 class StateFolder {
   public:
     explicit StateFolder(std::string folder) : mFolder(std::move(folder)) {}

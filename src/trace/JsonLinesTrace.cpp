@@ -57,16 +57,8 @@ void JsonLinesTrace::Record(std::int64_t lMs, TraceKind kind, std::string_view s
     if (!mResult.Ok()) return;
     if (!mStart) mStart = lMs;
     const std::string line = LineOf(lMs - *mStart, kind, sBytes) + "\n";
-    std::string_view left = line;
-    while (!left.empty()) {
-        const ssize_t count = ::write(mFile.Get(), left.data(), left.size());
-        if (count < 0 && errno == EINTR) continue;
-        if (count < 0) {
-            mResult = {IoStatus::Failed, errno, SystemText(errno)};
-            return;
-        }
-        left.remove_prefix(static_cast<std::size_t>(count));
-    }
+    if (const int error = WriteAll(mFile.Get(), line); error != 0)
+        mResult = {IoStatus::Failed, error, SystemText(error)};
 }
 
 } // namespace qncomm

@@ -1,4 +1,5 @@
 #include "PrinterBench.h"
+#include "platform/DurableFile.h"
 
 #include <filesystem>
 #include <fstream>
@@ -36,6 +37,28 @@ TEST_F(StateTest, KeepsFilesAndSetupBetweenRuns) {
     EXPECT_EQ(again.Line("KILL \"tmp:GONE\""), "Error 1022");
     EXPECT_NE(again.Ask("FILES\"c:\",A").find("CONFIG.SYS"), std::string::npos);
     EXPECT_NE(again.Ask("SETUP WRITE\"uart1:\"").find("LABEL,WIDTH,444"), std::string::npos);
+}
+
+TEST_F(StateTest, SavingAFileTouchesNoOther) {
+    {
+        PrinterBench bench(mAddress);
+        bench.Ask("COPY \"c:PRICES.DAT\",\"card1:A.new\"");
+        bench.Ask("COPY \"c:LAYOUT.LBL\",\"card1:A\"");
+    }
+    PrinterBench again(mAddress);
+    EXPECT_TRUE(again.Lines("COPY \"card1:A.new\",\"tmp:X\"").empty());
+    EXPECT_TRUE(again.Lines("COPY \"card1:A\",\"tmp:Y\"").empty());
+}
+
+TEST_F(StateTest, WhatACrashLeavesIsNoFileOfThePrinter) {
+    { const PrinterBench bench(mAddress); }
+    qncomm::DurableFile unfinished;
+    ASSERT_TRUE(unfinished.Create(mFolder + "/card1/f-A").Ok());
+    ASSERT_TRUE(unfinished.Append("half").Ok());
+    unfinished.Keep();
+    PrinterBench again(mAddress);
+    EXPECT_EQ(again.Printer().Problem(), "");
+    EXPECT_NE(again.Ask("FILES\"card1:\",A").find(" 0 BYTES USED"), std::string::npos);
 }
 
 TEST_F(StateTest, KeptSetupRulesTheLine) {

@@ -1,6 +1,7 @@
 #include "console/ConsoleTerminal.h"
 
 #include "console/RawTerminal.h"
+#include "platform/Fd.h"
 
 #include <array>
 #include <cerrno>
@@ -14,15 +15,6 @@ namespace {
 constexpr std::string_view Prompt = "Ok\r\n";
 constexpr std::int32_t LongWaitMs = 60'000; // keys, replies and signals end it
 
-void WriteAll(int fd, std::string_view text) {
-    while (!text.empty()) {
-        const ssize_t written = ::write(fd, text.data(), text.size());
-        if (written < 0 && errno == EINTR) continue;
-        if (written < 0) return;
-        text.remove_prefix(static_cast<std::size_t>(written));
-    }
-}
-
 } // namespace
 
 ConsoleTerminal::ConsoleTerminal(Reactor& reactor, Wiring wiring)
@@ -32,7 +24,8 @@ void ConsoleTerminal::Show(std::string_view sReceived) {
     mSilence.Restart();
     mReply += sReceived;
     if (mReply.size() > Prompt.size()) mReply.erase(0, mReply.size() - Prompt.size());
-    WriteAll(mWiring.out, Utf8FromPrinter(sReceived));
+    // A screen that has gone is told by the input that goes with it.
+    static_cast<void>(WriteAll(mWiring.out, Utf8FromPrinter(sReceived)));
 }
 
 bool ConsoleTerminal::Run() {

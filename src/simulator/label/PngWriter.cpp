@@ -1,33 +1,28 @@
 #include "label/PngWriter.h"
 
 #include "Text.h"
+#include "platform/DurableFile.h"
 
 #include <algorithm>
 #include <array>
 #include <csetjmp>
 #include <cstdio>
 #include <filesystem>
-#include <memory>
 #include <png.h>
 #include <system_error>
 
 namespace qnsim {
 namespace {
 
-struct FileCloser {
-    void operator()(std::FILE* file) const { std::fclose(file); }
-};
-using File = std::unique_ptr<std::FILE, FileCloser>;
-
 /// The library's two structures, released together.
-class PngFile {
+class PngStructures {
   public:
-    PngFile()
+    PngStructures()
         : mWrite(png_create_write_struct(PNG_LIBPNG_VER_STRING, nullptr, nullptr, nullptr)),
           mInfo(mWrite == nullptr ? nullptr : png_create_info_struct(mWrite)) {}
-    ~PngFile() { png_destroy_write_struct(&mWrite, &mInfo); }
-    PngFile(const PngFile&) = delete;
-    PngFile& operator=(const PngFile&) = delete;
+    ~PngStructures() { png_destroy_write_struct(&mWrite, &mInfo); }
+    PngStructures(const PngStructures&) = delete;
+    PngStructures& operator=(const PngStructures&) = delete;
 
     bool IsReady() const { return mInfo != nullptr; }
     png_structp Write() const { return mWrite; }
@@ -38,11 +33,21 @@ class PngFile {
     png_infop mInfo;
 };
 
+/// Hands the library's bytes to the file.
+void WriteBytes(png_structp write, png_bytep bytes, std::size_t size) {
+    auto& file = *static_cast<qncomm::DurableFile*>(png_get_io_ptr(write));
+    // NOLINTNEXTLINE(*-reinterpret-cast): bytes are characters
+    const bool written = file.Append({reinterpret_cast<const char*>(bytes), size}).Ok();
+    if (!written) png_longjmp(write, 1); // passes nothing that has a destructor
+}
+
+void LeaveToTheFile(png_structp) {}
+
 /// The library leaves a failed write by a long jump, so nothing in here has a destructor.
-bool WriteRows(png_structp write, png_infop info, std::FILE* file, const Bitmap& picture,
+bool WriteRows(png_structp write, png_infop info, qncomm::DurableFile& file, const Bitmap& picture,
                int dotsPerMm) {
     if (setjmp(png_jmpbuf(write)) != 0) return false; // NOLINT(cert-err52-cpp): the library's way
-    png_init_io(write, file);
+    png_set_write_fn(write, &file, WriteBytes, LeaveToTheFile);
     png_set_IHDR(write, info, static_cast<png_uint_32>(picture.Width()),
                  static_cast<png_uint_32>(picture.Height()), 1, PNG_COLOR_TYPE_GRAY,
                  PNG_INTERLACE_NONE, PNG_COMPRESSION_TYPE_DEFAULT, PNG_FILTER_TYPE_DEFAULT);
@@ -53,7 +58,7 @@ bool WriteRows(png_structp write, png_infop info, std::FILE* file, const Bitmap&
     for (int y = 0; y < picture.Height(); ++y)
         png_write_row(write, picture.Row(y));
     png_write_end(write, info);
-    return std::fflush(file) == 0;
+    return true;
 }
 
 std::string LabelName(int number) {
@@ -72,16 +77,11 @@ int LabelNumber(const std::string& name) {
 } // namespace
 
 bool WritePng(const Bitmap& picture, int dotsPerMm, const std::string& path) {
-    const std::string beside = path + ".new";
-    const PngFile png;
-    bool written = false;
-    if (const File file{std::fopen(beside.c_str(), "wbe")}; file && png.IsReady())
-        written = WriteRows(png.Write(), png.Info(), file.get(), picture, dotsPerMm);
-    std::error_code error;
-    if (written) std::filesystem::rename(beside, path, error);
-    if (written && !error) return true;
-    std::filesystem::remove(beside, error);
-    return false;
+    const PngStructures png;
+    qncomm::DurableFile file;
+    return png.IsReady() && file.Create(path).Ok()
+           && WriteRows(png.Write(), png.Info(), file, picture, dotsPerMm)
+           && file.Commit(qncomm::FileMode::Usual).Ok();
 }
 
 LabelFolder::LabelFolder(std::string folder) : mFolder(std::move(folder)) {

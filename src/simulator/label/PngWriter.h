@@ -9,8 +9,8 @@
 
 namespace qnsim {
 
-/// Writes the picture (1 bit per dot, black as burnt, with its resolution) beside its place and
-/// moves it there. False when that was not possible; then there is no file.
+/// Writes the picture (1 bit per dot, black as burnt, with its resolution) to a
+/// file. False when that was not possible; what stood there before then stays.
 bool WritePng(const Bitmap& picture, int dotsPerMm, const std::string& path);
 
 /// The folder's labels in the order they are printed: label-0001.png and so on, after the last one

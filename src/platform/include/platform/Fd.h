@@ -1,5 +1,6 @@
 #pragma once
 
+#include <string_view>
 #include <utility>
 
 namespace qncomm {
@@ -26,5 +27,9 @@ class Fd {
   private:
     int mFd = -1;
 };
+
+/// Writes all bytes to a descriptor that waits (one without O_NONBLOCK), whatever signals interrupt
+/// it. Returns 0, or errno with a part of the bytes maybe written.
+[[nodiscard]] int WriteAll(int fd, std::string_view sBytes);
 
 } // namespace qncomm

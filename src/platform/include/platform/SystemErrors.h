@@ -12,6 +12,9 @@ std::string SystemText(int error);
 /// What an error number means while something is being opened.
 IoResult OpenFailure(int error);
 
+/// What an error number means for the file at sPath, with the path in the text.
+IoResult FileFailure(int error, const std::string& sPath);
+
 /// What an error number means on an open line: everything is the end of it.
 IoResult LineFailure(int error, const std::string& sLost);
 
