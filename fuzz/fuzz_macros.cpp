@@ -68,9 +68,7 @@ void CheckCommandLine(const std::string& text) {
 }
 
 void CheckTip(const std::string& text) {
-    const std::size_t separator = text.find(';');
-    const MacroRecord record{text.substr(0, separator),
-                             separator == std::string::npos ? "" : text.substr(separator + 1)};
+    const MacroRecord record = ParseMacro(text);
     const std::string tip = MacroTip(record);
     const bool known = record.kind == "0" || record.kind == "1" || record.kind == "2";
     Require(tip.empty() != known);

@@ -12,19 +12,18 @@
 namespace qncomm {
 namespace {
 
-constexpr std::string_view MacroSection = "FunctionKeys";
-constexpr std::string_view NoMacro = "Nada";
 constexpr std::size_t TipLength = 40;
 constexpr std::string_view PromptDelimiter = "&&";
 constexpr std::size_t LongestName = 3;
 
 struct MacroKind {
-    std::string_view number;
+    FunctionKeyKind kind;
     std::string_view label;
     bool isHostText; ///< the argument is UTF-8
 };
-constexpr std::array MacroKinds = {MacroKind{"0", "Text:", false}, MacroKind{"1", "File:", true},
-                                   MacroKind{"2", "Run:", true}};
+constexpr std::array MacroKinds = {MacroKind{TextMacro, "Text:", false},
+                                   MacroKind{FileMacro, "File:", true},
+                                   MacroKind{RunMacro, "Run:", true}};
 
 bool ContinuesCharacter(char c) {
     return (static_cast<unsigned char>(c) & 0xC0U) == 0x80U;
@@ -66,17 +65,8 @@ std::vector<std::string> SplitArguments(std::string_view text) {
 
 } // namespace
 
-MacroRecord ReadMacro(const RegSettings* settings, std::string_view sKey) {
-    const std::string stored = settings != nullptr
-                                   ? settings->ReadValue(MacroSection, sKey, NoMacro)
-                                   : std::string(NoMacro);
-    const std::size_t separator = stored.find(';');
-    if (separator == std::string::npos) return {stored, {}};
-    return {stored.substr(0, separator), stored.substr(separator + 1)};
-}
-
 std::string MacroTip(const MacroRecord& record) {
-    const auto kind = std::ranges::find(MacroKinds, record.kind, &MacroKind::number);
+    const auto kind = std::ranges::find(MacroKinds, record.Kind(), &MacroKind::kind);
     if (kind == MacroKinds.end()) return {};
     const std::size_t end = CharacterEnd(record.argument, TipLength, kind->isHostText);
     return std::string(kind->label) + "\"" + record.argument.substr(0, end)

@@ -1,27 +1,14 @@
 #include "OperationLoop.h"
 
+#include "common/CountedScope.h"
 #include "common/QNError.h"
 
 #include <algorithm>
 
 namespace qncomm {
-namespace {
-
-class Deeper {
-  public:
-    explicit Deeper(int& depth) : mDepth(depth) { ++mDepth; }
-    ~Deeper() { --mDepth; }
-    Deeper(const Deeper&) = delete;
-    Deeper& operator=(const Deeper&) = delete;
-
-  private:
-    int& mDepth;
-};
-
-} // namespace
 
 void OperationLoop::Yield(std::int32_t lLimit) {
-    const Deeper deeper(mDepth);
+    const CountedScope deeper(mDepth);
     CheckCancel();
     const bool ends = mCancelAt != Never && MayBeEnded();
     const std::int64_t left = ends ? mCancelAt - NowMs() : lLimit;

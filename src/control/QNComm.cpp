@@ -3,6 +3,7 @@
 #include "control/QNComm.h"
 
 #include "Members.h"
+#include "common/CountedScope.h"
 #include "common/QNError.h"
 #include "common/RuntimeErrors.h"
 
@@ -10,18 +11,6 @@ namespace qncomm {
 namespace {
 
 constexpr std::int32_t SoonestTurn = 1; // ms
-
-/// An event of the members while it is being relayed.
-class Relaying {
-  public:
-    explicit Relaying(int& depth) : mDepth(depth) { ++mDepth; }
-    ~Relaying() { --mDepth; }
-    Relaying(const Relaying&) = delete;
-    Relaying& operator=(const Relaying&) = delete;
-
-  private:
-    int& mDepth;
-};
 
 } // namespace
 
@@ -74,13 +63,13 @@ void QNComm::Wire() {
     members.link.SetSerialPort(&mParts.PDQComm1);
     const auto relayStatus = [this, &members](std::string& text, std::int16_t& progress,
                                               bool& cancel) {
-        const Relaying relaying(members.events);
+        const CountedScope relaying(members.events);
         StatusEvent.Raise(text, progress, cancel);
     };
     members.relays.push_back(members.link.StatusEvent.Connect(relayStatus));
     members.relays.push_back(members.quorin.StatusEvent.Connect(relayStatus));
     members.relays.push_back(members.link.PortStateEvent.Connect([this, &members](bool& open) {
-        const Relaying relaying(members.events);
+        const CountedScope relaying(members.events);
         PortStateEvent.Raise(open);
     }));
 }

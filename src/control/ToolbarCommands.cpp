@@ -6,6 +6,7 @@
 #include "common/Text.h"
 #include "dialogs/frmBinaryTransfer.h"
 #include "dialogs/frmFunctionKeysSetup.h"
+#include "link/SendInPieces.h"
 
 #include <algorithm>
 #include <array>
@@ -14,11 +15,7 @@
 namespace qncomm {
 namespace {
 
-// What the line takes in a moment even at its slowest, so that no wait for it to drain runs out.
-constexpr std::size_t PieceSize = 1024;
-
-constexpr std::array<std::string_view, frmFunctionKeysSetup::KeyCount> FunctionKeys = {
-    "F1", "F2", "F3", "F4", "F5", "F6", "F7", "F8"};
+constexpr std::size_t BlockSize = 16384; // bytes of a file that are read at once
 
 } // namespace
 
@@ -44,7 +41,7 @@ void QNComm::Dispatch(const std::string& key) {
     if (command != Commands.end())
         command->run(*this);
     else if (std::ranges::find(FunctionKeys, key) != FunctionKeys.end())
-        RunMacro(key);
+        PressFunctionKey(key);
     else
         Tell(std::string(CrLf) + "This function is not implemented ", MsgBoxIcon::None);
 }
@@ -65,18 +62,17 @@ void QNComm::LoadFunctionKeyTips() {
         Toolbar1.SetToolTip(key, MacroTip(ReadMacro(mRegSettings.get(), key)));
 }
 
-void QNComm::RunMacro(const std::string& key) {
+void QNComm::PressFunctionKey(const std::string& key) {
     const MacroRecord record = ReadMacro(mRegSettings.get(), key);
-    if (record.kind == "0") SendTextMacro(record.argument);
-    if (record.kind == "1") SendFileMacro(record.argument);
-    if (record.kind == "2") StartProgram(record.argument);
+    const auto kind = record.Kind();
+    if (kind == TextMacro) SendTextMacro(record.argument);
+    if (kind == FileMacro) SendFileMacro(record.argument);
+    if (kind == RunMacro) StartProgram(record.argument);
 }
 
 void QNComm::SendTextMacro(const std::string& argument) {
-    const auto here = Here();
-    const auto prompts = mPrompts;
-    const auto expanded = prompts->Expand(argument);
-    if (here.expired()) return;
+    std::optional<std::string> expanded;
+    if (!Outlives([&] { expanded = std::shared_ptr(mPrompts)->Expand(argument); })) return;
     if (!expanded)
         Tell("Syntax Error, missing delimiter '&&'.", MsgBoxIcon::None);
     else if (const std::string text = ReplaceControlNames(*expanded); !text.empty())
@@ -104,9 +100,7 @@ void QNComm::UploadText() {
     dialog.title = "Select File to Send (Printer Recieves File).";
     dialog.filters = {{"Text files (*.txt)", "*.txt"}, {"All Files (*.*)", "*.*"}};
     dialog.defaultExtension = ".txt";
-    const auto here = Here();
-    const auto path = mServices.files.ChooseFile(dialog);
-    if (path && !here.expired()) SendFile(*path);
+    if (const auto path = ChosenFile(dialog)) SendFile(*path);
 }
 
 void QNComm::DownloadText() {
@@ -114,27 +108,33 @@ void QNComm::DownloadText() {
     dialog.kind = FileDialogKind::Save;
     dialog.title = "Select Destination File (Printer Sends File)";
     dialog.defaultExtension = "txt";
-    const auto here = Here();
-    const auto path = mServices.files.ChooseFile(dialog);
-    if (!path || here.expired()) return;
+    const auto path = ChosenFile(dialog);
+    if (!path) return;
     MsgBox question;
     question.text = "Selected file is not empty. Do you want to clear the file?";
     question.buttons = MsgBoxButtons::YesNo;
     question.icon = MsgBoxIcon::Question;
-    if (FileSize(*path) > 0 && mServices.desktop.ShowMsgBox(question) == MsgBoxResult::Yes)
-        DeleteFile(*path);
-    if (!here.expired()) SetCaptureToFile(*path);
+    const bool stays = Outlives([&, &desktop = mServices.desktop] {
+        if (FileSize(*path) > 0 && desktop.ShowMsgBox(question) == MsgBoxResult::Yes)
+            DeleteFile(*path);
+    });
+    if (stays) SetCaptureToFile(*path);
 }
 
 void QNComm::ShowFunctionKeys() {
     frmFunctionKeysSetup form(mRegSettings, mServices.files);
-    const auto here = Here();
-    mServices.forms.ShowModal(form);
+    const bool stays = Outlives([&] { mServices.forms.ShowModal(form); });
     form.Unload(UnloadMode::ControlMenu);
-    if (!here.expired()) LoadFunctionKeyTips();
+    if (stays) LoadFunctionKeyTips();
 }
 
-/// Text of a person would go into the middle of what an operation is saying to the printer.
+/// The file that the user chose; nothing when the dialog was cancelled or the control is gone.
+std::optional<std::string> QNComm::ChosenFile(const FileDialog& dialog) {
+    std::optional<std::string> path;
+    return Outlives([&] { path = mServices.files.ChooseFile(dialog); }) ? path : std::nullopt;
+}
+
+/// Text that the user sends would go into the middle of what an operation says to the printer.
 bool QNComm::MaySend() const {
     if (Wired()->operations == 0) return true;
     mServices.desktop.Log("Nothing was sent: an operation is running.");
@@ -144,11 +144,7 @@ bool QNComm::MaySend() const {
 void QNComm::SendText(std::string_view text) {
     if (!MaySend()) return;
     const Operation operation = Begin();
-    do {
-        std::string piece(text.substr(0, PieceSize));
-        text.remove_prefix(piece.size());
-        operation->OutputText(piece);
-    } while (!text.empty());
+    SendInPieces(operation.Link(), text);
 }
 
 void QNComm::SendFile(const std::string& path) {
@@ -157,13 +153,12 @@ void QNComm::SendFile(const std::string& path) {
     std::ifstream file(path, std::ios::binary);
     if (!file) RaiseRuntimeError(RtPathFileAccess);
     const Operation operation = Begin();
-    std::string piece;
-    do {
-        piece.resize(PieceSize);
-        file.read(piece.data(), static_cast<std::streamsize>(piece.size()));
-        piece.resize(static_cast<std::size_t>(file.gcount()));
-        if (!piece.empty()) operation->OutputText(piece);
-    } while (file);
+    std::string block(BlockSize, '\0');
+    while (file) {
+        file.read(block.data(), BlockSize);
+        const std::string_view read(block.data(), static_cast<std::size_t>(file.gcount()));
+        if (!read.empty()) SendInPieces(operation.Link(), read);
+    }
     if (file.bad()) RaiseRuntimeError(RtDeviceIO);
 }
 

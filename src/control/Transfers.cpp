@@ -32,10 +32,8 @@ void QNComm::BinaryDownload(const std::string& sDestination, std::int16_t iProto
 /// Asks for protocol and file and runs the transfer; leaving the dialog in any way but by its
 /// action button transfers nothing.
 void QNComm::TransferFile(std::int16_t action) {
-    frmBinaryTransfer form(action, ProtocolKermit, mServices.desktop, mServices.files);
-    const auto here = Here();
-    mServices.forms.ShowModal(form);
-    if (!form.Accepted() || here.expired()) return;
+    frmBinaryTransfer form(action, BinaryKermit, mServices.desktop, mServices.files);
+    if (!Outlives([&] { mServices.forms.ShowModal(form); }) || !form.Accepted()) return;
     if (action == PrinterReceives)
         BinaryUpload(form.Filename(), form.Protocol());
     else

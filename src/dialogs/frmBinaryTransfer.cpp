@@ -24,9 +24,8 @@ frmBinaryTransfer::frmBinaryTransfer(std::int16_t iAction, std::int16_t iProtoco
 
 void frmBinaryTransfer::Form_Load() {
     lblFolder.SetCaption(CurrentFolder());
-    cmbProtocol.SetEntries(
-        {{"Kermit Protocol", ProtocolKermit},
-         {"ZModem Protocol (Printer must run QN 7.0 or higher)", ProtocolZModem}});
+    cmbProtocol.SetEntries({{"Kermit Protocol", BinaryKermit},
+                            {"ZModem Protocol (Printer must run QN 7.0 or higher)", BinaryZModem}});
     if (!cmbProtocol.SelectValue(mProtocol)) cmbProtocol.SetListIndex(0);
     if (mAction == PrinterReceives) {
         SetCaption(SourceTitle);

@@ -11,19 +11,14 @@
 namespace qncomm {
 namespace {
 
-constexpr std::string_view KeysSection = "FunctionKeys";
-constexpr char FieldSeparator = ';';
 constexpr std::int16_t CtrlHeld = 2;
 constexpr std::int16_t FirstNameKey = 65;
 constexpr std::int16_t LastNameKey = 96;
 constexpr std::int16_t NameKeyBase = 64; // this key less the base is the character's code
 
-std::string KeyName(std::size_t index) {
-    return "F" + std::to_string(index + 1);
-}
-
-/// The kind that a stored number names; a text for anything else.
-FunctionKeyKind KindOf(const std::string& field) {
+/// The kind to show: what is no number of a kind shows as a text, so that its argument can be
+/// edited.
+FunctionKeyKind ShownKind(const std::string& field) {
     try {
         const std::int32_t number = ToInt32(Val(field));
         if (number >= TextMacro && number <= RunMacro) return static_cast<FunctionKeyKind>(number);
@@ -56,14 +51,13 @@ frmFunctionKeysSetup::frmFunctionKeysSetup(std::shared_ptr<qncomm::RegSettings> 
 
 void frmFunctionKeysSetup::LoadPanel(std::size_t index) {
     FunctionKeyPanel& panel = pic1[index];
-    SSTab1.SetCaption(index, KeyName(index));
-    panel.lblALT.SetCaption("On CTRL+Shift+" + KeyName(index) + "...");
+    const std::string key(FunctionKeys[index]);
+    SSTab1.SetCaption(index, key);
+    panel.lblALT.SetCaption("On CTRL+Shift+" + key + "...");
     panel.cmbAlt.SetEntries({{"Text:", TextMacro}, {"File:", FileMacro}, {"Run:", RunMacro}});
-    const std::string stored =
-        mRegSettings ? mRegSettings->ReadValue(KeysSection, KeyName(index), {}) : std::string();
-    const std::size_t separator = stored.find(FieldSeparator);
-    panel.cmbAlt.SelectValue(KindOf(stored.substr(0, separator)));
-    if (separator != std::string::npos) panel.txtAlt.SetText(stored.substr(separator + 1));
+    const MacroRecord record = ReadMacro(mRegSettings.get(), key);
+    panel.cmbAlt.SelectValue(ShownKind(record.kind));
+    panel.txtAlt.SetText(record.argument);
     cmbAlt_Click(panel);
     panel.SetVisible(index == SSTab1.Tab());
 }
@@ -103,9 +97,9 @@ void frmFunctionKeysSetup::Ok_Click() {
     if (!mRegSettings) RaiseRuntimeError(RtObjectNotSet, "frmFunctionKeysSetup");
     std::vector<SettingValue> values;
     for (std::size_t i = 0; i < KeyCount; ++i)
-        values.push_back(
-            {std::string(KeysSection), KeyName(i),
-             ToText(pic1[i].cmbAlt.ListIndex()) + FieldSeparator + pic1[i].txtAlt.Text()});
+        values.push_back(MacroSetting(FunctionKeys[i],
+                                      static_cast<FunctionKeyKind>(pic1[i].cmbAlt.ListIndex()),
+                                      pic1[i].txtAlt.Text()));
     mRegSettings->WriteValues(values);
     Unload(UnloadMode::FormCode);
 }

@@ -5,16 +5,11 @@
 #include "common/RuntimeErrors.h"
 #include "common/Text.h"
 #include "link/HostCall.h"
+#include "link/SendInPieces.h"
 
 #include <utility>
 
 namespace qncomm {
-namespace {
-
-/// Long lines leave in pieces, so that each drains within the link's limit at every baud rate.
-constexpr std::size_t PieceSize = 1024;
-
-} // namespace
 
 clsDataLink& clsQuorin::Link() const {
     if (mLink == nullptr) RaiseRuntimeError(RtObjectNotSet, "clsQuorin");
@@ -39,8 +34,7 @@ std::optional<clsQuorin::Reply> clsQuorin::Run(const Exchange& exchange) {
 }
 
 void clsQuorin::Send(std::string_view bytes) {
-    for (std::size_t from = 0; from < bytes.size(); from += PieceSize)
-        Link().OutputText(std::string(bytes.substr(from, PieceSize)));
+    SendInPieces(Link(), bytes);
 }
 
 void clsQuorin::SendLine(std::string_view line) {

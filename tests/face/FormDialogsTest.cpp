@@ -174,7 +174,7 @@ TEST_F(FunctionKeysDialog, IsSeenInLightAndDark) {
 using BinaryTransferDialog = FormDialogs;
 
 TEST_F(BinaryTransferDialog, EveryFieldHasANameARoleAndItsPlaceInTheRound) {
-    frmBinaryTransfer form(PrinterReceives, ProtocolKermit, mDesktop, mFiles);
+    frmBinaryTransfer form(PrinterReceives, BinaryKermit, mDesktop, mFiles);
     Show(form, [](QWidget& window) {
         EXPECT_EQ(window.windowTitle(), u"Select File to Send (Printer Recieves File)"_qs);
         EXPECT_EQ(Spoken(Named<QWidget>(window, "cmbProtocol")),
@@ -194,7 +194,7 @@ TEST_F(BinaryTransferDialog, EveryFieldHasANameARoleAndItsPlaceInTheRound) {
 TEST_F(BinaryTransferDialog, AFileIsNamedAndSentByKeysAlone) {
     const testing::ScratchFolder folder;
     const std::string path = folder.Write("label.prg", "10 PRINT\r\n");
-    frmBinaryTransfer form(PrinterReceives, ProtocolKermit, mDesktop, mFiles);
+    frmBinaryTransfer form(PrinterReceives, BinaryKermit, mDesktop, mFiles);
     Show(form, [&](QWidget& window) {
         QTest::keyClick(&window, Qt::Key_P, Alt);
         Press(Qt::Key_Down);
@@ -208,12 +208,12 @@ TEST_F(BinaryTransferDialog, AFileIsNamedAndSentByKeysAlone) {
     });
     EXPECT_TRUE(form.Accepted());
     EXPECT_EQ(form.Filename(), path);
-    EXPECT_EQ(form.Protocol(), ProtocolZModem);
+    EXPECT_EQ(form.Protocol(), BinaryZModem);
 }
 
 TEST_F(BinaryTransferDialog, BrowsingFillsNameAndFolder) {
     mFiles.mAnswers = {"/var/spool/labels/out.bin"};
-    frmBinaryTransfer form(PrinterSends, ProtocolZModem, mDesktop, mFiles);
+    frmBinaryTransfer form(PrinterSends, BinaryZModem, mDesktop, mFiles);
     Show(form, [](QWidget& window) {
         QTest::mouseClick(&Named<QWidget>(window, "cmdBrowse"), Qt::LeftButton);
         EXPECT_EQ(Named<QLineEdit>(window, "txtFilename").text(), u"out.bin"_qs);
@@ -227,7 +227,7 @@ TEST_F(BinaryTransferDialog, BrowsingFillsNameAndFolder) {
 
 TEST_F(BinaryTransferDialog, ALongFolderDoesNotWidenTheWindow) {
     mFiles.mAnswers = {"/" + std::string(400, 'd') + "/out.bin"};
-    frmBinaryTransfer form(PrinterSends, ProtocolZModem, mDesktop, mFiles);
+    frmBinaryTransfer form(PrinterSends, BinaryZModem, mDesktop, mFiles);
     Show(form, [](QWidget& window) {
         const int before = window.width();
         QTest::mouseClick(&Named<QWidget>(window, "cmdBrowse"), Qt::LeftButton);
@@ -238,7 +238,7 @@ TEST_F(BinaryTransferDialog, ALongFolderDoesNotWidenTheWindow) {
 }
 
 TEST_F(BinaryTransferDialog, IsSeenInLightAndDark) {
-    frmBinaryTransfer form(PrinterReceives, ProtocolKermit, mDesktop, mFiles);
+    frmBinaryTransfer form(PrinterReceives, BinaryKermit, mDesktop, mFiles);
     Show(form, [&](QWidget& window) {
         Type(u"shelf.prg"_qs);
         testing::SavePicture(window, u"binary-transfer"_qs);

@@ -87,8 +87,8 @@ void GiveAnswers(Session& session, const KeyArguments& arguments) {
     for (const std::string& answer : arguments.answers)
         session.Desk().Texts().Give(answer);
     if (!arguments.file.empty()) session.Desk().Files().Give(arguments.file);
-    if (arguments.protocol == "zmodem") session.Desk().Forms().SetProtocol(qncomm::ProtocolZModem);
-    if (arguments.protocol == "kermit") session.Desk().Forms().SetProtocol(qncomm::ProtocolKermit);
+    if (arguments.protocol == "zmodem") session.Desk().Forms().SetProtocol(qncomm::BinaryZModem);
+    if (arguments.protocol == "kermit") session.Desk().Forms().SetProtocol(qncomm::BinaryKermit);
 }
 
 Outcome PressKey(Session& session, const KeyArguments& arguments) {

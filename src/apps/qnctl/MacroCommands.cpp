@@ -3,9 +3,9 @@
 #include "Session.h"
 
 #include "common/HostPath.h"
+#include "common/MacroRecord.h"
 #include "common/Text.h"
 #include "console/Charset.h"
-#include "control/Macros.h"
 
 #include <CLI/CLI.hpp>
 
@@ -16,14 +16,13 @@
 namespace qnctl {
 namespace {
 
-constexpr std::array<const char*, 8> Keys{"F1", "F2", "F3", "F4", "F5", "F6", "F7", "F8"};
-constexpr const char* MacroSection = "FunctionKeys";
-
 struct MacroKind {
     const char* name;
-    const char* number; ///< as it is stored
+    qncomm::FunctionKeyKind kind;
 };
-constexpr std::array Kinds{MacroKind{"text", "0"}, MacroKind{"file", "1"}, MacroKind{"run", "2"}};
+constexpr std::array Kinds{MacroKind{"text", qncomm::TextMacro},
+                           MacroKind{"file", qncomm::FileMacro},
+                           MacroKind{"run", qncomm::RunMacro}};
 
 struct SetArguments {
     std::string key;
@@ -32,10 +31,9 @@ struct SetArguments {
 };
 
 /// A key's macro as it is shown; a key without one has an empty kind.
-Json MacroOf(Session& session, const char* key) {
+Json MacroOf(Session& session, std::string_view key) {
     const qncomm::MacroRecord record = qncomm::ReadMacro(&session.Store(), key);
-    const auto kind = std::ranges::find_if(
-        Kinds, [&](const MacroKind& known) { return record.kind == known.number; });
+    const auto kind = std::ranges::find(Kinds, record.Kind(), &MacroKind::kind);
     if (kind == Kinds.end()) return {{"key", key}, {"kind", nullptr}, {"argument", nullptr}};
     // A text is the printer's, a path or a command line is this machine's.
     const bool text = kind == Kinds.begin();
@@ -48,13 +46,13 @@ Json MacroOf(Session& session, const char* key) {
 Outcome ListMacros(Session& session) {
     Json list = Json::array();
     std::vector<Output::Row> rows;
-    for (const char* key : Keys) {
+    for (const std::string_view key : qncomm::FunctionKeys) {
         list.push_back(MacroOf(session, key));
         const Json& macro = list.back();
         if (macro["kind"].is_null())
-            rows.push_back({key, "-", ""});
+            rows.push_back({std::string(key), "-", ""});
         else
-            rows.push_back({key, macro["kind"], macro["argument"]});
+            rows.push_back({std::string(key), macro["kind"], macro["argument"]});
     }
     if (session.Out().IsJson())
         session.Out().Document({{"macros", list}});
@@ -77,8 +75,8 @@ Outcome SetMacro(Session& session, const SetArguments& arguments) {
     if (!argument) return outcome;
     const auto kind = std::ranges::find_if(
         Kinds, [&](const MacroKind& known) { return arguments.kind == known.name; });
-    session.Store().WriteValue(MacroSection, qncomm::UpperCase(arguments.key),
-                               std::string(kind->number) + ";" + *argument);
+    session.Store().WriteValues(
+        {qncomm::MacroSetting(qncomm::UpperCase(arguments.key), kind->kind, *argument)});
     return Done(session);
 }
 
@@ -88,7 +86,8 @@ Command SetCommand() {
             [arguments](CLI::App& app) {
                 app.add_option("KEY", arguments->key, "F1 to F8")
                     ->required()
-                    ->check(CLI::IsMember(std::vector<std::string>(Keys.begin(), Keys.end()),
+                    ->check(CLI::IsMember(std::vector<std::string>(qncomm::FunctionKeys.begin(),
+                                                                   qncomm::FunctionKeys.end()),
                                           CLI::ignore_case));
                 app.add_option("KIND", arguments->kind,
                                "text (is sent), file (its content is sent), run (a program with "

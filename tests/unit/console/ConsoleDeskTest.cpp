@@ -143,25 +143,23 @@ TEST_F(Desk, ThereIsNoDialogForFunctionKeys) {
 TEST_F(Desk, ABinaryTransferAsksForItsFileAlone) {
     const std::string path = mFolder.Write("a.bin", "x");
     Nobody().Files().Give(path);
-    mDesk->Forms().SetProtocol(ProtocolZModem);
-    frmBinaryTransfer form(PrinterReceives, ProtocolKermit, mDesk->Boxes(),
-                           mDesk->Services().files);
+    mDesk->Forms().SetProtocol(BinaryZModem);
+    frmBinaryTransfer form(PrinterReceives, BinaryKermit, mDesk->Boxes(), mDesk->Services().files);
     mDesk->Forms().ShowModal(form);
     EXPECT_TRUE(form.Accepted());
     EXPECT_EQ(form.Filename(), path);
-    EXPECT_EQ(form.Protocol(), ProtocolZModem);
+    EXPECT_EQ(form.Protocol(), BinaryZModem);
     EXPECT_FALSE(form.IsOpen());
 }
 
 TEST_F(Desk, ABinaryTransferWithoutAFileOrOverOneThatStaysIsNotAccepted) {
     Nobody();
-    frmBinaryTransfer none(PrinterReceives, ProtocolKermit, mDesk->Boxes(),
-                           mDesk->Services().files);
+    frmBinaryTransfer none(PrinterReceives, BinaryKermit, mDesk->Boxes(), mDesk->Services().files);
     mDesk->Forms().ShowModal(none);
     EXPECT_FALSE(none.Accepted());
     EXPECT_FALSE(none.IsOpen());
     mDesk->Files().Give(mFolder.Write("kept", "x"));
-    frmBinaryTransfer over(PrinterSends, ProtocolKermit, mDesk->Boxes(), mDesk->Services().files);
+    frmBinaryTransfer over(PrinterSends, BinaryKermit, mDesk->Boxes(), mDesk->Services().files);
     mDesk->Forms().ShowModal(over);
     EXPECT_FALSE(over.Accepted()) << "with nobody to ask the answer is no";
     EXPECT_FALSE(over.IsOpen());

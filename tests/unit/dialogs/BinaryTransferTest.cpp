@@ -19,7 +19,7 @@ using testing::ScriptedFileDialogs;
 
 class BinaryTransfer : public ::testing::Test {
   protected:
-    frmBinaryTransfer& Open(std::int16_t action, std::int16_t protocol = ProtocolKermit) {
+    frmBinaryTransfer& Open(std::int16_t action, std::int16_t protocol = BinaryKermit) {
         mForm.reset();
         mForm = std::make_unique<frmBinaryTransfer>(action, protocol, mDesktop, mFiles);
         return *mForm;
@@ -62,7 +62,7 @@ TEST_F(BinaryTransfer, TheCaptionsFollowTheAction) {
 }
 
 TEST_F(BinaryTransfer, TheProtocolsAreListedInTheirOrder) {
-    const frmBinaryTransfer& form = Open(PrinterReceives, ProtocolZModem);
+    const frmBinaryTransfer& form = Open(PrinterReceives, BinaryZModem);
     EXPECT_THAT(
         form.cmbProtocol.Entries(),
         ElementsAre(ListModel::Entry{"Kermit Protocol", 6},

@@ -2,7 +2,7 @@
 
 #include "common/InputBox.h"
 #include "common/Launcher.h"
-#include "common/RegSettings.h"
+#include "common/MacroRecord.h"
 
 #include <functional>
 #include <map>
@@ -11,15 +11,6 @@
 #include <string_view>
 
 namespace qncomm {
-
-/// What a stored function key says. A value without ";" is a kind alone.
-struct MacroRecord {
-    std::string kind; ///< "0" sends a text, "1" a file, "2" runs a program; others do nothing
-    std::string argument;
-};
-
-/// The record of key "F1" to "F8"; without a store or a value it is of no known kind.
-MacroRecord ReadMacro(const RegSettings* settings, std::string_view sKey);
 
 /// The tool tip of a key: the kind's label and up to 40 characters of the argument in quotes; empty
 /// for a key without a macro.

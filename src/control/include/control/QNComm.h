@@ -26,6 +26,7 @@
 
 #include <cstdint>
 #include <memory>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -303,7 +304,7 @@ class QNComm {
     /// ToolbarCommands.cpp
     void Dispatch(const std::string& key);
     void LoadFunctionKeyTips();
-    void RunMacro(const std::string& key);
+    void PressFunctionKey(const std::string& key);
     void SendTextMacro(const std::string& argument);
     void SendFileMacro(const std::string& path);
     void StartProgram(const std::string& commandLine);
@@ -314,7 +315,15 @@ class QNComm {
     void SendText(std::string_view text);
     void SendFile(const std::string& path);
     bool MaySend() const;
-    std::weak_ptr<const void> Here() const { return mHere; }
+    std::optional<std::string> ChosenFile(const FileDialog& dialog);
+    /// Runs what shows a box or a dialog. False when the host has destroyed the control meanwhile:
+    /// its caller then returns without touching it.
+    template <class Ask>
+    [[nodiscard]] bool Outlives(Ask ask) const {
+        const std::weak_ptr<const void> here = mHere;
+        ask();
+        return !here.expired();
+    }
     void Tell(std::string text, MsgBoxIcon icon) const;
 
     ControlParts mParts;
@@ -329,7 +338,7 @@ class QNComm {
     std::int16_t mBackStyle = 1;
     std::int16_t mBorderStyle = 0;
     std::vector<Subscription> mHandlers;
-    /// Goes with the control: its host may end it while a box or a dialog of its is shown.
+    /// Goes with the control, whose host may destroy it while one of its boxes or dialogs is open.
     std::shared_ptr<const void> mHere = std::make_shared<char>();
 };
 

@@ -4,6 +4,7 @@
 #include "common/Desktop.h"
 #include "common/FileDialog.h"
 #include "dialogs/FormModel.h"
+#include "link/SerialControl.h"
 
 #include <array>
 #include <cstdint>
@@ -16,15 +17,14 @@ enum BinaryTransferAction : std::int16_t {
     PrinterSends = 1,    ///< this side writes Filename
 };
 
-enum BinaryTransferProtocol : std::int16_t { ProtocolZModem = 5, ProtocolKermit = 6 };
-
 /// The modal dialog in which the person chooses protocol and host file of one binary transfer. It
 /// checks the file before the action button closes it and transfers nothing: its opener does, when
 /// Accepted says so.
 class frmBinaryTransfer : public FormModel {
   public:
-    /// Loads the form for a BinaryTransferAction and a protocol; other values are kept as they are
-    /// and shown as the designed captions and as Kermit. Desktop and file dialogs outlive it.
+    /// Loads the form for a BinaryTransferAction and a BinaryProtocol; other values are kept as
+    /// they are and shown as the designed captions and as Kermit. Desktop and file dialogs outlive
+    /// it.
     frmBinaryTransfer(std::int16_t iAction, std::int16_t iProtocol, Desktop& desktop,
                       FileDialogs& files);
 

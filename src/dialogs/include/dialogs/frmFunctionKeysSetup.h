@@ -2,6 +2,7 @@
 
 #include "common/ControlModels.h"
 #include "common/FileDialog.h"
+#include "common/MacroRecord.h"
 #include "common/RegSettings.h"
 #include "dialogs/FormModel.h"
 
@@ -13,9 +14,6 @@
 
 namespace qncomm {
 
-/// What a function key does; stored as its number.
-enum FunctionKeyKind : std::int32_t { TextMacro = 0, FileMacro = 1, RunMacro = 2 };
-
 /// The panel of one function key.
 struct FunctionKeyPanel : ControlModel {
     LabelModel lblALT;
@@ -24,12 +22,11 @@ struct FunctionKeyPanel : ControlModel {
     ButtonModel cmdAlt{"..."}; ///< browses; hidden for a text
 };
 
-/// The modal dialog in which the person defines what the eight function keys do. It reads and
-/// writes section "FunctionKeys" of the settings store, one value a key: the kind's number, ";" and
-/// the text.
+/// The modal dialog in which the user defines what the eight function keys do. It reads and writes
+/// the MacroRecord of each key in the settings store.
 class frmFunctionKeysSetup : public FormModel {
   public:
-    static constexpr std::size_t KeyCount = 8;
+    static constexpr std::size_t KeyCount = FunctionKeys.size();
 
     /// Loads the form. Without a store it is empty, and Ok raises 91. The file dialogs outlive it.
     frmFunctionKeysSetup(std::shared_ptr<qncomm::RegSettings> settings, FileDialogs& files);

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "common/CountedScope.h"
 #include "link/clsDataLink.h"
 
 namespace qncomm {
@@ -9,13 +10,10 @@ namespace qncomm {
 /// running exchange. Whoever raises an event of its own during an exchange holds one.
 class HostCall {
   public:
-    explicit HostCall(clsDataLink& link) : mLink(link) { ++mLink.mHostCalls; }
-    ~HostCall() { --mLink.mHostCalls; }
-    HostCall(const HostCall&) = delete;
-    HostCall& operator=(const HostCall&) = delete;
+    explicit HostCall(clsDataLink& link) : mCounted(link.mHostCalls) {}
 
   private:
-    clsDataLink& mLink;
+    CountedScope mCounted;
 };
 
 } // namespace qncomm

@@ -304,7 +304,7 @@ class clsDataLink {
     bool mTerminalHeld = false;   ///< whether one of the counted uses is the terminal's
     bool mPortLost = false; ///< the device went away under a claim; the next claim opens it again
     PortClaim* mInnermost = nullptr;
-    std::int32_t mHostCalls = 0;                ///< how deep the link is in code of the host
+    int mHostCalls = 0;                         ///< how deep the link is in code of the host
     std::int32_t mOwedReleases = 0;             ///< releases that came while another held the mark
     std::unique_ptr<RunningTimer> mReopenTimer; ///< runs while the terminal's device is away
 

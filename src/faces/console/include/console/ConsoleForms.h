@@ -18,7 +18,7 @@ class ConsoleForms final : public FormWindows {
     /// Both outlive the object and the windows that it shows.
     ConsoleForms(ConsoleAsker& asker, StatusLine& status) : mAsker(asker), mStatus(status) {}
 
-    /// The protocol (a BinaryTransferProtocol) of the transfers from now on; without it they have
+    /// The protocol (a BinaryProtocol) of the transfers from now on; without it they have
     /// the one that the form proposes.
     void SetProtocol(std::int16_t iProtocol) { mProtocol = iProtocol; }
 

@@ -1,0 +1,17 @@
+#pragma once
+
+namespace qncomm {
+
+/// Counts one up for as long as it lives: how deep something is nested. The count outlives it.
+class CountedScope {
+  public:
+    explicit CountedScope(int& count) : mCount(count) { ++mCount; }
+    ~CountedScope() { --mCount; }
+    CountedScope(const CountedScope&) = delete;
+    CountedScope& operator=(const CountedScope&) = delete;
+
+  private:
+    int& mCount;
+};
+
+} // namespace qncomm
