@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <charconv>
+#include <utility>
 
 namespace qncomm {
 namespace {
@@ -70,72 +71,134 @@ std::optional<std::string> Unescaped(std::string_view text) {
     return value;
 }
 
+constexpr std::string_view ByteOrderMark = "\xEF\xBB\xBF";
+
+std::string_view WithoutBlanks(std::string_view text) {
+    const std::size_t first = std::min(text.find_first_not_of(' '), text.size());
+    return text.substr(first, text.find_last_not_of(' ') + 1 - first);
+}
+
+/// What a line says, without the carriage return of its end and the blanks around it.
+std::string_view Content(std::string_view line) {
+    if (line.ends_with('\r')) line.remove_suffix(1);
+    return WithoutBlanks(line);
+}
+
+bool IsBlank(std::string_view line) {
+    return Content(line).empty();
+}
+
+bool IsComment(std::string_view line) {
+    return Content(line).starts_with(';');
+}
+
+/// The text behind the first "=", which a line with a key has.
+std::string_view ValueText(std::string_view line) {
+    const std::string_view content = Content(line);
+    return WithoutBlanks(content.substr(content.find('=') + 1));
+}
+
+/// How sections and keys are found, whatever their case. No line holds a line feed.
+std::string FoundBy(std::string_view section, std::string_view key) {
+    return LowerCase(section).append("\n").append(LowerCase(key));
+}
+
 } // namespace
 
 std::optional<SettingsDocument> SettingsDocument::Parse(std::string_view sText) {
     SettingsDocument document;
-    Section* section = nullptr;
-    for (std::string& line : SplitNonEmpty(sText, "\n")) {
-        if (line.ends_with('\r')) line.pop_back();
-        line = Trim(line);
-        if (line.empty() || line.front() == ';') continue;
-        if (line.front() == '[') {
-            if (line.back() != ']') return std::nullopt;
-            section = &document.SectionFor(Trim(std::string_view(line).substr(1, line.size() - 2)));
-            continue;
-        }
-        const std::size_t equals = line.find('=');
-        if (section == nullptr || equals == std::string::npos || equals == 0) return std::nullopt;
-        const auto value = Unescaped(Trim(std::string_view(line).substr(equals + 1)));
-        if (!value) return std::nullopt;
-        document.SetValue(section->name, Trim(std::string_view(line).substr(0, equals)), *value);
+    if (sText.starts_with(ByteOrderMark)) {
+        document.mMark = ByteOrderMark;
+        sText.remove_prefix(ByteOrderMark.size());
+    }
+    if (sText.substr(0, sText.find('\n')).ends_with('\r')) document.mLineEnd = "\r";
+    while (!sText.empty()) {
+        const std::size_t end = std::min(sText.find('\n'), sText.size());
+        if (!document.TakeLine(sText.substr(0, end))) return std::nullopt;
+        sText.remove_prefix(std::min(end + 1, sText.size()));
     }
     return document;
 }
 
-std::string SettingsDocument::Text() const {
-    std::string text;
-    for (const Section& section : mSections) {
-        if (!text.empty()) text += '\n';
-        text.append("[").append(section.name).append("]\n");
-        for (const Entry& entry : section.entries)
-            text.append(entry.key).append("=").append(Escaped(entry.value)).append("\n");
+bool SettingsDocument::TakeLine(std::string_view line) {
+    const std::string_view content = Content(line);
+    if (content.starts_with('[')) {
+        if (!content.ends_with(']')) return false;
+        BeginPart(WithoutBlanks(content.substr(1, content.size() - 2))).lines.emplace_back(line);
+        mParts.back().end = 1;
+        return true;
     }
+    Part& part = mParts.back();
+    part.lines.emplace_back(line);
+    if (IsBlank(line) || IsComment(line)) return true;
+    const std::size_t equals = content.find('=');
+    const bool isKey = mParts.size() > 1 && equals != std::string_view::npos && equals > 0;
+    if (!isKey || !Unescaped(ValueText(line))) return false;
+    const std::string_view key = WithoutBlanks(content.substr(0, equals));
+    mPlaces[FoundBy(part.name, key)] = {mParts.size() - 1, part.lines.size() - 1};
+    part.end = part.lines.size();
+    return true;
+}
+
+std::string SettingsDocument::Text() const {
+    std::string text = mMark;
+    for (const Part& part : mParts)
+        for (const std::string& line : part.lines)
+            text.append(line).append("\n");
     return text;
 }
 
 std::optional<std::string> SettingsDocument::Value(std::string_view sSection,
                                                    std::string_view sKey) const {
-    const Section* section = FindSection(sSection);
-    if (section == nullptr) return std::nullopt;
-    for (const Entry& entry : section->entries)
-        if (EqualNoCase(entry.key, sKey)) return entry.value;
-    return std::nullopt;
+    const auto found = mPlaces.find(FoundBy(sSection, sKey));
+    if (found == mPlaces.end()) return std::nullopt;
+    const auto [part, line] = found->second;
+    return Unescaped(ValueText(mParts[part].lines[line]));
 }
 
 void SettingsDocument::SetValue(std::string_view sSection, std::string_view sKey,
                                 std::string_view sValue) {
-    auto& entries = SectionFor(sSection).entries;
-    const auto found = std::find_if(entries.begin(), entries.end(), [&](const Entry& entry) {
-        return EqualNoCase(entry.key, sKey);
-    });
-    if (found != entries.end())
-        found->value = sValue;
-    else
-        entries.push_back({std::string(sKey), std::string(sValue)});
+    const auto found = mPlaces.find(FoundBy(sSection, sKey));
+    if (found == mPlaces.end()) {
+        AddKey(sSection, sKey, Escaped(sValue));
+        return;
+    }
+    std::string& line = mParts[found->second.part].lines[found->second.line];
+    const std::string_view former = ValueText(line);
+    line.replace(static_cast<std::size_t>(former.data() - line.data()), former.size(),
+                 Escaped(sValue));
 }
 
-const SettingsDocument::Section* SettingsDocument::FindSection(std::string_view sSection) const {
-    const auto found = std::find_if(mSections.begin(), mSections.end(), [&](const Section& s) {
-        return EqualNoCase(s.name, sSection);
-    });
-    return found != mSections.end() ? &*found : nullptr;
+void SettingsDocument::AddKey(std::string_view section, std::string_view key,
+                              std::string_view escaped) {
+    Part& part = PartFor(section);
+    // Comments that follow the last key closely are about the section, those that stand closely
+    // above the next header are about that one. No key stands behind the place, so none moves.
+    std::size_t at = part.end;
+    while (at < part.lines.size() && IsComment(part.lines[at]))
+        ++at;
+    const bool aboveNext = at == part.lines.size() && &part != &mParts.back();
+    if (aboveNext) at = part.end;
+    part.lines.insert(part.lines.begin() + static_cast<std::ptrdiff_t>(at),
+                      std::string(key).append("=").append(escaped).append(mLineEnd));
+    mPlaces[FoundBy(section, key)] = {static_cast<std::size_t>(&part - mParts.data()), at};
+    part.end = at + 1;
 }
 
-SettingsDocument::Section& SettingsDocument::SectionFor(std::string_view sSection) {
-    const Section* found = FindSection(sSection);
-    if (found != nullptr) return mSections[static_cast<std::size_t>(found - mSections.data())];
-    return mSections.emplace_back(Section{std::string(sSection), {}});
+SettingsDocument::Part& SettingsDocument::BeginPart(std::string_view name) {
+    mLast[LowerCase(name)] = mParts.size();
+    return mParts.emplace_back(Part{std::string(name), {}, 0});
+}
+
+SettingsDocument::Part& SettingsDocument::PartFor(std::string_view section) {
+    if (const auto known = mLast.find(LowerCase(section)); known != mLast.end())
+        return mParts[known->second];
+    std::vector<std::string>& before = mParts.back().lines;
+    if (!before.empty() && !IsBlank(before.back())) before.push_back(mLineEnd);
+    Part& part = BeginPart(section);
+    part.lines.push_back("[" + part.name + "]" + mLineEnd);
+    part.end = 1;
+    return part;
 }
 
 } // namespace qncomm

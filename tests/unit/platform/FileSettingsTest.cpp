@@ -109,6 +109,16 @@ TEST_F(FileSettingsTest, MakesTheFoldersAboveTheFileForThisPersonAlone) {
     EXPECT_EQ(FileSettings(path).ReadValue("Settings", "Key", ""), "value");
 }
 
+TEST_F(FileSettingsTest, KeepsWhatAPersonWroteIntoTheFile) {
+    SetText(Path(), "; hall 3\n\n[Ports]\nCOM1 = tcp://hall3:9100 \n\n; do not touch\n[Settings]\n"
+                    "Baudrate=300\n");
+    FileSettings settings = Store();
+    settings.WriteValues({{"Settings", "Baudrate", "9600"}, {"Ports", "COM2", "sim:R7G"}});
+    EXPECT_EQ(TextOf(Path()), "; hall 3\n\n[Ports]\nCOM1 = tcp://hall3:9100 \nCOM2=sim:R7G\n\n"
+                              "; do not touch\n[Settings]\nBaudrate=9600\n");
+    EXPECT_THAT(mWarnings, IsEmpty());
+}
+
 TEST_F(FileSettingsTest, SeesWhatAnotherProcessHasWritten) {
     FileSettings store = Store();
     store.WriteValue("Settings", "Key", "old");

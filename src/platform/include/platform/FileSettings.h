@@ -15,9 +15,10 @@ namespace qncomm {
 ///
 /// A write takes the file's lock, reads what is there, sets its values and puts a complete new
 /// file in the place of the old one, on the disk before it is seen. So processes that write
-/// different keys keep each other's, and whoever is killed in the middle leaves the old file. A
-/// file that does not parse is moved aside under a name ending in ".damaged-1" (-2, …), with a
-/// warning, and the store goes on empty; a file that cannot be moved aside is not overwritten.
+/// different keys keep each other's, and a writer that is killed leaves the old file. Comments,
+/// blank lines and order survive a write (see SettingsDocument). A file that does not parse is
+/// moved aside under a name ending in ".damaged-1" (-2, …), with a warning, and the store goes on
+/// empty; a file that cannot be moved aside is not overwritten.
 class FileSettings : public RegSettings {
   public:
     /// Receives one line for the person; never called while the file is locked by this object.
