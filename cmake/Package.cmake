@@ -1,4 +1,4 @@
-# What `cmake --install` leaves behind, and how another project finds it again: find_package(qncomm [COMPONENTS Qt]), or
+# What `cmake --install` leaves behind, and how another project finds it again: find_package(qncomm [COMPONENTS Qt VirtualPrinter]), or
 # pkg-config for those who build without CMake.
 #
 # The components of the installation are programs, development (headers, archives, package files) and documents.

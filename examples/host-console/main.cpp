@@ -1,8 +1,8 @@
 // The smallest program with the control in it: it finds a label printer, tells which one it is and
 // lists its files. Nothing is shown on a screen; what the control wants to say goes to the console.
 //
-//   host-console              on the virtual printer
-//   host-console /dev/ttyUSB0 on the serial port that a printer hangs on
+//   host-console              on /dev/ttyUSB0
+//   host-console ADDRESS      on that port: /dev/ttyS0, tcp://host:port, rfc2217://host:port
 
 #include <common/MemorySettings.h>
 #include <common/QNError.h>
@@ -26,7 +26,7 @@ int main(int argc, char** argv) try {
 
     // Ports have numbers from 1 to 16. Number 1 is the address from the command line.
     ControlAssembly::Options options;
-    const std::string wrong = options.bindings.Give(1, argc > 1 ? argv[1] : "sim:R7G");
+    const std::string wrong = options.bindings.Give(1, argc > 1 ? argv[1] : "/dev/ttyUSB0");
     if (!wrong.empty()) throw QNError(5, "host-console", wrong);
 
     // The control with its serial port and its terminal. It starts to live when its host hands it

@@ -16,10 +16,10 @@ std::string KeyOf(std::int16_t port) {
 /// Whether the address is this device, under its own name or by a link such as those in
 /// /dev/serial/by-id.
 bool IsDevice(const PortAddress& address, const std::string& path) {
-    if (address.kind != AddressKind::Tty) return false;
-    if (address.path == path) return true;
+    if (address.kind != &TtyKind) return false;
+    if (address.text == path) return true;
     std::error_code error;
-    const std::filesystem::path target = std::filesystem::canonical(address.path, error);
+    const std::filesystem::path target = std::filesystem::canonical(address.text, error);
     return !error && target == path;
 }
 
@@ -33,7 +33,7 @@ std::string PortBindings::Give(std::int16_t iPort, std::string_view sAddress) {
     if (!InRange(iPort))
         return "port " + std::to_string(iPort) + " is out of range: 0 to "
                + std::to_string(Highest);
-    PortAddressResult parsed = ParsePortAddress(sAddress);
+    PortAddressResult parsed = ParsePortAddress(sAddress, mKinds);
     if (!parsed.address) return parsed.error;
     Bind({iPort, std::move(*parsed.address), BindingSource::Given, {}});
     return {};
@@ -44,7 +44,7 @@ std::vector<std::string> PortBindings::AddSettings(const RegSettings& settings) 
     for (std::int16_t port = 0; port <= Highest; ++port) {
         const std::string text = settings.ReadValue(PortsSection, KeyOf(port), "");
         if (text.empty()) continue;
-        PortAddressResult parsed = ParsePortAddress(text);
+        PortAddressResult parsed = ParsePortAddress(text, mKinds);
         if (parsed.address)
             Bind({port, std::move(*parsed.address), BindingSource::Settings, {}});
         else
@@ -66,10 +66,7 @@ void PortBindings::AddDevices(const std::vector<SerialDevice>& devices) {
         while (port <= Highest && Find(port) != nullptr)
             ++port;
         if (port > Highest) return;
-        PortAddress address;
-        address.text = device.path;
-        address.path = device.path;
-        Bind({port, std::move(address), BindingSource::Machine, device.description});
+        Bind({port, {device.path, &TtyKind}, BindingSource::Machine, device.description});
     }
 }
 

@@ -1,5 +1,6 @@
 #include "Rfc2217Channel.h"
 
+#include "SocketPlace.h"
 #include "platform/SystemErrors.h"
 
 #include <algorithm>
@@ -19,7 +20,26 @@ IoResult NoAnswer(const std::string& what) {
     return {IoStatus::TimedOut, ETIMEDOUT, what};
 }
 
+constexpr std::string_view Rfc2217Scheme = "rfc2217://";
+
 } // namespace
+
+constinit const ChannelKind Rfc2217Kind{
+    .scheme = Rfc2217Scheme,
+    .form = "rfc2217://host:port",
+    .check = [](std::string_view address) -> std::string {
+        if (ParseSocketPlace(address, Rfc2217Scheme)) return {};
+        return "a remote serial port is written rfc2217://host:port, with a port of 1 to 65535 and "
+               "an IPv6 number in brackets";
+    },
+    .make = [](std::string_view address, Reactor& reactor) -> std::unique_ptr<ByteChannel> {
+        auto [host, service] = ParseSocketPlace(address, Rfc2217Scheme).value();
+        return std::make_unique<Rfc2217Channel>(reactor, std::move(host), std::move(service));
+    },
+    .look = [](std::string_view /*address*/) -> PortStatus {
+        return {PortState::Unchecked, {}};
+    },
+};
 
 Rfc2217Channel::Rfc2217Channel(Reactor& reactor, std::string sHost, std::string sService)
     : mReactor(reactor),

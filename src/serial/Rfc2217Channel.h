@@ -4,6 +4,7 @@
 #include "SocketConnector.h"
 #include "platform/Fd.h"
 #include "serial/ByteChannel.h"
+#include "serial/ChannelKind.h"
 
 #include <cstddef>
 #include <cstdint>
@@ -84,5 +85,8 @@ class Rfc2217Channel final : public ByteChannel {
     Handler mHandler;
     FdEvents mWanted;
 };
+
+/// A remote serial port: "rfc2217://host:port".
+extern const ChannelKind Rfc2217Kind;
 
 } // namespace qncomm

@@ -1,9 +1,33 @@
 #include "TcpChannel.h"
 
+#include "SocketPlace.h"
+
 #include <sys/socket.h>
 #include <utility>
 
 namespace qncomm {
+namespace {
+
+constexpr std::string_view TcpScheme = "tcp://";
+
+} // namespace
+
+constinit const ChannelKind TcpKind{
+    .scheme = TcpScheme,
+    .form = "tcp://host:port",
+    .check = [](std::string_view address) -> std::string {
+        if (ParseSocketPlace(address, TcpScheme)) return {};
+        return "a socket is written tcp://host:port, with a port of 1 to 65535 and an IPv6 number "
+               "in brackets";
+    },
+    .make = [](std::string_view address, Reactor& reactor) -> std::unique_ptr<ByteChannel> {
+        auto [host, service] = ParseSocketPlace(address, TcpScheme).value();
+        return std::make_unique<TcpChannel>(reactor, std::move(host), std::move(service));
+    },
+    .look = [](std::string_view /*address*/) -> PortStatus {
+        return {PortState::Unchecked, {}};
+    },
+};
 
 TcpChannel::TcpChannel(Reactor& reactor, std::string sHost, std::string sService)
     : FdChannel(reactor, "the other side closed the connection"),

@@ -2,6 +2,7 @@
 
 #include "FdChannel.h"
 #include "SocketConnector.h"
+#include "serial/ChannelKind.h"
 
 #include <cstddef>
 #include <cstdint>
@@ -44,5 +45,8 @@ class TcpChannel final : public FdChannel {
     Fd mParked;
     std::unique_ptr<Alarm> mParkEnd;
 };
+
+/// A raw byte socket: "tcp://host:port".
+extern const ChannelKind TcpKind;
 
 } // namespace qncomm

@@ -3,6 +3,7 @@
 #include "TtyLine.h"
 #include "TtyProbe.h"
 #include "platform/SystemErrors.h"
+#include "serial/ChannelKind.h"
 
 #include <cerrno>
 #include <sys/ioctl.h>
@@ -10,6 +11,38 @@
 #include <utility>
 
 namespace qncomm {
+namespace {
+
+PortState StateOf(IoStatus status) {
+    switch (status) {
+    case IoStatus::Done:
+        return PortState::Free;
+    case IoStatus::Busy:
+        return PortState::Busy;
+    case IoStatus::Missing:
+        return PortState::Missing;
+    default:
+        return PortState::Unusable;
+    }
+}
+
+} // namespace
+
+constinit const ChannelKind TtyKind{
+    .scheme = "/",
+    .form = "a device such as /dev/ttyUSB0",
+    .check = [](std::string_view address) -> std::string {
+        return address.ends_with('/') ? "this is a folder, not a device" : "";
+    },
+    .make = [](std::string_view address, Reactor& reactor) -> std::unique_ptr<ByteChannel> {
+        return std::make_unique<TtyChannel>(reactor, std::string(address));
+    },
+    .look = [](std::string_view address) -> PortStatus {
+        IoResult probed = ProbeTty(std::string(address));
+        return {StateOf(probed.status), std::move(probed.text)};
+    },
+};
+
 TtyChannel::TtyChannel(Reactor& reactor, std::string sPath, CountErrors count)
     : FdChannel(reactor, "the device went away"),
       mPath(std::move(sPath)),

@@ -59,8 +59,7 @@ void ShowConnection(Session& session) {
 std::vector<std::int16_t> SearchablePorts(Session& session) {
     std::vector<std::int16_t> numbers;
     for (const qncomm::PortBinding& port : session.Bindings().List())
-        if (port.number > 0 && port.address.kind != qncomm::AddressKind::Simulator)
-            numbers.push_back(port.number);
+        if (port.number > 0 && port.address.kind->searched) numbers.push_back(port.number);
     const int start = ConfiguredPort(session.Store(), session.Bindings()).value_or(1);
     std::stable_sort(numbers.begin(), numbers.end(), [start](std::int16_t a, std::int16_t b) {
         return std::abs(a - start) < std::abs(b - start);

@@ -1,5 +1,6 @@
 #include "PortChoice.h"
 
+#include "assembly/AllChannelKinds.h"
 #include "serial/PortAddress.h"
 #include "serial/SerialDevices.h"
 
@@ -96,7 +97,7 @@ PortChoice ChooseConfigured(const qncomm::RegSettings& settings, PortBindings& b
 } // namespace
 
 PortBindings BindPorts(const qncomm::RegSettings& settings, std::string& sWarnings) {
-    PortBindings bindings;
+    PortBindings bindings(qncomm::AllChannelKinds());
     for (const std::string& line : bindings.AddSettings(settings))
         sWarnings += line + "\n";
     bindings.AddDevices(qncomm::FindSerialDevices());

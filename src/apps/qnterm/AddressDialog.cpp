@@ -2,6 +2,7 @@
 
 #include "PortBook.h"
 
+#include "assembly/AllChannelKinds.h"
 #include "qt/Mnemonics.h"
 #include "serial/PortAddress.h"
 
@@ -135,8 +136,7 @@ void AddressDialog::AddVirtualPrinters() {
 void AddressDialog::AddPorts(const std::vector<qncomm::PortListing>& ports) {
     QTreeWidgetItem* group = AddGroup(tr("Ports of this machine"));
     for (const qncomm::PortListing& port : ports) {
-        if (port.binding.address.kind != qncomm::AddressKind::Tty || port.binding.number == 0)
-            continue;
+        if (port.binding.address.kind != &qncomm::TtyKind || port.binding.number == 0) continue;
         const QString address = QString::fromStdString(port.binding.address.text);
         auto* row = new QTreeWidgetItem(
             group, {tr("COM%1  %2").arg(port.binding.number).arg(address), StateText(port)});
@@ -179,7 +179,8 @@ void AddressDialog::OnRow(const QTreeWidgetItem* item) {
 }
 
 void AddressDialog::Check() {
-    const qncomm::PortAddressResult parsed = qncomm::ParsePortAddress(Address());
+    const qncomm::PortAddressResult parsed =
+        qncomm::ParsePortAddress(Address(), qncomm::AllChannelKinds());
     mButtons->button(QDialogButtonBox::Ok)->setEnabled(parsed.address.has_value());
     QString note = QString::fromStdString(parsed.error);
     for (const NetworkKind& kind : NetworkKinds)
@@ -196,7 +197,7 @@ std::string AddressDialog::Address() const {
 }
 
 void AddressDialog::Decide() {
-    if (!qncomm::ParsePortAddress(Address()).address) {
+    if (!qncomm::ParsePortAddress(Address(), qncomm::AllChannelKinds()).address) {
         mAddress->setFocus();
         return;
     }

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "assembly/AllChannelKinds.h"
 #include "common/RegSettings.h"
 #include "serial/PortBindings.h"
 
@@ -50,7 +51,7 @@ class PortBook {
     std::int16_t NumberFor(const std::string& address) const;
 
     std::shared_ptr<qncomm::RegSettings> mStore;
-    qncomm::PortBindings mBindings;
+    qncomm::PortBindings mBindings{qncomm::AllChannelKinds()};
 };
 
 /// The folder in the option "labels" of a virtual printer's address; empty when it names none.

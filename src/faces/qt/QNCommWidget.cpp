@@ -4,6 +4,7 @@
 
 #include "FormOfWidget.h"
 #include "QNCommWidgetParts.h"
+#include "assembly/AllChannelKinds.h"
 #include "common/QNError.h"
 #include "platform/FileSettings.h"
 #include "qt/Charset.h"
@@ -37,6 +38,7 @@ QNCommWidget::QNCommWidget(Mode mode, QWidget* parent, ControlAssembly::Options 
     Parts& p = *mParts;
     QtServices& services = *p.services;
     QtReactor& reactor = QtReactor::OfApplication();
+    if (options.bindings.List().empty()) options.bindings = PortBindings(AllChannelKinds());
     options.keep = std::make_shared<std::pair<std::shared_ptr<void>, std::shared_ptr<void>>>(
         p.services, options.keep);
     p.assembly = std::make_unique<ControlAssembly>(
@@ -137,7 +139,7 @@ QString QNCommWidget::setPortAddress(const QString& sAddress) {
         PDQComm& serial = p.assembly->Serial();
         return FromHost(serial.Bindings().Give(serial.PortNumber(), address));
     }
-    std::string wrong = PortBindings().Give(0, address);
+    std::string wrong = PortBindings(p.assembly->Serial().Bindings().Kinds()).Give(0, address);
     if (wrong.empty()) p.address = sAddress;
     return FromHost(wrong);
 }

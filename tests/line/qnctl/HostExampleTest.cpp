@@ -9,10 +9,14 @@ namespace {
 
 using qntest::Program;
 using testing::HasSubstr;
+using testing::Not;
 using testing::StartsWith;
 
 TEST(HostExample, FindsAPrinterAndListsItsFiles) {
-    Program host({QN_HOST_PROGRAM});
+    const qncomm::testing::ScratchFolder folder;
+    Program printer({QN_PROGRAMS "/qnsim", "--link", folder.File("printer")});
+    ASSERT_TRUE(printer.WaitForOut("\n")) << printer.Err();
+    Program host({QN_HOST_PROGRAM, folder.File("printer")});
     host.CloseInput();
     EXPECT_EQ(host.Wait(), 0) << host.Err();
     EXPECT_THAT(host.Out(), StartsWith("R7G, "));
@@ -20,13 +24,21 @@ TEST(HostExample, FindsAPrinterAndListsItsFiles) {
 }
 
 TEST(HostExample, SaysWhatIsWrongWithAPort) {
-    for (const char* address : {"/dev/there-is-none", "sim:R9"}) {
+    for (const char* address : {"/dev/there-is-none", "sim:R7G"}) {
         Program host({QN_HOST_PROGRAM, address});
         host.CloseInput();
         EXPECT_EQ(host.Wait(), 1) << address;
         EXPECT_EQ(host.Out(), "") << address;
         EXPECT_THAT(host.Err(), HasSubstr(": ")) << address;
     }
+}
+
+TEST(HostExample, LoadsNoLibraryOfTheVirtualPrinterOrOfAToolkit) {
+    Program loader({"/usr/bin/ldd", QN_HOST_PROGRAM});
+    ASSERT_EQ(loader.Wait(), 0) << loader.Err();
+    ASSERT_THAT(loader.Out(), HasSubstr("libc.so"));
+    for (const char* library : {"freetype", "png", "Qt"})
+        EXPECT_THAT(loader.Out(), Not(HasSubstr(library)));
 }
 
 TEST(HostExample, IsShortEnoughToBeReadAtOnce) {

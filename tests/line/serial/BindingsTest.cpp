@@ -1,5 +1,9 @@
 // Addresses, port numbers, this machine's devices and the trace's lines.
 
+#include "Rfc2217Channel.h"
+#include "SocketPlace.h"
+#include "TcpChannel.h"
+#include "assembly/AllChannelKinds.h"
 #include "common/MemorySettings.h"
 #include "serial/PortBindings.h"
 #include "serial/PortListing.h"
@@ -28,8 +32,7 @@ using ::testing::SizeIs;
 TEST(Address, ReadsADevice) {
     const auto parsed = ParsePortAddress(" /dev/ttyUSB0 ");
     ASSERT_TRUE(parsed.address) << parsed.error;
-    EXPECT_EQ(parsed.address->kind, AddressKind::Tty);
-    EXPECT_EQ(parsed.address->path, "/dev/ttyUSB0");
+    EXPECT_EQ(parsed.address->kind, &TtyKind);
     EXPECT_EQ(parsed.address->text, "/dev/ttyUSB0");
 }
 
@@ -41,20 +44,23 @@ TEST(Address, ReadsASocket) {
     };
     for (const Row& row :
          {Row{"tcp://printer:9100", "printer", "9100"}, Row{"TCP://10.0.0.7:1", "10.0.0.7", "1"},
-          Row{"tcp://[::1]:65535", "::1", "65535"}}) {
+          Row{"tcp://[::1]:65535", "::1", "65535"}, Row{"tcp://printer:09", "printer", "9"}}) {
         const auto parsed = ParsePortAddress(row.text);
         ASSERT_TRUE(parsed.address) << row.text << ": " << parsed.error;
-        EXPECT_EQ(parsed.address->kind, AddressKind::Tcp);
-        EXPECT_EQ(parsed.address->host, row.host);
-        EXPECT_EQ(parsed.address->service, row.service);
+        EXPECT_EQ(parsed.address->kind, &TcpKind);
+        const auto place = ParseSocketPlace(parsed.address->text, TcpKind.scheme);
+        ASSERT_TRUE(place) << row.text;
+        EXPECT_EQ(place->host, row.host);
+        EXPECT_EQ(place->service, row.service);
     }
+    EXPECT_EQ(ParsePortAddress("rfc2217://printer:7000").address->kind, &Rfc2217Kind);
 }
 
 TEST(Address, ReadsAVirtualPrinter) {
-    const auto parsed = ParsePortAddress("sim:R7G?baud=57600&format=n,8,2");
+    const auto parsed = ParsePortAddress("sim:R7G?baud=57600&format=n,8,2", AllChannelKinds());
     ASSERT_TRUE(parsed.address) << parsed.error;
-    EXPECT_EQ(parsed.address->kind, AddressKind::Simulator);
-    EXPECT_EQ(parsed.address->simulator, "R7G?baud=57600&format=n,8,2");
+    EXPECT_EQ(parsed.address->kind, &VirtualPrinterKind);
+    EXPECT_EQ(parsed.address->text, "sim:R7G?baud=57600&format=n,8,2");
 }
 
 TEST(Address, SaysWhatIsWrong) {
@@ -71,10 +77,19 @@ TEST(Address, SaysWhatIsWrong) {
           Row{"tcp://printer:91x", "host:port"}, Row{"http://printer:80", "tcp://host:port"},
           Row{"sim:", "sim:"}, Row{"sim:NOPRINTER", "NOPRINTER"}, Row{"sim:R7G?speed=9", "speed"},
           Row{std::string("/dev/tty\0x", 10), "NUL"}}) {
-        const auto parsed = ParsePortAddress(row.text);
+        const auto parsed = ParsePortAddress(row.text, AllChannelKinds());
         EXPECT_FALSE(parsed.address) << row.text;
         EXPECT_THAT(parsed.error, HasSubstr(row.error));
     }
+}
+
+TEST(Address, IsOfTheKindsThatTheProgramKnows) {
+    EXPECT_EQ(ParsePortAddress("sim:R7G").error,
+              "\"sim:R7G\": an address is a device such as /dev/ttyUSB0, tcp://host:port, or "
+              "rfc2217://host:port");
+    EXPECT_EQ(ParsePortAddress("ttyUSB0", AllChannelKinds()).error,
+              "\"ttyUSB0\": an address is a device such as /dev/ttyUSB0, tcp://host:port, "
+              "rfc2217://host:port, or sim:MODEL for the virtual printer");
 }
 
 TEST(Address, ReadsPortNumbers) {
@@ -113,7 +128,7 @@ TEST(Bindings, TheStrongerSourceKeepsTheNumber) {
     EXPECT_EQ(bindings.NumberOf("/dev/ttyACM0"), 3);
     EXPECT_EQ(bindings.NumberOf("/dev/ttyACM1"), std::nullopt);
     EXPECT_EQ(bindings.Give(4, "/dev/ttyS5"), "");
-    EXPECT_EQ(bindings.Find(4)->address.path, "/dev/ttyS5");
+    EXPECT_EQ(bindings.Find(4)->address.text, "/dev/ttyS5");
 }
 
 TEST(Bindings, ADeviceKnownByALinkGetsNoSecondNumber) {
@@ -148,12 +163,12 @@ TEST(Bindings, MoreDevicesThanNumbersLeaveTheLastOnesOut) {
     bindings.AddDevices(devices);
     EXPECT_THAT(bindings.List(), SizeIs(16));
     EXPECT_EQ(bindings.Find(0), nullptr);
-    EXPECT_EQ(bindings.Find(16)->address.path, "/dev/ttyUSB15");
+    EXPECT_EQ(bindings.Find(16)->address.text, "/dev/ttyUSB15");
 }
 
 TEST(Listing, TellsTheStateOfEachPort) {
     const PtyPair pty = OpenPty();
-    PortBindings bindings;
+    PortBindings bindings(AllChannelKinds());
     EXPECT_EQ(bindings.Give(1, pty.path), "");
     EXPECT_EQ(bindings.Give(2, "/dev/qncomm-none"), "");
     EXPECT_EQ(bindings.Give(3, "/dev/null"), "");

@@ -40,7 +40,7 @@ class CountedTty : public ::testing::Test {
     int mLooks = 0;
     PollLoop mLoop;
     PDQComm mPort{mLoop, {}, nullptr, [this](const PortAddress& address, Reactor& reactor) {
-                      return std::make_unique<TtyChannel>(reactor, address.path, [this](int) {
+                      return std::make_unique<TtyChannel>(reactor, address.text, [this](int) {
                           ++mLooks;
                           return mCounts;
                       });

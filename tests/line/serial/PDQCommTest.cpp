@@ -16,7 +16,7 @@ using ::testing::StartsWith;
 
 TEST_F(SerialControlTest, AnEventWaitsForTheThreshold) {
     mPort.SetReceiveThreshold(4);
-    FakeChannel& far = Open();
+    ScriptedChannel& far = Open();
     far.Arrive("abc");
     mReactor.Yield(0);
     EXPECT_THAT(mEvents, IsEmpty());
@@ -28,7 +28,7 @@ TEST_F(SerialControlTest, AnEventWaitsForTheThreshold) {
 
 TEST_F(SerialControlTest, EachKindOfLineErrorHasItsEvent) {
     mPort.SetReceiveThreshold(0);
-    FakeChannel& far = Open();
+    ScriptedChannel& far = Open();
     mTrace.mLines.clear();
     const std::pair<LineErrors, SerialEvent> kinds[] = {
         {{.frame = true}, SerialEventFrame},
@@ -74,7 +74,7 @@ TEST_F(SerialControlTest, LineErrorsOfAWaitWithoutDispatchWaitForTheLoop) {
 }
 
 TEST_F(SerialControlTest, LineErrorsThatNobodyHeardAreNotToldLater) {
-    FakeChannel& far = Open();
+    ScriptedChannel& far = Open();
     mPort.SetEventSink({});
     mLine.errors = {.frame = true};
     far.Arrive("x");
@@ -93,7 +93,7 @@ TEST_F(SerialControlTest, LineErrorsThatNobodyHeardAreNotToldLater) {
 
 TEST_F(SerialControlTest, ADetachedSinkHearsNothing) {
     mPort.SetReceiveThreshold(1);
-    FakeChannel& far = Open();
+    ScriptedChannel& far = Open();
     mPort.SetEventSink({});
     far.Arrive("abc");
     mReactor.Yield(0);
@@ -115,7 +115,7 @@ TEST_F(SerialControlTest, AWaitForBytesThatDoNotComeTakesItsTime) {
 }
 
 TEST_F(SerialControlTest, ALineReadEndsWithItsLineEndOrItsTime) {
-    FakeChannel& far = Open();
+    ScriptedChannel& far = Open();
     far.Arrive("PRI", 10'000);
     far.Arrive("NT\r", 20'000);
     far.Arrive("\nrest", 30'000);
@@ -124,7 +124,7 @@ TEST_F(SerialControlTest, ALineReadEndsWithItsLineEndOrItsTime) {
 }
 
 TEST_F(SerialControlTest, ACarriageReturnThatComesLastEndsTheLineAfterAMoment) {
-    FakeChannel& far = Open();
+    ScriptedChannel& far = Open();
     far.Arrive("one\r", 0);
     EXPECT_EQ(MsFor([&] { EXPECT_EQ(mPort.ReadLine(500), "one"); }), 50);
     far.Arrive("two\r", 0);
@@ -221,7 +221,7 @@ TEST_F(SerialControlTest, TypedKeysTakeOnlyTheFreeSpace) {
 }
 
 TEST_F(SerialControlTest, TheTraceHoldsWhatTravelled) {
-    FakeChannel& far = Open();
+    ScriptedChannel& far = Open();
     mLine.dsr = true;
     mLine.takes = 2;
     mPort.Write("abc");

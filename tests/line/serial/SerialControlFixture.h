@@ -2,7 +2,7 @@
 
 #include "common/QNError.h"
 #include "serial/PDQComm.h"
-#include "testing/line/FakeChannel.h"
+#include "serial_testing/ScriptedChannel.h"
 #include "testing/stack/ManualReactor.h"
 #include "testing/stack/RecordingTrace.h"
 
@@ -25,7 +25,7 @@ class SerialControlTest : public ::testing::Test {
         mPort.SetEventSink([this](SerialEvent event) { mEvents.push_back(event); });
     }
 
-    FakeChannel& Open() {
+    ScriptedChannel& Open() {
         mPort.SetPortOpen(true);
         return *mChannel;
     }
@@ -49,11 +49,11 @@ class SerialControlTest : public ::testing::Test {
     }
 
     ManualReactor mReactor;
-    FakeLine mLine;
-    FakeChannel* mChannel = nullptr;
+    ScriptedLine mLine;
+    ScriptedChannel* mChannel = nullptr;
     RecordingTrace mTrace;
     PDQComm mPort{mReactor, PortBindings(), &mTrace, [this](const PortAddress&, Reactor& reactor) {
-                      auto channel = std::make_unique<FakeChannel>(reactor, mLine);
+                      auto channel = std::make_unique<ScriptedChannel>(reactor, mLine);
                       mChannel = channel.get();
                       return channel;
                   }};

@@ -1,5 +1,6 @@
 // The virtual printer in process as a line, on a driven clock.
 
+#include "assembly/AllChannelKinds.h"
 #include "common/QNError.h"
 #include "serial/PDQComm.h"
 #include "testing/stack/ManualReactor.h"
@@ -32,7 +33,7 @@ class InProcessLine : public ::testing::Test {
     }
 
     ManualReactor mReactor;
-    PDQComm mPort{mReactor, {}};
+    PDQComm mPort{mReactor, PortBindings(AllChannelKinds())};
 };
 
 TEST_F(InProcessLine, ALineIsEchoedAndAnswered) {

@@ -1,6 +1,6 @@
+#include "serial_testing/ScriptedChannel.h"
 #include "testing/core/ScratchFolder.h"
 #include "testing/line/Endpoint.h"
-#include "testing/line/FakeChannel.h"
 #include "testing/line/PtyPair.h"
 
 #include <gtest/gtest.h>
@@ -38,7 +38,7 @@ class FakeEndpoint final : public Endpoint {
     std::string Address() const override { return "/dev/fake"; }
     ChannelFactory Factory() override {
         return [this](const PortAddress&, Reactor& reactor) {
-            auto channel = std::make_unique<FakeChannel>(reactor, mLine);
+            auto channel = std::make_unique<ScriptedChannel>(reactor, mLine);
             mChannel = channel.get();
             return channel;
         };
@@ -57,8 +57,8 @@ class FakeEndpoint final : public Endpoint {
     void PlugIn() override { mLine.loss.reset(); }
 
   private:
-    FakeLine mLine;
-    FakeChannel* mChannel = nullptr;
+    ScriptedLine mLine;
+    ScriptedChannel* mChannel = nullptr;
 };
 
 /// A pty behind a link of its own, so that another one can take its place.

@@ -54,6 +54,7 @@ class ControlDesk {
     /// A new control with a printer at each port from 1 on; port 1 is the one it uses.
     void AssembleOn(const Strings& addresses) {
         ControlAssembly::Options options;
+        options.bindings = PortBindings(AllChannelKinds());
         options.trace = &mTrace;
         std::int16_t port = 0;
         for (const std::string& address : addresses)

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "assembly/AllChannelKinds.h"
 #include "common/MemorySettings.h"
 #include "link/clsDataLink.h"
 #include "serial/PDQComm.h"
@@ -55,7 +56,7 @@ class Stack {
     };
 
     static PortBindings Bound(const std::string& address) {
-        PortBindings bindings;
+        PortBindings bindings(AllChannelKinds());
         EXPECT_EQ(bindings.Give(1, address), "");
         return bindings;
     }

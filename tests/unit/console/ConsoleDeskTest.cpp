@@ -1,5 +1,6 @@
 #include "console/ConsoleDesk.h"
 
+#include "assembly/AllChannelKinds.h"
 #include "common/HostPath.h"
 #include "common/MemorySettings.h"
 #include "dialogs/frmBinaryTransfer.h"
@@ -187,6 +188,7 @@ TEST(RebootWindow, CreepsForwardAndGoesAway) {
 TEST_F(Desk, AControlRunsOnIt) {
     ConsoleDesk& desk = Nobody();
     ControlAssembly::Options options;
+    options.bindings = PortBindings(AllChannelKinds());
     ASSERT_EQ(options.bindings.Give(1, "sim:R7A"), "");
     ControlAssembly assembly(mLoop, desk.Services(), desk.View(), std::move(options));
     QNComm& control = assembly.Control();

@@ -4,15 +4,12 @@
 #include "platform/Reactor.h"
 #include "serial/LineErrors.h"
 #include "serial/LineSettings.h"
-#include "serial/PortAddress.h"
 
 #include <cstddef>
 #include <cstdint>
 #include <functional>
-#include <memory>
 #include <optional>
 #include <span>
-#include <string>
 #include <string_view>
 
 namespace qncomm {
@@ -74,11 +71,5 @@ class ByteChannel {
     /// dispatching nothing. Returns what it is ready for.
     virtual FdEvents Wait(FdEvents events, std::int64_t lLimitUs) = 0;
 };
-
-/// The channel for an address; the reactor outlives it.
-std::unique_ptr<ByteChannel> MakeChannel(const PortAddress& address, Reactor& reactor);
-
-using ChannelFactory =
-    std::function<std::unique_ptr<ByteChannel>(const PortAddress& address, Reactor& reactor)>;
 
 } // namespace qncomm

@@ -9,6 +9,7 @@
 #include <optional>
 #include <string>
 #include <string_view>
+#include <utility>
 #include <vector>
 
 namespace qncomm {
@@ -27,7 +28,16 @@ struct PortBinding {
 /// that it was given, in whatever order they came.
 class PortBindings {
   public:
+    /// The highest port number.
     static constexpr std::int16_t Highest = 16;
+
+    /// Addresses are of the kinds that lead out of the program.
+    PortBindings() : PortBindings(SerialChannelKinds()) {}
+    /// Addresses are of these kinds.
+    explicit PortBindings(ChannelKinds kinds) : mKinds(std::move(kinds)) {}
+
+    /// The kinds that addresses may be of.
+    const ChannelKinds& Kinds() const { return mKinds; }
 
     /// Binds a number on behalf of the host or the command line. Returns an empty text, or why not.
     std::string Give(std::int16_t iPort, std::string_view sAddress);
@@ -50,6 +60,7 @@ class PortBindings {
   private:
     bool Bind(PortBinding binding);
 
+    ChannelKinds mKinds;
     std::array<std::optional<PortBinding>, Highest + 1> mBindings;
 };
 

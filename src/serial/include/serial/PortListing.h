@@ -1,19 +1,12 @@
 #pragma once
 
+#include "serial/ChannelKind.h"
 #include "serial/PortBindings.h"
 
 #include <string>
 #include <vector>
 
 namespace qncomm {
-
-enum class PortState {
-    Free,
-    Busy,      ///< another program holds it
-    Missing,   ///< the device is not there
-    Unusable,  ///< it is there and does not open: permission, no hardware
-    Unchecked, ///< telling would take a connection
-};
 
 /// One row of a list of ports.
 struct PortListing {

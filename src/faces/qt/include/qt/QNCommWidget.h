@@ -51,7 +51,7 @@ class QNCommWidget : public QWidget {
     /// At run time, at the defaults of everything.
     explicit QNCommWidget(QWidget* parent = nullptr);
     /// The trace, if there is one, outlives the application. Bindings that the options do not give
-    /// come from the settings and then from the machine's devices.
+    /// come from the settings and then from the machine's devices, and may be virtual printers.
     explicit QNCommWidget(Mode mode, QWidget* parent = nullptr,
                           ControlAssembly::Options options = {});
     ~QNCommWidget() override;

@@ -1,6 +1,6 @@
 #include "VirtualPrinterChannel.h"
 
-#include "SimulatorAddress.h"
+#include "assembly/AllChannelKinds.h"
 #include "simulator/VirtualPrinter.h"
 
 #include <algorithm>
@@ -10,6 +10,7 @@
 namespace qncomm {
 namespace {
 
+constexpr std::string_view VirtualScheme = "sim:";
 constexpr std::size_t InboxSize = 4096;
 
 qnsim::LineFormat FormatOf(const LineSettings& settings) {
@@ -18,16 +19,33 @@ qnsim::LineFormat FormatOf(const LineSettings& settings) {
 
 } // namespace
 
+constinit const ChannelKind VirtualPrinterKind{
+    .scheme = VirtualScheme,
+    .form = "sim:MODEL for the virtual printer",
+    .check = [](std::string_view address) -> std::string {
+        return qnsim::ParseAddress(address.substr(VirtualScheme.size())).error;
+    },
+    .make = [](std::string_view address, Reactor& reactor) -> std::unique_ptr<ByteChannel> {
+        return std::make_unique<VirtualPrinterChannel>(reactor,
+                                                       address.substr(VirtualScheme.size()));
+    },
+    .look = [](std::string_view /*address*/) -> PortStatus {
+        return {PortState::Free, {}};
+    },
+    .searched = false,
+};
+
+ChannelKinds AllChannelKinds() {
+    ChannelKinds kinds = SerialChannelKinds();
+    kinds.push_back(&VirtualPrinterKind);
+    return kinds;
+}
+
 struct VirtualPrinterChannel::Printer {
     explicit Printer(const qnsim::Options& options) : device(options) {}
 
     qnsim::VirtualPrinter device;
 };
-
-std::string SimulatorAddressError(std::string_view sText) {
-    qnsim::ParseResult parsed = qnsim::ParseAddress(sText);
-    return parsed.options ? std::string() : std::move(parsed.error);
-}
 
 VirtualPrinterChannel::VirtualPrinterChannel(Reactor& reactor, std::string_view sPrinter)
     : mReactor(reactor),
@@ -139,8 +157,8 @@ void VirtualPrinterChannel::Run() {
         mReceived += mPrinter->device.ToHost(now, InboxSize - mReceived.size());
 }
 
-/// Lets the printer live through the time in which nobody looked at it, step by step: it may have
-/// been waiting for something in vain.
+/// Advances the printer's clock by the time since the last look at it, in steps: it may have been
+/// waiting for something in vain.
 void VirtualPrinterChannel::CatchUp(std::int64_t now) {
     constexpr int mostSteps = 10'000; // a program without an end has had its share then
     for (int step = 0; step < mostSteps; ++step) {
