@@ -1,6 +1,6 @@
 // Whatever a host sends: the server survives it, its answers stay in proportion, its line stays one
 // that exists, and it hears the same in whatever pieces it comes.
-#include "ComPortServer.h"
+#include "endpoints/ComPortServer.h"
 
 #include <cstdint>
 #include <cstdlib>

@@ -1,8 +1,9 @@
 // The virtual printer at its endpoints: a real pseudo-terminal and a real socket, served by the
 // program's own loop.
-#include "PrinterServer.h"
-#include "PtyEndpoint.h"
-#include "TcpEndpoint.h"
+#include "endpoints/PrinterServer.h"
+#include "endpoints/PtyEndpoint.h"
+#include "endpoints/TcpEndpoint.h"
+#include "platform/PollLoop.h"
 
 #include <gtest/gtest.h>
 
@@ -11,6 +12,7 @@
 #include <fcntl.h>
 #include <filesystem>
 #include <netinet/in.h>
+#include <poll.h>
 #include <spawn.h>
 #include <sys/eventfd.h>
 #include <sys/socket.h>
@@ -33,14 +35,12 @@ Options Printer(std::string_view address) {
 /// A served printer; stops with its owner.
 class Served {
   public:
-    Served(std::string_view address, OpenedEndpoint opened)
-        : mEndpoint(std::move(opened.endpoint)),
+    Served(std::string_view address, qncomm::PollLoop& loop, OpenedEndpoint opened)
+        : mLoop(loop),
+          mEndpoint(std::move(opened.endpoint)),
           mStop(::eventfd(0, EFD_CLOEXEC)),
           mPrinter(Printer(address)),
-          mThread([this] {
-              mCut = !PrinterServer(mPrinter, *mEndpoint, mStop.Get()).Run();
-              mEndpoint.reset();
-          }) {}
+          mThread([this] { Serve(); }) {}
     ~Served() { Stop(); }
     Served(const Served&) = delete;
     Served& operator=(const Served&) = delete;
@@ -56,8 +56,17 @@ class Served {
     }
 
   private:
+    void Serve() {
+        PrinterServer server(mPrinter, *mEndpoint, mLoop);
+        const auto stop =
+            mLoop.Watch(mStop.Get(), {.readable = true}, [&](qncomm::FdEvents) { server.Stop(); });
+        mCut = !server.Run();
+        mEndpoint.reset();
+    }
+
+    qncomm::PollLoop& mLoop;
     std::unique_ptr<Endpoint> mEndpoint;
-    Descriptor mStop;
+    qncomm::Fd mStop;
     VirtualPrinter mPrinter;
     bool mCut = false;
     std::thread mThread;
@@ -90,9 +99,9 @@ void SetRate(int device, speed_t speed) {
     ::tcsetattr(device, TCSANOW, &settings);
 }
 
-Descriptor OpenDevice(const std::string& path, speed_t speed, bool twoStopBits) {
-    Descriptor device(::open(path.c_str(), O_RDWR | O_NOCTTY | O_CLOEXEC));
-    EXPECT_TRUE(device.IsOpen()) << path;
+qncomm::Fd OpenDevice(const std::string& path, speed_t speed, bool twoStopBits) {
+    qncomm::Fd device(::open(path.c_str(), O_RDWR | O_NOCTTY | O_CLOEXEC));
+    EXPECT_TRUE(static_cast<bool>(device)) << path;
     termios settings{};
     EXPECT_EQ(::tcgetattr(device.Get(), &settings), 0);
     ::cfmakeraw(&settings);
@@ -104,8 +113,8 @@ Descriptor OpenDevice(const std::string& path, speed_t speed, bool twoStopBits) 
     return device;
 }
 
-Descriptor Connect(const std::string& address) {
-    Descriptor host(::socket(AF_INET, SOCK_STREAM | SOCK_CLOEXEC, 0));
+qncomm::Fd Connect(const std::string& address) {
+    qncomm::Fd host(::socket(AF_INET, SOCK_STREAM | SOCK_CLOEXEC, 0));
     sockaddr_in target{};
     target.sin_family = AF_INET;
     target.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
@@ -118,43 +127,46 @@ Descriptor Connect(const std::string& address) {
 }
 
 TEST(PtyEndpoint, AnswersHostsThatComeAndGo) {
-    OpenedEndpoint opened = PtyEndpoint::Open("");
+    qncomm::PollLoop loop;
+    OpenedEndpoint opened = PtyEndpoint::Open(loop, "");
     ASSERT_TRUE(opened.endpoint) << opened.error;
     const std::string path = opened.endpoint->Address();
-    const Served served("R7G", std::move(opened));
+    const Served served("R7G", loop, std::move(opened));
     for (int visit = 0; visit < 5; ++visit) {
-        const Descriptor host = OpenDevice(path, B9600, true);
+        const qncomm::Fd host = OpenDevice(path, B9600, true);
         EXPECT_EQ(Ask(host.Get(), "PRINT 7"), "PRINT 7\r\n7\r\nOk\r\n");
     }
 }
 
 TEST(PtyEndpoint, SeesRateAndStopBitsOfTheHost) {
-    OpenedEndpoint opened = PtyEndpoint::Open("");
+    qncomm::PollLoop loop;
+    OpenedEndpoint opened = PtyEndpoint::Open(loop, "");
     ASSERT_TRUE(opened.endpoint) << opened.error;
     const std::string path = opened.endpoint->Address();
-    const Served served("R7G?baud=57600&format=m,7,2", std::move(opened));
+    const Served served("R7G?baud=57600&format=m,7,2", loop, std::move(opened));
     {
-        const Descriptor wrongRate = OpenDevice(path, B19200, true);
+        const qncomm::Fd wrongRate = OpenDevice(path, B19200, true);
         EXPECT_EQ(::write(wrongRate.Get(), "\r", 1), 1);
         EXPECT_EQ(ReadUntil(wrongRate.Get(), "Ok\r\n", 100).find('\r'), std::string::npos);
     }
     {
-        const Descriptor wrongStop = OpenDevice(path, B57600, false);
+        const qncomm::Fd wrongStop = OpenDevice(path, B57600, false);
         EXPECT_EQ(::write(wrongStop.Get(), "\r", 1), 1);
         EXPECT_EQ(ReadUntil(wrongStop.Get(), "Ok\r\n", 100).find('\r'), std::string::npos);
     }
-    const Descriptor host = OpenDevice(path, B57600, true);
+    const qncomm::Fd host = OpenDevice(path, B57600, true);
     EXPECT_EQ(::write(host.Get(), "\r", 1), 1);
     ReadUntil(host.Get(), "Ok\r\n", 100);
     EXPECT_EQ(Ask(host.Get(), "PRINT 1"), "PRINT 1\r\n1\r\nOk\r\n");
 }
 
 TEST(PtyEndpoint, LastBytesOfAHostCameWithItsSettingsNotWithThoseItPutBack) {
-    const OpenedEndpoint opened = PtyEndpoint::Open("");
+    qncomm::PollLoop loop;
+    const OpenedEndpoint opened = PtyEndpoint::Open(loop, "");
     ASSERT_TRUE(opened.endpoint) << opened.error;
     Endpoint& endpoint = *opened.endpoint;
     {
-        const Descriptor host = OpenDevice(endpoint.Address(), B9600, true);
+        const qncomm::Fd host = OpenDevice(endpoint.Address(), B9600, true);
         endpoint.Refresh();
         EXPECT_EQ(endpoint.HostFormat().baud, 9600);
         EXPECT_EQ(::write(host.Get(), "OO", 2), 2);
@@ -169,9 +181,10 @@ TEST(PtyEndpoint, LastBytesOfAHostCameWithItsSettingsNotWithThoseItPutBack) {
 }
 
 TEST(PtyEndpoint, SettingsThatChangeUnderAnOpenDeviceCountForWhatComesNext) {
-    const OpenedEndpoint opened = PtyEndpoint::Open("");
+    qncomm::PollLoop loop;
+    const OpenedEndpoint opened = PtyEndpoint::Open(loop, "");
     ASSERT_TRUE(opened.endpoint) << opened.error;
-    const Descriptor host = OpenDevice(opened.endpoint->Address(), B9600, true);
+    const qncomm::Fd host = OpenDevice(opened.endpoint->Address(), B9600, true);
     opened.endpoint->Refresh();
     SetRate(host.Get(), B38400);
     opened.endpoint->Refresh();
@@ -181,12 +194,13 @@ TEST(PtyEndpoint, SettingsThatChangeUnderAnOpenDeviceCountForWhatComesNext) {
 TEST(PtyEndpoint, LinkIsMadeReplacedAndRemoved) {
     const std::string link = testing::TempDir() + "qnsim-link-" + std::to_string(::getpid());
     std::filesystem::create_symlink("/nowhere", link);
-    OpenedEndpoint opened = PtyEndpoint::Open(link);
+    qncomm::PollLoop loop;
+    OpenedEndpoint opened = PtyEndpoint::Open(loop, link);
     ASSERT_TRUE(opened.endpoint) << opened.error;
     EXPECT_EQ(opened.endpoint->Address(), link);
     {
-        Served served("R7G", std::move(opened));
-        const Descriptor host = OpenDevice(link, B9600, true);
+        Served served("R7G", loop, std::move(opened));
+        const qncomm::Fd host = OpenDevice(link, B9600, true);
         EXPECT_EQ(Ask(host.Get(), "PRINT 1"), "PRINT 1\r\n1\r\nOk\r\n");
     }
     EXPECT_FALSE(std::filesystem::is_symlink(link));
@@ -194,18 +208,20 @@ TEST(PtyEndpoint, LinkIsMadeReplacedAndRemoved) {
 
 TEST(PtyEndpoint, FileInTheLinksPlaceIsLeftAlone) {
     const std::string path = testing::TempDir();
-    const OpenedEndpoint opened = PtyEndpoint::Open(path);
+    qncomm::PollLoop loop;
+    const OpenedEndpoint opened = PtyEndpoint::Open(loop, path);
     EXPECT_FALSE(opened.endpoint);
     EXPECT_EQ(opened.systemError, EEXIST);
     EXPECT_NE(opened.error.find(path), std::string::npos);
 }
 
 TEST(PtyEndpoint, HostSeesTheLineGoWhenItIsCut) {
-    OpenedEndpoint opened = PtyEndpoint::Open("");
+    qncomm::PollLoop loop;
+    OpenedEndpoint opened = PtyEndpoint::Open(loop, "");
     ASSERT_TRUE(opened.endpoint) << opened.error;
     const std::string path = opened.endpoint->Address();
-    Served served("R7G?cut=5", std::move(opened));
-    const Descriptor host = OpenDevice(path, B9600, true);
+    Served served("R7G?cut=5", loop, std::move(opened));
+    const qncomm::Fd host = OpenDevice(path, B9600, true);
     EXPECT_EQ(::write(host.Get(), "PRINT 1\r\n", 9), 9);
     EXPECT_TRUE(served.WaitForCut());
     pollfd wait{host.Get(), POLLIN, 0};
@@ -214,22 +230,24 @@ TEST(PtyEndpoint, HostSeesTheLineGoWhenItIsCut) {
 }
 
 TEST(TcpEndpoint, AnswersHostsOneAfterTheOther) {
-    OpenedEndpoint opened = TcpEndpoint::Open(0);
+    qncomm::PollLoop loop;
+    OpenedEndpoint opened = TcpEndpoint::Open(loop, 0);
     ASSERT_TRUE(opened.endpoint) << opened.error;
     const std::string address = opened.endpoint->Address();
-    const Served served("R7A", std::move(opened));
+    const Served served("R7A", loop, std::move(opened));
     for (int visit = 0; visit < 5; ++visit) {
-        const Descriptor host = Connect(address);
+        const qncomm::Fd host = Connect(address);
         EXPECT_EQ(Ask(host.Get(), "PRINT VERSION$(1)"), "PRINT VERSION$(1)\r\nR7A\r\nOk\r\n");
     }
 }
 
 TEST(TcpEndpoint, PortThatIsTakenIsNamed) {
-    const OpenedEndpoint first = TcpEndpoint::Open(0);
+    qncomm::PollLoop loop;
+    const OpenedEndpoint first = TcpEndpoint::Open(loop, 0);
     ASSERT_TRUE(first.endpoint) << first.error;
     const std::string address = first.endpoint->Address();
     const OpenedEndpoint second =
-        TcpEndpoint::Open(std::stoi(address.substr(address.rfind(':') + 1)));
+        TcpEndpoint::Open(loop, std::stoi(address.substr(address.rfind(':') + 1)));
     EXPECT_FALSE(second.endpoint);
     EXPECT_EQ(second.systemError, EADDRINUSE);
 }
@@ -238,8 +256,8 @@ TEST(QnsimProgram, EndsCleanlyOnASignalAndRemovesItsLink) {
     const std::string link = testing::TempDir() + "qnsim-program-" + std::to_string(::getpid());
     int ends[2];
     ASSERT_EQ(::pipe2(ends, O_CLOEXEC), 0);
-    const Descriptor output(ends[0]);
-    Descriptor input(ends[1]);
+    const qncomm::Fd output(ends[0]);
+    qncomm::Fd input(ends[1]);
     posix_spawn_file_actions_t actions;
     posix_spawn_file_actions_init(&actions);
     posix_spawn_file_actions_adddup2(&actions, input.Get(), STDOUT_FILENO);
@@ -253,10 +271,10 @@ TEST(QnsimProgram, EndsCleanlyOnASignalAndRemovesItsLink) {
     ASSERT_EQ(::posix_spawn(&child, QNSIM_PROGRAM, &actions, nullptr, arguments.data(), environ),
               0);
     posix_spawn_file_actions_destroy(&actions);
-    input.Close();
+    input.Reset();
     EXPECT_EQ(ReadUntil(output.Get(), "\n"), link + "\n");
     {
-        const Descriptor host = OpenDevice(link, B9600, true);
+        const qncomm::Fd host = OpenDevice(link, B9600, true);
         EXPECT_EQ(Ask(host.Get(), "PRINT VERSION$(1)"), "PRINT VERSION$(1)\r\nR7H\r\nOk\r\n");
     }
     EXPECT_EQ(::kill(child, SIGTERM), 0);

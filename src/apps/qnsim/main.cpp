@@ -1,15 +1,16 @@
 // qnsim: a virtual label printer on a pseudo-terminal, a socket or a remote serial port.
-#include "PrinterServer.h"
-#include "PtyEndpoint.h"
-#include "ReplayServer.h"
-#include "Rfc2217Endpoint.h"
-#include "TcpEndpoint.h"
+#include "endpoints/PrinterServer.h"
+#include "endpoints/PtyEndpoint.h"
+#include "endpoints/ReplayServer.h"
+#include "endpoints/Rfc2217Endpoint.h"
+#include "endpoints/TcpEndpoint.h"
+#include "platform/Interrupt.h"
+#include "platform/PollLoop.h"
 
 #include <CLI/CLI.hpp>
 
 #include <csignal>
 #include <iostream>
-#include <sys/signalfd.h>
 #include <utility>
 
 namespace qnsim {
@@ -114,23 +115,19 @@ ParseResult ReadOptions(const Arguments& arguments) {
     return {std::move(options), {}};
 }
 
-/// The signals that end the program, as something to wait for.
-int StopSignals() {
-    sigset_t signals;
-    sigemptyset(&signals);
-    sigaddset(&signals, SIGINT);
-    sigaddset(&signals, SIGTERM);
-    sigaddset(&signals, SIGHUP);
-    sigprocmask(SIG_BLOCK, &signals, nullptr);
-    std::signal(SIGPIPE, SIG_IGN);
-    return ::signalfd(-1, &signals, SFD_CLOEXEC);
+OpenedEndpoint OpenEndpoint(qncomm::Reactor& loop, const Arguments& arguments) {
+    const Reach reach = arguments.everywhere ? Reach::Everywhere : Reach::ThisMachine;
+    if (arguments.rfc2217Port) return Rfc2217Endpoint::Open(loop, *arguments.rfc2217Port, reach);
+    if (arguments.tcpPort) return TcpEndpoint::Open(loop, *arguments.tcpPort, reach);
+    return PtyEndpoint::Open(loop, arguments.link);
 }
 
-OpenedEndpoint OpenEndpoint(const Arguments& arguments) {
-    const Reach reach = arguments.everywhere ? Reach::Everywhere : Reach::ThisMachine;
-    if (arguments.rfc2217Port) return Rfc2217Endpoint::Open(*arguments.rfc2217Port, reach);
-    if (arguments.tcpPort) return TcpEndpoint::Open(*arguments.tcpPort, reach);
-    return PtyEndpoint::Open(arguments.link);
+/// Has a signal end the server while the returned object lives.
+template <class Server>
+std::unique_ptr<qncomm::FdWatch> StopOn(qncomm::Interrupt& interrupt, qncomm::Reactor& loop,
+                                        Server& server) {
+    return loop.Watch(interrupt.Handle(), {.readable = true},
+                      [&server](qncomm::FdEvents) { server.Stop(); });
 }
 
 int Replay(const Arguments& arguments) {
@@ -139,23 +136,27 @@ int Replay(const Arguments& arguments) {
         std::cerr << "qnsim: " << arguments.replay << ": " << reading.result.text << '\n';
         return ExitUsage;
     }
-    const Descriptor stop(StopSignals());
-    const OpenedEndpoint opened = OpenEndpoint(arguments);
+    qncomm::Interrupt interrupt;
+    qncomm::PollLoop loop;
+    const OpenedEndpoint opened = OpenEndpoint(loop, arguments);
     if (!opened.endpoint) {
         std::cerr << "qnsim: " << opened.error << '\n';
         return ExitNoEndpoint;
     }
     std::cout << opened.endpoint->Address() << std::endl;
     TracePlayer player(std::move(reading.records), arguments.replayDelays);
-    const std::string ended = ReplayServer(player, *opened.endpoint, stop.Get()).Run();
+    ReplayServer server(player, *opened.endpoint, loop);
+    const auto stop = StopOn(interrupt, loop, server);
+    const std::string ended = server.Run();
     if (ended.empty()) return 0;
     std::cerr << "qnsim: " << arguments.replay << ": " << ended << '\n';
     return ExitOtherwise;
 }
 
 int Serve(const Options& options, const Arguments& arguments) {
-    const Descriptor stop(StopSignals());
-    const OpenedEndpoint opened = OpenEndpoint(arguments);
+    qncomm::Interrupt interrupt;
+    qncomm::PollLoop loop;
+    const OpenedEndpoint opened = OpenEndpoint(loop, arguments);
     if (!opened.endpoint) {
         std::cerr << "qnsim: " << opened.error << '\n';
         return ExitNoEndpoint;
@@ -166,7 +167,9 @@ int Serve(const Options& options, const Arguments& arguments) {
         return ExitNoEndpoint;
     }
     std::cout << opened.endpoint->Address() << std::endl;
-    const bool stopped = PrinterServer(printer, *opened.endpoint, stop.Get()).Run();
+    PrinterServer server(printer, *opened.endpoint, loop);
+    const auto stop = StopOn(interrupt, loop, server);
+    const bool stopped = server.Run();
     if (!stopped) std::cerr << "qnsim: the line was cut\n";
     return 0;
 }
@@ -193,6 +196,7 @@ int Run(int argc, char** argv) {
 } // namespace qnsim
 
 int main(int argc, char** argv) {
+    std::signal(SIGPIPE, SIG_IGN); // a host that leaves shows in the write that fails
     try {
         return qnsim::Run(argc, argv);
     } catch (const std::exception& error) {

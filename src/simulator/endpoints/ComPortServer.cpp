@@ -1,4 +1,4 @@
-#include "ComPortServer.h"
+#include "endpoints/ComPortServer.h"
 
 #include <algorithm>
 #include <array>

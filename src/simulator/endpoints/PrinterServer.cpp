@@ -1,6 +1,4 @@
-#include "PrinterServer.h"
-
-#include "Clock.h"
+#include "endpoints/PrinterServer.h"
 
 #include <algorithm>
 
@@ -15,11 +13,12 @@ constexpr std::size_t WireLimit = 128; // of a paced line
 
 bool PrinterServer::Run() {
     for (;;) {
-        mNow = MonotonicNow();
+        mNow = mSleeper.Now();
         FollowHost();
         Exchange();
         if (mPrinter.LineCut() && mOutput.empty()) return false;
-        if (Wait()) return true;
+        Sleep();
+        if (mStopped) return true;
     }
 }
 
@@ -83,14 +82,12 @@ void PrinterServer::Exchange() {
     mOutput.erase(0, mEndpoint.Write(mOutput));
 }
 
-bool PrinterServer::Wait() {
-    std::vector<pollfd> waits{{mStop, POLLIN, 0}};
-    mEndpoint.AddWaits(waits, Room() > 0, !mOutput.empty());
+void PrinterServer::Sleep() {
+    mEndpoint.Want(Room() > 0, !mOutput.empty());
     const auto due = mPrinter.NextDue();
     // While the host does not take what is there, more of it is no reason to wake up.
     const bool blocked = !mOutput.empty() && due && *due <= mNow;
-    WaitUntil(waits, blocked ? std::nullopt : due);
-    return waits.front().revents != 0;
+    mSleeper.SleepUntil(blocked ? std::nullopt : due);
 }
 
 } // namespace qnsim

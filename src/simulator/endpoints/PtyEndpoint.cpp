@@ -1,4 +1,6 @@
-#include "PtyEndpoint.h"
+#include "endpoints/PtyEndpoint.h"
+
+#include "EndpointCalls.h"
 
 #include <algorithm>
 #include <array>
@@ -7,6 +9,7 @@
 #include <cstdlib>
 #include <fcntl.h>
 #include <filesystem>
+#include <poll.h>
 #include <sys/inotify.h>
 #include <sys/stat.h>
 #include <termios.h>
@@ -37,9 +40,9 @@ bool IsLink(const std::string& path) {
 
 /// Sets the device up as a plain byte pipe, so that a host that sets nothing gets no second echo.
 bool MakeRaw(const std::string& device) {
-    const Descriptor slave(::open(device.c_str(), O_RDWR | O_NOCTTY | O_CLOEXEC));
+    const qncomm::Fd slave(::open(device.c_str(), O_RDWR | O_NOCTTY | O_CLOEXEC));
     termios settings{};
-    if (!slave.IsOpen() || ::tcgetattr(slave.Get(), &settings) != 0) return false;
+    if (!slave || ::tcgetattr(slave.Get(), &settings) != 0) return false;
     ::cfmakeraw(&settings);
     settings.c_cflag |= CREAD | CLOCAL;
     return ::tcsetattr(slave.Get(), TCSANOW, &settings) == 0;
@@ -47,29 +50,34 @@ bool MakeRaw(const std::string& device) {
 
 } // namespace
 
-OpenedEndpoint PtyEndpoint::Open(const std::string& link) {
-    Descriptor master(::posix_openpt(O_RDWR | O_NOCTTY | O_NONBLOCK | O_CLOEXEC));
-    if (!master.IsOpen() || ::grantpt(master.Get()) != 0 || ::unlockpt(master.Get()) != 0)
+OpenedEndpoint PtyEndpoint::Open(qncomm::Reactor& loop, const std::string& link) {
+    qncomm::Fd master(::posix_openpt(O_RDWR | O_NOCTTY | O_NONBLOCK | O_CLOEXEC));
+    if (!master || ::grantpt(master.Get()) != 0 || ::unlockpt(master.Get()) != 0)
         return SystemFailure("cannot open a pseudo-terminal");
     std::array<char, 128> name{};
     if (::ptsname_r(master.Get(), name.data(), name.size()) != 0)
         return SystemFailure("cannot name the pseudo-terminal");
     const std::string device = name.data();
-    Descriptor openings(::inotify_init1(IN_NONBLOCK | IN_CLOEXEC));
-    if (!openings.IsOpen()) return SystemFailure("cannot watch " + device);
+    qncomm::Fd openings(::inotify_init1(IN_NONBLOCK | IN_CLOEXEC));
+    if (!openings) return SystemFailure("cannot watch " + device);
     if (!MakeRaw(device)) return SystemFailure("cannot set up " + device);
     if (::inotify_add_watch(openings.Get(), device.c_str(), IN_OPEN) < 0)
         return SystemFailure("cannot watch " + device);
     std::unique_ptr<PtyEndpoint> endpoint(
-        new PtyEndpoint(std::move(master), std::move(openings), device));
+        new PtyEndpoint(loop, std::move(master), std::move(openings), device));
     if (!link.empty() && !endpoint->MakeLink(link))
         return SystemFailure("cannot make the link " + link);
     endpoint->Refresh();
     return {std::move(endpoint), 0, {}};
 }
 
-PtyEndpoint::PtyEndpoint(Descriptor master, Descriptor openings, std::string device)
-    : mMaster(std::move(master)), mOpenings(std::move(openings)), mDevice(std::move(device)) {}
+PtyEndpoint::PtyEndpoint(qncomm::Reactor& loop, qncomm::Fd master, qncomm::Fd openings,
+                         std::string device)
+    : mMaster(std::move(master)),
+      mOpenings(std::move(openings)),
+      mArrivals(WakeFor(loop, mOpenings.Get(), {.readable = true})),
+      mTraffic(WakeFor(loop, mMaster.Get(), {})),
+      mDevice(std::move(device)) {}
 
 PtyEndpoint::~PtyEndpoint() {
     std::error_code error;
@@ -92,12 +100,9 @@ bool PtyEndpoint::MakeLink(const std::string& link) {
     return true;
 }
 
-void PtyEndpoint::AddWaits(std::vector<pollfd>& waits, bool wantInput, bool wantOutput) {
-    // With no host the device reports its hang-up all the time: then only an opening is waited for.
-    waits.push_back({mOpenings.Get(), POLLIN, 0});
-    if (!mConnected) return;
-    const int events = (wantInput ? POLLIN : 0) | (wantOutput ? POLLOUT : 0);
-    waits.push_back({mMaster.Get(), static_cast<short>(events), 0});
+void PtyEndpoint::Want(bool input, bool output) {
+    // With no host the device reports its hang-up all the time: then only an opening wakes up.
+    mTraffic->Want({.readable = mConnected && input, .writable = mConnected && output});
 }
 
 void PtyEndpoint::Refresh() {

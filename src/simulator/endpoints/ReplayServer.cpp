@@ -1,6 +1,4 @@
-#include "ReplayServer.h"
-
-#include "Clock.h"
+#include "endpoints/ReplayServer.h"
 
 #include <algorithm>
 
@@ -14,7 +12,7 @@ constexpr std::size_t ReadSize = 64UL * 1024;
 std::string ReplayServer::Run() {
     bool wasThere = false;
     for (;;) {
-        mNow = MonotonicNow();
+        mNow = mSleeper.Now();
         mEndpoint.Refresh();
         Exchange();
         if (!mPlayer.Mismatch().empty()) return mPlayer.Mismatch();
@@ -23,7 +21,8 @@ std::string ReplayServer::Run() {
         const bool played = mPlayer.Finished() && mOutput.empty();
         if (played && wasThere && !there) return {};
         wasThere = wasThere || there;
-        if (Wait()) return played ? std::string() : mPlayer.Missing();
+        Sleep();
+        if (mStopped) return played ? std::string() : mPlayer.Missing();
     }
 }
 
@@ -35,13 +34,11 @@ void ReplayServer::Exchange() {
     if (!mOutput.empty() && mEndpoint.Connected()) mOutput.erase(0, mEndpoint.Write(mOutput));
 }
 
-bool ReplayServer::Wait() {
-    std::vector<pollfd> waits{{mStop, POLLIN, 0}};
-    mEndpoint.AddWaits(waits, true, !mOutput.empty());
+void ReplayServer::Sleep() {
+    mEndpoint.Want(true, !mOutput.empty());
     std::optional<Micros> due;
     if (mEndpoint.Connected()) due = mPlayer.NextDue();
-    WaitUntil(waits, due);
-    return waits.front().revents != 0;
+    mSleeper.SleepUntil(due);
 }
 
 } // namespace qnsim

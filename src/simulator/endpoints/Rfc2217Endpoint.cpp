@@ -1,4 +1,6 @@
-#include "Rfc2217Endpoint.h"
+#include "endpoints/Rfc2217Endpoint.h"
+
+#include "EndpointCalls.h"
 
 namespace qnsim {
 namespace {
@@ -9,8 +11,8 @@ constexpr std::size_t MostTaken = 16UL * 1024;
 
 } // namespace
 
-OpenedEndpoint Rfc2217Endpoint::Open(int port, Reach reach) {
-    auto endpoint = std::make_unique<Rfc2217Endpoint>();
+OpenedEndpoint Rfc2217Endpoint::Open(qncomm::Reactor& loop, int port, Reach reach) {
+    std::unique_ptr<Rfc2217Endpoint> endpoint(new Rfc2217Endpoint(loop));
     const std::string failed = endpoint->mSocket.Listen(port, reach);
     if (!failed.empty()) return SystemFailure(failed);
     return {std::move(endpoint), 0, {}};
@@ -20,10 +22,10 @@ std::string Rfc2217Endpoint::Address() const {
     return "rfc2217://127.0.0.1:" + std::to_string(mSocket.Port());
 }
 
-void Rfc2217Endpoint::AddWaits(std::vector<pollfd>& waits, bool wantInput, bool wantOutput) {
+void Rfc2217Endpoint::Want(bool input, bool output) {
     const bool unsent = !mPort.Output().empty();
-    mSocket.AddWaits(waits, wantInput && mPort.Output().size() < MostUnsent,
-                     unsent || (wantOutput && !mPort.Suspended()));
+    mSocket.Want(input && mPort.Output().size() < MostUnsent,
+                 unsent || (output && !mPort.Suspended()));
 }
 
 void Rfc2217Endpoint::Refresh() {

@@ -1,4 +1,6 @@
-#include "SocketHost.h"
+#include "endpoints/SocketHost.h"
+
+#include "EndpointCalls.h"
 
 #include <netinet/in.h>
 #include <netinet/tcp.h>
@@ -20,8 +22,8 @@ void SetOption(int descriptor, int level, int option) {
 } // namespace
 
 std::string SocketHost::Listen(int port, Reach reach) {
-    Descriptor listener(::socket(AF_INET, SOCK_STREAM | SOCK_NONBLOCK | SOCK_CLOEXEC, 0));
-    if (!listener.IsOpen()) return "cannot open a socket";
+    qncomm::Fd listener(::socket(AF_INET, SOCK_STREAM | SOCK_NONBLOCK | SOCK_CLOEXEC, 0));
+    if (!listener) return "cannot open a socket";
     SetOption(listener.Get(), SOL_SOCKET, SO_REUSEADDR);
     sockaddr_in address{};
     address.sin_family = AF_INET;
@@ -33,37 +35,42 @@ std::string SocketHost::Listen(int port, Reach reach) {
         return "cannot listen on port " + std::to_string(port);
     }
     mListener = std::move(listener);
+    mArrivals = WakeFor(mLoop, mListener.Get(), {.readable = true});
     mPort = ntohs(address.sin_port);
     return {};
 }
 
 bool SocketHost::Accept() {
-    if (mHost.IsOpen()) return false;
-    mHost = Descriptor(::accept4(mListener.Get(), nullptr, nullptr, SOCK_NONBLOCK | SOCK_CLOEXEC));
-    if (mHost.IsOpen()) SetOption(mHost.Get(), IPPROTO_TCP, TCP_NODELAY);
-    return mHost.IsOpen();
+    if (mHost) return false;
+    mHost.Reset(::accept4(mListener.Get(), nullptr, nullptr, SOCK_NONBLOCK | SOCK_CLOEXEC));
+    if (!mHost) return false;
+    SetOption(mHost.Get(), IPPROTO_TCP, TCP_NODELAY);
+    mTraffic = WakeFor(mLoop, mHost.Get(), {.readable = true});
+    return true;
 }
 
-void SocketHost::AddWaits(std::vector<pollfd>& waits, bool wantInput, bool wantOutput) const {
-    if (!mHost.IsOpen()) {
-        waits.push_back({mListener.Get(), POLLIN, 0});
-        return;
-    }
-    const int events = (wantInput ? POLLIN : 0) | (wantOutput ? POLLOUT : 0);
-    waits.push_back({mHost.Get(), static_cast<short>(events), 0});
+void SocketHost::HangUp() {
+    mTraffic.reset();
+    mHost.Reset();
+}
+
+void SocketHost::Want(bool input, bool output) {
+    // The next host waits in the listener's queue; until then that is no reason to wake up.
+    mArrivals->Want({.readable = !mHost});
+    if (mTraffic) mTraffic->Want({.readable = input, .writable = output});
 }
 
 std::string SocketHost::Read(std::size_t max) {
     bool closed = false;
     std::string bytes = ReadSome(mHost.Get(), max, closed);
-    if (closed) mHost.Close();
+    if (closed) HangUp();
     return bytes;
 }
 
 std::size_t SocketHost::Write(std::string_view bytes) {
     bool closed = false;
     const std::size_t count = WriteSome(mHost.Get(), bytes, closed);
-    if (closed) mHost.Close();
+    if (closed) HangUp();
     return count;
 }
 

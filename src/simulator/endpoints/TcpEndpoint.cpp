@@ -1,9 +1,11 @@
-#include "TcpEndpoint.h"
+#include "endpoints/TcpEndpoint.h"
+
+#include "EndpointCalls.h"
 
 namespace qnsim {
 
-OpenedEndpoint TcpEndpoint::Open(int port, Reach reach) {
-    auto endpoint = std::make_unique<TcpEndpoint>();
+OpenedEndpoint TcpEndpoint::Open(qncomm::Reactor& loop, int port, Reach reach) {
+    std::unique_ptr<TcpEndpoint> endpoint(new TcpEndpoint(loop));
     const std::string failed = endpoint->mSocket.Listen(port, reach);
     if (!failed.empty()) return SystemFailure(failed);
     return {std::move(endpoint), 0, {}};
@@ -11,10 +13,6 @@ OpenedEndpoint TcpEndpoint::Open(int port, Reach reach) {
 
 std::string TcpEndpoint::Address() const {
     return "tcp://127.0.0.1:" + std::to_string(mSocket.Port());
-}
-
-void TcpEndpoint::AddWaits(std::vector<pollfd>& waits, bool wantInput, bool wantOutput) {
-    mSocket.AddWaits(waits, wantInput, wantOutput);
 }
 
 std::vector<HostAction> TcpEndpoint::Receive(std::size_t max) {

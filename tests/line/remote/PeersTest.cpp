@@ -1,5 +1,5 @@
 // Other people's programs at the other end of a remote serial port.
-#include "Rfc2217Endpoint.h"
+#include "endpoints/Rfc2217Endpoint.h"
 #include "platform/PollLoop.h"
 #include "testing/core/ScratchFolder.h"
 #include "testing/line/ServedPrinter.h"
@@ -81,7 +81,8 @@ class Peers : public ::testing::Test {
   protected:
     /// A port that was free a moment ago.
     static std::string FreePort() {
-        const auto opened = qnsim::Rfc2217Endpoint::Open(0);
+        PollLoop loop;
+        const auto opened = qnsim::Rfc2217Endpoint::Open(loop, 0);
         const std::string address = opened.endpoint->Address();
         return address.substr(address.rfind(':') + 1);
     }

@@ -7,6 +7,11 @@
 #include <utility>
 
 namespace qncomm::testing {
+namespace {
+
+constexpr int PatienceMs = 60'000; // then the server looks again without cause
+
+} // namespace
 
 RemoteServer::RemoteServer(Bend bend)
     : mBend(std::move(bend)), mWake(::eventfd(0, EFD_CLOEXEC | EFD_NONBLOCK)) {
@@ -53,12 +58,13 @@ void RemoteServer::HangUp() {
 }
 
 void RemoteServer::Run() {
-    while (!mStop) {
-        std::vector<pollfd> waits{{mWake.Get(), POLLIN, 0}};
-        mSocket.AddWaits(waits, !mDeaf, !mUnsent.empty());
-        ::poll(waits.data(), waits.size(), -1);
+    const auto woken = mLoop.Watch(mWake.Get(), {.readable = true}, [this](FdEvents) {
         eventfd_t count = 0;
         ::eventfd_read(mWake.Get(), &count);
+    });
+    while (!mStop) {
+        mSocket.Want(!mDeaf, !mUnsent.empty());
+        mLoop.Yield(PatienceMs);
         Turn();
     }
 }

@@ -1,7 +1,9 @@
 #pragma once
 
-#include "ComPortServer.h"
-#include "SocketHost.h"
+#include "endpoints/ComPortServer.h"
+#include "endpoints/SocketHost.h"
+#include "platform/Fd.h"
+#include "platform/PollLoop.h"
 
 #include <atomic>
 #include <cstdint>
@@ -49,8 +51,9 @@ class RemoteServer {
     void Wake() const;
 
     Bend mBend;
-    qnsim::SocketHost mSocket;
-    qnsim::Descriptor mWake;
+    Fd mWake;
+    PollLoop mLoop;
+    qnsim::SocketHost mSocket{mLoop};
     qnsim::ComPortServer mPort;
     std::string mUnsent;
     std::atomic<int> mConnections = 0;

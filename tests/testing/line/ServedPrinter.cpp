@@ -1,11 +1,14 @@
 #include "testing/line/ServedPrinter.h"
 
-#include "PrinterServer.h"
-#include "PtyEndpoint.h"
-#include "Rfc2217Endpoint.h"
-#include "TcpEndpoint.h"
+#include "endpoints/PrinterServer.h"
+#include "endpoints/PtyEndpoint.h"
+#include "endpoints/Rfc2217Endpoint.h"
+#include "endpoints/TcpEndpoint.h"
+#include "platform/Fd.h"
+#include "platform/PollLoop.h"
 #include "simulator/VirtualPrinter.h"
 
+#include <functional>
 #include <stdexcept>
 #include <sys/eventfd.h>
 #include <thread>
@@ -32,15 +35,20 @@ class InProcess : public ServedPrinter {
 /// Served by the loop of the printer's own program, on a thread.
 class OnEndpoint : public ServedPrinter {
   public:
-    OnEndpoint(const std::string& printer, qnsim::OpenedEndpoint opened, const std::string& scheme)
-        : mEndpoint(std::move(opened.endpoint)),
-          mStop(::eventfd(0, EFD_CLOEXEC)),
-          mPrinter(OptionsOf(printer)) {
+    using Open = std::function<qnsim::OpenedEndpoint(Reactor&)>;
+
+    OnEndpoint(const std::string& printer, const Open& open, const std::string& scheme)
+        : mStop(::eventfd(0, EFD_CLOEXEC)), mPrinter(OptionsOf(printer)) {
+        qnsim::OpenedEndpoint opened = open(mLoop);
+        mEndpoint = std::move(opened.endpoint);
         if (!mEndpoint) throw std::runtime_error(opened.error);
         const std::string address = mEndpoint->Address();
         mAddress = address.find("://") == std::string::npos ? scheme + address : address;
         mThread = std::thread([this] {
-            qnsim::PrinterServer(mPrinter, *mEndpoint, mStop.Get()).Run();
+            qnsim::PrinterServer server(mPrinter, *mEndpoint, mLoop);
+            const auto stop =
+                mLoop.Watch(mStop.Get(), {.readable = true}, [&](FdEvents) { server.Stop(); });
+            server.Run();
             mEndpoint.reset(); // a cut line is a far side that is gone
         });
     }
@@ -51,8 +59,9 @@ class OnEndpoint : public ServedPrinter {
     std::string Address() const override { return mAddress; }
 
   private:
+    Fd mStop;
+    PollLoop mLoop;
     std::unique_ptr<qnsim::Endpoint> mEndpoint;
-    qnsim::Descriptor mStop;
     qnsim::VirtualPrinter mPrinter;
     std::string mAddress;
     std::thread mThread;
@@ -65,15 +74,19 @@ std::unique_ptr<ServedPrinter> PrinterInProcess(const std::string& sPrinter) {
 }
 
 std::unique_ptr<ServedPrinter> PrinterOnPty(const std::string& sPrinter) {
-    return std::make_unique<OnEndpoint>(sPrinter, qnsim::PtyEndpoint::Open(""), "");
+    return std::make_unique<OnEndpoint>(
+        sPrinter, [](Reactor& loop) { return qnsim::PtyEndpoint::Open(loop, ""); }, "");
 }
 
 std::unique_ptr<ServedPrinter> PrinterOnTcp(const std::string& sPrinter) {
-    return std::make_unique<OnEndpoint>(sPrinter, qnsim::TcpEndpoint::Open(0), "tcp://");
+    return std::make_unique<OnEndpoint>(
+        sPrinter, [](Reactor& loop) { return qnsim::TcpEndpoint::Open(loop, 0); }, "tcp://");
 }
 
 std::unique_ptr<ServedPrinter> PrinterOnRfc2217(const std::string& sPrinter) {
-    return std::make_unique<OnEndpoint>(sPrinter, qnsim::Rfc2217Endpoint::Open(0), "rfc2217://");
+    return std::make_unique<OnEndpoint>(
+        sPrinter, [](Reactor& loop) { return qnsim::Rfc2217Endpoint::Open(loop, 0); },
+        "rfc2217://");
 }
 
 } // namespace qncomm::testing

@@ -1,6 +1,6 @@
 // The two sides of a remote serial port, written apart from each other, in one conversation.
 #include "ComPortClient.h"
-#include "ComPortServer.h"
+#include "endpoints/ComPortServer.h"
 
 #include <gtest/gtest.h>
 

@@ -1,5 +1,5 @@
 // The virtual printer's remote serial port, byte for byte.
-#include "ComPortServer.h"
+#include "endpoints/ComPortServer.h"
 #include "TelnetBytes.h"
 
 #include <gtest/gtest.h>

@@ -1,4 +1,4 @@
-#include "TracePlayer.h"
+#include "endpoints/TracePlayer.h"
 
 #include <gtest/gtest.h>
 

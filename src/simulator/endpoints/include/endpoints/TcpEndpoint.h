@@ -2,7 +2,7 @@
 
 // A socket that carries the line's bytes, as a device server would offer it.
 
-#include "SocketHost.h"
+#include "endpoints/SocketHost.h"
 
 namespace qnsim {
 
@@ -10,10 +10,10 @@ namespace qnsim {
 class TcpEndpoint : public Endpoint {
   public:
     /// port 0 takes any free one; Address names it.
-    static OpenedEndpoint Open(int port, Reach reach = Reach::ThisMachine);
+    static OpenedEndpoint Open(qncomm::Reactor& loop, int port, Reach reach = Reach::ThisMachine);
 
     std::string Address() const override;
-    void AddWaits(std::vector<pollfd>& waits, bool wantInput, bool wantOutput) override;
+    void Want(bool input, bool output) override { mSocket.Want(input, output); }
     void Refresh() override { mSocket.Accept(); }
     bool Connected() const override { return mSocket.Connected(); }
     LineFormat HostFormat() const override { return {}; }
@@ -21,6 +21,8 @@ class TcpEndpoint : public Endpoint {
     std::size_t Write(std::string_view bytes) override { return mSocket.Write(bytes); }
 
   private:
+    explicit TcpEndpoint(qncomm::Reactor& loop) : mSocket(loop) {}
+
     SocketHost mSocket;
 };
 

@@ -2,7 +2,8 @@
 
 // Brings a virtual printer and an endpoint together until it is told to stop.
 
-#include "Endpoint.h"
+#include "endpoints/Endpoint.h"
+#include "endpoints/Sleeper.h"
 #include "simulator/VirtualPrinter.h"
 
 #include <cstddef>
@@ -11,14 +12,15 @@ namespace qnsim {
 
 class PrinterServer {
   public:
-    /// stop: a descriptor that becomes readable when the server is to end. Both are used, not
-    /// owned.
-    PrinterServer(VirtualPrinter& printer, Endpoint& endpoint, int stop)
-        : mPrinter(printer), mEndpoint(endpoint), mStop(stop) {}
+    /// All are used, not owned; the loop is the one that the endpoint was opened with.
+    PrinterServer(VirtualPrinter& printer, Endpoint& endpoint, qncomm::Reactor& loop)
+        : mPrinter(printer), mEndpoint(endpoint), mSleeper(loop) {}
 
     /// Serves until stopped (true) or until the line is cut (false). Sleeps whenever nothing is
     /// due.
     bool Run();
+    /// Has Run end; for handlers of the loop.
+    void Stop() { mStopped = true; }
 
   private:
     void CarryOut(const HostAction& action);
@@ -26,11 +28,12 @@ class PrinterServer {
     void FollowHost();
     /// How many bytes of the host are welcome now.
     std::size_t Room() const;
-    bool Wait();
+    void Sleep();
 
     VirtualPrinter& mPrinter;
     Endpoint& mEndpoint;
-    int mStop;
+    Sleeper mSleeper;
+    bool mStopped = false;
     bool mHostThere = false;
     std::string mOutput; ///< taken from the printer, not yet written
     Micros mNow = 0;

@@ -2,8 +2,8 @@
 
 // A remote serial port as a device server offers it (RFC 2217).
 
-#include "ComPortServer.h"
-#include "SocketHost.h"
+#include "endpoints/ComPortServer.h"
+#include "endpoints/SocketHost.h"
 
 namespace qnsim {
 
@@ -13,10 +13,10 @@ namespace qnsim {
 class Rfc2217Endpoint : public Endpoint {
   public:
     /// port 0 takes any free one; Address names it.
-    static OpenedEndpoint Open(int port, Reach reach = Reach::ThisMachine);
+    static OpenedEndpoint Open(qncomm::Reactor& loop, int port, Reach reach = Reach::ThisMachine);
 
     std::string Address() const override;
-    void AddWaits(std::vector<pollfd>& waits, bool wantInput, bool wantOutput) override;
+    void Want(bool input, bool output) override;
     void Refresh() override;
     bool Connected() const override { return mSocket.Connected(); }
     LineFormat HostFormat() const override { return mPort.Format(); }
@@ -26,6 +26,8 @@ class Rfc2217Endpoint : public Endpoint {
     std::size_t Write(std::string_view bytes) override;
 
   private:
+    explicit Rfc2217Endpoint(qncomm::Reactor& loop) : mSocket(loop) {}
+
     void Flush();
 
     SocketHost mSocket;

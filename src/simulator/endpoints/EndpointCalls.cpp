@@ -1,4 +1,4 @@
-#include "Endpoint.h"
+#include "EndpointCalls.h"
 
 #include <cerrno>
 #include <cstring>
@@ -7,24 +7,6 @@
 #include <utility>
 
 namespace qnsim {
-
-Descriptor::~Descriptor() {
-    Close();
-}
-
-Descriptor& Descriptor::operator=(Descriptor&& other) noexcept {
-    if (this != &other) {
-        Close();
-        mValue = other.mValue;
-        other.mValue = -1;
-    }
-    return *this;
-}
-
-void Descriptor::Close() {
-    if (mValue >= 0) ::close(mValue);
-    mValue = -1;
-}
 
 OpenedEndpoint SystemFailure(std::string_view doing) {
     const int number = errno;
@@ -52,6 +34,11 @@ std::size_t WriteSome(int descriptor, std::string_view bytes, bool& closed) {
     if (count >= 0) return static_cast<std::size_t>(count);
     if (errno != EAGAIN && errno != EINTR) closed = true;
     return 0;
+}
+
+std::unique_ptr<qncomm::FdWatch> WakeFor(qncomm::Reactor& loop, int descriptor,
+                                         qncomm::FdEvents events) {
+    return loop.Watch(descriptor, events, [](qncomm::FdEvents) {});
 }
 
 } // namespace qnsim

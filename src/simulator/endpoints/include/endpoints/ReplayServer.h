@@ -2,30 +2,34 @@
 
 // Brings a recorded session and an endpoint together.
 
-#include "Endpoint.h"
-#include "TracePlayer.h"
+#include "endpoints/Endpoint.h"
+#include "endpoints/Sleeper.h"
+#include "endpoints/TracePlayer.h"
 
 namespace qnsim {
 
 class ReplayServer {
   public:
-    /// stop: a descriptor that becomes readable when the server is to end. All are used, not owned.
-    ReplayServer(TracePlayer& player, Endpoint& endpoint, int stop)
-        : mPlayer(player), mEndpoint(endpoint), mStop(stop) {}
+    /// All are used, not owned; the loop is the one that the endpoint was opened with.
+    ReplayServer(TracePlayer& player, Endpoint& endpoint, qncomm::Reactor& loop)
+        : mPlayer(player), mEndpoint(endpoint), mSleeper(loop) {}
 
     /// Serves until the session has been played and the host has left or the recorded line was lost
     /// (the endpoint's end is then the loss), the host did otherwise than
     /// recorded, or the server was stopped. Returns an empty text when the whole session was
     /// played, else where it ended and how.
     std::string Run();
+    /// Has Run end; for handlers of the loop.
+    void Stop() { mStopped = true; }
 
   private:
     void Exchange();
-    bool Wait();
+    void Sleep();
 
     TracePlayer& mPlayer;
     Endpoint& mEndpoint;
-    int mStop;
+    Sleeper mSleeper;
+    bool mStopped = false;
     std::string mOutput; ///< due, not yet written
     Micros mNow = 0;
 };

@@ -2,7 +2,10 @@
 
 // A pseudo-terminal that hosts open like a serial device.
 
-#include "Endpoint.h"
+#include "endpoints/Endpoint.h"
+#include "platform/Fd.h"
+
+#include <memory>
 
 namespace qnsim {
 
@@ -13,11 +16,11 @@ class PtyEndpoint : public Endpoint {
   public:
     /// link: a name to give the device as well, replaced when it is a symbolic link already; empty
     /// = none.
-    static OpenedEndpoint Open(const std::string& link);
+    static OpenedEndpoint Open(qncomm::Reactor& loop, const std::string& link);
     ~PtyEndpoint() override;
 
     std::string Address() const override { return mLink.empty() ? mDevice : mLink; }
-    void AddWaits(std::vector<pollfd>& waits, bool wantInput, bool wantOutput) override;
+    void Want(bool input, bool output) override;
     void Refresh() override;
     bool Connected() const override { return mConnected; }
     LineFormat HostFormat() const override { return mFormat; }
@@ -27,14 +30,16 @@ class PtyEndpoint : public Endpoint {
     const std::string& Device() const { return mDevice; }
 
   private:
-    PtyEndpoint(Descriptor master, Descriptor openings, std::string device);
+    PtyEndpoint(qncomm::Reactor& loop, qncomm::Fd master, qncomm::Fd openings, std::string device);
     bool MakeLink(const std::string& link);
     LineFormat CurrentFormat() const;
     /// Whether no host has the device open, or leaves it within the time.
     bool HungUp(int limitMs) const;
 
-    Descriptor mMaster;
-    Descriptor mOpenings; ///< tells when a host opens the device
+    qncomm::Fd mMaster;
+    qncomm::Fd mOpenings;                       ///< tells when a host opens the device
+    std::unique_ptr<qncomm::FdWatch> mArrivals; ///< end before the descriptors that they watch
+    std::unique_ptr<qncomm::FdWatch> mTraffic;
     std::string mDevice;
     std::string mLink;
     bool mConnected = false;

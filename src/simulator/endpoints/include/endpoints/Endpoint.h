@@ -2,11 +2,12 @@
 
 // Where a host reaches the printer from outside the process.
 
-#include "HostAction.h"
+#include "endpoints/HostAction.h"
+#include "platform/Reactor.h"
 #include "simulator/VirtualPrinter.h"
 
+#include <cstddef>
 #include <memory>
-#include <poll.h>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -14,7 +15,8 @@
 namespace qnsim {
 
 /// One place that hosts come to, one after the other. Failures are values: an endpoint that cannot
-/// be opened says so once, and a host that goes away is a state, not an error.
+/// be opened says so once, and a host that goes away is a state, not an error. It watches its
+/// descriptors on the loop that it was opened with and ends before that.
 class Endpoint {
   public:
     virtual ~Endpoint() = default;
@@ -22,11 +24,11 @@ class Endpoint {
     /// How a host names it: a device path or an address.
     virtual std::string Address() const = 0;
 
-    /// Adds what to wait for. wantInput: bytes from the host are welcome; wantOutput: bytes for it
-    /// are waiting.
-    virtual void AddWaits(std::vector<pollfd>& waits, bool wantInput, bool wantOutput) = 0;
+    /// What is to end the loop's next sleep besides a host that comes or goes. input: bytes from
+    /// the host are welcome; output: bytes for it are waiting.
+    virtual void Want(bool input, bool output) = 0;
 
-    /// Looks whether a host is there now; called after each wait.
+    /// Looks whether a host is there now; called after each sleep.
     virtual void Refresh() = 0;
     virtual bool Connected() const = 0;
 
@@ -52,33 +54,5 @@ struct OpenedEndpoint {
     int systemError = 0;
     std::string error;
 };
-
-/// A file descriptor that is closed with its owner.
-class Descriptor {
-  public:
-    explicit Descriptor(int value = -1) : mValue(value) {}
-    ~Descriptor();
-    Descriptor(Descriptor&& other) noexcept : mValue(other.mValue) { other.mValue = -1; }
-    Descriptor& operator=(Descriptor&& other) noexcept;
-    Descriptor(const Descriptor&) = delete;
-    Descriptor& operator=(const Descriptor&) = delete;
-
-    int Get() const { return mValue; }
-    bool IsOpen() const { return mValue >= 0; }
-    void Close();
-
-  private:
-    int mValue;
-};
-
-/// What the last system call's failure was while doing something.
-OpenedEndpoint SystemFailure(std::string_view doing);
-
-/// The action of a host that sends these bytes; none when there are none.
-std::vector<HostAction> Sending(std::string bytes);
-
-/// Reads and writes that never wait and never raise a signal.
-std::string ReadSome(int descriptor, std::size_t max, bool& closed);
-std::size_t WriteSome(int descriptor, std::string_view bytes, bool& closed);
 
 } // namespace qnsim

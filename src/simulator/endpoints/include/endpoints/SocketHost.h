@@ -2,11 +2,14 @@
 
 // A listening socket and the one host that is connected to it.
 
-#include "Endpoint.h"
+#include "endpoints/Endpoint.h"
+#include "platform/Fd.h"
+#include "platform/Reactor.h"
 
+#include <cstddef>
+#include <memory>
 #include <string>
 #include <string_view>
-#include <vector>
 
 namespace qnsim {
 
@@ -19,6 +22,9 @@ enum class Reach {
 /// Takes one host at a time; the next one waits until that has left.
 class SocketHost {
   public:
+    /// Watches its sockets on this loop, which is not owned and outlives it.
+    explicit SocketHost(qncomm::Reactor& loop) : mLoop(loop) {}
+
     /// An empty text, or why it cannot listen; errno is the system's number then. port 0 takes any
     /// free one.
     std::string Listen(int port, Reach reach);
@@ -26,17 +32,23 @@ class SocketHost {
 
     /// Takes in a host when none is there. True when one has just come.
     bool Accept();
-    bool Connected() const { return mHost.IsOpen(); }
+    bool Connected() const { return static_cast<bool>(mHost); }
     /// Ends the host's connection.
-    void HangUp() { mHost.Close(); }
+    void HangUp();
 
-    void AddWaits(std::vector<pollfd>& waits, bool wantInput, bool wantOutput) const;
+    /// As Endpoint::Want.
+    void Want(bool input, bool output);
+    /// At most max bytes that the host has sent, nothing when there are none or it left.
     std::string Read(std::size_t max);
+    /// Writes what fits now and returns how many bytes that was.
     std::size_t Write(std::string_view bytes);
 
   private:
-    Descriptor mListener;
-    Descriptor mHost;
+    qncomm::Reactor& mLoop;
+    qncomm::Fd mListener;
+    qncomm::Fd mHost;
+    std::unique_ptr<qncomm::FdWatch> mArrivals; ///< end before the sockets that they watch
+    std::unique_ptr<qncomm::FdWatch> mTraffic;
     int mPort = 0;
 };
 

@@ -2,7 +2,7 @@
 
 // The server's side of a remote serial port (RFC 2217).
 
-#include "HostAction.h"
+#include "endpoints/HostAction.h"
 #include "simulator/VirtualPrinter.h"
 
 #include <array>
