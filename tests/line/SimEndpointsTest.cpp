@@ -160,35 +160,118 @@ TEST(PtyEndpoint, SeesRateAndStopBitsOfTheHost) {
     EXPECT_EQ(Ask(host.Get(), "PRINT 1"), "PRINT 1\r\n1\r\nOk\r\n");
 }
 
-TEST(PtyEndpoint, LastBytesOfAHostCameWithItsSettingsNotWithThoseItPutBack) {
-    qncomm::PollLoop loop;
-    const OpenedEndpoint opened = PtyEndpoint::Open(loop, "");
-    ASSERT_TRUE(opened.endpoint) << opened.error;
-    Endpoint& endpoint = *opened.endpoint;
-    {
-        const qncomm::Fd host = OpenDevice(endpoint.Address(), B9600, true);
-        endpoint.Refresh();
-        EXPECT_EQ(endpoint.HostFormat().baud, 9600);
-        EXPECT_EQ(::write(host.Get(), "OO", 2), 2);
-        SetRate(host.Get(), B38400);
-    }
-    endpoint.Refresh();
-    EXPECT_TRUE(endpoint.Connected()) << "its bytes are still to be read";
-    EXPECT_EQ(endpoint.HostFormat().baud, 9600);
-    EXPECT_EQ(endpoint.Receive(100).front().text, "OO");
-    endpoint.Refresh();
-    EXPECT_FALSE(endpoint.Connected());
+/// What an endpoint makes of what hosts have done since the last look.
+struct Heard {
+    std::string text;
+    int baud = 0; ///< at which the text was sent
+    bool operator==(const Heard&) const = default;
+};
+
+void PrintTo(const Heard& heard, std::ostream* out) {
+    *out << '"' << heard.text << "\" at " << heard.baud;
 }
 
-TEST(PtyEndpoint, SettingsThatChangeUnderAnOpenDeviceCountForWhatComesNext) {
-    qncomm::PollLoop loop;
-    const OpenedEndpoint opened = PtyEndpoint::Open(loop, "");
-    ASSERT_TRUE(opened.endpoint) << opened.error;
-    const qncomm::Fd host = OpenDevice(opened.endpoint->Address(), B9600, true);
-    opened.endpoint->Refresh();
-    SetRate(host.Get(), B38400);
-    opened.endpoint->Refresh();
-    EXPECT_EQ(opened.endpoint->HostFormat().baud, 38400);
+/// One round of a server's work.
+Heard Hear(Endpoint& endpoint) {
+    Heard heard;
+    endpoint.Refresh();
+    if (endpoint.Connected())
+        for (const HostAction& action : endpoint.Receive(100))
+            heard.text += action.text;
+    heard.baud = endpoint.HostFormat().baud.value_or(0);
+    return heard;
+}
+
+void Send(const qncomm::Fd& host, std::string_view text) {
+    EXPECT_EQ(::write(host.Get(), text.data(), text.size()), static_cast<ssize_t>(text.size()));
+}
+
+/// A pseudo-terminal whose rounds a test makes by itself, so that several hosts' doings fall
+/// between two of them. Its settings stand at 38400 baud and one stop bit until a host
+/// sets others.
+class PtyRounds : public ::testing::Test {
+  protected:
+    void SetUp() override { ASSERT_TRUE(mOpened.endpoint) << mOpened.error; }
+    Endpoint& Pty() { return *mOpened.endpoint; }
+    qncomm::Fd Host(speed_t speed) { return OpenDevice(Pty().Address(), speed, false); }
+
+    qncomm::PollLoop mLoop;
+    OpenedEndpoint mOpened = PtyEndpoint::Open(mLoop, "");
+};
+
+TEST_F(PtyRounds, LastBytesOfAHostCameWithItsSettingsNotWithThoseItPutBack) {
+    {
+        const qncomm::Fd host = Host(B9600);
+        EXPECT_EQ(Hear(Pty()), (Heard{"", 9600}));
+        Send(host, "OO");
+        SetRate(host.Get(), B38400);
+    }
+    Pty().Refresh();
+    EXPECT_TRUE(Pty().Connected()) << "its bytes are still to be read";
+    EXPECT_EQ(Hear(Pty()), (Heard{"OO", 9600}));
+    Pty().Refresh();
+    EXPECT_FALSE(Pty().Connected());
+}
+
+TEST_F(PtyRounds, HostThatHasAlreadyLeftIsHeardWithTheSettingsItLeftBehind) {
+    Send(Host(B19200), "OO");
+    EXPECT_EQ(Hear(Pty()), (Heard{"OO", 19200}));
+    Send(Host(B9600), "again");
+    EXPECT_EQ(Hear(Pty()), (Heard{"again", 9600}));
+}
+
+TEST_F(PtyRounds, LastBytesOfAHostAreNotReadAsTheNextOnes) {
+    {
+        const qncomm::Fd host = Host(B9600);
+        EXPECT_EQ(Hear(Pty()), (Heard{"", 9600}));
+        Send(host, "OO");
+        SetRate(host.Get(), B38400);
+    }
+    const qncomm::Fd next = Host(B19200);
+    EXPECT_EQ(Hear(Pty()), (Heard{"OO", 9600}));
+    EXPECT_EQ(Hear(Pty()), (Heard{"", 19200}));
+    Send(next, "PRINT 1");
+    EXPECT_EQ(Hear(Pty()), (Heard{"PRINT 1", 19200}));
+}
+
+TEST_F(PtyRounds, FirstBytesOfAHostAreNotReadAsTheFormerOnes) {
+    {
+        const qncomm::Fd host = Host(B9600);
+        Send(host, "OO");
+        EXPECT_EQ(Hear(Pty()), (Heard{"OO", 9600}));
+        EXPECT_EQ(Hear(Pty()), (Heard{"", 9600}));
+        SetRate(host.Get(), B38400);
+    }
+    const qncomm::Fd next = Host(B19200);
+    Send(next, "PRINT 1");
+    EXPECT_EQ(Hear(Pty()), (Heard{"PRINT 1", 19200}));
+}
+
+TEST_F(PtyRounds, SettingsThatAHostPutsBackAreNotTheNextOnes) {
+    {
+        const qncomm::Fd host = Host(B9600);
+        EXPECT_EQ(Hear(Pty()), (Heard{"", 9600}));
+    }
+    EXPECT_EQ(Hear(Pty()), (Heard{"", 9600})); // left behind: they stand now
+    {
+        const qncomm::Fd host = Host(B19200);
+        EXPECT_EQ(Hear(Pty()), (Heard{"", 19200}));
+        Send(host, "OO");
+        SetRate(host.Get(), B9600);
+    }
+    EXPECT_EQ(Hear(Pty()), (Heard{"OO", 19200}));
+    Send(Host(B57600), "next");
+    EXPECT_EQ(Hear(Pty()), (Heard{"next", 57600}));
+}
+
+TEST_F(PtyRounds, SettingsThatChangeUnderAnOpenDeviceCountForWhatComesNext) {
+    const qncomm::Fd host = Host(B9600);
+    EXPECT_EQ(Hear(Pty()), (Heard{"", 9600}));
+    for (const auto& [speed, baud] : {std::pair{B19200, 19200}, std::pair{B38400, 38400}}) {
+        SetRate(host.Get(), speed);
+        Send(host, "U");
+        EXPECT_EQ(Hear(Pty()), (Heard{"U", baud}));
+    }
 }
 
 TEST(PtyEndpoint, LinkIsMadeReplacedAndRemoved) {
@@ -239,6 +322,20 @@ TEST(TcpEndpoint, AnswersHostsOneAfterTheOther) {
         const qncomm::Fd host = Connect(address);
         EXPECT_EQ(Ask(host.Get(), "PRINT VERSION$(1)"), "PRINT VERSION$(1)\r\nR7A\r\nOk\r\n");
     }
+}
+
+TEST(TcpEndpoint, HostThatHasLeftEndsAWriteNotTheProgram) {
+    qncomm::PollLoop loop;
+    const OpenedEndpoint opened = TcpEndpoint::Open(loop, 0);
+    ASSERT_TRUE(opened.endpoint) << opened.error;
+    {
+        const qncomm::Fd host = Connect(opened.endpoint->Address());
+        opened.endpoint->Refresh();
+        ASSERT_TRUE(opened.endpoint->Connected());
+    }
+    EXPECT_EQ(opened.endpoint->Write("a"), 1U); // the answer is that nobody is there
+    EXPECT_EQ(opened.endpoint->Write("b"), 0U);
+    EXPECT_FALSE(opened.endpoint->Connected());
 }
 
 TEST(TcpEndpoint, PortThatIsTakenIsNamed) {

@@ -9,7 +9,6 @@
 
 #include <CLI/CLI.hpp>
 
-#include <csignal>
 #include <iostream>
 #include <utility>
 
@@ -196,7 +195,6 @@ int Run(int argc, char** argv) {
 } // namespace qnsim
 
 int main(int argc, char** argv) {
-    std::signal(SIGPIPE, SIG_IGN); // a host that leaves shows in the write that fails
     try {
         return qnsim::Run(argc, argv);
     } catch (const std::exception& error) {

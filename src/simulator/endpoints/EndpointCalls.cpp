@@ -29,13 +29,6 @@ std::string ReadSome(int descriptor, std::size_t max, bool& closed) {
     return bytes;
 }
 
-std::size_t WriteSome(int descriptor, std::string_view bytes, bool& closed) {
-    const ssize_t count = ::write(descriptor, bytes.data(), bytes.size());
-    if (count >= 0) return static_cast<std::size_t>(count);
-    if (errno != EAGAIN && errno != EINTR) closed = true;
-    return 0;
-}
-
 std::unique_ptr<qncomm::FdWatch> WakeFor(qncomm::Reactor& loop, int descriptor,
                                          qncomm::FdEvents events) {
     return loop.Watch(descriptor, events, [](qncomm::FdEvents) {});

@@ -18,10 +18,9 @@ OpenedEndpoint SystemFailure(std::string_view doing);
 /// The action of a host that sends these bytes; none when there are none.
 std::vector<HostAction> Sending(std::string bytes);
 
-/// Reads and writes that never wait and never raise a signal. closed is set when the other side
-/// is gone, and left alone otherwise.
+/// Reads at most max bytes without waiting. closed is set when the other side is gone, and left
+/// alone otherwise.
 std::string ReadSome(int descriptor, std::size_t max, bool& closed);
-std::size_t WriteSome(int descriptor, std::string_view bytes, bool& closed);
 
 /// Watches a descriptor so that its events end the loop's sleep; whoever sleeps looks afterwards at
 /// what there is to do.

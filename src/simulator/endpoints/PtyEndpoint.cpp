@@ -7,6 +7,7 @@
 #include <cerrno>
 #include <climits>
 #include <cstdlib>
+#include <cstring>
 #include <fcntl.h>
 #include <filesystem>
 #include <poll.h>
@@ -20,7 +21,8 @@ namespace qnsim {
 namespace {
 
 /// How soon after a host has put the device's settings back it has closed it.
-constexpr int LeavingMs = 2;
+constexpr int LeavingMs = 10;
+constexpr std::size_t MostAtOnce = 4096;
 
 constexpr std::array<std::pair<speed_t, int>, 10> Speeds{{{B300, 300},
                                                           {B600, 600},
@@ -58,26 +60,28 @@ OpenedEndpoint PtyEndpoint::Open(qncomm::Reactor& loop, const std::string& link)
     if (::ptsname_r(master.Get(), name.data(), name.size()) != 0)
         return SystemFailure("cannot name the pseudo-terminal");
     const std::string device = name.data();
-    qncomm::Fd openings(::inotify_init1(IN_NONBLOCK | IN_CLOEXEC));
-    if (!openings) return SystemFailure("cannot watch " + device);
+    qncomm::Fd notices(::inotify_init1(IN_NONBLOCK | IN_CLOEXEC));
+    if (!notices) return SystemFailure("cannot watch " + device);
     if (!MakeRaw(device)) return SystemFailure("cannot set up " + device);
-    if (::inotify_add_watch(openings.Get(), device.c_str(), IN_OPEN) < 0)
+    if (::inotify_add_watch(notices.Get(), device.c_str(), IN_OPEN | IN_MODIFY | IN_CLOSE) < 0)
         return SystemFailure("cannot watch " + device);
     std::unique_ptr<PtyEndpoint> endpoint(
-        new PtyEndpoint(loop, std::move(master), std::move(openings), device));
+        new PtyEndpoint(loop, std::move(master), std::move(notices), device));
     if (!link.empty() && !endpoint->MakeLink(link))
         return SystemFailure("cannot make the link " + link);
     endpoint->Refresh();
     return {std::move(endpoint), 0, {}};
 }
 
-PtyEndpoint::PtyEndpoint(qncomm::Reactor& loop, qncomm::Fd master, qncomm::Fd openings,
+PtyEndpoint::PtyEndpoint(qncomm::Reactor& loop, qncomm::Fd master, qncomm::Fd notices,
                          std::string device)
     : mMaster(std::move(master)),
-      mOpenings(std::move(openings)),
-      mArrivals(WakeFor(loop, mOpenings.Get(), {.readable = true})),
+      mNotices(std::move(notices)),
+      mComings(WakeFor(loop, mNotices.Get(), {.readable = true})),
       mTraffic(WakeFor(loop, mMaster.Get(), {})),
-      mDevice(std::move(device)) {}
+      mDevice(std::move(device)),
+      mStanding(CurrentFormat()),
+      mFormat(mStanding) {}
 
 PtyEndpoint::~PtyEndpoint() {
     std::error_code error;
@@ -102,24 +106,53 @@ bool PtyEndpoint::MakeLink(const std::string& link) {
 
 void PtyEndpoint::Want(bool input, bool output) {
     // With no host the device reports its hang-up all the time: then only an opening wakes up.
-    mTraffic->Want({.readable = mConnected && input, .writable = mConnected && output});
+    mTraffic->Want({.readable = Connected() && input, .writable = Connected() && output});
+}
+
+void PtyEndpoint::HearOfHosts() {
+    alignas(inotify_event) std::array<char, 4096> notices{};
+    ssize_t size = 0;
+    while ((size = ::read(mNotices.Get(), notices.data(), notices.size())) > 0) {
+        inotify_event notice{};
+        for (ssize_t at = 0; at < size; at += static_cast<ssize_t>(sizeof notice + notice.len)) {
+            std::memcpy(&notice, notices.data() + at, sizeof notice);
+            if ((notice.mask & IN_OPEN) != 0) mCame = mCame || mLeft || !mHost;
+            if ((notice.mask & IN_MODIFY) != 0 && !mLeft) mWrote = true;
+            if ((notice.mask & IN_CLOSE) != 0) mLeft = true;
+        }
+    }
 }
 
 void PtyEndpoint::Refresh() {
-    alignas(inotify_event) std::array<char, 4096> events{};
-    bool opened = false;
-    while (::read(mOpenings.Get(), events.data(), events.size()) > 0)
-        opened = true;
-    // Settings that change under an open device are a host's last act or a change for what it
-    // sends next; which of them, its leaving tells.
-    const bool changed = !opened && mConnected && CurrentFormat() != mFormat;
-    const bool left = HungUp(changed ? LeavingMs : 0);
-    // A host that left may have left bytes behind; they are read first, as it sent them.
-    pollfd state{mMaster.Get(), POLLIN, 0};
-    const bool bytes = ::poll(&state, 1, 0) > 0 && (state.revents & POLLIN) != 0;
-    mConnected = !left || bytes;
-    // Read anew: while one host was leaving the next may have come with settings of its own.
-    if (!left) mFormat = CurrentFormat();
+    HearOfHosts();
+    do
+        FollowHosts();
+    while (mCame); // meanwhile: a host that left is not looked at any more
+}
+
+void PtyEndpoint::FollowHosts() {
+    const bool came = std::exchange(mCame, false);
+    mLeft = false;
+    // One that came in the place of another may find that one's last words unread. Whose they are
+    // tells the order of the notices.
+    if (came && mHost && mWrote) mLastWords += ReadAll();
+    if (came && mLastWords.empty()) mFormat = mStanding;
+    mHost = !HungUp(0);
+    if (mHost) return;
+    const bool others = !mLastWords.empty();
+    mLastWords += ReadAll();
+    mWrote = false;
+    const LineFormat seen = CurrentFormat();
+    HearOfHosts();
+    if (mCame) return; // and may have set what was seen
+    if (!others && seen != mStanding) mFormat = seen;
+    mStanding = seen;
+}
+
+bool PtyEndpoint::Leaves() {
+    if (HungUp(LeavingMs)) return true;
+    HearOfHosts();
+    return mLeft;
 }
 
 bool PtyEndpoint::HungUp(int limitMs) const {
@@ -139,16 +172,44 @@ LineFormat PtyEndpoint::CurrentFormat() const {
     return format;
 }
 
+std::string PtyEndpoint::ReadAll() {
+    std::string all;
+    for (std::string piece = ReadPiece(MostAtOnce); !piece.empty(); piece = ReadPiece(MostAtOnce))
+        all += piece;
+    return all;
+}
+
+std::string PtyEndpoint::ReadPiece(std::size_t max) const {
+    bool closed = false; // the hang-up is asked for by itself
+    return ReadSome(mMaster.Get(), max, closed);
+}
+
 std::vector<HostAction> PtyEndpoint::Receive(std::size_t max) {
-    bool closed = false;
-    std::string bytes = ReadSome(mMaster.Get(), max, closed);
-    if (closed) mConnected = false;
-    return Sending(std::move(bytes));
+    if (!mLastWords.empty()) {
+        std::string words = mLastWords.substr(0, max);
+        mLastWords.erase(0, max);
+        return Sending(std::move(words));
+    }
+    std::string bytes = ReadPiece(max);
+    // Looked at after the bytes were read: they were sent with these settings or with those before,
+    // never with later ones, unless the settings are another host's already.
+    const LineFormat seen = CurrentFormat();
+    HearOfHosts();
+    const bool others = mCame && mWrote;
+    if (bytes.size() < max) mWrote = false;
+    std::vector<HostAction> actions = Sending(std::move(bytes));
+    if (others || seen == mFormat || (seen == mStanding && Leaves())) return actions;
+    mFormat = seen;
+    HostAction set;
+    set.kind = HostAction::Kind::Format;
+    set.format = seen;
+    actions.insert(actions.begin(), std::move(set));
+    return actions;
 }
 
 std::size_t PtyEndpoint::Write(std::string_view bytes) {
-    bool closed = false;
-    return WriteSome(mMaster.Get(), bytes, closed);
+    const ssize_t count = ::write(mMaster.Get(), bytes.data(), bytes.size());
+    return count > 0 ? static_cast<std::size_t>(count) : 0; // that a host left, Refresh sees
 }
 
 } // namespace qnsim

@@ -2,6 +2,7 @@
 
 #include "EndpointCalls.h"
 
+#include <cerrno>
 #include <netinet/in.h>
 #include <netinet/tcp.h>
 #include <sys/socket.h>
@@ -68,10 +69,11 @@ std::string SocketHost::Read(std::size_t max) {
 }
 
 std::size_t SocketHost::Write(std::string_view bytes) {
-    bool closed = false;
-    const std::size_t count = WriteSome(mHost.Get(), bytes, closed);
-    if (closed) HangUp();
-    return count;
+    // A host that has left ends its connection here, not the program by a signal.
+    const ssize_t count = ::send(mHost.Get(), bytes.data(), bytes.size(), MSG_NOSIGNAL);
+    if (count >= 0) return static_cast<std::size_t>(count);
+    if (errno != EAGAIN && errno != EINTR) HangUp();
+    return 0;
 }
 
 } // namespace qnsim

@@ -12,6 +12,10 @@ namespace qnsim {
 /// Hosts may come and go: between them the printer runs on and what it says is lost, as on a cable
 /// nobody holds. Of the host's settings the rate and the stop bits are seen; a pseudo-terminal
 /// carries no data bits, no parity and no modem lines.
+///
+/// Settings and bytes come by different ways, so it takes a rule to tell which bytes were sent with
+/// which. Settings other than those that stood when a host came are its own. The ones that stood
+/// then, seen again at its leaving, are what it put back: its last words were sent with its own.
 class PtyEndpoint : public Endpoint {
   public:
     /// link: a name to give the device as well, replaced when it is a symbolic link already; empty
@@ -22,7 +26,7 @@ class PtyEndpoint : public Endpoint {
     std::string Address() const override { return mLink.empty() ? mDevice : mLink; }
     void Want(bool input, bool output) override;
     void Refresh() override;
-    bool Connected() const override { return mConnected; }
+    bool Connected() const override { return mHost || !mLastWords.empty(); }
     LineFormat HostFormat() const override { return mFormat; }
     std::vector<HostAction> Receive(std::size_t max) override;
     std::size_t Write(std::string_view bytes) override;
@@ -30,20 +34,33 @@ class PtyEndpoint : public Endpoint {
     const std::string& Device() const { return mDevice; }
 
   private:
-    PtyEndpoint(qncomm::Reactor& loop, qncomm::Fd master, qncomm::Fd openings, std::string device);
+    PtyEndpoint(qncomm::Reactor& loop, qncomm::Fd master, qncomm::Fd notices, std::string device);
     bool MakeLink(const std::string& link);
     LineFormat CurrentFormat() const;
+    /// Takes in what the system tells of hosts that opened, wrote and closed.
+    void HearOfHosts();
+    void FollowHosts();
+    /// Whether the host that put the device's settings back closes it now.
+    bool Leaves();
+    std::string ReadPiece(std::size_t max) const;
+    std::string ReadAll();
     /// Whether no host has the device open, or leaves it within the time.
     bool HungUp(int limitMs) const;
 
     qncomm::Fd mMaster;
-    qncomm::Fd mOpenings;                       ///< tells when a host opens the device
-    std::unique_ptr<qncomm::FdWatch> mArrivals; ///< end before the descriptors that they watch
+    qncomm::Fd mNotices; ///< of hosts that open the device, write to it and close it
+    std::unique_ptr<qncomm::FdWatch> mComings; ///< end before the descriptors that they watch
     std::unique_ptr<qncomm::FdWatch> mTraffic;
     std::string mDevice;
     std::string mLink;
-    bool mConnected = false;
-    LineFormat mFormat; ///< of the host that is there, or was
+    LineFormat mStanding; ///< of the device when no host had it; a host that leaves may put it back
+    LineFormat mFormat;   ///< of the host that is there, or was
+    std::string mLastWords; ///< of a host that left, sent with mFormat and not yet given out
+    bool mHost = false;     ///< one has the device open
+    // Heard since the last Refresh, in this order:
+    bool mWrote = false; ///< it wrote what may not have been read
+    bool mLeft = false;  ///< then a host closed the device
+    bool mCame = false;  ///< and the next one opened it
 };
 
 } // namespace qnsim
