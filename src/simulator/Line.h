@@ -3,8 +3,8 @@
 // The serial line between host and printer: settings on both sides, time on the wire, and faults.
 
 #include "Setup.h"
+#include "simulator/LineFormat.h"
 #include "simulator/Options.h"
-#include "simulator/VirtualPrinter.h"
 
 #include <cstddef>
 #include <deque>

@@ -44,13 +44,13 @@ TEST(PrinterDocument, ListsEveryErrorWithItsText) {
 
 TEST(PrinterDocument, NamesEveryStatementAndFunction) {
     const std::string document = Document();
-    for (int row = 0; row < StatementCount(); ++row) {
-        const std::string name(StatementAt(row).words);
+    for (const StatementRow& row : AllStatements()) {
+        const std::string name(row.words);
         EXPECT_NE(document.find("`" + name), std::string::npos) << name;
     }
     const std::set<std::string> words = Words(document);
-    for (int row = 0; row < FunctionCount(); ++row) {
-        const std::string name(FunctionAt(row).name);
+    for (const FunctionRow& row : AllFunctions()) {
+        const std::string name(row.name);
         EXPECT_EQ(words.count(name), 1U) << name;
     }
 }

@@ -9,6 +9,9 @@
 
 namespace qnsim {
 
+struct FunctionRow;
+struct StatementRow;
+
 enum class Node {
     Absent, ///< an argument that was left out
     Number,
@@ -18,7 +21,7 @@ enum class Node {
     NumberArray, ///< args: the index
     TextArray,
     SystemVariable, ///< args: the number
-    NumberCall,     ///< code: the function
+    NumberCall,     ///< function: which
     TextCall,
     Add,
     Subtract,
@@ -39,10 +42,11 @@ enum class Node {
 
 struct Expr {
     Node node = Node::Absent;
-    char sign = 0;      ///< Compare, CompareText
-    bool whole = false; ///< a variable that holds whole numbers only
-    int slot = 0;       ///< variables: where it is kept; calls: the function's row
-    int depth = 1;      ///< height of the tree, which a limit holds down
+    char sign = 0;                         ///< Compare, CompareText
+    bool whole = false;                    ///< a variable that holds whole numbers only
+    int slot = 0;                          ///< variables: where it is kept
+    const FunctionRow* function = nullptr; ///< calls: its row in the table of functions
+    int depth = 1;                         ///< height of the tree, which a limit holds down
     double number = 0;
     std::string text; ///< Text, and an item of DATA as it was written
     std::vector<Expr> args;
@@ -57,10 +61,10 @@ struct Expr {
 constexpr int NoLine = 0; ///< the line number of a statement that was typed without one
 
 struct Statement {
-    int row = 0;          ///< its row in the statement table
-    int line = NoLine;    ///< the program line it stands in
-    std::size_t jump = 0; ///< If, Jump: index in the list; others: unused
-    int number = 0;       ///< a line number, a mode or a flag, as the statement needs
+    const StatementRow* row = nullptr; ///< its row in the table of statements
+    int line = NoLine;                 ///< the program line it stands in
+    std::size_t jump = 0;              ///< If, Jump: index in the list; others: unused
+    int number = 0;                    ///< a line number, a mode or a flag, as the statement needs
     int number2 = 0;
     std::string text;       ///< separators of PRINT, a name, a rest of the line
     std::vector<int> lines; ///< line numbers to choose from

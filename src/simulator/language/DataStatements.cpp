@@ -5,7 +5,7 @@
 namespace qnsim {
 
 const Expr* Interpreter::NextItem() {
-    const int dataRow = FindStatement("DATA", "");
+    const StatementRow* dataRow = FindStatement("DATA");
     for (; mReading.statement < mProgramCode.size(); mReading = {mReading.statement + 1, 0}) {
         const Statement& statement = mProgramCode[mReading.statement];
         if (statement.row == dataRow && mReading.item < statement.args.size())

@@ -43,7 +43,7 @@ double Evaluator::Number(const Expr& expr) {
     case Node::SystemVariable:
         return SystemValue(expr);
     case Node::NumberCall:
-        return (this->*FunctionAt(expr.slot).number)(expr);
+        return (this->*expr.function->number)(expr);
     case Node::Compare:
         return CompareNumbers(expr);
     case Node::CompareText:
@@ -146,7 +146,7 @@ std::string Evaluator::Text(const Expr& expr) {
     case Node::TextVariable:
         return mVariables.Text(expr.slot);
     case Node::TextCall:
-        return Limited((this->*FunctionAt(expr.slot).text)(expr));
+        return Limited((this->*expr.function->text)(expr));
     case Node::TextArray: {
         const std::string* element = mVariables.TextElement(expr.slot, Number(expr.args[0]));
         if (element == nullptr) Fail(Error::SubscriptOutOfRange);

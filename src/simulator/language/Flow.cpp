@@ -100,8 +100,8 @@ void Interpreter::Next(const Statement& statement) {
 }
 
 void Interpreter::SkipLoop(std::string_view opening, std::string_view closing, Error missing) {
-    const int opens = FindStatement(opening, "");
-    const int closes = FindStatement(closing, "");
+    const StatementRow* opens = FindStatement(opening);
+    const StatementRow* closes = FindStatement(closing);
     int depth = 1;
     for (std::size_t at = mAt; at < mCode->size(); ++at) {
         if ((*mCode)[at].row == opens) ++depth;

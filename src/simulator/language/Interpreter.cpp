@@ -44,7 +44,7 @@ void Interpreter::Run(int statements) {
         }
         const std::size_t at = mAt++;
         const Code* code = mCode;
-        (this->*StatementAt((*code)[at].row).run)((*code)[at]);
+        (this->*(*code)[at].row->run)((*code)[at]);
         if (mEvaluator.Failure() != Error::None) HandleFailure((*code)[at], at);
     }
 }
@@ -113,7 +113,7 @@ std::optional<Interpreter::Report> Interpreter::LinkLines() {
 
 bool Interpreter::ResolveTargets(Statement& statement) {
     const auto known = [this](int line) { return mLineStarts.count(line) != 0; };
-    if (statement.row == GotoRow() || statement.row == FindStatement("GOSUB", "")) {
+    if (statement.row == FindStatement("GOTO") || statement.row == FindStatement("GOSUB")) {
         if (!known(statement.number)) return false;
         statement.jump = mLineStarts.at(statement.number);
     }

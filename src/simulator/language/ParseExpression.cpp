@@ -140,9 +140,9 @@ Expr Parser::ReadPrimary() {
 
 Expr Parser::ReadWordValue() {
     const std::string name = mTokens.Current().text;
-    const int row = FindFunction(name);
+    const FunctionRow* function = FindFunction(name);
     mTokens.Next();
-    if (row >= 0) return ReadCall(row);
+    if (function != nullptr) return ReadCall(*function);
     if (IsReserved(name)) {
         Fail(Error::Syntax);
         return {};
@@ -150,8 +150,7 @@ Expr Parser::ReadWordValue() {
     return ReadVariable(name);
 }
 
-Expr Parser::ReadCall(int row) {
-    const FunctionRow& function = FunctionAt(row);
+Expr Parser::ReadCall(const FunctionRow& function) {
     Statement arguments;
     if (!function.args.empty()) {
         ExpectSign('(');
@@ -160,7 +159,7 @@ Expr Parser::ReadCall(int row) {
     }
     Expr result;
     result.node = function.text != nullptr ? Node::TextCall : Node::NumberCall;
-    result.slot = row;
+    result.function = &function;
     result.args = std::move(arguments.args);
     for (const Expr& argument : result.args)
         result.depth = std::max(result.depth, argument.depth + 1);

@@ -77,7 +77,7 @@ void Parser::ReadOn(Statement& statement) {
 
 void Parser::ReadFor(Statement& statement) {
     ReadLet(statement);
-    statement.row = FindStatement("FOR", "");
+    statement.row = FindStatement("FOR");
     if (statement.args.empty() || statement.args.front().node != Node::NumberVariable)
         return Fail(Error::Syntax);
     ExpectWord("TO");

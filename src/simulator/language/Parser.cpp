@@ -81,9 +81,9 @@ void Parser::ReadStatement() {
     Statement statement;
     statement.line = mLine;
     if (TakeSign('?')) {
-        statement.row = FindStatement("PRINT", "");
+        statement.row = FindStatement("PRINT");
     } else if (TakeSign('\'')) {
-        statement.row = FindStatement("REM", "");
+        statement.row = FindStatement("REM");
     } else if (mTokens.Current().kind != TokenKind::Word) {
         return Fail(Error::Syntax);
     } else {
@@ -91,15 +91,15 @@ void Parser::ReadStatement() {
         mTokens.Next();
         const bool wordFollows = mTokens.Current().kind == TokenKind::Word;
         statement.row = FindStatement(name, wordFollows ? mTokens.Current().text : std::string());
-        if (statement.row < 0) {
-            statement.row = AssignRow();
+        if (statement.row == nullptr) {
+            statement.row = FindStatement("LET");
             ReadAssignment(statement, name);
             mCode->push_back(std::move(statement));
             return;
         }
-        if (StatementAt(statement.row).words.size() > name.size()) mTokens.Next();
+        if (statement.row->words.size() > name.size()) mTokens.Next();
     }
-    const StatementRow& row = StatementAt(statement.row);
+    const StatementRow& row = *statement.row;
     if (row.parse != nullptr) {
         (this->*row.parse)(statement);
     } else {
@@ -148,7 +148,7 @@ void Parser::ReadIf() {
     mTokens.Next();
     Statement statement;
     statement.line = mLine;
-    statement.row = IfRow();
+    statement.row = FindStatement("IF");
     statement.args.push_back(ReadNumberExpression());
     const std::size_t at = mCode->size();
     mCode->push_back(std::move(statement));
@@ -157,7 +157,7 @@ void Parser::ReadIf() {
     if (TakeWord("ELSE")) {
         Statement jump;
         jump.line = mLine;
-        jump.row = JumpRow();
+        jump.row = FindStatement("ELSE"); // jumps over what follows it
         const std::size_t jumpAt = mCode->size();
         mCode->push_back(std::move(jump));
         (*mCode)[at].jump = mCode->size();
@@ -173,7 +173,7 @@ void Parser::ReadBranch() {
     if (mTokens.Current().kind != TokenKind::Number) return ReadStatements();
     Statement statement;
     statement.line = mLine;
-    statement.row = GotoRow();
+    statement.row = FindStatement("GOTO");
     statement.number = ReadLineNumber();
     mCode->push_back(std::move(statement));
 }
@@ -194,7 +194,7 @@ int Parser::ReadLineNumber() {
 }
 
 void Parser::ReadAssignment(Statement& statement, std::string_view name) {
-    if (IsReserved(name) || FindFunction(name) >= 0) return Fail(Error::Syntax);
+    if (IsReserved(name) || FindFunction(name) != nullptr) return Fail(Error::Syntax);
     Expr target = ReadVariable(name);
     ExpectSign('=');
     Expr value = ReadExpression();
@@ -208,7 +208,7 @@ void Parser::ReadLet(Statement& statement) {
     if (mTokens.Current().kind != TokenKind::Word) return Fail(Error::Syntax);
     const std::string name = mTokens.Current().text;
     mTokens.Next();
-    statement.row = AssignRow();
+    statement.row = FindStatement("LET");
     ReadAssignment(statement, name);
 }
 
@@ -221,7 +221,7 @@ void Parser::ReadVariables(Statement& statement) {
         if (mTokens.Current().kind != TokenKind::Word) return Fail(Error::Syntax);
         const std::string name = mTokens.Current().text;
         mTokens.Next();
-        if (IsReserved(name) || FindFunction(name) >= 0) return Fail(Error::Syntax);
+        if (IsReserved(name) || FindFunction(name) != nullptr) return Fail(Error::Syntax);
         statement.args.push_back(ReadVariable(name));
     } while (TakeSign(','));
 }

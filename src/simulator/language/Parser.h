@@ -57,7 +57,7 @@ class Parser {
     Expr ReadUnary();
     Expr ReadPrimary();
     Expr ReadWordValue();
-    Expr ReadCall(int row);
+    Expr ReadCall(const FunctionRow& function);
     Expr ReadNumberExpression();
     Expr ReadTextExpression();
     Expr Combine(Node node, char sign, Expr left, Expr right);

@@ -1,7 +1,7 @@
 // Files, setup, fonts and images: what the printer keeps, and how it lists it.
 #include "Text.h"
+#include "label/BuiltInFonts.h"
 #include "label/Pcx.h"
-#include "language/BuiltInFonts.h"
 #include "language/Interpreter.h"
 
 #include <algorithm>

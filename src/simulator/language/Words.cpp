@@ -4,9 +4,9 @@
 #include "language/Interpreter.h"
 #include "language/Parser.h"
 
-#include <algorithm>
 #include <array>
 #include <unordered_map>
+#include <unordered_set>
 
 namespace qnsim {
 namespace {
@@ -107,90 +107,59 @@ constexpr std::array<std::string_view, 17> ConnectingWords{
     "TO",  "STEP", "THEN",   "ELSE",   "AS",    "OFF",   "AND",  "OR", "XOR",
     "NOT", "MOD",  "OUTPUT", "APPEND", "ERROR", "WRITE", "FONT", "POW"};
 
-using Rows = std::unordered_map<std::string_view, int>;
+template <class Row>
+using Index = std::unordered_map<std::string_view, const Row*>;
 
-template <typename Table>
-Rows IndexOf(const Table& table, std::string_view (*key)(const typename Table::value_type&)) {
-    Rows rows;
-    for (std::size_t i = 0; i < table.size(); ++i)
-        rows.emplace(key(table[i]), static_cast<int>(i));
-    return rows;
+template <class Row>
+Index<Row> IndexOf(std::span<const Row> table, std::string_view Row::*key) {
+    Index<Row> index;
+    for (const Row& row : table)
+        index.emplace(row.*key, &row);
+    return index;
 }
 
-const Rows& StatementRows() {
-    static const Rows rows = IndexOf(
-        Statements, +[](const StatementRow& row) { return row.words; });
-    return rows;
+template <class Row>
+const Row* Find(const Index<Row>& index, std::string_view key) {
+    const auto found = index.find(key);
+    return found == index.end() ? nullptr : found->second;
 }
 
-const Rows& FunctionRows() {
-    static const Rows rows = IndexOf(
-        Functions, +[](const FunctionRow& row) { return row.name; });
-    return rows;
-}
-
-Rows ReservedWords() {
-    Rows words;
+std::unordered_set<std::string_view> ReservedWords() {
+    std::unordered_set<std::string_view> words(ConnectingWords.begin(), ConnectingWords.end());
     for (const StatementRow& row : Statements)
-        words.emplace(row.words.substr(0, row.words.find(' ')), 0);
+        words.insert(row.words.substr(0, row.words.find(' ')));
     for (const FunctionRow& row : Functions)
-        words.emplace(row.name, 0);
-    for (const std::string_view word : ConnectingWords)
-        words.emplace(word, 0);
+        words.insert(row.name);
     return words;
-}
-
-int RowOf(const Rows& rows, std::string_view key) {
-    const auto found = rows.find(key);
-    return found == rows.end() ? -1 : found->second;
 }
 
 } // namespace
 
-int FindStatement(std::string_view first, std::string_view second) {
+std::span<const StatementRow> AllStatements() {
+    return Statements;
+}
+
+const StatementRow* FindStatement(std::string_view first, std::string_view second) {
+    static const auto index = IndexOf(AllStatements(), &StatementRow::words);
     if (!second.empty()) {
-        const int both = RowOf(StatementRows(), std::string(first) + " " + std::string(second));
-        if (both >= 0) return both;
+        const std::string both = std::string(first) + " " + std::string(second);
+        if (const StatementRow* row = Find(index, both)) return row;
     }
-    return RowOf(StatementRows(), first);
+    return Find(index, first);
 }
 
-const StatementRow& StatementAt(int row) {
-    return Statements[static_cast<std::size_t>(row)];
+std::span<const FunctionRow> AllFunctions() {
+    return Functions;
 }
 
-int StatementCount() {
-    return static_cast<int>(Statements.size());
-}
-
-int AssignRow() {
-    return 0;
-}
-int IfRow() {
-    return 1;
-}
-int JumpRow() {
-    return 2;
-}
-int GotoRow() {
-    return 3;
-}
-
-int FindFunction(std::string_view name) {
-    return RowOf(FunctionRows(), name);
-}
-
-const FunctionRow& FunctionAt(int row) {
-    return Functions[static_cast<std::size_t>(row)];
-}
-
-int FunctionCount() {
-    return static_cast<int>(Functions.size());
+const FunctionRow* FindFunction(std::string_view name) {
+    static const auto index = IndexOf(AllFunctions(), &FunctionRow::name);
+    return Find(index, name);
 }
 
 bool IsReserved(std::string_view word) {
-    static const Rows words = ReservedWords();
-    return words.count(word) != 0;
+    static const auto words = ReservedWords();
+    return words.contains(word);
 }
 
 } // namespace qnsim

@@ -2,6 +2,7 @@
 
 // The words of the language: one table of statements, one of functions, and the words between them.
 
+#include <span>
 #include <string>
 #include <string_view>
 
@@ -23,16 +24,10 @@ struct StatementRow {
     void (Interpreter::*run)(const Statement&);
 };
 
-/// The row of a statement that begins with these words, or -1. The second word may be empty.
-int FindStatement(std::string_view first, std::string_view second);
-const StatementRow& StatementAt(int row);
-int StatementCount();
-
-/// Rows that the parser itself makes.
-int AssignRow();
-int IfRow();
-int JumpRow();
-int GotoRow();
+/// The row of a statement that begins with these words, null when none does. Rows live as long as
+/// the program.
+const StatementRow* FindStatement(std::string_view first, std::string_view second = {});
+std::span<const StatementRow> AllStatements();
 
 struct FunctionRow {
     std::string_view name;
@@ -41,10 +36,9 @@ struct FunctionRow {
     std::string (Evaluator::*text)(const Expr&);
 };
 
-/// The row of a function of that name (upper case, with its "$"), or -1.
-int FindFunction(std::string_view name);
-const FunctionRow& FunctionAt(int row);
-int FunctionCount();
+/// The row of a function of that name (upper case, with its "$"), null when there is none.
+const FunctionRow* FindFunction(std::string_view name);
+std::span<const FunctionRow> AllFunctions();
 
 /// A word that no variable may have as its name and that ends where a digit begins.
 bool IsReserved(std::string_view word);

@@ -3,6 +3,8 @@
 // What a virtual printer is made of, and the text form of it that an address or a command line
 // carries.
 
+#include "simulator/LineFormat.h"
+
 #include <cstddef>
 #include <cstdint>
 #include <optional>
@@ -12,18 +14,6 @@
 namespace qnsim {
 
 using Micros = std::int64_t; ///< the caller's monotonic clock, in microseconds
-
-/// A line's settings as one side knows them. An item that is absent is not carried by the endpoint
-/// and never causes a mismatch: a pseudo-terminal has no data bits and no parity, a socket has none
-/// of the four.
-struct LineFormat {
-    std::optional<int> baud;     ///< bits per second
-    std::optional<int> dataBits; ///< 7 or 8
-    std::optional<int> stopBits; ///< 1 or 2
-    std::optional<char> parity;  ///< 'n', 'e', 'o', 'm' or 's'
-
-    bool operator==(const LineFormat&) const = default;
-};
 
 /// Something that happens to a byte with a probability; the same seed gives the same bytes.
 struct FaultRate {

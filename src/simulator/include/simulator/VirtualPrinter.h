@@ -13,12 +13,6 @@
 
 namespace qnsim {
 
-/// What the receiver at the host's end finds wrong with what the printer sends.
-struct HostErrors {
-    bool frame = false; ///< a byte does not end where it should
-    bool parity = false;
-};
-
 /// The printer at the other end of a line. It owns no thread and no clock and sleeps nowhere: the
 /// caller hands in bytes and the time, asks when there is work again, and takes bytes out. Times
 /// are the caller's monotonic microseconds and never run backwards. It touches files only in the

@@ -2,7 +2,7 @@
 
 // What a host does at its end of the line.
 
-#include "simulator/Options.h"
+#include "simulator/LineFormat.h"
 
 #include <string>
 

@@ -1,4 +1,4 @@
-#include "language/BuiltInFonts.h"
+#include "label/BuiltInFonts.h"
 
 #include "Text.h"
 
