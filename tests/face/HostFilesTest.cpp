@@ -227,7 +227,8 @@ TEST_F(Programs, ThatAreNotThereOrMayNotRunSaySo) {
     result = mServices.launcher.Launch(
         {.program = Recorder(), .arguments = {}, .folder = mFolder.File("absent")});
     EXPECT_EQ(result.kind, LaunchResult::Kind::Refused);
-    EXPECT_EQ(result.systemError, ENOTDIR);
+    EXPECT_EQ(result.systemError, ENOENT);
+    EXPECT_THAT(result.text, HasSubstr(mFolder.File("absent")));
 }
 
 } // namespace

@@ -2,23 +2,11 @@
 
 #include "common/Windows1252.h"
 
-#include <algorithm>
+#include <array>
 #include <cstdint>
 
 namespace qncomm {
 namespace {
-
-char32_t CodePointOf(char c) {
-    const auto byte = static_cast<unsigned char>(c);
-    return byte >= 0x80 && byte < 0xA0 ? Windows1252Upper[byte - 0x80] : char32_t{byte};
-}
-
-std::optional<char> ByteOf(char32_t point) {
-    if (point < 0x80 || (point >= 0xA0 && point < 0x100)) return static_cast<char>(point);
-    const auto found = std::find(Windows1252Upper.begin(), Windows1252Upper.end(), point);
-    if (found == Windows1252Upper.end()) return std::nullopt;
-    return static_cast<char>(0x80 + (found - Windows1252Upper.begin()));
-}
 
 void AppendUtf8(std::string& text, char32_t point) {
     const auto put = [&](char32_t bits) { text += static_cast<char>(bits); };
@@ -85,7 +73,7 @@ std::string Utf8FromPrinter(std::string_view sBytes) {
     std::string text;
     text.reserve(sBytes.size());
     for (const char c : sBytes)
-        AppendUtf8(text, CodePointOf(c));
+        AppendUtf8(text, CharacterOf(c));
     return text;
 }
 
@@ -93,7 +81,7 @@ std::optional<std::string> PrinterFromUtf8(std::string_view sText) {
     std::string bytes;
     while (!sText.empty()) {
         const Character c = FirstCharacter(sText);
-        const auto byte = c.valid ? ByteOf(c.point) : std::nullopt;
+        const auto byte = c.valid ? LineByteOf(c.point) : std::nullopt;
         if (!byte) return std::nullopt;
         bytes += *byte;
         sText.remove_prefix(c.size);
@@ -129,7 +117,7 @@ std::string TypedText::Feed(std::string_view sPiece) {
     while (!left.empty()) {
         const Character c = FirstCharacter(left);
         if (c.size == 0) break;
-        bytes += c.valid ? ByteOf(c.point).value_or('?') : '?';
+        bytes += c.valid ? LineByteOf(c.point).value_or('?') : '?';
         left.remove_prefix(c.size);
     }
     mRest = std::string(left);

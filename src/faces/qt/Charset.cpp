@@ -1,7 +1,5 @@
 #include "qt/Charset.h"
 
-#include "common/Windows1252.h"
-
 #include <QStringDecoder>
 
 #include <algorithm>
@@ -9,25 +7,11 @@
 namespace qncomm {
 namespace {
 
-char LineByteOf(char16_t character) {
-    if (character < 0x80 || (character >= 0xA0 && character < 0x100))
-        return static_cast<char>(character);
-    const auto found = std::ranges::find(Windows1252Upper, character);
-    return found == Windows1252Upper.end()
-               ? '?'
-               : static_cast<char>(0x80 + (found - Windows1252Upper.begin()));
-}
-
 QByteArrayView ViewOf(std::string_view text) {
     return {text.data(), static_cast<qsizetype>(text.size())};
 }
 
 } // namespace
-
-char16_t CharacterOf(char cByte) {
-    const auto byte = static_cast<unsigned char>(cByte);
-    return byte >= 0x80 && byte < 0xA0 ? Windows1252Upper[byte - 0x80] : char16_t{byte};
-}
 
 QString FromLine(std::string_view sBytes) {
     QString text(static_cast<qsizetype>(sBytes.size()), Qt::Uninitialized);
@@ -40,7 +24,7 @@ std::string ToLine(const QString& sText) {
     std::string bytes;
     bytes.reserve(static_cast<std::size_t>(sText.size()));
     for (const QChar character : sText)
-        if (!character.isLowSurrogate()) bytes += LineByteOf(character.unicode());
+        if (!character.isLowSurrogate()) bytes += LineByteOf(character.unicode()).value_or('?');
     return bytes;
 }
 

@@ -1,6 +1,5 @@
 #include "qt/QtFileDialogs.h"
 
-#include "common/Text.h"
 #include "qt/BusyCursor.h"
 #include "qt/Charset.h"
 #include "qt/QtDesktop.h"
@@ -50,13 +49,11 @@ std::optional<std::string> Ask(const FileDialog& asked, QString& folder, QWidget
     return ToHost(chosen.first());
 }
 
-/// The path with the extension where the name has none and the file only exists so.
-std::string Completed(const FileDialog& asked, std::string path) {
-    if (asked.kind != FileDialogKind::Open || asked.defaultExtension.empty() || FileExists(path)
-        || FileNameOf(path).find('.') != std::string::npos)
-        return path;
-    const bool point = asked.defaultExtension.front() == '.';
-    return path + (point ? "" : ".") + asked.defaultExtension;
+/// The choice as it stands after the window, which has asked about replacing the file it returns.
+FileChoice Judge(FileDialog asked, const std::string& chosen) {
+    asked.confirmOverwrite =
+        asked.confirmOverwrite && WithDefaultExtension(asked, chosen) != chosen;
+    return JudgeChoice(asked, chosen);
 }
 
 } // namespace
@@ -66,21 +63,17 @@ std::optional<std::string> QtFileDialogs::ChooseFile(const FileDialog& dialog) {
     QtDesktop desktop(mParent);
     QString folder = FromHost(dialog.folder);
     while (const auto chosen = Ask(dialog, folder, BoxParent(mParent))) {
-        const std::string path = Completed(dialog, *chosen);
-        if (FileExists(path)) return path;
-        if (dialog.kind == FileDialogKind::Open && dialog.mustExist) {
-            desktop.ShowMsgBox({.text = "There is no file '" + path + "'.",
-                                .icon = MsgBoxIcon::Exclamation,
-                                .title = dialog.title});
-            continue;
-        }
-        if (!dialog.confirmCreate
-            || desktop.ShowMsgBox({.text = "'" + path + "' does not exist. Create it?",
-                                   .buttons = MsgBoxButtons::YesNo,
-                                   .icon = MsgBoxIcon::Question,
-                                   .title = dialog.title})
-                   == MsgBoxResult::Yes)
-            return path;
+        const FileChoice choice = Judge(dialog, *chosen);
+        if (choice.next == FileChoice::Next::Take) return choice.path;
+        MsgBox box{.text = choice.question,
+                   .buttons = MsgBoxButtons::YesNo,
+                   .icon = MsgBoxIcon::Question,
+                   .title = dialog.title};
+        if (choice.next == FileChoice::Next::Refuse)
+            box = {.text = "There is no file '" + choice.path + "'.",
+                   .icon = MsgBoxIcon::Exclamation,
+                   .title = dialog.title};
+        if (desktop.ShowMsgBox(box) == MsgBoxResult::Yes) return choice.path;
     }
     return std::nullopt;
 }

@@ -6,7 +6,11 @@
 
 namespace qncomm {
 
-enum class FileDialogKind { Open, Save };
+/// What the chosen file is for.
+enum class FileDialogKind {
+    Open, ///< to be read
+    Save, ///< to be written
+};
 
 /// A kind of file that a dialog offers. "*.*" stands for every file, whether its name holds a point
 /// or not.
@@ -27,6 +31,26 @@ struct FileDialog {
     bool confirmOverwrite = false;   ///< Save: an existing file is asked about
     bool confirmCreate = false;      ///< Save: a new file is asked about
 };
+
+/// A chosen path and what is still to be done about it. Every face follows this.
+struct FileChoice {
+    /// What the face does next.
+    enum class Next {
+        Take,   ///< the path is the answer
+        Refuse, ///< it must exist and does not
+        Ask,    ///< the person is asked the question, and the path is the answer after a Yes
+    };
+    std::string path; ///< with the default extension where it lacked one
+    Next next = Next::Take;
+    std::string question; ///< with a question mark; empty unless the person is to be asked
+};
+
+/// The path with the dialog's default extension. A file name that holds a "." has one already, and
+/// so has a file to be opened that exists as it was typed.
+std::string WithDefaultExtension(const FileDialog& dialog, const std::string& sPath);
+
+/// Judges the full path that a person chose by what the dialog wants and what is on the disk.
+FileChoice JudgeChoice(const FileDialog& dialog, const std::string& sPath);
 
 /// Lets the person choose a file. A face or a host implements it.
 class FileDialogs {

@@ -1,6 +1,8 @@
 #pragma once
 
+#include <algorithm>
 #include <array>
+#include <optional>
 
 namespace qncomm {
 
@@ -11,5 +13,20 @@ constexpr std::array<char16_t, 32> Windows1252Upper{
     0x20AC, 0x0081, 0x201A, 0x0192, 0x201E, 0x2026, 0x2020, 0x2021, 0x02C6, 0x2030, 0x0160,
     0x2039, 0x0152, 0x008D, 0x017D, 0x008F, 0x0090, 0x2018, 0x2019, 0x201C, 0x201D, 0x2022,
     0x2013, 0x2014, 0x02DC, 0x2122, 0x0161, 0x203A, 0x0153, 0x009D, 0x017E, 0x0178};
+
+/// The character, as its Unicode number, that a byte of the line stands for.
+constexpr char16_t CharacterOf(char cByte) {
+    const auto byte = static_cast<unsigned char>(cByte);
+    return byte >= 0x80 && byte < 0xA0 ? Windows1252Upper[byte - 0x80] : char16_t{byte};
+}
+
+/// The byte of the line that stands for a character; nothing when the character set lacks it.
+constexpr std::optional<char> LineByteOf(char32_t character) {
+    if (character < 0x80 || (character >= 0xA0 && character < 0x100))
+        return static_cast<char>(character);
+    const auto* const found = std::ranges::find(Windows1252Upper, character);
+    if (found == Windows1252Upper.end()) return std::nullopt;
+    return static_cast<char>(0x80 + (found - Windows1252Upper.begin()));
+}
 
 } // namespace qncomm

@@ -9,8 +9,8 @@
 #include "console/ConsoleInputs.h"
 #include "console/LineReader.h"
 #include "console/MemoryClipboard.h"
-#include "console/ProcessLauncher.h"
 #include "console/StatusLine.h"
+#include "platform/ProcessLauncher.h"
 #include "platform/Reactor.h"
 
 #include <cstdint>

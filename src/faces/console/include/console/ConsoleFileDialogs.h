@@ -21,7 +21,7 @@ class ConsoleFileDialogs final : public FileDialogs {
     std::optional<std::string> ChooseFile(const FileDialog& dialog) override;
 
   private:
-    bool Confirmed(const FileDialog& dialog, const std::string& path);
+    bool Confirmed(const FileDialog& dialog, const std::string& question);
 
     ConsoleAsker& mAsker;
     Desktop& mDesktop;

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "common/Windows1252.h"
+
 #include <QString>
 
 #include <string>
@@ -10,9 +12,6 @@ namespace qncomm {
 // The printer speaks Windows-1252, this machine UTF-8 and the toolkit UTF-16. The five bytes that
 // Windows-1252 leaves undefined stand for the control characters of the same number, so every byte
 // of the line survives being shown and typed again.
-
-/// What a byte of the line shows as.
-char16_t CharacterOf(char cByte);
 
 /// Bytes of the line as text, one character a byte.
 QString FromLine(std::string_view sBytes);

@@ -1,14 +1,10 @@
 #pragma once
 
-#include "common/Launcher.h"
+#include "platform/ProcessLauncher.h"
 
 namespace qncomm {
 
-/// Starts programs that outlive this one.
-class QtLauncher : public Launcher {
-  public:
-    /// A program without a folder in its name is looked for on the search path.
-    LaunchResult Launch(const LaunchRequest& request) override;
-};
+/// The name under which Qt hosts know the launcher of every face.
+using QtLauncher = ProcessLauncher;
 
 } // namespace qncomm

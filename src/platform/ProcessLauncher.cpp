@@ -1,4 +1,4 @@
-#include "console/ProcessLauncher.h"
+#include "platform/ProcessLauncher.h"
 
 #include "common/HostPath.h"
 #include "common/Text.h"

@@ -1,4 +1,4 @@
-#include "console/ProcessLauncher.h"
+#include "platform/ProcessLauncher.h"
 
 #include "platform/Fd.h"
 #include "testing/core/ScratchFolder.h"
