@@ -17,7 +17,7 @@ inline constexpr std::size_t LongestShort = 94;
 inline constexpr std::size_t LongestLong = 9024;
 inline constexpr unsigned MostSlots = 31;
 
-/// Packet types.
+// Packet types.
 inline constexpr char SendInit = 'S';
 inline constexpr char ServerInit = 'I';
 inline constexpr char FilePacket = 'F';
@@ -33,17 +33,19 @@ inline constexpr char Error = 'E';
 /// under this sequence and to go on in windows. Programs that do not know it see an ordinary one.
 inline constexpr std::string_view StopStreamingText = "S";
 
-/// A small number as a printable character, and back. A character below blank gives a number
-/// above 94.
+/// A small number, 0 to 94, as a printable character.
 inline char ToChar(unsigned value) {
     return static_cast<char>(value + 32U);
 }
+/// The number that ToChar made a character of; a character below blank gives one above 94.
 inline unsigned FromChar(char c) {
     return (static_cast<unsigned char>(c) - 32U) & 0xFFU;
 }
+/// A control character as the printable one that travels for it, and back.
 inline char Control(char c) {
     return static_cast<char>(c ^ 0x40);
 }
+/// The sequence after this one; they run from 0 to 63 and begin again.
 inline unsigned Next(unsigned sequence) {
     return (sequence + 1) % Sequences;
 }

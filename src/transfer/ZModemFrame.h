@@ -15,7 +15,7 @@ inline constexpr char Bin16 = 'A';
 inline constexpr char HexFormat = 'B';
 inline constexpr char Bin32 = 'C';
 
-/// How a data subpacket ends.
+// How a data subpacket ends.
 inline constexpr char EndFrame = 'h'; ///< the frame is over, a header follows
 inline constexpr char EndGo = 'i';    ///< the next subpacket follows
 inline constexpr char EndQuery = 'j'; ///< the next follows, an acknowledgement is wanted
@@ -44,14 +44,14 @@ enum Type : std::uint8_t {
     StdErr = 19,
 };
 
-/// Flags of RInit (in the last byte of the header): what the receiver can do.
+// Flags of RInit (in the last byte of the header): what the receiver can do.
 inline constexpr std::uint8_t CanFullDuplex = 0x01;
 inline constexpr std::uint8_t CanOverlapIo = 0x02;
 inline constexpr std::uint8_t CanBreak = 0x04;
 inline constexpr std::uint8_t CanCrc32 = 0x20;
 inline constexpr std::uint8_t EscapeControlsFlag = 0x40; ///< of RInit and of SInit
 
-/// Conversion (last byte of File): how the file is to be taken.
+// Conversion (last byte of File): how the file is to be taken.
 inline constexpr std::uint8_t ConvertBinary = 1;
 inline constexpr std::uint8_t ConvertText = 2;
 inline constexpr std::uint8_t ConvertResume = 3;
@@ -59,6 +59,7 @@ inline constexpr std::uint8_t ConvertResume = 3;
 /// What ends a session by force: enough CANs for any receiver, then backspaces that clean a command
 /// line.
 inline constexpr char CancelText[] = "\x18\x18\x18\x18\x18\x18\x18\x18\b\b\b\b\b\b\b\b\b\b";
+/// So many CANs in a row end the session for the side that hears them.
 inline constexpr int CansToCancel = 5;
 
 } // namespace zm

@@ -11,6 +11,7 @@
 #include "testing/core/ScratchFolder.h"
 #include "testing/line/PtyPair.h"
 #include "trace/JsonLinesTrace.h"
+#include "trace/TraceReader.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -230,11 +231,11 @@ TEST_F(DevicesTest, AMachineWithoutThemHasNone) {
 // -- Trace
 
 TEST(Trace, ALineHoldsEveryByte) {
-    EXPECT_EQ(JsonLinesTrace::LineOf(12, TraceKind::Sent, "FILES \"ram:\"\r\n"),
+    EXPECT_EQ(TraceLineOf({0, 12, TraceKind::Sent, "FILES \"ram:\"\r\n", 0}),
               R"({"ms":12,"kind":"tx","bytes":"FILES \"ram:\"\r\n"})");
-    EXPECT_EQ(JsonLinesTrace::LineOf(0, TraceKind::Received, std::string("\0\x1f\x7f\xff\\\t", 6)),
+    EXPECT_EQ(TraceLineOf({0, 0, TraceKind::Received, std::string("\0\x1f\x7f\xff\\\t", 6), 0}),
               R"({"ms":0,"kind":"rx","bytes":"\u0000\u001f\u007f\u00ff\\\t"})");
-    EXPECT_EQ(JsonLinesTrace::LineOf(3, TraceKind::Event, "close"),
+    EXPECT_EQ(TraceLineOf({0, 3, TraceKind::Event, "close", 0}),
               R"({"ms":3,"kind":"event","bytes":"close"})");
 }
 

@@ -21,8 +21,8 @@ enum class PortState {
 
 /// The state of a port with its reason.
 struct PortStatus {
-    PortState state = PortState::Free;
-    std::string detail; ///< who holds it, or why it does not open; empty when free
+    PortState state = PortState::Free; ///< what Open would find now
+    std::string detail;                ///< who holds it, or why it does not open; empty when free
 };
 
 /// One kind of channel: how its addresses are written and what serves them. A kind is a constant

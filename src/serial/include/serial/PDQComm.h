@@ -26,7 +26,7 @@ class TransmitQueue;
 /// Why a port did not open, or went away.
 struct PortFailure {
     std::int32_t number = 0; ///< a SerialErrorNumber
-    IoResult reason;
+    IoResult reason;         ///< what the channel said
     std::string description; ///< names the port, its address, the reason and a holder
 };
 
@@ -37,7 +37,8 @@ struct PortFailure {
 /// socket can be used again at once.
 class PDQComm final : public SerialControl {
   public:
-    /// The reactor, and the trace if there is one, outlive the control.
+    /// The reactor, and the trace if there is one, outlive the control. The port is closed, number
+    /// 1, and set to 9600,N,8,1.
     PDQComm(Reactor& reactor, PortBindings bindings, TraceSink* trace = nullptr,
             ChannelFactory factory = MakeChannel);
     ~PDQComm() override;
@@ -91,10 +92,11 @@ class PDQComm final : public SerialControl {
 
     /// Which address each port number stands for. A change counts from the next opening.
     PortBindings& Bindings() { return mBindings; }
+    /// The same, to read.
     const PortBindings& Bindings() const { return mBindings; }
 
-    /// Why the last opening failed or the open port went away; nothing after an opening that went
-    /// well. It stays readable after the link has dropped the error.
+    /// Why the last opening failed, or why the open port went away; nothing after an opening that
+    /// went well. It stays readable after the link has dropped the error.
     const std::optional<PortFailure>& LastFailure() const { return mLastFailure; }
 
     /// Such as "COM3 (/dev/ttyUSB0)".
@@ -106,6 +108,7 @@ class PDQComm final : public SerialControl {
 
     /// Who shows text of the terminal; an empty function shows none.
     using TerminalSink = std::function<void(std::string_view sText)>;
+    /// Takes the place of the last one. Called from within Yield and from WriteTerminal.
     void SetTerminalSink(TerminalSink sink) { mTerminal = std::move(sink); }
 
     /// Keys typed at the terminal, to the line. Takes as many bytes as there is space for and

@@ -15,13 +15,18 @@
 namespace qncomm {
 
 /// Who bound a port number to its address, strongest first.
-enum class BindingSource { Given, Settings, Machine };
+enum class BindingSource {
+    Given,    ///< the host or the command line, for this run
+    Settings, ///< section "Ports" of the settings store
+    Machine,  ///< a device that this machine has
+};
 
+/// A port number and what it stands for.
 struct PortBinding {
-    std::int16_t number = 0;
-    PortAddress address;
-    BindingSource source = BindingSource::Given;
-    std::string description; ///< what the device calls itself; may be empty
+    std::int16_t number = 0;                     ///< 0 to 16
+    PortAddress address;                         ///< where the port is
+    BindingSource source = BindingSource::Given; ///< who said so
+    std::string description;                     ///< what the device calls itself; may be empty
 };
 
 /// Which address each of the port numbers 0 to 16 stands for. A number keeps the strongest binding

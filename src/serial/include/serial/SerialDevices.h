@@ -13,8 +13,9 @@ struct SerialDevice {
 
 /// Where the system tells about its devices; a test gives folders of its own.
 struct DeviceFolders {
-    std::string tty = "/sys/class/tty";
-    std::string dev = "/dev";
+    std::string tty =
+        "/sys/class/tty";     ///< an entry for each tty, with a folder "device" of hardware
+    std::string dev = "/dev"; ///< where the devices themselves are
 };
 
 /// The serial devices of this machine that have hardware behind them, in a stable order: ttyUSB,

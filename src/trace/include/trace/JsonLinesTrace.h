@@ -22,10 +22,9 @@ class JsonLinesTrace final : public TraceSink {
 
     void Record(std::int64_t lMs, TraceKind kind, std::string_view sBytes) override;
 
+    /// Done as long as every record was written; else why the file could not be opened or took no
+    /// more.
     const IoResult& Result() const { return mResult; }
-
-    /// One line without its end.
-    static std::string LineOf(std::int64_t lMs, TraceKind kind, std::string_view sBytes);
 
   private:
     Fd mFile;

@@ -14,11 +14,11 @@ namespace qncomm {
 
 /// One line of a trace.
 struct TraceRecord {
-    int line = 0; ///< its number in the file, from 1
-    std::int64_t ms = 0;
-    TraceKind kind = TraceKind::Event;
-    std::string bytes;        ///< of the line, or an event's text
-    std::size_t redacted = 0; ///< how many bytes were taken out; bytes is empty then
+    int line = 0;                      ///< its number in the file, from 1
+    std::int64_t ms = 0;               ///< since the first record
+    TraceKind kind = TraceKind::Event; ///< which way the bytes went
+    std::string bytes;                 ///< of the line, or an event's text
+    std::size_t redacted = 0;          ///< how many bytes were taken out; bytes is empty then
 };
 
 /// Reads one line as JsonLinesTrace writes it; nothing when it is none.
@@ -27,8 +27,9 @@ std::optional<TraceRecord> ParseTraceLine(std::string_view sLine);
 /// A record as a line without its end, so that ParseTraceLine reads it back.
 std::string TraceLineOf(const TraceRecord& record);
 
+/// What ReadTrace found.
 struct TraceReading {
-    std::vector<TraceRecord> records;
+    std::vector<TraceRecord> records; ///< in the file's order, up to the line that is no record
     IoResult result; ///< why the file could not be read; a line that is no record is named
 };
 

@@ -39,7 +39,8 @@ class TraceRedaction {
     std::string mTail;      ///< the last bytes received
 };
 
-/// Writes a redacted trace of sFrom to sTo, which is created or replaced.
+/// Writes a redacted trace of sFrom to sTo, which is created or replaced. Says what could not be
+/// read or written; sTo is then not to be used.
 IoResult RedactTrace(const std::string& sFrom, const std::string& sTo);
 
 } // namespace qncomm

@@ -5,7 +5,12 @@
 
 namespace qncomm {
 
-enum class TraceKind { Sent, Received, Event };
+/// What a record of a trace is about.
+enum class TraceKind {
+    Sent,     ///< bytes from this side
+    Received, ///< bytes from the printer
+    Event,    ///< what happened to the port, as a text
+};
 
 /// How the text of the event begins that tells that the open line was lost; the reason follows.
 inline constexpr std::string_view LostLineEvent = "lost: ";
@@ -15,7 +20,9 @@ class TraceSink {
   public:
     virtual ~TraceSink() = default;
 
-    /// lMs counts from the loop's own start. sBytes are the bytes of the line, or an event's text.
+    /// Called as it happens, in order; must neither throw nor call back into the port. lMs are
+    /// milliseconds since the loop's own start. sBytes are the bytes of the line, or an event's
+    /// text.
     virtual void Record(std::int64_t lMs, TraceKind kind, std::string_view sBytes) = 0;
 };
 

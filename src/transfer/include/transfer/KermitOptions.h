@@ -11,11 +11,12 @@ enum class KermitPrefixing {
     Least,    ///< only those that Kermit itself needs; for lines that carry every byte
 };
 
+/// What one side of a Kermit transfer wants; both sides then use what both can.
 struct KermitOptions {
     std::size_t packet = 9024; ///< longest packet to receive and to send, 20 to 9024 bytes
     unsigned window = 31;      ///< packets under way, 1 to 31
     unsigned check = 3;        ///< kind of block check to ask for, 1 to 3
-    KermitPrefixing prefixing = KermitPrefixing::Cautious;
+    KermitPrefixing prefixing = KermitPrefixing::Cautious; ///< of a sender
     bool sevenBits = false; ///< the line carries seven bits: the eighth travels as a prefix
     bool repeats = true;    ///< runs of one byte travel as a count
     bool attributes = true; ///< size, time and mode travel with the file

@@ -11,6 +11,7 @@ namespace qncomm::transfer {
 /// written as LF.
 class KermitReceiver final : public TransferEngine {
   public:
+    /// Does nothing before Start. The options are to be within their ranges.
     explicit KermitReceiver(KermitOptions options = {});
     ~KermitReceiver() override;
 

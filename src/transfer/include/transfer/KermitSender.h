@@ -10,6 +10,7 @@ namespace qncomm::transfer {
 /// Sends a batch of files by Kermit. A file whose `text` is set has its LF line ends sent as CR LF.
 class KermitSender final : public TransferEngine {
   public:
+    /// Does nothing before Start. The options are to be within their ranges.
     explicit KermitSender(KermitOptions options = {});
     ~KermitSender() override;
 

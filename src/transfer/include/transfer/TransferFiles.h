@@ -22,7 +22,7 @@ class FileSource {
 struct OfferDecision {
     AnswerKind kind = AnswerKind::Ok; ///< Ok takes it, Skip leaves it out, Failed ends the session
     std::uint64_t offset = 0;         ///< bytes that are already here and need not travel again
-    std::string reason;
+    std::string reason;               ///< of Failed, for a person
 };
 
 /// Where a receiver's files go. The remote's name is advice; the implementation alone chooses a
@@ -30,6 +30,7 @@ struct OfferDecision {
 class FileSink {
   public:
     virtual ~FileSink() = default;
+    /// A file is offered. After Ok it is open, and its bytes come by Write.
     virtual OfferDecision Offer(const FileInfo& file) = 0;
     /// Returns false with a reason on failure. Offsets rise without gaps from the one that Offer
     /// chose.

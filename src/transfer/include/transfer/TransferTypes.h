@@ -37,27 +37,30 @@ enum class RequestKind {
     Close, ///< both: the file is over, `whole` says whether it travelled whole. Answer Ok or Failed
 };
 
+/// One request; which fields count depends on its kind.
 struct Request {
-    RequestKind kind = RequestKind::Read;
-    FileInfo file;
-    std::uint64_t offset = 0; ///< bytes, 0-based
-    std::size_t length = 0;   ///< bytes
-    std::string_view data;    ///< valid until the request is answered
-    bool whole = false;
+    RequestKind kind = RequestKind::Read; ///< what is asked
+    FileInfo file;                        ///< of Offer: what the sender said about the file
+    std::uint64_t offset = 0;             ///< bytes, 0-based
+    std::size_t length = 0;               ///< bytes
+    std::string_view data;                ///< valid until the request is answered
+    bool whole = false;                   ///< of Close: every byte of the file has travelled
 };
 
+/// How a request went.
 enum class AnswerKind {
-    Ok,
-    Skip,
-    Failed,
+    Ok,     ///< it was carried out
+    Skip,   ///< NextFile: there is none; Offer: the file is not wanted
+    Failed, ///< it cannot be carried out, which ends the transfer
 };
 
+/// What became of a request; which fields count depends on the request's kind.
 struct Answer {
-    AnswerKind kind = AnswerKind::Ok;
-    FileInfo file;            ///< to NextFile
-    std::uint64_t offset = 0; ///< to Offer: bytes that the caller already has
-    std::string_view data;    ///< to Read; copied by the engine
-    std::string reason;       ///< to Failed: a text for the person
+    AnswerKind kind = AnswerKind::Ok; ///< how it went
+    FileInfo file;                    ///< to NextFile
+    std::uint64_t offset = 0;         ///< to Offer: bytes that the caller already has
+    std::string_view data;            ///< to Read; copied by the engine
+    std::string reason;               ///< to Failed: a text for the person
 };
 
 /// Where a transfer stands.
@@ -70,14 +73,16 @@ enum class Phase {
     Over,     ///< nothing more will be asked or said except the output that still waits
 };
 
+/// How a transfer ended.
 enum class Outcome {
-    Running,
-    Success,
-    Failed,
-    CancelledHere,
-    CancelledThere,
+    Running,        ///< it has not
+    Success,        ///< every file travelled or was left out by one side
+    Failed,         ///< for a reason that Reason tells
+    CancelledHere,  ///< by TransferEngine::Cancel
+    CancelledThere, ///< by the other side
 };
 
+/// How far a transfer is.
 struct Progress {
     /// Of the current file: agreed on by both sides, or written; sent where they are not
     /// acknowledged. It falls back when damage is found among those.

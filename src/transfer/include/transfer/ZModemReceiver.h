@@ -6,6 +6,7 @@
 
 namespace qncomm::transfer {
 
+/// What a receiver wants.
 struct ZModemReceiverOptions {
     bool crc32 = true;           ///< let the sender use 32-bit sums
     bool escapeControls = false; ///< ask the sender to escape all control characters
@@ -17,6 +18,7 @@ struct ZModemReceiverOptions {
 /// Receives a batch of files by ZModem. A command that the sender asks for is never carried out.
 class ZModemReceiver final : public TransferEngine {
   public:
+    /// Does nothing before Start. The options are to be within their ranges.
     explicit ZModemReceiver(ZModemReceiverOptions options = {});
     ~ZModemReceiver() override;
 

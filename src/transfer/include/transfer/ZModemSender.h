@@ -6,13 +6,14 @@
 
 namespace qncomm::transfer {
 
+/// What a sender wants.
 struct ZModemSenderOptions {
-    std::string
-        sGreeting; ///< put before the first header, such as the command that starts a receiver
-    std::string
-        sAttention; ///< what the receiver shall send to interrupt, up to 31 bytes; empty: nothing
-    std::size_t subpacket =
-        1024; ///< longest content of a subpacket, 32 to 8192 bytes; every receiver takes 1024
+    /// Put before the first header, such as the command that starts a receiver.
+    std::string sGreeting;
+    /// What the receiver shall send to interrupt, up to 31 bytes; empty: nothing.
+    std::string sAttention;
+    /// Longest content of a subpacket, 32 to 8192 bytes; every receiver takes 1024.
+    std::size_t subpacket = 1024;
     bool escapeControls = false;              ///< escape all control characters
     std::uint64_t window = 0;                 ///< most bytes under way, 0: found out from the line
     bool crc32 = true;                        ///< 32-bit sums when the receiver can
@@ -22,6 +23,7 @@ struct ZModemSenderOptions {
 /// Sends a batch of files by ZModem.
 class ZModemSender final : public TransferEngine {
   public:
+    /// Does nothing before Start. The options are to be within their ranges.
     explicit ZModemSender(ZModemSenderOptions options = {});
     ~ZModemSender() override;
 
