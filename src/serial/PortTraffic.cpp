@@ -61,7 +61,7 @@ void PDQComm::Note(const LineErrors& errors) {
     for (const LineErrorKind& row : LineErrorKinds) {
         if (!(errors.*row.kind)) continue;
         names += row.name;
-        mLineErrors.*row.kind = mSink != nullptr; // nobody hears later what nobody heard now
+        mLineErrors.*row.kind = mSink != nullptr; // errors without a listener are dropped
     }
     if (names.empty()) return;
     Trace(TraceKind::Event, "line errors:" + names);

@@ -11,37 +11,46 @@ namespace qncomm {
 /// What a serial control reports through its event sink. The link takes no action on the line
 /// errors.
 enum SerialEvent : std::int16_t {
-    SerialEventSend = 1,
-    SerialEventReceive = 2,
-    SerialEventTransfer = 100,
-    SerialEventFrame = 1004,
-    SerialEventOverrun = 1006,
-    SerialEventReceiveOverflow = 1008,
-    SerialEventParity = 1009,
+    SerialEventSend = 1,               ///< what was written has left
+    SerialEventReceive = 2,            ///< as many bytes wait as the receive threshold names
+    SerialEventTransfer = 100,         ///< the state of the transfer has changed
+    SerialEventFrame = 1004,           ///< a byte did not end where it should
+    SerialEventOverrun = 1006,         ///< the device lost a byte: the next one came too early
+    SerialEventReceiveOverflow = 1008, ///< the system's buffer was full
+    SerialEventParity = 1009,          ///< a byte had the wrong parity bit
     /// The device went away while it was open; the control has closed the port.
     SerialEventPortLost = 2000,
 };
 
 /// Where received text goes.
-enum ReceiveModeValue : std::int16_t { ReceiveToLink = 0, ReceiveToTerminal = 2 };
+enum ReceiveModeValue : std::int16_t {
+    ReceiveToLink = 0,     ///< to the link's replies
+    ReceiveToTerminal = 2, ///< to the control's terminal
+};
 
 /// What a transfer in progress is about.
-enum TransferKindValue : std::int16_t { TransferKermit = 0, TransferBinary = 2 };
+enum TransferKindValue : std::int16_t {
+    TransferKermit = 0, ///< a file by Kermit
+    TransferBinary = 2, ///< a file by the chosen BinaryProtocol
+};
 
 /// The protocols of binary transfers.
-enum BinaryProtocol : std::int16_t { BinaryZModem = 5, BinaryKermit = 6 };
+enum BinaryProtocol : std::int16_t {
+    BinaryZModem = 5, ///< ZModem
+    BinaryKermit = 6, ///< Kermit
+};
 
 /// Where a transfer stands. A control reports TransferStarted before any other state of a transfer
 /// and ends with TransferIdle or TransferFailed.
 enum TransferStateCode : std::int16_t {
-    TransferPending = -2, ///< nothing reported yet
-    TransferFailed = -1,
-    TransferIdle = 0, ///< none, or the last one is over
-    TransferStarted = 1,
-    TransferAnnounced = 2, ///< a file is announced: its name and size can be read
-    TransferMoving = 4,
-    TransferAborting = 6, ///< written to abort
-    TransferClosing = 7,
+    TransferPending = -2,     ///< nothing reported yet
+    TransferFailed = -1,      ///< the last one ended without its file
+    TransferIdle = 0,         ///< none, or the last one is over
+    TransferStarted = 1,      ///< the other side is looked for
+    TransferAnnounced = 2,    ///< a file is announced: its name and size can be read
+    TransferMoving = 4,       ///< the file's bytes are on the way
+    TransferAborting = 6,     ///< written to abort
+    TransferClosing = 7,      ///< its end is being agreed on
     TransferAbortRequest = 9, ///< the control asks to be told to abort
 };
 
@@ -71,22 +80,28 @@ class SerialControl {
 
     /// 0 to 16; what a number is bound to is the control's business.
     virtual std::int16_t PortNumber() const = 0;
+    /// An open port is closed and the other one opened; when that fails the port stays closed and
+    /// the number is the new one. A number without a port is refused by the opening.
     virtual void SetPortNumber(std::int16_t iPort) = 0;
 
     /// Baud rate, parity letter (either case), data bits, stop bits, such as "9600,N,8,1".
     virtual std::string PortSettings() const = 0;
+    /// Raises 5 for a text that does not parse and SerialErrDevice for settings that the open line
+    /// does not take; the settings then stay as they were.
     virtual void SetPortSettings(const std::string& sSettings) = 0;
 
     /// Bit 0: Xon/Xoff, bit 1: RTS/CTS.
     virtual std::int16_t Handshaking() const = 0;
+    /// Other bits have no effect. Raises as SetPortSettings does.
     virtual void SetHandshaking(std::int16_t iMode) = 0;
 
     // -- Opening
 
+    /// Whether the port is open; false as well once it was lost.
     virtual bool PortOpen() const = 0;
 
-    /// Opening an open port or closing a closed one does nothing. Closing discards what has not
-    /// been sent: a close never waits for the line.
+    /// Opens the port with the settings, or closes it. Opening an open port or closing a closed one
+    /// does nothing. Closing discards what has not been sent: a close never waits for the line.
     virtual void SetPortOpen(bool bOpen) = 0;
 
     /// Whether port iPort could be opened now. Opens nothing that another holds and leaves nothing
@@ -101,18 +116,22 @@ class SerialControl {
     /// Bytes that must wait before a receive event fires; 0 turns the events off. Reading works in
     /// either case.
     virtual std::int16_t ReceiveThreshold() const = 0;
+    /// With as many bytes waiting already the event fires on the next Yield.
     virtual void SetReceiveThreshold(std::int16_t iBytes) = 0;
 
-    /// Sizes of the receive and transmit buffers in bytes.
+    /// Sizes of the receive and transmit buffers in bytes, at least 1. What waits is kept.
     virtual void SetBufferSizes(std::int32_t lReceive, std::int32_t lTransmit) = 0;
+    /// The size of the transmit buffer in bytes.
     virtual std::int32_t TransmitBufferSize() const = 0;
 
-    /// Bytes received and not read yet; bytes given to Write that have not left for the line.
+    /// Bytes received and not read yet.
     virtual std::int32_t ReceiveCount() const = 0;
+    /// Bytes given to Write that have not left for the line, as far as the device tells.
     virtual std::int32_t TransmitCount() const = 0;
 
-    /// Sets the counts to 0: what waits is thrown away.
+    /// Throws away what was received and not read.
     virtual void FlushReceive() = 0;
+    /// Throws away what was written and has not left, as far as it can be taken back.
     virtual void FlushTransmit() = 0;
 
     /// Takes everything that waits, at most the receive buffer's size.
@@ -131,9 +150,10 @@ class SerialControl {
     virtual void Write(std::string_view sBytes) = 0;
 
     // -- Transfers. While one is in progress its bytes belong to it, whatever the receive
-    // threshold: they are neither
-    //    counted nor read here. Each change of its state fires SerialEventTransfer.
+    // threshold: they are neither counted nor read here. Each change of its state fires
+    // SerialEventTransfer.
 
+    /// A TransferKindValue, for the next transfer.
     virtual void SetTransferKind(std::int16_t iKind) = 0;
     /// Protocol of the binary transfers, a BinaryProtocol.
     virtual void SetBinaryProtocol(std::int16_t iProtocol) = 0;
@@ -143,21 +163,25 @@ class SerialControl {
     /// Starts receiving into a file of this machine, which stands whole or not at all when the
     /// transfer is over.
     virtual void ReceiveFile(const std::string& sPath) = 0;
+    /// A TransferStateCode.
     virtual std::int16_t TransferState() const = 0;
     /// TransferAborting aborts; other values do nothing.
     virtual void SetTransferState(std::int16_t iState) = 0;
-    /// Of the file that travels, at most the largest 32-bit number; a size that the other side did
-    /// not tell is 0.
+    /// Bytes of the file that have travelled, at most the largest 32-bit number.
     virtual std::int32_t TransferBytes() const = 0;
+    /// Bytes of the whole file, at most the largest 32-bit number; 0 when the other side did not
+    /// tell.
     virtual std::int32_t TransferSize() const = 0;
-    /// The name that travels; set by the link to the target it remembers.
+    /// The name that travels.
     virtual std::string TransferFileName() const = 0;
+    /// Set by the link to the target it remembers.
     virtual void SetTransferFileName(std::string_view sName) = 0;
 
     // -- Routing
 
     /// A ReceiveModeValue; what the link does with received text follows it.
     virtual std::int16_t ReceiveMode() const = 0;
+    /// Takes effect with the next byte that is routed.
     virtual void SetReceiveMode(std::int16_t iMode) = 0;
 
     /// A stored value without effect, kept for hosts that set it.
@@ -168,11 +192,14 @@ class SerialControl {
 
     /// Free text of whoever uses the control; the link's mark for exclusive use stands here.
     virtual const std::string& Tag() const = 0;
+    /// Replaces the text.
     virtual void SetTag(std::string_view sTag) = 0;
 
+    /// Receives the events, from within MessageLoop::Yield. It may call any member of the control,
+    /// this one included, and may yield again.
+    using EventSink = std::function<void(SerialEvent)>;
     /// Who receives the events; an empty function detaches. Attaching with bytes waiting fires on
     /// the next Yield.
-    using EventSink = std::function<void(SerialEvent)>;
     virtual void SetEventSink(EventSink sink) = 0;
 };
 
