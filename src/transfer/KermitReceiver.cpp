@@ -31,15 +31,9 @@ void KermitReceiver::OnStart(Time now) {
 
 void KermitReceiver::OnProduce(Time) {}
 
-void KermitReceiver::OnCancel() {
-    Put(WriteKermitPacket(kermit::Error, m->low, "cancelled by the receiver", m->terms.check));
-}
-
-void KermitReceiver::Fail(const std::string& sReason) {
-    DropOutput();
-    Put(WriteKermitPacket(kermit::Error, m->low, m->coding.EncodeText(sReason, 80),
-                          m->terms.check));
-    End(Outcome::Failed, sReason);
+void KermitReceiver::OnGiveUp(const std::string& sReason) {
+    const std::string text = sReason.empty() ? "cancelled by the receiver" : sReason;
+    Put(WriteKermitPacket(kermit::Error, m->low, m->coding.EncodeText(text, 80), m->terms.check));
 }
 
 void KermitReceiver::OnSilence(Time) {

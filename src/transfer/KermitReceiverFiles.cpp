@@ -178,10 +178,6 @@ void KermitReceiver::OnClosed(Time now) {
 }
 
 void KermitReceiver::OnAnswer(RequestKind kind, const transfer::Answer& answer, Time now) {
-    if (answer.kind == AnswerKind::Failed) {
-        Fail(answer.reason);
-        return;
-    }
     switch (kind) {
     case RequestKind::Offer:
         OnOffered(answer, now);
@@ -196,6 +192,7 @@ void KermitReceiver::OnAnswer(RequestKind kind, const transfer::Answer& answer, 
         TakeNext(now);
         break;
     case RequestKind::Close:
+        if (answer.kind == AnswerKind::Failed) return Fail(answer.reason);
         OnClosed(now);
         TakeNext(now);
         break;

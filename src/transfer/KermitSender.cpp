@@ -33,15 +33,10 @@ void KermitSender::OnStart(Time now) {
     SendPacket(kermit::SendInit, ProposeKermitTerms(m->options), 0, now);
 }
 
-void KermitSender::OnCancel() {
-    Put(WriteKermitPacket(kermit::Error, m->sequence, "cancelled by the sender", m->terms.check));
-}
-
-void KermitSender::Fail(const std::string& sReason) {
-    DropOutput();
-    Put(WriteKermitPacket(kermit::Error, m->sequence, m->coding.EncodeText(sReason, 80),
+void KermitSender::OnGiveUp(const std::string& sReason) {
+    const std::string text = sReason.empty() ? "cancelled by the sender" : sReason;
+    Put(WriteKermitPacket(kermit::Error, m->sequence, m->coding.EncodeText(text, 80),
                           m->terms.check));
-    End(Outcome::Failed, sReason);
 }
 
 void KermitSender::OnSilence(Time) {

@@ -78,10 +78,6 @@ void KermitSender::AskNextFile() {
 }
 
 void KermitSender::OnAnswer(RequestKind kind, const transfer::Answer& answer, Time now) {
-    if (answer.kind == AnswerKind::Failed && kind != RequestKind::Close) {
-        Fail(answer.reason);
-        return;
-    }
     switch (kind) {
     case RequestKind::NextFile:
         OnNextFile(answer, now);

@@ -71,7 +71,10 @@ void TransferEngine::Answer(const transfer::Answer& answer, Time now) {
     if (mOutcome != Outcome::Running) return;
     // The time that the caller took for its files is not the other side's silence.
     mLastHeard = std::max(mLastHeard, now - mPatience / 2);
-    OnAnswer(kind, answer, now);
+    if (answer.kind == AnswerKind::Failed && kind != RequestKind::Close)
+        Fail(answer.reason);
+    else
+        OnAnswer(kind, answer, now);
     Advance(now);
 }
 
@@ -102,7 +105,7 @@ void TransferEngine::Sent(std::size_t count, Time now) {
 void TransferEngine::Cancel(Time now) {
     if (mPhase == Phase::Idle || mOutcome != Outcome::Running) return;
     DropOutput();
-    OnCancel();
+    OnGiveUp({});
     mLastWordsBy = now + LastWords;
     End(Outcome::CancelledHere, "cancelled");
 }
@@ -140,6 +143,12 @@ void TransferEngine::OpenFile(const FileInfo& file, std::uint64_t offset) {
     mFileOpen = true;
     mProgress.size = file.size;
     mProgress.bytes = offset;
+}
+
+void TransferEngine::Fail(const std::string& sReason) {
+    DropOutput();
+    OnGiveUp(sReason);
+    End(Outcome::Failed, sReason);
 }
 
 void TransferEngine::End(transfer::Outcome outcome, std::string reason) {

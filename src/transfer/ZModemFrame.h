@@ -3,6 +3,7 @@
 #include <array>
 #include <cstdint>
 #include <string>
+#include <string_view>
 
 namespace qncomm::transfer {
 
@@ -58,7 +59,8 @@ inline constexpr std::uint8_t ConvertResume = 3;
 
 /// What ends a session by force: enough CANs for any receiver, then backspaces that clean a command
 /// line.
-inline constexpr char CancelText[] = "\x18\x18\x18\x18\x18\x18\x18\x18\b\b\b\b\b\b\b\b\b\b";
+inline constexpr std::string_view CancelText =
+    "\x18\x18\x18\x18\x18\x18\x18\x18\b\b\b\b\b\b\b\b\b\b";
 /// So many CANs in a row end the session for the side that hears them.
 inline constexpr int CansToCancel = 5;
 

@@ -31,14 +31,8 @@ void ZModemReceiver::OnStart(Time now) {
 
 void ZModemReceiver::OnProduce(Time) {}
 
-void ZModemReceiver::OnCancel() {
-    Put({static_cast<const char*>(zm::CancelText), sizeof zm::CancelText - 1});
-}
-
-void ZModemReceiver::Fail(const std::string& sReason) {
-    DropOutput();
-    OnCancel();
-    End(Outcome::Failed, sReason);
+void ZModemReceiver::OnGiveUp(const std::string& /*sReason*/) {
+    Put(zm::CancelText);
 }
 
 void ZModemReceiver::OnSilence(Time) {

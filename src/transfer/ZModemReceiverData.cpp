@@ -76,10 +76,6 @@ void ZModemReceiver::OnFileContent(Time now) {
 }
 
 void ZModemReceiver::OnAnswer(RequestKind kind, const transfer::Answer& answer, Time now) {
-    if (answer.kind == AnswerKind::Failed) {
-        Fail(answer.reason);
-        return;
-    }
     switch (kind) {
     case RequestKind::Offer:
         OnOffered(answer, now);
@@ -88,6 +84,7 @@ void ZModemReceiver::OnAnswer(RequestKind kind, const transfer::Answer& answer, 
         SubpacketTaken(now);
         break;
     case RequestKind::Close:
+        if (answer.kind == AnswerKind::Failed) return Fail(answer.reason);
         (m->closesWhole ? mProgress.files : mProgress.skipped) += 1;
         m->closesWhole = false;
         m->tries = 0;

@@ -32,14 +32,8 @@ void ZModemSender::OnStart(Time now) {
     Repeat(now);
 }
 
-void ZModemSender::OnCancel() {
-    Put({static_cast<const char*>(zm::CancelText), sizeof zm::CancelText - 1});
-}
-
-void ZModemSender::Fail(const std::string& sReason) {
-    DropOutput();
-    OnCancel();
-    End(Outcome::Failed, sReason);
+void ZModemSender::OnGiveUp(const std::string& /*sReason*/) {
+    Put(zm::CancelText);
 }
 
 void ZModemSender::OnSilence(Time) {
@@ -175,10 +169,6 @@ void ZModemSender::AskRead(std::uint64_t offset) {
 }
 
 void ZModemSender::OnAnswer(RequestKind kind, const transfer::Answer& answer, Time now) {
-    if (answer.kind == AnswerKind::Failed && kind != RequestKind::Close) {
-        Fail(answer.reason);
-        return;
-    }
     switch (kind) {
     case RequestKind::NextFile:
         OnNextFile(answer, now);

@@ -22,7 +22,7 @@ class KermitReceiver final : public TransferEngine {
     void OnTimer(Time now) override;
     void OnSilence(Time now) override;
     void OnProduce(Time now) override;
-    void OnCancel() override;
+    void OnGiveUp(const std::string& sReason) override;
 
   private:
     enum class State;
@@ -48,7 +48,6 @@ class KermitReceiver final : public TransferEngine {
     void AskForFile(Time now);
     [[nodiscard]] bool IsStreaming() const;
     void ArmSilence(Time now);
-    void Fail(const std::string& sReason);
 
     std::unique_ptr<Machine> m;
 };

@@ -21,7 +21,7 @@ class KermitSender final : public TransferEngine {
     void OnTimer(Time now) override;
     void OnSilence(Time now) override;
     void OnProduce(Time now) override;
-    void OnCancel() override;
+    void OnGiveUp(const std::string& sReason) override;
 
   private:
     enum class State;
@@ -50,7 +50,6 @@ class KermitSender final : public TransferEngine {
     void AskNextFile();
     void AnnounceFile(Time now);
     void ArmRetry(Time now);
-    void Fail(const std::string& sReason);
 
     std::unique_ptr<Machine> m;
 };

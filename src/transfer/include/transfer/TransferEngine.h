@@ -64,13 +64,14 @@ class TransferEngine {
     [[nodiscard]] std::string TakeUnread();
 
   protected:
-    // -- What each engine adds; all but OnCancel may end the transfer
+    // -- What each engine adds; all but OnGiveUp may end the transfer
 
     /// Start was called.
     virtual void OnStart(Time now) = 0;
     /// Takes one item from Input, or the beginning of one; false when nothing is left to look at.
     virtual bool OnInput(Time now) = 0;
-    /// The caller answered the request of that kind, which no longer stands.
+    /// The caller answered the request of that kind, which no longer stands. A request that failed
+    /// has failed the transfer; only that of a Close is told here.
     virtual void OnAnswer(RequestKind kind, const transfer::Answer& answer, Time now) = 0;
     /// The timer has fired and is not armed any more.
     virtual void OnTimer(Time now) = 0;
@@ -78,8 +79,9 @@ class TransferEngine {
     virtual void OnSilence(Time now) = 0;
     /// The output is empty: puts more, or asks for what it takes.
     virtual void OnProduce(Time now) = 0;
-    /// Puts what tells the other side that the transfer is cancelled.
-    virtual void OnCancel() = 0;
+    /// Puts what tells the other side that the transfer is over, and why where the protocol has
+    /// words for it; an empty reason is a cancel by this side. The output is empty.
+    virtual void OnGiveUp(const std::string& sReason) = 0;
 
     // -- What each engine uses
 
@@ -118,6 +120,8 @@ class TransferEngine {
     void Enter(transfer::Phase phase) { mPhase = phase; }
     /// This file travels from now on, from `offset` bytes; its progress begins there.
     void OpenFile(const FileInfo& file, std::uint64_t offset);
+    /// Ends the transfer as failed and tells the other side. The output that waits is dropped.
+    void Fail(const std::string& sReason);
     /// Ends the transfer; an open file is closed as not whole. The first outcome stands.
     void End(transfer::Outcome outcome, std::string reason);
 

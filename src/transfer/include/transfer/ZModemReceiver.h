@@ -29,7 +29,7 @@ class ZModemReceiver final : public TransferEngine {
     void OnTimer(Time now) override;
     void OnSilence(Time now) override;
     void OnProduce(Time now) override;
-    void OnCancel() override;
+    void OnGiveUp(const std::string& sReason) override;
 
   private:
     enum class State;
@@ -50,7 +50,6 @@ class ZModemReceiver final : public TransferEngine {
     void SendReady(Time now);
     void SendReposition(Time now);
     void ArmData(Time now);
-    void Fail(const std::string& sReason);
 
     std::unique_ptr<Machine> m;
 };

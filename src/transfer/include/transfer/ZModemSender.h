@@ -34,7 +34,7 @@ class ZModemSender final : public TransferEngine {
     void OnTimer(Time now) override;
     void OnSilence(Time now) override;
     void OnProduce(Time now) override;
-    void OnCancel() override;
+    void OnGiveUp(const std::string& sReason) override;
 
   private:
     enum class State;
@@ -57,7 +57,6 @@ class ZModemSender final : public TransferEngine {
     void AskNextFile();
     void AskRead(std::uint64_t offset);
     void FileDone(bool bWhole);
-    void Fail(const std::string& sReason);
     [[nodiscard]] std::uint64_t Room() const;
 
     std::unique_ptr<Machine> m;
