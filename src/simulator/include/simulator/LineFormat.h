@@ -15,6 +15,7 @@ struct LineFormat {
     std::optional<int> stopBits; ///< 1 or 2
     std::optional<char> parity;  ///< 'n', 'e', 'o', 'm' or 's'
 
+    /// The same items are known and have the same values.
     bool operator==(const LineFormat&) const = default;
 };
 

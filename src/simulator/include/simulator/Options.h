@@ -17,8 +17,8 @@ using Micros = std::int64_t; ///< the caller's monotonic clock, in microseconds
 
 /// Something that happens to a byte with a probability; the same seed gives the same bytes.
 struct FaultRate {
-    double rate = 0.0; ///< 0 never, 1 every byte
-    std::uint64_t seed = 1;
+    double rate = 0.0;      ///< 0 never, 1 every byte
+    std::uint64_t seed = 1; ///< of the fault's own random numbers
 };
 
 /// Faults that can be switched on. The line's faults work in both directions.
@@ -27,7 +27,7 @@ struct Faults {
     FaultRate doubled;       ///< the byte arrives twice
     FaultRate flipped;       ///< one of its bits is turned over
     FaultRate stall;         ///< before this byte the printer's output pauses
-    int stallMs = 1000;      ///< and for so long
+    int stallMs = 1000;      ///< and for so long, in milliseconds
     bool noEcho = false;     ///< command lines are not echoed
     int errorOnCommand = 0;  ///< the n-th command line (1-based) fails with error 1099; 0 = none
     bool dsrDropped = false; ///< the printer never holds DSR
@@ -37,20 +37,22 @@ struct Faults {
 /// One virtual printer. The defaults are a printer that a host finds with its default search.
 struct Options {
     std::string model = "R7G"; ///< one of the ten model codes
-    int baud = 9600; ///< the wired UART's setup at start: rate, parity, data bits, stop bits
-    char parity = 'n';
-    int dataBits = 8;
-    int stopBits = 2;
+    // The setup, at the start, of the channel that the host is wired to:
+    int baud = 9600;            ///< bits per second
+    char parity = 'n';          ///< 'n', 'e', 'o', 'm' or 's'
+    int dataBits = 8;           ///< 7 or 8
+    int stopBits = 2;           ///< 1 or 2
     int uart = 1;               ///< the channel that the host is wired to, 1 to 3
-    int bootMs = 3000;          ///< how long a restart takes
+    int bootMs = 3000;          ///< how long a restart takes, in milliseconds
     bool paced = false;         ///< bytes take their time on the line
     std::string version;        ///< firmware text; empty = the model's own
     std::uint64_t capacity = 0; ///< bytes of the work device; 0 = the model's own
     std::string stateDir;       ///< keep storage and setup in this folder; empty = in memory
     std::string labelsDir;      ///< write a PNG for each printed label here; empty = none
-    Faults faults;
+    Faults faults;              ///< none are switched on
 };
 
+/// What an address or a command line was read as.
 struct ParseResult {
     std::optional<Options> options; ///< absent = refused
     std::string error;              ///< says what was wrong, for a person

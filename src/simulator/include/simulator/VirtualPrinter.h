@@ -32,8 +32,9 @@ class VirtualPrinter {
     /// nothing does. It works all the same, without the folder.
     const std::string& Problem() const;
 
-    /// A host opened or closed its end. While no host is there, what the printer sends is lost.
+    /// A host opened its end. While none has, what the printer sends is lost.
     void HostOpened(Micros now);
+    /// It closed its end: what is on the way to it is lost too.
     void HostClosed(Micros now);
 
     /// The host's line settings as far as the endpoint carries them; at the start none are carried.
@@ -67,8 +68,9 @@ class VirtualPrinter {
     /// program. A caller that reads from a socket stops reading while this is large.
     std::size_t Backlog() const;
 
-    /// Drops bytes that are on the way, as a host's flush does.
+    /// Drops the bytes that are on the way to the printer, as a host's flush does.
     void DiscardFromHost(Micros now);
+    /// The same with those that are on the way to the host.
     void DiscardToHost(Micros now);
 
     /// When Advance (or ToHost) has work again, absolute: a time not after the last one given =
@@ -79,9 +81,13 @@ class VirtualPrinter {
     /// of a restart.
     void Advance(Micros now);
 
-    /// DSR and CTS as the host sees them, and whether the line has been cut for good.
+    /// DSR as the host sees it: held unless the printer is starting, the line cut or a fault drops
+    /// it.
     bool Dsr() const;
+    /// CTS as the host sees it: dropped besides while the printer, set up for it, has the host
+    /// wait.
     bool Cts() const;
+    /// Whether a fault has cut the line, for good.
     bool LineCut() const;
 
   private:

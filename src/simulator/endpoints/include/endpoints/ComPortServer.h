@@ -36,8 +36,9 @@ class ComPortServer {
     /// The host asked for a pause.
     bool Suspended() const { return mSuspended; }
 
-    /// What is to be sent; the owner takes away what was.
+    /// What is to be sent to the host; the caller erases what it has sent.
     std::string& Output() { return mOutput; }
+    /// The same, to look at.
     const std::string& Output() const { return mOutput; }
 
   private:

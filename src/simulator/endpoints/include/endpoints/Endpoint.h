@@ -30,6 +30,8 @@ class Endpoint {
 
     /// Looks whether a host is there now; called after each sleep.
     virtual void Refresh() = 0;
+    /// Whether a host is there, or has left bytes behind that Receive still gives out; as of the
+    /// last Refresh, Receive or Write.
     virtual bool Connected() const = 0;
 
     /// What is known of the host's line settings.
@@ -50,9 +52,9 @@ class Endpoint {
 
 /// An endpoint, or the reason why there is none: the system's number and a text for a person.
 struct OpenedEndpoint {
-    std::unique_ptr<Endpoint> endpoint;
-    int systemError = 0;
-    std::string error;
+    std::unique_ptr<Endpoint> endpoint; ///< null when it could not be opened
+    int systemError = 0;                ///< errno then, else 0
+    std::string error; ///< what could not be done and why; empty when all went well
 };
 
 } // namespace qnsim

@@ -10,6 +10,8 @@
 
 namespace qnsim {
 
+/// Carries what a host does to the printer and the printer's answers back, host after host. Single-
+/// threaded: all of it happens in Run.
 class PrinterServer {
   public:
     /// All are used, not owned; the loop is the one that the endpoint was opened with.

@@ -18,19 +18,22 @@ namespace qnsim {
 /// then, seen again at its leaving, are what it put back: its last words were sent with its own.
 class PtyEndpoint : public Endpoint {
   public:
-    /// link: a name to give the device as well, replaced when it is a symbolic link already; empty
-    /// = none.
+    /// Makes a pseudo-terminal and watches it on this loop. link: a name to give the device as
+    /// well, replaced when it is a symbolic link already, refused (EEXIST) when it is anything
+    /// else, and removed at the end; empty = none.
     static OpenedEndpoint Open(qncomm::Reactor& loop, const std::string& link);
     ~PtyEndpoint() override;
 
     std::string Address() const override { return mLink.empty() ? mDevice : mLink; }
     void Want(bool input, bool output) override;
     void Refresh() override;
+    /// A host that left counts as there until its last bytes have been given out.
     bool Connected() const override { return mHost || !mLastWords.empty(); }
     LineFormat HostFormat() const override { return mFormat; }
     std::vector<HostAction> Receive(std::size_t max) override;
     std::size_t Write(std::string_view bytes) override;
 
+    /// The device itself, "/dev/pts/" and a number, also where a link leads to it.
     const std::string& Device() const { return mDevice; }
 
   private:

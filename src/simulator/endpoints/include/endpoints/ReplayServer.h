@@ -8,6 +8,8 @@
 
 namespace qnsim {
 
+/// Lets one host after the other play its side of a recorded session. Single-threaded: all of it
+/// happens in Run.
 class ReplayServer {
   public:
     /// All are used, not owned; the loop is the one that the endpoint was opened with.

@@ -12,12 +12,14 @@ namespace qnsim {
 /// bits, 1 stop bit.
 class Rfc2217Endpoint : public Endpoint {
   public:
-    /// port 0 takes any free one; Address names it.
+    /// Listens on a port of this machine (0 takes any free one, which Address names) and watches
+    /// its sockets on this loop.
     static OpenedEndpoint Open(qncomm::Reactor& loop, int port, Reach reach = Reach::ThisMachine);
 
     std::string Address() const override;
     void Want(bool input, bool output) override;
     void Refresh() override;
+    /// Whether a host's connection is open.
     bool Connected() const override { return mSocket.Connected(); }
     LineFormat HostFormat() const override { return mPort.Format(); }
     std::vector<HostAction> Receive(std::size_t max) override;

@@ -28,10 +28,12 @@ class SocketHost {
     /// An empty text, or why it cannot listen; errno is the system's number then. port 0 takes any
     /// free one.
     std::string Listen(int port, Reach reach);
+    /// The port that it listens on, 0 before Listen.
     int Port() const { return mPort; }
 
     /// Takes in a host when none is there. True when one has just come.
     bool Accept();
+    /// Whether a host's connection is open.
     bool Connected() const { return static_cast<bool>(mHost); }
     /// Ends the host's connection.
     void HangUp();
