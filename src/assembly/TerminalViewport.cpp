@@ -41,6 +41,7 @@ TerminalViewport::~TerminalViewport() {
 void TerminalViewport::Show(std::string_view text) {
     mGrid.Write(text);
     TellChange();
+    Received.Raise(text);
 }
 
 void TerminalViewport::TellChange() {

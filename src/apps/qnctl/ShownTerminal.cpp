@@ -4,18 +4,13 @@
 
 namespace qnctl {
 
-ShownTerminal::ShownTerminal(Session& session, Follower follower)
-    : mSession(session), mFollower(std::move(follower)) {
-    mSession.Control().UserControl_Show(); // may raise: the sink is set when nothing can
-    mSession.Serial().SetTerminalSink([this](std::string_view text) {
-        mSession.Assembly().Grid().Write(text);
-        if (mFollower) mFollower(text);
-    });
+ShownTerminal::ShownTerminal(Session& session, Follower follower) : mSession(session) {
+    mSession.Control().UserControl_Show(); // may raise: nothing is to be undone then
+    if (follower) mReceived = mSession.Assembly().Viewport().Received.Connect(std::move(follower));
 }
 
 ShownTerminal::~ShownTerminal() {
-    qncomm::Terminal& grid = mSession.Assembly().Grid();
-    mSession.Serial().SetTerminalSink([&grid](std::string_view text) { grid.Write(text); });
+    mReceived.Reset();
     mSession.Control().UserControl_Hide();
 }
 

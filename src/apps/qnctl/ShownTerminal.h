@@ -2,18 +2,20 @@
 
 #include "Session.h"
 
+#include "common/Event.h"
+
 #include <functional>
 #include <string_view>
 
 namespace qnctl {
 
-/// The control shown, which keeps the port open for its terminal; what the printer says goes to the
-/// grid, and to whoever follows. Hidden again however the work in between ends.
+/// The control shown, which keeps the port open for its terminal; what the printer says goes to its
+/// viewport, and to the follower if there is one. Hidden again however the work in between ends.
 class ShownTerminal {
   public:
     using Follower = std::function<void(std::string_view)>;
 
-    /// The session outlives the object.
+    /// The session must outlive the object. The follower may be empty.
     ShownTerminal(Session& session, Follower follower);
     ~ShownTerminal();
     ShownTerminal(const ShownTerminal&) = delete;
@@ -21,7 +23,7 @@ class ShownTerminal {
 
   private:
     Session& mSession;
-    Follower mFollower;
+    qncomm::Subscription mReceived;
 };
 
 } // namespace qnctl

@@ -46,7 +46,7 @@ Outcome Carry(Session& session, const TransferArguments& arguments,
     try {
         transfer();
     } catch (const qncomm::OperationCancelled&) {
-        AwaitPrompt(session, progress.Whole().bytes > 0);
+        session.Link().AwaitPrompt(progress.Whole().bytes > 0);
         throw;
     } catch (const qncomm::QNError& error) {
         if (session.Interrupted()) return Cancelled();

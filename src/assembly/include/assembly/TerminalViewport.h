@@ -1,5 +1,6 @@
 #pragma once
 
+#include "common/Event.h"
 #include "control/ViewportTerminal.h"
 
 #include <cstddef>
@@ -38,6 +39,10 @@ class TerminalViewport final : public ViewportTerminal {
 
     /// Calls the screen no more; it may be destroyed from now on.
     void TakeScreenAway() { mScreen = nullptr; }
+
+    /// Text has come to the terminal and stands in the grid: bytes as the line brought them, valid
+    /// for the call alone. An error that a handler raises goes to the loop's turn.
+    Event<std::string_view> Received;
 
     /// Keys that the person typed, as bytes for the line. Returns how many it took: none while the
     /// port is closed or an operation has it, fewer than all when the line is behind.

@@ -221,6 +221,13 @@ class clsDataLink {
     /// in 1022.
     void BinaryDownload(const std::string& sDestination, std::int16_t iProtocol = BinaryZModem);
 
+    /// Waits, after a transfer was cancelled, until the printer is back at its prompt, so that the
+    /// next command finds it there; what arrives meanwhile is dropped. With bMoving bytes were on
+    /// their way: what a pseudo-terminal, a socket or a device server has taken cannot be taken
+    /// back, and the printer gets it at the line's rate before the cancel. Returns whether the
+    /// prompt came: false when the line falls silent, never does for 15 s, or the port is closed.
+    bool AwaitPrompt(bool bMoving);
+
   private:
     friend class PortClaim;
     friend class AutoConnectSearch;

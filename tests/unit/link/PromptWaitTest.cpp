@@ -1,0 +1,56 @@
+#include "LinkFixture.h"
+
+namespace qncomm::testing {
+namespace {
+
+/// The wait for the prompt on an open port after a cancelled transfer.
+class PromptWait : public LinkFixture {
+  protected:
+    PromptWait() { mSerial.SetPortOpen(true); }
+
+    /// How many ms the wait took; its answer goes to mFound.
+    std::int64_t Wait(bool moving) {
+        const std::int64_t start = mLoop.NowMs();
+        mFound = mLink.AwaitPrompt(moving);
+        return mLoop.NowMs() - start;
+    }
+
+    bool mFound = false;
+};
+
+TEST_F(PromptWait, EndsWithThePromptHoweverItIsCut) {
+    mSerial.Arrive("rest of the tran");
+    mSerial.Arrive("sfer\r\nO", 100);
+    mSerial.Arrive("k\r\n", 300);
+    EXPECT_EQ(Wait(false), 300);
+    EXPECT_TRUE(mFound);
+}
+
+TEST_F(PromptWait, GivesUpWhenTheLineIsSilent) {
+    EXPECT_NEAR(static_cast<double>(Wait(false)), 400, 1);
+    EXPECT_FALSE(mFound);
+}
+
+TEST_F(PromptWait, WhatIsOnItsWayIsWaitedForAsLongAsItTravels) {
+    mLink.SetBaudrate("9600");
+    mSerial.Arrive("Ok\r\n", 2600); // two thousand bytes take 2292 ms
+    EXPECT_EQ(Wait(true), 2600);
+    EXPECT_TRUE(mFound);
+}
+
+TEST_F(PromptWait, ALineThatNeverFallsSilentIsLeftAfterFifteenSeconds) {
+    for (int ms = 0; ms < 20'000; ms += 200)
+        mSerial.Arrive("x", ms);
+    EXPECT_NEAR(static_cast<double>(Wait(false)), 15'000, 1);
+    EXPECT_FALSE(mFound);
+}
+
+TEST_F(PromptWait, EndsWhenThePortGoesAwayAndTakesTheReceivePathBack) {
+    const auto alarm = mLoop.StartTimer(50, [this] { mSerial.Vanish(); });
+    EXPECT_LE(Wait(false), 60);
+    EXPECT_FALSE(mFound);
+    EXPECT_TRUE(mSerial.HasSink());
+}
+
+} // namespace
+} // namespace qncomm::testing
