@@ -1,17 +1,12 @@
 #include "assembly/NamedPortSettings.h"
 
+#include "LineSettings.h"
 #include "common/Numbers.h"
 #include "common/Text.h"
 
 #include <utility>
 
 namespace qncomm {
-namespace {
-
-constexpr std::string_view LineSection = "Settings";
-constexpr std::string_view PortKey = "Commport";
-
-} // namespace
 
 NamedPortSettings::NamedPortSettings(std::shared_ptr<RegSettings> store, std::int16_t iPort,
                                      const std::string& sAddress)

@@ -56,4 +56,8 @@ std::unique_ptr<ByteChannel> MakeChannel(const PortAddress& address, Reactor& re
     return address.kind->make(address.text, reactor);
 }
 
+std::string NameOfPort(std::int16_t iPort) {
+    return "COM" + std::to_string(iPort);
+}
+
 } // namespace qncomm

@@ -7,12 +7,6 @@
 namespace qncomm {
 namespace {
 
-constexpr std::string_view PortsSection = "Ports";
-
-std::string KeyOf(std::int16_t port) {
-    return "COM" + std::to_string(port);
-}
-
 /// Whether the address is this device, under its own name or by a link such as those in
 /// /dev/serial/by-id.
 bool IsDevice(const PortAddress& address, const std::string& path) {
@@ -42,13 +36,13 @@ std::string PortBindings::Give(std::int16_t iPort, std::string_view sAddress) {
 std::vector<std::string> PortBindings::AddSettings(const RegSettings& settings) {
     std::vector<std::string> warnings;
     for (std::int16_t port = 0; port <= Highest; ++port) {
-        const std::string text = settings.ReadValue(PortsSection, KeyOf(port), "");
+        const std::string text = settings.ReadValue(Section, NameOfPort(port), "");
         if (text.empty()) continue;
         PortAddressResult parsed = ParsePortAddress(text, mKinds);
         if (parsed.address)
             Bind({port, std::move(*parsed.address), BindingSource::Settings, {}});
         else
-            warnings.push_back(KeyOf(port) + " in the settings: " + parsed.error);
+            warnings.push_back(NameOfPort(port) + " in the settings: " + parsed.error);
     }
     return warnings;
 }
@@ -75,6 +69,10 @@ bool PortBindings::Bind(PortBinding binding) {
     if (place && place->source < binding.source) return false;
     place = std::move(binding);
     return true;
+}
+
+void PortBindings::Forget(std::int16_t iPort) {
+    if (InRange(iPort)) mBindings[static_cast<std::size_t>(iPort)].reset();
 }
 
 const PortBinding* PortBindings::Find(std::int16_t iPort) const {

@@ -27,7 +27,7 @@ std::int32_t NumberFor(IoStatus status) {
 } // namespace
 
 std::string PDQComm::PortName() const {
-    const std::string name = "COM" + std::to_string(mPortNumber);
+    const std::string name = NameOfPort(mPortNumber);
     const PortBinding* const binding = mBindings.Find(mPortNumber);
     return binding != nullptr ? name + " (" + binding->address.text + ")" : name;
 }

@@ -4,6 +4,7 @@
 #include "common/Numbers.h"
 #include "common/QNError.h"
 #include "console/Charset.h"
+#include "serial/PortAddress.h"
 
 #include <CLI/CLI.hpp>
 
@@ -37,7 +38,7 @@ void ShowConnection(Session& session) {
     const std::string channel = "UART" + std::to_string(link.Stdio());
     if (session.Out().IsJson()) {
         session.Out().Document(
-            {{"port", session.PortIsLent() ? Json() : Json(session.Port().number)},
+            {{"port", session.Port().lent ? Json() : Json(session.Port().number)},
              {"address", session.Port().address},
              {"channel", link.Stdio()},
              {"baudrate", NumberOf(link.Baudrate())},
@@ -58,9 +59,9 @@ void ShowConnection(Session& session) {
 /// virtual printer is never among them: who wants it names it.
 std::vector<std::int16_t> SearchablePorts(Session& session) {
     std::vector<std::int16_t> numbers;
-    for (const qncomm::PortBinding& port : session.Bindings().List())
+    for (const qncomm::PortBinding& port : session.Ports().Bindings().List())
         if (port.number > 0 && port.address.kind->searched) numbers.push_back(port.number);
-    const int start = ConfiguredPort(session.Store(), session.Bindings()).value_or(1);
+    const int start = session.Ports().ConfiguredNumber().value_or(1);
     std::stable_sort(numbers.begin(), numbers.end(), [start](std::int16_t a, std::int16_t b) {
         return std::abs(a - start) < std::abs(b - start);
     });
@@ -78,7 +79,7 @@ Outcome TryPort(Session& session) {
 Outcome SearchAllPorts(Session& session) {
     Outcome last = Refused(ExitStatus::Usage, "There is no serial port to search.");
     for (const std::int16_t number : SearchablePorts(session)) {
-        if (Outcome chosen = session.ChooseThePort("COM" + std::to_string(number)); !chosen.Ok())
+        if (Outcome chosen = session.ChooseThePort(qncomm::NameOfPort(number)); !chosen.Ok())
             return chosen;
         session.Status().Show("Searching on " + session.PortName());
         last = TryPort(session);

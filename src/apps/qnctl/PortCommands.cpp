@@ -1,6 +1,7 @@
 #include "Command.h"
 #include "Session.h"
 
+#include "serial/PortAddress.h"
 #include "serial/PortListing.h"
 
 namespace qnctl {
@@ -21,13 +22,13 @@ Json DocumentOf(const PortListing& port, bool configured) {
 Output::Row RowOf(const PortListing& port, bool configured) {
     std::string detail = port.detail;
     if (detail.empty()) detail = port.binding.description;
-    return {(configured ? "* COM" : "  COM") + std::to_string(port.binding.number),
+    return {(configured ? "* " : "  ") + qncomm::NameOfPort(port.binding.number),
             port.binding.address.text, NameOf(port.state), NameOf(port.binding.source), detail};
 }
 
 Outcome ListThePorts(Session& session) {
-    const auto configured = ConfiguredPort(session.Store(), session.Bindings());
-    const auto ports = qncomm::ListPorts(session.Bindings());
+    const auto configured = session.Ports().ConfiguredNumber();
+    const auto ports = qncomm::ListPorts(session.Ports().Bindings());
     const Output& out = session.Out();
     if (out.IsJson()) {
         Json list = Json::array();

@@ -1,7 +1,10 @@
 #include "Session.h"
 
-#include "assembly/NamedPortSettings.h"
+#include "PortRefusal.h"
+
+#include "assembly/AllChannelKinds.h"
 #include "common/QNError.h"
+#include "serial/PortAddress.h"
 
 #include <iostream>
 #include <utility>
@@ -42,31 +45,29 @@ Session::Session(const GlobalOptions& options, const Output& output)
              .style = StyleFor(options),
              .width = TerminalWidth(),
              .log = [this](std::string_view line) { Note(line); }}),
-      mStore(StoreFor(options)) {}
+      mStore(StoreFor(options)),
+      mBook(mStore, qncomm::AllChannelKinds()) {
+    for (const std::string& line : mBook.Warnings())
+        std::cerr << "qnctl: " << line << std::endl;
+}
 
 Session::~Session() {
     Unwire();
 }
 
-void Session::Prepare() {
-    std::string warnings;
-    mBindings = BindPorts(*mStore, warnings);
-    if (!warnings.empty()) std::cerr << "qnctl: " << warnings << std::flush;
-}
-
 Outcome Session::ChooseThePort(const std::string& sNamed) {
     Unwire();
-    mPort = ChoosePort(sNamed, *mStore, mBindings);
-    if (!mPort.outcome.Ok()) return mPort.outcome;
+    mPort = mBook.Choose(sNamed);
+    if (!mPort) return WhyNot(mPort, sNamed, mBook.Bindings());
     if (Outcome labels = PassLabelsOn(); !labels.Ok()) return labels;
     return MakeTheControl();
 }
 
 Outcome Session::ChooseNoPort() {
     Unwire();
-    mBindings = {};
     mPort = {};
     mPort.number = qncomm::PortBindings::Highest; // a lower one than 1 would be looked for
+    mPort.lent = true;
     return MakeTheControl();
 }
 
@@ -83,17 +84,15 @@ Outcome Session::MakeTheControl() {
 
 Outcome Session::PassLabelsOn() {
     if (mOptions.labels.empty()) return {};
-    if (mPort.address.rfind("sim:", 0) != 0)
+    if (!qncomm::IsVirtual(mPort.address))
         return Refused(ExitStatus::Usage, "--labels is for the virtual printer (sim:MODEL).");
-    const char* joint = mPort.address.find('?') == std::string::npos ? "?" : "&";
-    const std::string wrong =
-        mBindings.Give(mPort.number, mPort.address + joint + "labels=" + mOptions.labels);
+    const std::string wrong = mBook.GiveOption(mPort, "labels", mOptions.labels);
     return wrong.empty() ? Outcome{} : Refused(ExitStatus::Usage, "--labels: " + wrong);
 }
 
 void Session::Wire() {
     qncomm::ControlAssembly::Options options;
-    options.bindings = mBindings;
+    if (!mPort.address.empty()) options.bindings = mBook.Bindings();
     options.trace = mTrace.get();
     mAssembly = std::make_unique<qncomm::ControlAssembly>(mLoop, mDesk.Services(), mDesk.View(),
                                                           std::move(options));
@@ -103,11 +102,7 @@ void Session::Wire() {
             OnStatus(message, progress, cancel);
         });
     Control().UserControl_ReadProperties(qncomm::MemoryPropertyBag());
-    if (mPort.stored)
-        Control().SetRegSettings(mStore);
-    else
-        Control().SetRegSettings(
-            std::make_shared<qncomm::NamedPortSettings>(mStore, mPort.number, mPort.address));
+    Control().SetRegSettings(mBook.SettingsFor(mPort));
 }
 
 void Session::Unwire() {
@@ -120,31 +115,17 @@ void Session::Unwire() {
 }
 
 void Session::Remember() {
-    std::int16_t number = mPort.number;
-    if (PortIsLent()) {
-        number = 1; // take the lowest free one
-        while (number < qncomm::PortBindings::Highest && mBindings.Find(number) != nullptr)
-            ++number;
-    }
-    const std::string text = std::to_string(number);
     // The link's own names for what it saves; its settings object keeps them for this run alone.
-    mStore->WriteValues({{"Ports", "COM" + text, mPort.address},
-                         {"Settings", "Commport", text},
-                         {"Settings", "Baudrate", Link().Baudrate()},
-                         {"Settings", "Parity", Link().Parity()},
-                         {"Settings", "Databits", Link().Databits()},
-                         {"Settings", "Stopbits", Link().Stopbits()},
-                         {"Settings", "FlowControl", Link().Flowcontrol()}});
-}
-
-bool Session::PortIsLent() const {
-    const qncomm::PortBinding* binding = mBindings.Find(mPort.number);
-    return binding == nullptr || binding->source == qncomm::BindingSource::Given;
+    mBook.Remember(mPort, {{{}, "Baudrate", Link().Baudrate()},
+                           {{}, "Parity", Link().Parity()},
+                           {{}, "Databits", Link().Databits()},
+                           {{}, "Stopbits", Link().Stopbits()},
+                           {{}, "FlowControl", Link().Flowcontrol()}});
 }
 
 std::string Session::PortName() const {
-    if (PortIsLent()) return mPort.address;
-    return "COM" + std::to_string(mPort.number) + " (" + mPort.address + ")";
+    if (mPort.lent) return mPort.address;
+    return qncomm::NameOfPort(mPort.number) + " (" + mPort.address + ")";
 }
 
 Outcome Session::Connect() {

@@ -3,9 +3,9 @@
 #include "GlobalOptions.h"
 #include "Outcome.h"
 #include "Output.h"
-#include "PortChoice.h"
 
 #include "assembly/ControlAssembly.h"
+#include "assembly/PortBook.h"
 #include "common/Event.h"
 #include "console/ConsoleDesk.h"
 #include "console/TransferProgress.h"
@@ -29,6 +29,7 @@ namespace qnctl {
 /// host's, put together and taken apart again in the right order, whatever ends the run.
 class Session {
   public:
+    /// Warns about port numbers in the settings that stand for no address.
     Session(const GlobalOptions& options, const Output& output);
     ~Session();
     Session(const Session&) = delete;
@@ -45,9 +46,7 @@ class Session {
     qncomm::StatusLine& Status() { return mDesk.Status(); }
     qncomm::FileSettings& Store() { return *mStore; }
 
-    /// Binds the port numbers; every command's first step. Warns about bindings that do not parse.
-    void Prepare();
-    qncomm::PortBindings& Bindings() { return mBindings; }
+    const qncomm::PortBook& Ports() const { return mBook; }
 
     /// Chooses the port (sNamed, or the configured one when it is empty) and makes the control on
     /// it; that of a port that was chosen before goes away.
@@ -56,7 +55,7 @@ class Session {
     Outcome ChooseNoPort();
     /// Makes the chosen port the configured one, with the settings that were found.
     void Remember();
-    const PortChoice& Port() const { return mPort; }
+    const qncomm::ChosenPort& Port() const { return mPort; }
     qncomm::QNComm& Control() { return mAssembly->Control(); }
     qncomm::ControlAssembly& Assembly() { return *mAssembly; }
     /// What lies beneath the control, for what it does not offer.
@@ -66,8 +65,6 @@ class Session {
     /// Whether the printer can list its storage; the one model that cannot says so in a box each
     /// time that it is asked to.
     bool PrinterLists() { return Control().PrinterType() != "R7C"; }
-    /// Whether the port's number was only made up for this run.
-    bool PortIsLent() const;
     /// "COM3 (/dev/ttyUSB0)", or the address alone of a port without a number of its own.
     std::string PortName() const;
 
@@ -110,8 +107,8 @@ class Session {
     qncomm::PollLoop mLoop{&mInterrupt};
     qncomm::ConsoleDesk mDesk;
     std::shared_ptr<qncomm::FileSettings> mStore;
-    qncomm::PortBindings mBindings;
-    PortChoice mPort;
+    qncomm::PortBook mBook;
+    qncomm::ChosenPort mPort;
     std::unique_ptr<qncomm::JsonLinesTrace> mTrace;
     std::unique_ptr<qncomm::ControlAssembly> mAssembly;
     std::optional<qncomm::TransferProgress> mTransfer;

@@ -16,7 +16,6 @@ namespace qnctl {
 namespace {
 
 Outcome Carry(const Request& request, Session& session) {
-    session.Prepare();
     if (request.command->needs != Needs::Nothing)
         if (Outcome chosen = session.ChooseThePort(request.options.port); !chosen.Ok())
             return chosen;

@@ -1,8 +1,7 @@
 #include "AddressDialog.h"
 
-#include "PortBook.h"
-
 #include "assembly/AllChannelKinds.h"
+#include "assembly/PortBook.h"
 #include "qt/Mnemonics.h"
 #include "serial/PortAddress.h"
 
@@ -165,7 +164,7 @@ void AddressDialog::Select(const std::string& address) {
     for (QTreeWidgetItemIterator row(mChoices); *row != nullptr; ++row) {
         const QString own = (*row)->data(0, AddressRole).toString();
         if (own.isEmpty()) continue;
-        const bool starts = own.endsWith(QLatin1Char('/')) || IsVirtual(own.toStdString());
+        const bool starts = own.endsWith(QLatin1Char('/')) || qncomm::IsVirtual(own.toStdString());
         if (text == own || (best == nullptr && starts && text.startsWith(own))) best = *row;
     }
     if (best != nullptr) mChoices->setCurrentItem(best);
@@ -185,7 +184,7 @@ void AddressDialog::Check() {
     QString note = QString::fromStdString(parsed.error);
     for (const NetworkKind& kind : NetworkKinds)
         if (mAddress->text() == QLatin1String(kind.start)) note = tr(kind.hint);
-    if (parsed.address && IsVirtual(Address()))
+    if (parsed.address && qncomm::IsVirtual(Address()))
         note =
             tr("Nothing is connected: the printer runs inside this program. Its labels are shown "
                "as pictures.");

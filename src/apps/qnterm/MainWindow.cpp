@@ -13,6 +13,7 @@
 #include "WelcomePage.h"
 #include "WindowMemory.h"
 
+#include "assembly/AllChannelKinds.h"
 #include "common/QNError.h"
 #include "control/QNComm.h"
 #include "qt/Charset.h"
@@ -58,9 +59,11 @@ constexpr int EndingPollMs = 20;
 
 MainWindow::MainWindow(const StartOptions& options, std::shared_ptr<qncomm::FileSettings> store,
                        qncomm::TraceSink* trace)
-    : mOptions(options), mStore(std::move(store)), mBook(mStore), mSent(mStore) {
-    mPort =
-        options.port.isEmpty() ? mBook.Configured() : mBook.ForThisRun(options.port.toStdString());
+    : mOptions(options),
+      mStore(std::move(store)),
+      mBook(mStore, qncomm::AllChannelKinds()),
+      mSent(mStore) {
+    mPort = mBook.Choose(options.port.toStdString());
     setWindowTitle(tr("QNComm Terminal"));
     BuildCentre(trace);
     BuildDocks();
@@ -79,8 +82,8 @@ MainWindow::~MainWindow() = default;
 void MainWindow::BuildCentre(qncomm::TraceSink* trace) {
     // While none is chosen the control is set to the virtual printer: nothing of this machine is
     // touched.
-    const ChosenPort port = mPort ? mPort : mBook.ForThisRun(VirtualPrinter);
-    mLabelFolder = IsVirtual(port.address) ? mBook.GiveLabels(port, LabelFolder()) : "";
+    const qncomm::ChosenPort port = mPort ? mPort : mBook.Choose(VirtualPrinter);
+    GiveLabels(port);
     qncomm::ControlAssembly::Options options;
     options.bindings = mBook.Bindings();
     options.trace = trace;
@@ -196,7 +199,7 @@ void MainWindow::Start() {
         return;
     }
     mCentre->setCurrentWidget(mWelcome);
-    if (!mPort.problem.empty()) mStatus->Say(QString::fromStdString(mPort.problem));
+    if (!mPort.message.empty()) mStatus->Say(QString::fromStdString(mPort.message));
     ChoosePort();
 }
 
@@ -208,17 +211,16 @@ void MainWindow::ChoosePort() {
 }
 
 void MainWindow::TakeAddress(const std::string& address) {
-    ChosenPort port;
+    qncomm::ChosenPort port = mBook.Choose(address);
     try {
-        port = mBook.Configure(address);
+        if (port) port = mBook.Remember(port);
     } catch (const qncomm::QNError& error) { // it is used all the same, but not remembered
         ShowFailure(tr("Remember the port"), error);
-        port = mBook.ForThisRun(address);
     }
     if (port)
         UsePort(port);
     else
-        mStatus->Say(QString::fromStdString(port.problem));
+        mStatus->Say(QString::fromStdString(port.message));
 }
 
 /// Where the virtual printer's labels go; made when it is asked for.
@@ -228,10 +230,15 @@ std::string MainWindow::LabelFolder() {
     return mScratchLabels->path().toStdString();
 }
 
+void MainWindow::GiveLabels(const qncomm::ChosenPort& port) {
+    mLabelFolder =
+        qncomm::IsVirtual(port.address) ? mBook.GiveLabels(port, LabelFolder()) : std::string();
+}
+
 /// Sets the control to another port.
-void MainWindow::UsePort(const ChosenPort& port) {
+void MainWindow::UsePort(const qncomm::ChosenPort& port) {
     mPort = port;
-    mLabelFolder = IsVirtual(port.address) ? mBook.GiveLabels(port, LabelFolder()) : "";
+    GiveLabels(port);
     mCentre->setCurrentWidget(mWelcome); // the control gives the former port back
     qncomm::QNComm& control = mControl->control();
     mControl->assembly().Serial().Bindings() = mBook.Bindings();

@@ -1,9 +1,9 @@
 #pragma once
 
 #include "CommandLine.h"
-#include "PortBook.h"
 #include "SentFiles.h"
 
+#include "assembly/PortBook.h"
 #include "platform/FileSettings.h"
 
 #include <QMainWindow>
@@ -63,7 +63,8 @@ class MainWindow final : public QMainWindow {
     void Start();
     void ChoosePort();
     void TakeAddress(const std::string& address);
-    void UsePort(const ChosenPort& port);
+    void UsePort(const qncomm::ChosenPort& port);
+    void GiveLabels(const qncomm::ChosenPort& port);
     void EnterPort();
     std::string LabelFolder();
     void ShowPortState();
@@ -73,8 +74,8 @@ class MainWindow final : public QMainWindow {
 
     StartOptions mOptions;
     std::shared_ptr<qncomm::FileSettings> mStore;
-    PortBook mBook;
-    ChosenPort mPort;
+    qncomm::PortBook mBook;
+    qncomm::ChosenPort mPort;
     std::string mLabelFolder; ///< of the virtual printer; empty for other ports
     QString mPrinter;         ///< the model that answered on the port
     SentFiles mSent;

@@ -8,7 +8,6 @@
 #include "CommandLine.h"
 #include "LabelView.h"
 #include "PcxImage.h"
-#include "PortBook.h"
 #include "PreviewPane.h"
 #include "StatusView.h"
 #include "testing/face/Accessible.h"
@@ -25,7 +24,6 @@
 namespace qnterm::test {
 namespace {
 
-using qncomm::MemorySettings;
 using qncomm::testing::ScratchFolder;
 using ::testing::HasSubstr;
 
@@ -92,56 +90,6 @@ TEST(StartOptions, HelpAndVersionEndWellAndNonsenseDoesNot) {
                 HasSubstr("qnterm 0."));
     EXPECT_EQ(ParseCommandLine({"qnterm", "--nonsense"}).ended, 2);
     EXPECT_EQ(ParseCommandLine({"qnterm", "file.txt"}).ended, 2);
-}
-
-// -- Ports
-
-TEST(PortsOfTheWindow, WithNothingConfiguredThereIsNoneAndNoComplaint) {
-    const PortBook book(std::make_shared<MemorySettings>());
-    EXPECT_FALSE(book.Configured());
-    EXPECT_EQ(book.Configured().problem, "");
-}
-
-TEST(PortsOfTheWindow, AChosenOneIsTheConfiguredOneOfTheNextStart) {
-    const auto store = std::make_shared<MemorySettings>();
-    PortBook first(store);
-    EXPECT_TRUE(first.Configure("sim:R7A"));
-    const ChosenPort port = PortBook(store).Configured();
-    EXPECT_EQ(port.address, "sim:R7A");
-    EXPECT_TRUE(port.configured);
-    EXPECT_EQ(PortBook(store).SettingsFor(port), store);
-}
-
-TEST(PortsOfTheWindow, OneForThisRunLeavesTheConfiguredOneAndItsSettingsAlone) {
-    const auto store = std::make_shared<MemorySettings>();
-    PortBook book(store);
-    book.Configure("sim:R7A");
-    store->WriteValue("Settings", "Baudrate", "9600");
-    const ChosenPort port = book.ForThisRun("tcp://127.0.0.1:4000");
-    ASSERT_TRUE(port);
-    const auto settings = book.SettingsFor(port);
-    EXPECT_EQ(settings->ReadValue("Settings", "Commport", ""), std::to_string(port.number));
-    settings->WriteValues({{"Settings", "Commport", "7"}, {"Settings", "Baudrate", "57600"}});
-    EXPECT_EQ(settings->ReadValue("settings", "baudrate", ""), "57600");
-    EXPECT_EQ(store->ReadValue("Settings", "Baudrate", ""), "9600");
-    EXPECT_EQ(book.Configured().address, "sim:R7A");
-    EXPECT_EQ(store->ReadValue("Connection tcp://127.0.0.1:4000", "Baudrate", ""), "57600");
-}
-
-TEST(PortsOfTheWindow, WhatIsNoAddressIsRefusedWithAReason) {
-    PortBook book(std::make_shared<MemorySettings>());
-    const ChosenPort port = book.ForThisRun("nowhere");
-    EXPECT_FALSE(port);
-    EXPECT_THAT(port.problem, HasSubstr("nowhere: "));
-    EXPECT_FALSE(book.ForThisRun("COM9"));
-}
-
-TEST(PortsOfTheWindow, LabelsGoIntoTheFolderOfTheAddressOrTheGivenOne) {
-    PortBook book(std::make_shared<MemorySettings>());
-    EXPECT_EQ(book.GiveLabels(book.ForThisRun("sim:R7G"), "/tmp/l"), "/tmp/l");
-    EXPECT_EQ(book.GiveLabels(book.ForThisRun("sim:R7A?labels=/x&baud=9600"), "/tmp/l"), "/x");
-    EXPECT_EQ(book.GiveLabels(book.ForThisRun("tcp://h:1"), "/tmp/l"), "");
-    EXPECT_EQ(LabelsOf("sim:R7G?baud=57600"), "");
 }
 
 // -- Choosing a port

@@ -35,6 +35,9 @@ PortAddressResult ParsePortAddress(std::string_view sText,
 /// 16.
 std::optional<std::int16_t> ParsePortNumber(std::string_view sText);
 
+/// The name of a port number, "COM3" for 3: the key of its address in the settings, too.
+std::string NameOfPort(std::int16_t iPort);
+
 /// The channel that an address leads to, by its kind. The reactor outlives it.
 std::unique_ptr<ByteChannel> MakeChannel(const PortAddress& address, Reactor& reactor);
 

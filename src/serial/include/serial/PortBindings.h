@@ -35,6 +35,8 @@ class PortBindings {
   public:
     /// The highest port number.
     static constexpr std::int16_t Highest = 16;
+    /// The section of the settings that holds addresses by the names of their numbers.
+    static constexpr std::string_view Section = "Ports";
 
     /// Addresses are of the kinds that lead out of the program.
     PortBindings() : PortBindings(SerialChannelKinds()) {}
@@ -54,6 +56,9 @@ class PortBindings {
     /// Binds devices to the numbers from 1 on that are still free, in their order; a device that
     /// already has a number gets no second one. Call it last.
     void AddDevices(const std::vector<SerialDevice>& devices);
+
+    /// Takes a number's binding away, whoever made it.
+    void Forget(std::int16_t iPort);
 
     /// The binding of a number, nothing when it has none.
     const PortBinding* Find(std::int16_t iPort) const;
