@@ -5,7 +5,8 @@
 namespace qncomm {
 
 frmWaitForReboot::frmWaitForReboot(MessageLoop& loop)
-    : mTimer1(loop.StartTimer(TimerInterval, [this] { Timer1_Timer(); })) {}
+    : FormModel("Printer Reboot..."),
+      mTimer1(loop.StartTimer(TimerInterval, [this] { Timer1_Timer(); })) {}
 
 void frmWaitForReboot::Timer1_Timer() {
     try {

@@ -248,6 +248,20 @@ TEST_F(BinaryTransferDialog, IsSeenInLightAndDark) {
     });
 }
 
+/// A form that nothing is registered for.
+struct UnknownForm : FormModel {
+    UnknownForm() : FormModel("Unknown") {}
+};
+
+using FormWithoutAWindow = FormDialogs;
+
+TEST_F(FormWithoutAWindow, CountsAsClosedByItsCloseBox) {
+    UnknownForm form;
+    mForms.ShowModal(form);
+    EXPECT_FALSE(form.IsOpen());
+    EXPECT_EQ(mForms.Show(form), nullptr);
+}
+
 using RebootWindow = FormDialogs;
 
 TEST_F(RebootWindow, StandsBesideAndCreepsForward) {

@@ -155,7 +155,7 @@ void DeviceBrowser::ShowDevice() {
     const DeviceListing* device = Device();
     const bool plain = device == nullptr || device->kind == DeviceKind::Files;
     mFiles.SetFiles(device != nullptr ? device->files : nullptr);
-    // Of fonts the printer tells no sizes.
+    // The printer does not report font sizes.
     mFileView->setColumnHidden(FileTable::SizeColumn,
                                device != nullptr && device->kind == DeviceKind::Fonts);
     mPreview->setVisible(!plain && mFiles.rowCount() > 0);

@@ -40,7 +40,7 @@ constexpr QSize UsualSize{1180, 760};
 constexpr int UsualDockWidth = 400;
 constexpr const char* VirtualPrinter = "sim:R7G";
 
-/// What stands beside the terminal.
+/// What stands beside the terminal, in the order of the window's docks.
 struct DockPlace {
     const char* name;
     const char* title;
@@ -71,9 +71,8 @@ MainWindow::MainWindow(const StartOptions& options, std::shared_ptr<qncomm::File
     ConnectParts();
     resize(UsualSize);
     if (!RestoreWindow(*this, *mStore)) {
-        const QList<QDockWidget*> docks = findChildren<QDockWidget*>();
-        resizeDocks({docks.front()}, {UsualDockWidth}, Qt::Horizontal);
-        docks.front()->raise();
+        resizeDocks({mDocks.front()}, {UsualDockWidth}, Qt::Horizontal);
+        mDocks.front()->raise();
     }
 }
 
@@ -107,16 +106,13 @@ void MainWindow::BuildCentre(qncomm::TraceSink* trace) {
 /// is made once the window is shown.
 void MainWindow::BuildDocks() {
     setDockNestingEnabled(true);
-    QDockWidget* first = nullptr;
     for (const DockPlace& place : DockPlaces) {
         auto* dock = new QDockWidget(tr(place.title).remove(QLatin1Char('&')), this);
         dock->setObjectName(QString::fromLatin1(place.name));
         dock->setMinimumWidth(LeastDockCharacters * fontMetrics().averageCharWidth());
         addDockWidget(Qt::RightDockWidgetArea, dock);
-        if (first == nullptr)
-            first = dock;
-        else
-            tabifyDockWidget(first, dock);
+        if (!mDocks.isEmpty()) tabifyDockWidget(mDocks.front(), dock);
+        mDocks.append(dock);
     }
 }
 
@@ -126,9 +122,8 @@ void MainWindow::FillDocks() {
     mModules = new ModuleBrowser(*mOperations);
     mLabels = new LabelView;
     QWidget* const contents[] = {mDevices, mSetup, mModules, mLabels};
-    const DockPlace* place = std::begin(DockPlaces);
-    for (QWidget* content : contents)
-        findChild<QDockWidget*>(QString::fromLatin1((place++)->name))->setWidget(content);
+    for (qsizetype i = 0; i < mDocks.size(); ++i)
+        mDocks[i]->setWidget(contents[i]);
     connect(mModules, &ModuleBrowser::Uploaded, mDevices, &DeviceBrowser::Update);
     connect(mLabels, &LabelView::Printed, this,
             [this] { mStatus->Say(tr("A label has been printed.")); });
@@ -152,9 +147,8 @@ void MainWindow::BuildMenus() {
         view->addAction(action);
     };
     add("&Terminal", "Ctrl+Shift+E", [this] { mCentre->currentWidget()->setFocus(); });
-    for (const DockPlace& place : DockPlaces) {
-        auto* dock = findChild<QDockWidget*>(QString::fromLatin1(place.name));
-        add(place.title, place.keys, [dock] {
+    for (qsizetype i = 0; i < mDocks.size(); ++i) {
+        add(DockPlaces[i].title, DockPlaces[i].keys, [dock = mDocks[i]] {
             dock->show();
             dock->raise();
             dock->widget()->setFocus();

@@ -6,6 +6,7 @@
 #include "assembly/PortBook.h"
 #include "platform/FileSettings.h"
 
+#include <QList>
 #include <QMainWindow>
 #include <QTemporaryDir>
 #include <QTimer>
@@ -14,6 +15,7 @@
 #include <optional>
 #include <string>
 
+class QDockWidget;
 class QStackedWidget;
 
 namespace qncomm {
@@ -85,6 +87,7 @@ class MainWindow final : public QMainWindow {
     bool mStarted = false;
     bool mClosing = false;
 
+    QList<QDockWidget*> mDocks; ///< in the order of their table
     QStackedWidget* mCentre = nullptr;
     WelcomePage* mWelcome = nullptr;
     qncomm::QNCommWidget* mControl = nullptr;

@@ -26,7 +26,7 @@ class RebootProgress final : public ShownWindow {
   private:
     void Show() {
         const ProgressBarModel& bar = mForm.ProgressBar1;
-        mStatus.Show(frmWaitForReboot::Caption, bar.Value() * 100 / bar.Max());
+        mStatus.Show(mForm.Caption(), bar.Value() * 100 / bar.Max());
     }
 
     StatusLine& mStatus;
@@ -43,18 +43,39 @@ void PickProtocol(frmBinaryTransfer& form, std::int16_t protocol) {
 
 } // namespace
 
-void ConsoleForms::ShowModal(frmCommSettings& form) {
-    mAsker.Tell("There is no settings dialog here: choose the port with --port, see \"qnctl "
-                "ports\"; \"qnctl connect\" finds its settings.");
+// A row for each form: how it is shown here. One without a row is declined.
+ConsoleForms::ConsoleForms(ConsoleAsker& asker, StatusLine& status)
+    : mAsker(asker), mStatus(status) {
+    mModal.Add<frmCommSettings>([this](frmCommSettings& form) {
+        Decline(form, "There is no settings dialog here: choose the port with --port, see \"qnctl "
+                      "ports\"; \"qnctl connect\" finds its settings.");
+    });
+    mModal.Add<frmFunctionKeysSetup>([this](frmFunctionKeysSetup& form) {
+        Decline(form, "There is no function keys dialog here: see \"qnctl macros\".");
+    });
+    mModal.Add<frmBinaryTransfer>([this](frmBinaryTransfer& form) { AskForFile(form); });
+    mModeless.Add<frmWaitForReboot>(
+        [this](frmWaitForReboot& form) { return std::make_unique<RebootProgress>(mStatus, form); });
+}
+
+void ConsoleForms::ShowModal(FormModel& form) {
+    if (const auto* show = mModal.Find(form))
+        (*show)(form);
+    else
+        Decline(form, "There is no dialog \"" + form.Caption() + "\" here.");
+}
+
+std::unique_ptr<ShownWindow> ConsoleForms::Show(FormModel& form) {
+    const auto* show = mModeless.Find(form);
+    return show != nullptr ? (*show)(form) : nullptr;
+}
+
+void ConsoleForms::Decline(FormModel& form, const std::string& instead) {
+    mAsker.Tell(instead);
     form.Unload(UnloadMode::ControlMenu);
 }
 
-void ConsoleForms::ShowModal(frmFunctionKeysSetup& form) {
-    mAsker.Tell("There is no function keys dialog here: see \"qnctl macros\".");
-    form.Unload(UnloadMode::ControlMenu);
-}
-
-void ConsoleForms::ShowModal(frmBinaryTransfer& form) {
+void ConsoleForms::AskForFile(frmBinaryTransfer& form) {
     if (mProtocol) PickProtocol(form, *mProtocol);
     form.cmdBrowse.Click();
     if (form.Filename().empty())
@@ -63,10 +84,6 @@ void ConsoleForms::ShowModal(frmBinaryTransfer& form) {
         form.cmdButton[0].Click();
     form.Unload(UnloadMode::ControlMenu); // for a form that its button did not close
     if (form.Accepted()) mStatus.Show("Waiting for the printer's side of the transfer");
-}
-
-std::unique_ptr<ShownWindow> ConsoleForms::Show(frmWaitForReboot& form) {
-    return std::make_unique<RebootProgress>(mStatus, form);
 }
 
 } // namespace qncomm

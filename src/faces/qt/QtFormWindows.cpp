@@ -15,13 +15,13 @@ namespace {
 
 constexpr int RebootBarWidth = 280; // pixels
 
-/// A bar without a button; the close box only hides it. Takes no keys from whoever has them.
-class RebootDialog : public QDialog {
+/// A bar without a button; the close box only hides it. Does not take the keyboard focus.
+class RebootDialog : public FormDialog {
   public:
-    RebootDialog(frmWaitForReboot& form, QWidget* parent)
-        : QDialog(parent, Qt::Dialog | Qt::WindowTitleHint | Qt::WindowCloseButtonHint) {
+    RebootDialog(frmWaitForReboot& form, Desktop& desktop, QWidget* parent)
+        : FormDialog(form, desktop, parent) {
+        setWindowFlags(Qt::Dialog | Qt::WindowTitleHint | Qt::WindowCloseButtonHint);
         setAttribute(Qt::WA_ShowWithoutActivating);
-        setWindowTitle(FromHost(frmWaitForReboot::Caption));
         auto* bar = new QProgressBar(this);
         bar->setObjectName(u"ProgressBar1"_qs);
         bar->setAccessibleName(windowTitle());
@@ -48,24 +48,36 @@ class ShownDialog : public ShownWindow {
 
 } // namespace
 
+/// Registers the window of a form.
+template <class Form, class Dialog>
+void QtFormWindows::Register() {
+    mDialogs.Add<Form>(
+        [this](Form& form) { return std::make_unique<Dialog>(form, mDesktop, ParentWindow()); });
+}
+
+QtFormWindows::QtFormWindows(QWidget* parent, Desktop& desktop)
+    : mParent(parent), mDesktop(desktop) {
+    Register<frmBinaryTransfer, BinaryTransferDialog>();
+    Register<frmCommSettings, CommSettingsDialog>();
+    Register<frmFunctionKeysSetup, FunctionKeysDialog>();
+    Register<frmWaitForReboot, RebootDialog>();
+}
+
 QWidget* QtFormWindows::ParentWindow() const {
     return mParent ? mParent->window() : nullptr;
 }
 
-void QtFormWindows::ShowModal(frmCommSettings& form) {
-    FormDialog::RunModal(std::make_unique<CommSettingsDialog>(form, mDesktop, ParentWindow()));
+void QtFormWindows::ShowModal(FormModel& form) {
+    if (const auto* make = mDialogs.Find(form))
+        FormDialog::RunModal((*make)(form));
+    else
+        form.Unload(UnloadMode::ControlMenu);
 }
 
-void QtFormWindows::ShowModal(frmFunctionKeysSetup& form) {
-    FormDialog::RunModal(std::make_unique<FunctionKeysDialog>(form, mDesktop, ParentWindow()));
-}
-
-void QtFormWindows::ShowModal(frmBinaryTransfer& form) {
-    FormDialog::RunModal(std::make_unique<BinaryTransferDialog>(form, mDesktop, ParentWindow()));
-}
-
-std::unique_ptr<ShownWindow> QtFormWindows::Show(frmWaitForReboot& form) {
-    return std::make_unique<ShownDialog>(new RebootDialog(form, ParentWindow()));
+std::unique_ptr<ShownWindow> QtFormWindows::Show(FormModel& form) {
+    const auto* make = mDialogs.Find(form);
+    if (make == nullptr) return nullptr;
+    return std::make_unique<ShownDialog>((*make)(form).release());
 }
 
 } // namespace qncomm

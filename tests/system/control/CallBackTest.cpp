@@ -92,7 +92,7 @@ TEST_P(CalledBack, TheOperationComesToTheSameEnd) {
 
 /// What gives the line other settings closes and opens the port, in the middle of whatever runs.
 TEST_P(CalledBack, OtherSettingsEndTheOperationAtMostWithItsOwnError) {
-    mForms.mOnCommSettings = [](frmCommSettings& form) { form.cmdOK.Click(); };
+    mForms.On<frmCommSettings>([](frmCommSettings& form) { form.cmdOK.Click(); });
     const Call calls[] = {{"RegSettings", [this] { Control().SetRegSettings(mSettings); }},
                           {"CommSettings", [this] { Control().ShowCommSettings(); }}};
     for (const Call& call : calls) {

@@ -48,12 +48,12 @@ class FileTransfers : public AssembledFixture, public ::testing::WithParamInterf
     }
     /// The dialog of the toolbar's binary keys, answered with a name in the scratch folder.
     void AnswerDialog(const std::string& name) {
-        mForms.mOnBinaryTransfer = [this, name](frmBinaryTransfer& form) {
+        mForms.On<frmBinaryTransfer>([this, name](frmBinaryTransfer& form) {
             form.lblFolder.SetCaption(mFolder.Path());
             form.txtFilename.Type(name, 0);
             form.cmbProtocol.Pick(GetParam().listIndex);
             form.cmdButton[0].Click();
-        };
+        });
     }
 
     const std::string mContent = EveryByte(20'000);

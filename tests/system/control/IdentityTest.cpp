@@ -3,6 +3,7 @@
 #include "testing/stack/AssembledFixture.h"
 
 #include "common/modErrorHandling.h"
+#include "dialogs/frmWaitForReboot.h"
 #include "testing/core/ExpectRaised.h"
 
 namespace qncomm::testing {
@@ -40,13 +41,13 @@ TEST_F(Identity, ARestartIsWaitedForAndShown) {
     Assemble("sim:R7G?boot-ms=20000");
     Control().CopyFile("c:PRICES.DAT", "tmp:GONE.DAT");
     int shown = 0;
-    const auto watch =
-        mReactor.StartTimer(1000, [&] { shown += mForms.mReboot != nullptr ? 1 : 0; });
+    const auto watch = mReactor.StartTimer(
+        1000, [&] { shown += mForms.Shown<frmWaitForReboot>() != nullptr ? 1 : 0; });
     const std::int64_t start = mReactor.NowMs();
     Control().Reboot();
     EXPECT_GE(mReactor.NowMs() - start, 20'000);
     EXPECT_GT(shown, 15);
-    EXPECT_EQ(mForms.mReboot, nullptr);
+    EXPECT_EQ(mForms.Shown<frmWaitForReboot>(), nullptr);
     EXPECT_THAT(FilesOn("tmp:"), IsEmpty()) << "the work device does not outlive a restart";
     EXPECT_THAT(FilesOn("c:"), Contains("PRICES.DAT"));
     EXPECT_FALSE(mAssembly->Serial().PortOpen());

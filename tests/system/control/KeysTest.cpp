@@ -102,11 +102,11 @@ TEST_F(Keys, ARunMacroStartsAProgramAndSendsNothing) {
 }
 
 TEST_F(Keys, KeysAreDefinedInTheirDialogAndWorkAtOnce) {
-    mForms.mOnFunctionKeys = [](frmFunctionKeysSetup& form) {
+    mForms.On<frmFunctionKeysSetup>([](frmFunctionKeysSetup& form) {
         form.SSTab1.Pick(2);
         form.pic1[2].txtAlt.Type("PRINT 33<CR>", 0);
         form.Command1[0].Click();
-    };
+    });
     Control().PressToolbarKey("FunctionkeysSetup");
     EXPECT_EQ(Control().Toolbar1.Find("F3")->toolTip, "Text:\"PRINT 33<CR>\"");
     EXPECT_THAT(Press("F3"), HasSubstr("\r\n33\r\n"));

@@ -76,10 +76,10 @@ void LinkModule(ControlDesk& /*desk*/, QNComm& control) {
 }
 
 void SearchInDialog(ControlDesk& desk, QNComm& control) {
-    desk.mForms.mOnCommSettings = [](frmCommSettings& form) {
+    desk.mForms.On<frmCommSettings>([](frmCommSettings& form) {
         form.cmdAutoConnect.Click();
         form.cmdOK.Click();
-    };
+    });
     control.ShowCommSettings();
 }
 

@@ -22,7 +22,7 @@ class SettingsDialogue : public AssembledFixture {
     ~SettingsDialogue() override { EXPECT_EQ(Pointer::Screen().Shape(), PointerDefault); }
 
     void Open(const std::function<void(frmCommSettings&)>& person) {
-        mForms.mOnCommSettings = person;
+        mForms.On<frmCommSettings>(person);
         Control().ShowCommSettings();
     }
     static void PickPort(frmCommSettings& form, std::int32_t number) {
@@ -146,7 +146,7 @@ TEST_F(SettingsDialogue, DsrDetectionSkipsASearchWhereNoPrinterIsAttached) {
 
 TEST_F(SettingsDialogue, TheToolbarOpensItAndSearches) {
     bool opened = false;
-    mForms.mOnCommSettings = [&](frmCommSettings&) { opened = true; };
+    mForms.On<frmCommSettings>([&](frmCommSettings&) { opened = true; });
     Control().PressToolbarKey("CommSettings");
     EXPECT_TRUE(opened);
     Control().PressToolbarKey("Autoconnect");

@@ -1,44 +1,52 @@
 #pragma once
 
+#include "dialogs/FormTable.h"
 #include "dialogs/FormWindows.h"
 
 #include <functional>
 #include <memory>
+#include <utility>
 
 namespace qncomm::testing {
 
 /// Windows that do with a form what the test says; without a word the person uses the close box.
 class ScriptedForms : public FormWindows {
   public:
-    void ShowModal(frmCommSettings& form) override { Show(mOnCommSettings, form); }
-    void ShowModal(frmFunctionKeysSetup& form) override { Show(mOnFunctionKeys, form); }
-    void ShowModal(frmBinaryTransfer& form) override { Show(mOnBinaryTransfer, form); }
-
-    std::unique_ptr<ShownWindow> Show(frmWaitForReboot& form) override {
-        mReboot = &form;
-        return std::make_unique<Window>(mReboot);
+    /// What the person does with forms of that class from now on.
+    template <class Form>
+    void On(std::function<void(Form&)> act) {
+        mActs.Add<Form>([act = std::move(act)](Form& form) {
+            if (act) act(form);
+        });
     }
 
-    std::function<void(frmCommSettings&)> mOnCommSettings;
-    std::function<void(frmFunctionKeysSetup&)> mOnFunctionKeys;
-    std::function<void(frmBinaryTransfer&)> mOnBinaryTransfer;
-    int mShown = 0;
-    frmWaitForReboot* mReboot = nullptr; ///< while its window is shown
+    void ShowModal(FormModel& form) override {
+        ++mShown;
+        if (const auto* act = mActs.Find(form)) (*act)(form);
+    }
+    std::unique_ptr<ShownWindow> Show(FormModel& form) override {
+        return std::make_unique<Window>(mBeside, form);
+    }
+
+    /// The form of that class whose modeless window is shown, null when there is none.
+    template <class Form>
+    Form* Shown() const {
+        return dynamic_cast<Form*>(mBeside);
+    }
+
+    int mShown = 0; ///< modal forms so far
 
   private:
     struct Window : ShownWindow {
-        explicit Window(frmWaitForReboot*& form) : mForm(form) {}
-        ~Window() override { mForm = nullptr; }
+        Window(FormModel*& place, FormModel& form) : mPlace(place) { mPlace = &form; }
+        ~Window() override { mPlace = nullptr; }
         Window(const Window&) = delete;
         Window& operator=(const Window&) = delete;
-        frmWaitForReboot*& mForm;
+        FormModel*& mPlace;
     };
 
-    template <class Form>
-    void Show(const std::function<void(Form&)>& act, Form& form) {
-        ++mShown;
-        if (act) act(form);
-    }
+    FormTable<void> mActs;
+    FormModel* mBeside = nullptr;
 };
 
 } // namespace qncomm::testing

@@ -141,6 +141,16 @@ TEST_F(Desk, ThereIsNoDialogForFunctionKeys) {
     EXPECT_THAT(mErr.str(), HasSubstr("qnctl macros"));
 }
 
+TEST_F(Desk, AFormThatNothingIsRegisteredForIsDeclinedByItsName) {
+    struct UnknownForm : FormModel {
+        UnknownForm() : FormModel("Paper Setup") {}
+    } form;
+    Nobody().Forms().ShowModal(form);
+    EXPECT_FALSE(form.IsOpen());
+    EXPECT_THAT(mErr.str(), HasSubstr("There is no dialog \"Paper Setup\" here."));
+    EXPECT_EQ(mDesk->Forms().Show(form), nullptr);
+}
+
 TEST_F(Desk, ABinaryTransferAsksForItsFileAlone) {
     const std::string path = mFolder.Write("a.bin", "x");
     Nobody().Files().Give(path);

@@ -1,6 +1,7 @@
 #include "ControlFixture.h"
 #include "dialogs/frmBinaryTransfer.h"
 #include "dialogs/frmCommSettings.h"
+#include "dialogs/frmFunctionKeysSetup.h"
 
 namespace qncomm {
 namespace {
@@ -85,7 +86,7 @@ TEST_F(Lifecycle, SettingsReachTheLinkOnceWithSevenRates) {
     Run();
     mControl->ShowCommSettings();
     EXPECT_EQ(mControl->RegSettings(), mSettings);
-    mForms.mOnCommSettings = [](frmCommSettings& form) { form.cmdOK.Click(); };
+    mForms.On<frmCommSettings>([](frmCommSettings& form) { form.cmdOK.Click(); });
     mControl->ShowCommSettings();
     EXPECT_EQ(mSettings->ReadValue("AutoConnctSettings", "Baud1", ""), "9600");
     EXPECT_EQ(mSettings->ReadValue("AutoConnctSettings", "Baud7", ""), "2400");
@@ -213,14 +214,14 @@ TEST_F(Lifecycle, AHostMayDestroyTheControlWhileItsBoxesAndDialogsAreShown) {
     const auto end = [this](auto&&...) { mControl.reset(); };
     mInputs.mOnBox = end;
     mFiles.mOnDialog = end;
-    mForms.mOnFunctionKeys = end;
-    mForms.mOnCommSettings = end;
-    mForms.mOnBinaryTransfer = [&](frmBinaryTransfer& form) {
+    mForms.On<frmFunctionKeysSetup>(end);
+    mForms.On<frmCommSettings>(end);
+    mForms.On<frmBinaryTransfer>([&](frmBinaryTransfer& form) {
         form.lblFolder.SetCaption(mFolder.Path());
         form.txtFilename.Type("full.txt", 0);
         form.cmdButton[0].Click();
         end();
-    };
+    });
     for (const char* key :
          {"F1", "UploadA", "DownloadA", "FunctionkeysSetup", "CommSettings", "UploadB"}) {
         mInputs.mAnswers = {"5"};

@@ -228,10 +228,10 @@ TEST_F(Toolbar, DownloadAAsksOnlyAboutAFileWithBytes) {
 
 TEST_F(Toolbar, TheTipsFollowTheSetupDialog) {
     Run();
-    mForms.mOnFunctionKeys = [](frmFunctionKeysSetup& form) {
+    mForms.On<frmFunctionKeysSetup>([](frmFunctionKeysSetup& form) {
         form.pic1[2].txtAlt.Type("PRINT 1", 0);
         form.Command1[0].Click();
-    };
+    });
     mControl->PressToolbarKey("FunctionkeysSetup");
     EXPECT_EQ(mControl->Toolbar1.Find("F3")->toolTip, "Text:\"PRINT 1\"");
     EXPECT_EQ(mControl->Toolbar1.Find("F1")->toolTip, "Text:\"\"");

@@ -27,13 +27,13 @@ class Transfers : public ControlFixture {
 
     /// Presses a key whose dialog is answered with a name in the scratch folder.
     void Press(const std::string& key, const std::string& name, std::int32_t protocol) {
-        mForms.mOnBinaryTransfer = [=, this](frmBinaryTransfer& form) {
+        mForms.On<frmBinaryTransfer>([=, this](frmBinaryTransfer& form) {
             mAction = form.Action();
             form.lblFolder.SetCaption(mFolder.Path());
             form.txtFilename.Type(name, 0);
             form.cmbProtocol.Pick(protocol == BinaryKermit ? 0 : 1);
             form.cmdButton[0].Click();
-        };
+        });
         mControl->PressToolbarKey(key);
     }
 
@@ -70,17 +70,17 @@ TEST_F(Transfers, LeavingTheDialogOtherwiseTransfersNothing) {
     Show();
     mFolder.Write("a.bin", "abc");
     for (const bool byCloseBox : {true, false}) {
-        mForms.mOnBinaryTransfer = [&](frmBinaryTransfer& form) {
+        mForms.On<frmBinaryTransfer>([&](frmBinaryTransfer& form) {
             form.lblFolder.SetCaption(mFolder.Path());
             form.txtFilename.Type("a.bin", 0);
             if (byCloseBox)
                 form.Unload(UnloadMode::ControlMenu);
             else
                 form.cmdButton[1].Click();
-        };
+        });
         mControl->PressToolbarKey("UploadB");
     }
-    mForms.mOnBinaryTransfer = {};
+    mForms.On<frmBinaryTransfer>({});
     mControl->PressToolbarKey("DownloadB");
     EXPECT_THAT(mSerial.mLog, Not(Contains(StartsWith("Kind"))));
     EXPECT_THAT(mDesktop.mBoxes, IsEmpty());

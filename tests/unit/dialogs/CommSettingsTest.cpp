@@ -67,7 +67,7 @@ class CommSettings : public ::testing::Test {
 
     /// Shows the dialog through the link, as everyone does.
     std::int16_t Show(std::function<void(frmCommSettings&)> act) {
-        mForms.mOnCommSettings = std::move(act);
+        mForms.On<frmCommSettings>(std::move(act));
         return mLink.ShowSettingsDlg();
     }
 

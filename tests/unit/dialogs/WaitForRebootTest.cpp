@@ -59,11 +59,11 @@ TEST(WaitForReboot, TheWindowIsShownOnceAndTakenAwayWithItsForm) {
     testing::ScriptedForms forms;
     Dialogs dialogs(loop, forms);
     auto shown = dialogs.ShowWaitForReboot();
-    ASSERT_NE(forms.mReboot, nullptr);
+    ASSERT_NE(forms.Shown<frmWaitForReboot>(), nullptr);
     Pass(loop, 3);
-    EXPECT_EQ(forms.mReboot->ProgressBar1.Value(), 3);
+    EXPECT_EQ(forms.Shown<frmWaitForReboot>()->ProgressBar1.Value(), 3);
     shown.reset();
-    EXPECT_EQ(forms.mReboot, nullptr);
+    EXPECT_EQ(forms.Shown<frmWaitForReboot>(), nullptr);
 }
 
 } // namespace

@@ -12,9 +12,9 @@ namespace qncomm {
 
 /// What a face supplies to show one control: the form around it, its window and its terminal.
 struct ControlView {
-    ControlHost& host;
-    ControlWindow& window;
-    TerminalScreen& terminal;
+    ControlHost& host;        ///< the container that the control sits in
+    ControlWindow& window;    ///< the window that it paints
+    TerminalScreen& terminal; ///< where its terminal is shown
 };
 
 /// A control with the serial control and the terminal grid under it, wired together.
@@ -25,16 +25,19 @@ struct ControlView {
 /// that operation has returned; the view need not.
 class ControlAssembly {
   public:
+    /// What a host may choose; the defaults bind no port.
     struct Options {
-        PortBindings bindings = {};
-        TraceSink* trace = nullptr; ///< may be null
-        Terminal::Options grid = {};
-        ChannelFactory factory = MakeChannel;
+        PortBindings bindings = {};           ///< which address each port number stands for
+        TraceSink* trace = nullptr;           ///< may be null
+        Terminal::Options grid = {};          ///< the grid's size and its scroll-back
+        ChannelFactory factory = MakeChannel; ///< makes the byte channel of an address
         /// Kept as long as anything of the control is still on the stack.
         std::shared_ptr<void> keep = {};
     };
 
+    /// A control with the default options. Lifetimes as above.
     ControlAssembly(Reactor& reactor, const ControlServices& services, const ControlView& view);
+    /// A control with these options, which are moved in.
     ControlAssembly(Reactor& reactor, const ControlServices& services, const ControlView& view,
                     Options options);
     /// Takes the control down first: the port is closed and its claim given back.
@@ -42,9 +45,16 @@ class ControlAssembly {
     ControlAssembly(const ControlAssembly&) = delete;
     ControlAssembly& operator=(const ControlAssembly&) = delete;
 
+    /// The control; valid as long as the assembly.
     QNComm& Control() { return *mControl; }
+    /// The serial control under it, for what the control does not offer: bindings, the last
+    /// failure, how a transfer went. Its terminal and event sinks are taken; see
+    /// TerminalViewport::Received.
     PDQComm& Serial();
+    /// The characters of the terminal, for a face that paints them. What writes to it goes through
+    /// the viewport, so that the screen hears of it.
     Terminal& Grid();
+    /// The control's viewport on that grid.
     TerminalViewport& Viewport();
 
   private:

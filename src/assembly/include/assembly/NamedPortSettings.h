@@ -16,13 +16,17 @@ namespace qncomm {
 /// port change. Everything else is the store's.
 class NamedPortSettings final : public RegSettings {
   public:
+    /// Shares the store, which is not null, for port iPort at that address.
     NamedPortSettings(std::shared_ptr<RegSettings> store, std::int16_t iPort,
                       const std::string& sAddress);
 
+    /// The line's settings from the address's own section, the port's number from this object.
     std::string ReadValue(std::string_view sSection, std::string_view sKey,
                           std::string_view sDefault) const override;
+    /// Writes to the store; the port's number is dropped. Raises what the store raises.
     void WriteValue(std::string_view sSection, std::string_view sKey,
                     std::string_view sValue) override;
+    /// The same in one write of the store.
     void WriteValues(const std::vector<SettingValue>& values) override;
 
   private:

@@ -28,7 +28,7 @@ struct ChosenPort {
     std::string address;     ///< as it is shown and kept
     bool configured = false; ///< it is the port that the store holds
     bool lent = false;       ///< its number was made up for this run and is not kept
-    PortProblem problem = PortProblem::None;
+    PortProblem problem = PortProblem::None; ///< why there is none
     std::string message; ///< the error message to show; empty on success or when none is configured
 
     /// Whether there is a port.

@@ -18,11 +18,13 @@ class TerminalScreen {
   public:
     virtual ~TerminalScreen() = default;
 
+    /// The terminal is to have the keyboard.
     virtual void SetFocus() = 0;
+    /// The terminal's new place in the control, in the control's scale units.
     virtual void Move(const Rectangle& place) = 0;
     /// Something that is shown differs now: the screen, the colours, the font, the display state.
     virtual void Changed() = 0;
-    /// The capture has ended because its file takes no more; sReason is for the person, without a
+    /// The capture has ended because its file takes no more; sReason is a text to show, without a
     /// final period. Told once.
     virtual void CaptureFailed(const std::string& sPath, const std::string& sReason) = 0;
 };
@@ -44,7 +46,7 @@ class TerminalViewport final : public ViewportTerminal {
     /// for the call alone. An error that a handler raises goes to the loop's turn.
     Event<std::string_view> Received;
 
-    /// Keys that the person typed, as bytes for the line. Returns how many it took: none while the
+    /// Typed keys, as bytes for the line. Returns how many it took: none while the
     /// port is closed or an operation has it, fewer than all when the line is behind.
     std::size_t Type(std::string_view sKeys);
 

@@ -28,8 +28,8 @@ class Desktop {
     /// Shows a box, waits for the answer and returns it: Ok for a box with that button alone.
     virtual MsgBoxResult ShowMsgBox(const MsgBox& box) = 0;
 
-    /// A line for whoever looks into why something was quietly refused; not for the person at the
-    /// screen.
+    /// A diagnostic line for developers: why something was refused silently. It is not shown to the
+    /// user.
     virtual void Log(std::string_view sLine) = 0;
 };
 

@@ -12,21 +12,23 @@ namespace qncomm {
 
 /// Who closes a form.
 enum class UnloadMode : std::int16_t {
-    ControlMenu = 0, ///< the person, by the window's close box
+    ControlMenu = 0, ///< the user, by the window's close box
     FormCode = 1,    ///< the form itself, as one of its buttons does
     System = 2,      ///< the desktop shuts down
     TaskManager = 3, ///< another program asks for it
 };
 
 /// A dialog as a plain object: open from its construction until it is unloaded. A face shows its
-/// control models while it is open and outlives no reference to it.
+/// control models while it is open, and must let go of them before the form is destroyed.
 class FormModel {
   public:
     virtual ~FormModel() = default;
     FormModel(const FormModel&) = delete;
     FormModel& operator=(const FormModel&) = delete;
 
+    /// The window's title (UTF-8). May change while the form is open.
     const std::string& Caption() const { return mCaption; }
+    /// False once the form has been unloaded.
     bool IsOpen() const { return mOpen; }
 
     /// Closes the form unless it refuses; a closed form stays closed. Returns whether it is closed
@@ -37,8 +39,10 @@ class FormModel {
     Event<> Closed;
 
   protected:
+    /// An open form with that title.
     explicit FormModel(std::string_view sCaption) : mCaption(sCaption) {}
 
+    /// Changes the title; a face reads it when it shows the form.
     void SetCaption(std::string_view sCaption) { mCaption = sCaption; }
     /// False refuses to close.
     virtual bool QueryUnload(UnloadMode mode);

@@ -12,24 +12,26 @@
 
 namespace qncomm {
 
+/// Which side of a binary transfer the form is for.
 enum BinaryTransferAction : std::int16_t {
     PrinterReceives = 0, ///< this side sends Filename
     PrinterSends = 1,    ///< this side writes Filename
 };
 
-/// The modal dialog in which the person chooses protocol and host file of one binary transfer. It
+/// The modal dialog in which the user chooses protocol and host file of one binary transfer. It
 /// checks the file before the action button closes it and transfers nothing: its opener does, when
 /// Accepted says so.
 class frmBinaryTransfer : public FormModel {
   public:
     /// Loads the form for a BinaryTransferAction and a BinaryProtocol; other values are kept as
-    /// they are and shown as the designed captions and as Kermit. Desktop and file dialogs outlive
-    /// it.
+    /// they are and shown as the designed captions and as Kermit. Desktop and file dialogs must
+    /// outlive it.
     frmBinaryTransfer(std::int16_t iAction, std::int16_t iProtocol, Desktop& desktop,
                       FileDialogs& files);
 
+    /// The BinaryTransferAction that the form was made for.
     std::int16_t Action() const { return mAction; }
-    /// Follows the list only when the person picks from it.
+    /// The BinaryProtocol. Follows the list only when the user picks from it.
     std::int16_t Protocol() const { return mProtocol; }
     /// The full host path; empty before one was chosen or checked.
     const std::string& Filename() const { return mFilename; }
@@ -38,13 +40,14 @@ class frmBinaryTransfer : public FormModel {
     /// Whether the action button closed the dialog: the transfer may start.
     bool Accepted() const { return mAccepted; }
 
-    const LabelModel lblProtocol{"Protocol:"};
-    ListModel cmbProtocol;
-    const LabelModel lblFilename{"Filename:"};
-    TextBoxModel txtFilename;
-    const LabelModel lblFolderCaption{"Folder:"};
-    LabelModel lblFolder;
-    ButtonModel cmdBrowse{"&Browse"};
+    const LabelModel lblProtocol{"Protocol:"};    ///< stands before cmbProtocol
+    ListModel cmbProtocol;                        ///< values are BinaryProtocol
+    const LabelModel lblFilename{"Filename:"};    ///< stands before txtFilename
+    TextBoxModel txtFilename;                     ///< the file's name without its folder
+    const LabelModel lblFolderCaption{"Folder:"}; ///< stands before lblFolder
+    LabelModel lblFolder;                         ///< the file's folder; only Browse changes it
+    ButtonModel cmdBrowse{"&Browse"};             ///< asks for the file by a file dialog
+    /// Sends or receives (the caption says which), and cancels.
     std::array<ButtonModel, 2> cmdButton{ButtonModel("&Send"), ButtonModel("&Cancel")};
 
   private:

@@ -16,9 +16,9 @@ namespace qncomm {
 
 /// The panel of one function key.
 struct FunctionKeyPanel : ControlModel {
-    LabelModel lblALT;
-    ListModel cmbAlt; ///< positions and values are FunctionKeyKind
-    TextBoxModel txtAlt;
+    LabelModel lblALT;         ///< which key the panel is for
+    ListModel cmbAlt;          ///< positions and values are FunctionKeyKind
+    TextBoxModel txtAlt;       ///< the text to send, or a path
     ButtonModel cmdAlt{"..."}; ///< browses; hidden for a text
 };
 
@@ -26,15 +26,20 @@ struct FunctionKeyPanel : ControlModel {
 /// the MacroRecord of each key in the settings store.
 class frmFunctionKeysSetup : public FormModel {
   public:
+    /// How many function keys there are.
     static constexpr std::size_t KeyCount = FunctionKeys.size();
 
-    /// Loads the form. Without a store it is empty, and Ok raises 91. The file dialogs outlive it.
+    /// Loads the form. Without a store it is empty, and Ok raises 91. The file dialogs must
+    /// outlive it.
     frmFunctionKeysSetup(std::shared_ptr<qncomm::RegSettings> settings, FileDialogs& files);
 
+    /// The store that the form was made with; may be null.
     const std::shared_ptr<qncomm::RegSettings>& RegSettings() const { return mRegSettings; }
 
+    /// A tab for each key.
     TabStripModel SSTab1{std::vector<std::string>(KeyCount)};
     std::array<FunctionKeyPanel, KeyCount> pic1; ///< only the current tab's is visible
+    /// Writes all keys and closes; closes without writing.
     std::array<ButtonModel, 2> Command1{ButtonModel("&Ok"), ButtonModel("&Cancel")};
 
     /// A key goes down in the form: its code and the keys held (1 Shift, 2 Ctrl, 4 Alt). With Ctrl

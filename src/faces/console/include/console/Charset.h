@@ -28,6 +28,8 @@ std::string WithoutControls(std::string_view sUtf8);
 /// character without a byte becomes "?".
 class TypedText {
   public:
+    /// The next piece of what was typed (UTF-8); returns the bytes of the characters that are whole
+    /// now.
     std::string Feed(std::string_view sPiece);
 
   private:

@@ -22,30 +22,38 @@ namespace qncomm {
 /// said goes to a stream, what is asked is answered at the input or by answers given beforehand.
 class ConsoleDesk {
   public:
+    /// What a program chooses.
     struct Options {
-        int input = 0; ///< where the person types; stays the caller's
-        GivenAnswer answer = GivenAnswer::None;
-        StatusLine::Style style = StatusLine::Style::Off;
-        std::int32_t width = 80; ///< columns
-        ConsoleDesktop::LogSink log = {};
+        int input = 0;                          ///< the descriptor that is typed at; not closed
+        GivenAnswer answer = GivenAnswer::None; ///< to every question of a box
+        StatusLine::Style style = StatusLine::Style::Off; ///< how progress is shown
+        std::int32_t width = 80;                          ///< columns
+        ConsoleDesktop::LogSink log = {}; ///< receives diagnostic lines; may be empty
     };
 
-    /// Reactor and stream outlive the object.
+    /// Without input, answers or progress. Reactor and stream must outlive the object.
     ConsoleDesk(Reactor& reactor, std::ostream& err) : ConsoleDesk(reactor, err, Options()) {}
+    /// With these options; lifetimes are the same.
     ConsoleDesk(Reactor& reactor, std::ostream& err, Options options);
     ConsoleDesk(const ConsoleDesk&) = delete;
     ConsoleDesk& operator=(const ConsoleDesk&) = delete;
 
     /// What a ControlAssembly takes; all of it lives as long as this object.
     ControlServices Services();
+    /// A view that nobody sees: the control runs on it.
     ControlView View() { return {mHost, mHost, mHost}; }
 
+    /// The progress line.
     StatusLine& Status() { return mStatus; }
+    /// The message boxes, as text.
     Desktop& Boxes() { return mDesktop; }
+    /// The forms, as text.
     ConsoleForms& Forms() { return mForms; }
+    /// What the control sits on.
     ConsoleHost& Host() { return mHost; }
-    /// Answers to questions for a text, and paths for file dialogs.
+    /// Answers to input boxes.
     ConsoleAsker& Texts() { return mTexts; }
+    /// Paths for file dialogs and for the binary transfer.
     ConsoleAsker& Files() { return mFiles; }
 
   private:

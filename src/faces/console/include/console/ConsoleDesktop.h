@@ -22,7 +22,7 @@ class ConsoleDesktop final : public Desktop {
     /// Receives the lines of Log.
     using LogSink = std::function<void(std::string_view)>;
 
-    /// All outlive the object.
+    /// All must outlive the object.
     ConsoleDesktop(std::ostream& err, StatusLine& status, LineReader& input, GivenAnswer answer,
                    LogSink log = {});
 

@@ -18,7 +18,7 @@ class QNComm;
 /// nowhere. Its form is as large as the control.
 class ConsoleHost final : public ControlHost, public ControlWindow, public TerminalScreen {
   public:
-    /// The asker outlives the object; it tells the person when a capture ends for want of space.
+    /// The asker must outlive the object; it tells when a capture ends for want of space.
     explicit ConsoleHost(ConsoleAsker& asker) : mAsker(asker) {}
 
     /// The control that sits here, so that it can be hidden; nullptr takes it away.

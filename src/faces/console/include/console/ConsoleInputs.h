@@ -8,10 +8,10 @@
 namespace qncomm {
 
 /// Input boxes at a console: the prompt with what is offered, answered by a line, which goes to the
-/// printer in its character set. An empty line, or nobody to ask, is an empty answer.
+/// printer in its character set. An empty line, or no input to ask at, is an empty answer.
 class ConsoleInputs final : public InputBoxes {
   public:
-    /// The asker outlives the object.
+    /// The asker must outlive the object.
     explicit ConsoleInputs(ConsoleAsker& asker) : mAsker(asker) {}
 
     std::string ShowInputBox(const InputBox& box) override;

@@ -21,9 +21,10 @@ class ConsoleTerminal {
     /// How long silence is taken for the end of a reply that has no "Ok", in ms.
     static constexpr std::int32_t SilenceMs = 1000;
 
+    /// What the terminal is connected to.
     struct Wiring {
-        int in = 0;
-        int out = 1;
+        int in = 0;  ///< the descriptor that is typed at; not closed
+        int out = 1; ///< the descriptor that replies are written to; not closed
         /// Gives bytes to the line; takes as many as there is space for and returns how many.
         std::function<std::size_t(std::string_view)> send;
         /// Called in each round of the loop; returns False when the line is gone, and may throw.
@@ -33,7 +34,7 @@ class ConsoleTerminal {
         std::function<void()> ready = {};
     };
 
-    /// The reactor outlives the terminal.
+    /// The reactor must outlive the terminal.
     ConsoleTerminal(Reactor& reactor, Wiring wiring);
 
     /// Text that the printer has sent.

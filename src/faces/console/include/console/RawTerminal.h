@@ -6,12 +6,11 @@ struct termios;
 
 namespace qncomm {
 
-/// Puts a terminal into raw mode (each key at once, no echo, no signals
-/// from keys, output as it is) while it lives,
-/// and back as it was when it ends, however that comes about. A descriptor that is no terminal is
-/// left alone.
+/// Puts a terminal into raw mode (each key at once, no echo, no signals from keys, output as it is)
+/// for the object's life. A descriptor that is no terminal is left alone.
 class RawTerminal {
   public:
+    /// fd stays the caller's and must stay open for the object's life.
     explicit RawTerminal(int fd);
     ~RawTerminal();
     RawTerminal(const RawTerminal&) = delete;

@@ -11,18 +11,20 @@ namespace qncomm {
 /// where that makes no sense, a line for each new message.
 class StatusLine {
   public:
+    /// How progress is shown.
     enum class Style {
-        Off,
+        Off,       ///< not at all
         Transient, ///< a terminal: one line, with a bar when there is a percentage
         Lines,     ///< a file or a pipe: each message once, without percentages
     };
 
-    /// The stream outlives the object. lWidth is the terminal's width in columns.
+    /// The stream must outlive the object. lWidth is the terminal's width in columns.
     StatusLine(std::ostream& out, Style style, std::int32_t lWidth = 80);
     ~StatusLine();
     StatusLine(const StatusLine&) = delete;
     StatusLine& operator=(const StatusLine&) = delete;
 
+    /// Counts from the next message on.
     void SetStyle(Style style) { mStyle = style; }
 
     /// Shows a message (UTF-8) and a percentage; one outside 1 to 100 shows no bar. The detail is

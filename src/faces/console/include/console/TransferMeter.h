@@ -9,7 +9,7 @@ namespace qncomm {
 
 /// How far a transfer is.
 struct TransferReading {
-    std::int64_t bytes = 0;
+    std::int64_t bytes = 0;                  ///< that have moved, including what was resumed
     std::optional<std::int64_t> size;        ///< nothing while it is not known
     std::optional<std::int32_t> percent;     ///< whole ones, 0 to 100; nothing without a size
     std::optional<std::int64_t> rate;        ///< bytes per second; nothing until there is one

@@ -12,21 +12,22 @@
 
 namespace qncomm {
 
-/// What a person and a program see of a running transfer: the status line with a bar, rate and time
+/// What a user and a program see of a running transfer: the status line with a bar, rate and time
 /// left, and a reading now and then. It looks at the transfer when a message comes and once a
 /// second, so that the rate of a stalled line falls without a message.
 class TransferProgress {
   public:
     /// What has moved by now; a size of 0 is not known yet.
     struct Moved {
-        std::int64_t bytes = 0;
-        std::int64_t size = 0;
+        std::int64_t bytes = 0; ///< so far
+        std::int64_t size = 0;  ///< of the whole file
     };
+    /// Asked for the current state.
     using Look = std::function<Moved()>;
     /// Takes a reading at each whole percent, ten a second at most, and once a second in between.
     using Report = std::function<void(const TransferReading&)>;
 
-    /// loop and status outlive the object; an empty report takes nothing.
+    /// loop and status must outlive the object; an empty report takes nothing.
     TransferProgress(MessageLoop& loop, StatusLine& status, Look look, Report report);
 
     /// A message of the operation with its own percentage, which is shown when the size is not

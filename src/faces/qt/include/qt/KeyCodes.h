@@ -12,6 +12,7 @@ namespace qncomm {
 struct KeyStroke {
     std::int16_t code = 0;  ///< 0 for a key that the system has no code for
     std::int16_t shift = 0; ///< 1 Shift, 2 Ctrl, 4 Alt, added up
+    /// Equal when code and held keys are.
     bool operator==(const KeyStroke&) const = default;
 };
 
@@ -22,6 +23,7 @@ std::int16_t KeyCodeOf(Qt::Key key, Qt::KeyboardModifiers modifiers = Qt::NoModi
 /// The held keys by the system's bits; keys that have none are left out.
 std::int16_t ShiftStateOf(Qt::KeyboardModifiers modifiers);
 
+/// The key of a press or release, with the keys that are held.
 KeyStroke KeyStrokeOf(const QKeyEvent& event);
 
 /// Which function key (1 to 8) the stroke presses on the toolbar: Ctrl+Shift+F1 to F8. 0 for none.

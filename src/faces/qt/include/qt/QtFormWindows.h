@@ -1,12 +1,17 @@
 #pragma once
 
 #include "common/Desktop.h"
+#include "dialogs/FormTable.h"
 #include "dialogs/FormWindows.h"
 
 #include <QPointer>
 #include <QWidget>
 
+#include <memory>
+
 namespace qncomm {
+
+class FormDialog;
 
 /// The system's forms as windows of the platform.
 ///
@@ -14,20 +19,23 @@ namespace qncomm {
 /// what is no QNError ends the form and is passed on.
 class QtFormWindows : public FormWindows {
   public:
-    /// The windows belong to the window that parent is in; none: they stand by themselves. The
-    /// desktop outlives this object.
-    QtFormWindows(QWidget* parent, Desktop& desktop) : mParent(parent), mDesktop(desktop) {}
+    /// The windows belong to the window that parent is in; without a parent they stand by
+    /// themselves. The desktop must outlive this object and the windows.
+    QtFormWindows(QWidget* parent, Desktop& desktop);
+    QtFormWindows(const QtFormWindows&) = delete;
+    QtFormWindows& operator=(const QtFormWindows&) = delete;
 
-    void ShowModal(frmCommSettings& form) override;
-    void ShowModal(frmFunctionKeysSetup& form) override;
-    void ShowModal(frmBinaryTransfer& form) override;
-    std::unique_ptr<ShownWindow> Show(frmWaitForReboot& form) override;
+    void ShowModal(FormModel& form) override;
+    std::unique_ptr<ShownWindow> Show(FormModel& form) override;
 
   private:
+    template <class Form, class Dialog>
+    void Register();
     QWidget* ParentWindow() const;
 
     QPointer<QWidget> mParent;
     Desktop& mDesktop;
+    FormTable<std::unique_ptr<FormDialog>> mDialogs;
 };
 
 } // namespace qncomm

@@ -22,6 +22,7 @@ namespace qncomm {
 /// a QCoreApplication there. The descriptors are ttys, sockets, pipes: not files on a disk.
 class QtReactor final : public SystemReactor {
   public:
+    /// Receives what a handler threw.
     using ErrorHandler = std::function<void(std::exception_ptr)>;
 
     /// onError receives what no Yield can throw; without one it is logged as a warning.

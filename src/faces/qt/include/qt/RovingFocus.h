@@ -17,6 +17,7 @@ class RovingFocus : public QObject {
     /// Adds a button at the end of the row. It may be deleted before the row is.
     void Add(QToolButton& button);
 
+    /// Takes the arrow keys, Home and End of the row's buttons.
     bool eventFilter(QObject* watched, QEvent* event) override;
 
   private:

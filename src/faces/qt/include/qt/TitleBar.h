@@ -15,12 +15,14 @@ class TitleBar : public QWidget {
     Q_OBJECT
 
   public:
-    /// Models and guard outlive the bar.
+    /// Models and guard must outlive the bar.
     TitleBar(TitleModel& title, ButtonModel& close, const ActionGuard& guard,
              QWidget* parent = nullptr);
 
   protected:
+    /// Follows a change of the desktop's colours, font or enabled state.
     void changeEvent(QEvent* event) override;
+    /// A press on the bar counts as a click on the control.
     void mousePressEvent(QMouseEvent* event) override;
 
   private:

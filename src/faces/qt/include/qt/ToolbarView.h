@@ -18,13 +18,14 @@ class ToolbarView : public QToolBar {
     Q_OBJECT
 
   public:
-    /// Model and guard outlive the view.
+    /// Model and guard must outlive the view.
     ToolbarView(ToolbarModel& model, const ActionGuard& guard, QWidget* parent = nullptr);
 
     /// The button of that key, nullptr for none.
     QToolButton* ButtonOf(const std::string& sKey) const;
 
   protected:
+    /// Follows a change of the desktop's colours, font or enabled state.
     void changeEvent(QEvent* event) override;
 
   private:
