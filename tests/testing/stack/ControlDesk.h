@@ -1,5 +1,6 @@
 #pragma once
 
+#include "assembly/AllChannelKinds.h"
 #include "assembly/ControlAssembly.h"
 #include "common/MemorySettings.h"
 #include "common/Pointer.h"
