@@ -14,7 +14,7 @@ bool IsDigit(char c) {
     return c >= '0' && c <= '9';
 }
 
-/// The text up to the first character that no number can hold, without what Val skips.
+/// The text up to the first character that cannot belong to a number, without what Val skips.
 std::string NumberCharacters(std::string_view sText) {
     std::string kept;
     for (const char c : sText) {

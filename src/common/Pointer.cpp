@@ -20,7 +20,8 @@ BusyPointer::BusyPointer() : mFormer(Pointer::Screen().Shape()) {
 BusyPointer::~BusyPointer() {
     try {
         Pointer::Screen().Set(mFormer);
-    } catch (...) { // NOLINT(bugprone-empty-catch): a host's handler must not end the unwinding
+    } catch (...) { // NOLINT(bugprone-empty-catch): an error of a host's handler must not escape a
+                    // destructor
     }
 }
 

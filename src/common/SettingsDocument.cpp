@@ -172,8 +172,9 @@ void SettingsDocument::SetValue(std::string_view sSection, std::string_view sKey
 void SettingsDocument::AddKey(std::string_view section, std::string_view key,
                               std::string_view escaped) {
     Part& part = PartFor(section);
-    // Comments that follow the last key closely are about the section, those that stand closely
-    // above the next header are about that one. No key stands behind the place, so none moves.
+    // Comments directly below the last key belong to the section, unless they stand directly above
+    // the next header: then they belong to that. Only lines without a key move, so mPlaces stays
+    // true.
     std::size_t at = part.end;
     while (at < part.lines.size() && IsComment(part.lines[at]))
         ++at;

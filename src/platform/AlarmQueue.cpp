@@ -77,7 +77,7 @@ std::unique_ptr<RunningTimer> AlarmQueue::StartTimer(std::int32_t lInterval,
 
 bool AlarmQueue::RunDue(std::int64_t lNowUs) {
     if (NextDue() > lNowUs) return false;
-    // A nested call has a round of its own and so takes what is left of this one.
+    // A handler may call RunDue again; that call then runs what this one has left.
     const std::size_t first = mDue.size();
     std::copy_if(mSlots.begin(), mSlots.end(), std::back_inserter(mDue),
                  [lNowUs](const Slot* slot) { return slot->DueUs() <= lNowUs; });

@@ -22,8 +22,8 @@ namespace fs = std::filesystem;
 constexpr mode_t PrivateMode = 0600;
 constexpr mode_t PermissionBits = 0777;
 
-/// Read and write for everybody, as far as the process's umask leaves it. The system tells the mask
-/// only to who sets it.
+/// Read and write for everybody, as far as the process's umask leaves it. The only way to read the
+/// mask is to set it.
 mode_t UsualMode() {
     const mode_t mask = ::umask(0);
     ::umask(mask);

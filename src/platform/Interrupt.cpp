@@ -19,13 +19,13 @@ sigset_t CaughtSignals() {
 Interrupt::Interrupt() {
     const sigset_t signals = CaughtSignals();
     mHandle.Reset(::signalfd(-1, &signals, SFD_NONBLOCK | SFD_CLOEXEC));
-    // Without a descriptor to collect them from, the signals are better left as they are.
+    // Without a descriptor to collect them from, blocked signals would never be noticed.
     if (mHandle) ::pthread_sigmask(SIG_BLOCK, &signals, &mFormer);
 }
 
 Interrupt::~Interrupt() {
     if (!mHandle) return;
-    Collect(); // what still waits would end the program as soon as it is let through
+    Collect(); // a signal that still waits would end the program once it is unblocked
     ::pthread_sigmask(SIG_SETMASK, &mFormer, nullptr);
 }
 

@@ -28,7 +28,7 @@ class PollLoop::WatchSlot final : public FdWatch {
     void Want(FdEvents events) override {
         pollfd& entry = mLoop.mPoll[mSlot];
         entry.events = PollBits(events);
-        // A descriptor that hangs up reports so whether asked or not; a negative one never does.
+        // poll reports a hang-up even when nothing was asked for; a negative descriptor is skipped.
         const bool idle = entry.events == 0;
         if (idle != (entry.fd < 0)) entry.fd = ~entry.fd;
         entry.revents = 0;
@@ -65,7 +65,7 @@ void PollLoop::Yield(std::int32_t lLimit) {
 }
 
 void PollLoop::RunWatches() {
-    // By index: a handler may add watches, and a nested Yield may serve the rest of these.
+    // By index: a handler may add watches, and may yield, which then serves the rest of these.
     for (std::size_t slot = InterruptSlot + 1; slot < mPoll.size(); ++slot) {
         const short bits = std::exchange(mPoll[slot].revents, short{0});
         if (bits == 0) continue;
@@ -76,7 +76,8 @@ void PollLoop::RunWatches() {
 
 void PollLoop::CheckInterrupt(std::int64_t now) {
     if (mInterrupt == nullptr) return;
-    // Only what the poll saw is worth a system call; others may have collected a signal meanwhile.
+    // Another caller may have collected the signal since the poll, so its event is only a hint;
+    // without one the system call is spared.
     const bool waiting = std::exchange(mPoll[InterruptSlot].revents, short{0}) != 0;
     const std::int32_t count = waiting ? mInterrupt->Count() : mInterrupt->KnownCount();
     if (count == 0) mSignalsThrown = 0;

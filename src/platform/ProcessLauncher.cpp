@@ -16,26 +16,26 @@
 namespace qncomm {
 namespace {
 
-/// What the new process tells when it cannot become the program; it tells nothing when it does.
+/// What the new process reports when it cannot become the program; when it can, it reports nothing.
 struct Hindrance {
     enum Step : int { Fork, Folder, Program };
     int step = Fork;
     int error = 0;
 };
 
-/// A request as this machine understands it.
+/// The request with paths that this system can use.
 LaunchRequest ForThisMachine(LaunchRequest request) {
     if (request.program.find('\\') != std::string::npos && !FileExists(request.program)) {
         request.program = ReplaceAll(request.program, "\\", "/");
         request.folder = ReplaceAll(request.folder, "\\", "/");
     }
-    // The folder is entered before the program is started.
+    // The folder is entered first, so a relative path would be looked for in there.
     if (request.program.find('/') != std::string::npos)
         request.program = PathIn(CurrentFolder(), request.program);
     return request;
 }
 
-/// Handlers, masks and streams of this process are none of the program's business.
+/// The program starts without this process's signal handlers, signal masks, terminal and streams.
 void ForgetThisProcess() {
     sigset_t none;
     ::sigemptyset(&none);
@@ -56,7 +56,7 @@ void ForgetThisProcess() {
 
 /// The new process; between fork and exec it calls nothing that needs memory.
 [[noreturn]] void BecomeProgram(const LaunchRequest& request, char* const* arguments, int report) {
-    const pid_t second = ::fork(); // whose parent ends at once, so that the system looks after it
+    const pid_t second = ::fork(); // its parent ends at once, so the system collects it
     if (second < 0) Tell(report, Hindrance::Fork);
     if (second > 0) ::_exit(0);
     ForgetThisProcess();
@@ -74,7 +74,7 @@ LaunchResult ResultOf(const Hindrance& hindrance, const LaunchRequest& request) 
             what + ": " + std::generic_category().message(hindrance.error)};
 }
 
-/// Reads what the new process tells; nothing when it has become the program.
+/// Reads the new process's report. False when there is none: it has become the program.
 bool ReadHindrance(int report, Hindrance& hindrance) {
     ssize_t got = 0;
     do

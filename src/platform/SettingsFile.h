@@ -17,7 +17,7 @@ IoResult ReadWholeFile(const std::string& sPath, std::string& sText);
 /// the file's lock: what a writer that was killed left behind is written over.
 IoResult ReplaceSettings(const std::string& sPath, std::string_view sText);
 
-/// Makes the folders above sPath, readable for this person alone.
+/// Makes the folders above sPath, readable for this user alone.
 IoResult MakeFoldersFor(const std::string& sPath);
 
 /// Renames a file to its name and ".damaged-N", the first that is free; the new name is put into

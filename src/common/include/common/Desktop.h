@@ -5,19 +5,37 @@
 
 namespace qncomm {
 
-enum class MsgBoxButtons { Ok, OkCancel, YesNo };
-enum class MsgBoxIcon { None, Critical, Question, Exclamation, Information };
+/// The buttons that a message box has.
+enum class MsgBoxButtons {
+    Ok,       ///< one button, for something to be read
+    OkCancel, ///< go on or leave it
+    YesNo,    ///< a question
+};
+
+/// The picture in a message box.
+enum class MsgBoxIcon {
+    None,        ///< no picture
+    Critical,    ///< something failed
+    Question,    ///< something is asked
+    Exclamation, ///< something needs attention
+    Information, ///< something is told
+};
 
 /// The button that closed a box, by the numbers that hosts know.
-enum class MsgBoxResult { Ok = 1, Cancel = 2, Yes = 6, No = 7 };
+enum class MsgBoxResult {
+    Ok = 1,     ///< of Ok and OkCancel
+    Cancel = 2, ///< of OkCancel; also when the box was closed without a button
+    Yes = 6,    ///< of YesNo
+    No = 7,     ///< of YesNo; also when the box was closed without a button
+};
 
 /// A message box: lines of sText are separated by CR LF; an empty title stands for the system's
 /// name.
 struct MsgBox {
-    std::string text;
-    MsgBoxButtons buttons = MsgBoxButtons::Ok;
-    MsgBoxIcon icon = MsgBoxIcon::None;
-    std::string title;
+    std::string text;                          ///< UTF-8, or bytes of the line where it quotes them
+    MsgBoxButtons buttons = MsgBoxButtons::Ok; ///< what it can be answered with
+    MsgBoxIcon icon = MsgBoxIcon::None;        ///< its picture
+    std::string title;                         ///< of its window
 };
 
 /// What the system asks of the place it runs in. A face or a host implements it.

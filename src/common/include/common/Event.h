@@ -12,10 +12,12 @@ namespace qncomm {
 class Subscription {
   public:
     Subscription() = default;
+    /// Connected to nothing when the slot is empty. Event::Connect makes it.
     explicit Subscription(std::shared_ptr<void> slot) : mSlot(std::move(slot)) {}
 
     /// Disconnects now.
     void Reset() { mSlot.reset(); }
+    /// Whether it keeps a handler connected, as far as the event still lives.
     explicit operator bool() const { return mSlot != nullptr; }
 
   private:
@@ -28,6 +30,7 @@ class Subscription {
 template <class... Args>
 class Event {
   public:
+    /// What is called when the event is raised.
     using Handler = std::function<void(Args...)>;
 
     /// The handler stays connected as long as the returned object lives.
@@ -38,6 +41,8 @@ class Event {
         return Subscription(std::move(slot));
     }
 
+    /// Calls the handlers that are connected now. Passes on what a handler throws; those behind it
+    /// are then not called.
     void Raise(Args... args) const {
         const auto connected = mSlots; ///< handlers may connect others
         for (const auto& weak : connected)

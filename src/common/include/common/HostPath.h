@@ -7,7 +7,7 @@
 namespace qncomm {
 
 // Paths of this machine are UTF-8 texts with "/" between their parts. A ":" inside a name is an
-// ordinary character.
+// ordinary character: only names on the printer have devices.
 
 /// Whether the path starts at the root.
 bool IsAbsolutePath(std::string_view sPath);

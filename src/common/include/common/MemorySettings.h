@@ -14,6 +14,7 @@ class MemorySettings : public RegSettings {
     void WriteValue(std::string_view sSection, std::string_view sKey,
                     std::string_view sValue) override;
 
+    /// All that has been written, for instance to be kept as a text.
     const SettingsDocument& Document() const { return mDocument; }
 
   private:

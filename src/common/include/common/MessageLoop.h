@@ -15,7 +15,7 @@ class Clock {
     virtual std::int64_t NowMs() const = 0;
 };
 
-/// A timer runs while this object lives.
+/// A timer that runs while this object lives.
 class RunningTimer {
   public:
     virtual ~RunningTimer() = default;
@@ -28,7 +28,7 @@ class MessageLoop : public Clock {
     /// Dispatches what is due (serial data, timers, the host's messages); when nothing was due,
     /// sleeps until something is or lLimit ms have passed, dispatches that and returns. A limit of
     /// 0 or less never sleeps. May return early. Throws what a handler throws, and
-    /// OperationCancelled when the person ends the program.
+    /// OperationCancelled when the user ends the program.
     virtual void Yield(std::int32_t lLimit) = 0;
 
     /// Calls the handler from Yield every lInterval ms, for the first time after one interval,

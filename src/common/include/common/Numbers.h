@@ -12,12 +12,14 @@ namespace qncomm {
 /// takes part. Raises 6 when the number leaves a double.
 double Val(std::string_view sText);
 
-/// The nearest whole number, halves to the even one. Raises 6 when it does not fit.
+/// The nearest whole number, halves to the even one. Raises 6 when it does not fit 16 bits.
 std::int16_t ToInt16(double dValue);
+/// The nearest whole number, halves to the even one. Raises 6 when it does not fit 32 bits.
 std::int32_t ToInt32(double dValue);
 
 /// The decimal text of a number: "." as the point, no leading blank, at most 15 digits.
 std::string ToText(double dValue);
+/// The decimal text of a whole number.
 std::string ToText(std::int32_t lValue);
 
 /// "True" and "False" (any case) or a number (0 is False); anything else raises 13.

@@ -7,7 +7,10 @@
 namespace qncomm {
 
 /// The screen's mouse pointer as the system sees it: a shape number that doubles as its busy flag.
-enum PointerShape : std::int16_t { PointerDefault = 0, PointerHourglass = 11 };
+enum PointerShape : std::int16_t {
+    PointerDefault = 0,    ///< the desktop's own: nothing runs
+    PointerHourglass = 11, ///< busy: an operation runs
+};
 
 /// The pointer of the user-interface thread that calls. A face shows it on the desktop; the system
 /// never asks a toolkit whether it is busy.
@@ -16,6 +19,7 @@ class Pointer {
     /// The one pointer of the calling thread: two hosts on two threads do not see each other's.
     static Pointer& Screen();
 
+    /// The shape that was set last, PointerDefault at first.
     std::int16_t Shape() const noexcept { return mShape; }
 
     /// Stores the shape and raises Changed when it differs.

@@ -6,10 +6,11 @@
 
 namespace qncomm {
 
+/// One value with its place in the settings store.
 struct SettingValue {
-    std::string section;
-    std::string key;
-    std::string value;
+    std::string section; ///< without brackets
+    std::string key;     ///< its name in the section
+    std::string value;   ///< any bytes
 };
 
 /// The per-user settings store as the system sees it. Sections and keys are compared without regard

@@ -15,7 +15,7 @@ namespace qncomm {
 ///     [Section]
 ///     Key=value
 ///
-/// Blank lines and lines that begin with ";" say nothing. In a value "\n", "\r", "\\" and "\xHH"
+/// Blank lines and lines that begin with ";" say nothing. In a value `\n`, `\r`, `\\` and `\xHH`
 /// stand for the bytes that a line cannot carry. Sections and keys are compared without regard to
 /// case. Of a key that stands twice in its section the last one counts, and a section may stand in
 /// several parts.

@@ -10,6 +10,7 @@ namespace qncomm {
 /// construction.
 class StopWatch {
   public:
+    /// Counts from now on.
     explicit StopWatch(const Clock& clock);
 
     /// Counts from 0 again.

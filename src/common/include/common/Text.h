@@ -9,13 +9,18 @@ namespace qncomm {
 // Text is bytes: what travels on the line is 8-bit and passes through unchanged. Case is folded for
 // A to Z only, so that no locale takes part and no byte of another character set is touched.
 
+/// The text with A to Z in the place of a to z.
 std::string UpperCase(std::string_view sText);
+/// The text with a to z in the place of A to Z.
 std::string LowerCase(std::string_view sText);
+/// Whether the texts are the same when the case of A to Z does not count.
 bool EqualNoCase(std::string_view sLeft, std::string_view sRight);
 
 /// The text without the blanks (only 0x20) at its ends.
 std::string Trim(std::string_view sText);
 
+/// The text with sBy in the place of each sWhat, from left to right; what was put in is not
+/// searched again.
 std::string ReplaceAll(std::string_view sText, std::string_view sWhat, std::string_view sBy);
 
 /// The non-empty pieces between the separators; a piece of blanks is kept.
@@ -24,8 +29,8 @@ std::vector<std::string> SplitNonEmpty(std::string_view sText, std::string_view 
 /// All pieces, empty ones included; the text without a separator is one piece, the empty text none.
 std::vector<std::string> SplitKeepEmpty(std::string_view sText, std::string_view sSeparator);
 
-/// The pieces between runs of two or more blanks, at most lMost of them; the rest stays in the last
-/// one.
+/// The pieces between runs of two or more blanks, at most lMost of them: further runs stay in the
+/// last piece.
 std::vector<std::string> SplitAtBlankRuns(std::string_view sText, std::size_t lMost);
 
 /// A run of blanks becomes one.
@@ -44,6 +49,7 @@ std::string FileNameOf(std::string_view sPath);
 /// Whether the path names a regular file of this machine. Never raises.
 bool FileExists(const std::string& sPath);
 
+/// The line end of the printer and of texts for message boxes.
 inline constexpr std::string_view CrLf = "\r\n";
 
 } // namespace qncomm

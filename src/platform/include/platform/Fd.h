@@ -9,8 +9,10 @@ namespace qncomm {
 class Fd {
   public:
     Fd() = default;
+    /// Owns fd from now on; a negative one is none, as failed calls return it.
     explicit Fd(int fd) : mFd(fd) {}
     ~Fd() { Reset(); }
+    /// Takes over what other owns, which then owns nothing.
     Fd(Fd&& other) noexcept : mFd(std::exchange(other.mFd, -1)) {}
     Fd& operator=(Fd&& other) noexcept {
         if (this != &other) Reset(std::exchange(other.mFd, -1));
@@ -19,6 +21,7 @@ class Fd {
 
     /// The descriptor, -1 when there is none.
     int Get() const { return mFd; }
+    /// Whether there is one.
     explicit operator bool() const { return mFd >= 0; }
 
     /// Closes what is owned and owns fd instead.

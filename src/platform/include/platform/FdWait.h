@@ -10,7 +10,8 @@ namespace qncomm {
 std::int64_t MonotonicUs();
 
 /// Sleeps until the descriptor is ready or lLimitUs microseconds have passed; signals do not cut it
-/// short. Returns what it is ready for. fd -1 only sleeps.
+/// short. Returns what it is ready for, nothing after the limit. fd -1 only sleeps. Calls no
+/// handler.
 FdEvents WaitForFd(int fd, FdEvents events, std::int64_t lLimitUs);
 
 } // namespace qncomm

@@ -11,7 +11,7 @@
 
 namespace qncomm {
 
-/// The settings store of one person: a text file that several processes may use at the same time.
+/// The settings store of one user: a text file that several processes may use at the same time.
 ///
 /// A write takes the file's lock, reads what is there, sets its values and puts a complete new
 /// file in the place of the old one, on the disk before it is seen. So processes that write
@@ -21,7 +21,7 @@ namespace qncomm {
 /// empty; a file that cannot be moved aside is not overwritten.
 class FileSettings : public RegSettings {
   public:
-    /// Receives one line for the person; never called while the file is locked by this object.
+    /// Receives one line for the user; never called while the file is locked by this object.
     using Warning = std::function<void(std::string_view)>;
 
     /// The file need not exist, nor the folders above it: a write makes them, for this person
@@ -31,6 +31,7 @@ class FileSettings : public RegSettings {
     /// "qncomm/settings.ini" under $XDG_CONFIG_HOME, or under ~/.config without it.
     static std::string DefaultPath();
 
+    /// The file's path; where that was a link to a file, the path of the file.
     const std::string& Path() const { return mPath; }
 
     /// The stored value, sDefault when there is none. The file is read again only when it changed.

@@ -11,6 +11,7 @@ namespace qncomm {
 /// wake the loop that was given this object. One per program, made before other threads start.
 class Interrupt {
   public:
+    /// Blocks the three signals in this thread, and so in those that it starts later.
     Interrupt();
     /// Puts the former signal handling back; a signal that was not collected is dropped.
     ~Interrupt();
@@ -21,8 +22,9 @@ class Interrupt {
     /// on as its cancel flag.
     bool Raised();
 
-    /// How many signals have come since the last Clear, and the latest one's number (0 = none).
+    /// How many signals have come since the last Clear.
     std::int32_t Count();
+    /// The number of the latest signal that was collected, 0 for none.
     int Signal() const { return mSignal; }
 
     /// Count without asking the system for more.

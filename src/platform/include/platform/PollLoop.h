@@ -24,13 +24,16 @@ class Interrupt;
 /// until a further signal, so that what unwinds can still yield.
 class PollLoop final : public SystemReactor {
   public:
+    /// How long an operation that was interrupted may go on before Yield ends it, in ms.
     static constexpr std::int32_t GraceMs = 500;
 
+    /// A loop that heeds the interrupt, if there is one. lGraceMs is in milliseconds.
     explicit PollLoop(Interrupt* interrupt = nullptr, std::int32_t lGraceMs = GraceMs);
     ~PollLoop() override;
     PollLoop(const PollLoop&) = delete;
     PollLoop& operator=(const PollLoop&) = delete;
 
+    /// As in MessageLoop; throws OperationCancelled as the class says.
     void Yield(std::int32_t lLimit) override;
     [[nodiscard]] std::unique_ptr<FdWatch> Watch(int fd, FdEvents events,
                                                  std::function<void(FdEvents)> handler) override;

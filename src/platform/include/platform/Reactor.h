@@ -10,12 +10,13 @@ namespace qncomm {
 
 /// What a descriptor is watched for, or is ready for.
 struct FdEvents {
-    bool readable = false;
-    bool writable = false;
+    bool readable = false; ///< bytes, a connection or the end wait to be read
+    bool writable = false; ///< there is room for bytes
     /// Only reported, never asked for: the other side hung up or the descriptor failed. A read or
     /// write tells why.
     bool hungUp = false;
 
+    /// Whether it is ready for anything, a hang-up included.
     bool Any() const { return readable || writable || hungUp; }
 };
 
@@ -38,6 +39,7 @@ class Alarm {
     /// Sets the time (microseconds of Reactor::NowUs); one that has passed is due on the next
     /// Yield.
     virtual void SetDue(std::int64_t lDueUs) = 0;
+    /// Takes the time back; nothing is called until a new one is set.
     virtual void Clear() = 0;
 };
 
@@ -47,10 +49,11 @@ class Reactor : public MessageLoop {
   public:
     /// Microseconds of the monotonic clock that NowMs shows in milliseconds.
     virtual std::int64_t NowUs() const = 0;
+    /// The same in milliseconds.
     std::int64_t NowMs() const final { return NowUs() / 1000; }
 
-    /// Calls the handler from Yield with what the descriptor is ready for. The descriptor stays the
-    /// caller's.
+    /// Calls the handler from Yield with what the descriptor is ready for, as long as it is, until
+    /// the returned object goes away. The descriptor stays the caller's.
     [[nodiscard]] virtual std::unique_ptr<FdWatch> Watch(int fd, FdEvents events,
                                                          std::function<void(FdEvents)> handler) = 0;
 

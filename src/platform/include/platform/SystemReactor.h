@@ -14,6 +14,8 @@ namespace qncomm {
 class SystemReactor : public Reactor {
   public:
     std::int64_t NowUs() const final;
+    /// Calls the handler every lInterval ms (at least 1) while the returned object lives. Ticks
+    /// that were missed during a long operation are not made up for.
     [[nodiscard]] std::unique_ptr<RunningTimer> StartTimer(std::int32_t lInterval,
                                                            std::function<void()> handler) final;
     [[nodiscard]] std::unique_ptr<Alarm> CreateAlarm(std::function<void()> handler) final;
@@ -26,6 +28,7 @@ class SystemReactor : public Reactor {
     SystemReactor(const SystemReactor&) = delete;
     SystemReactor& operator=(const SystemReactor&) = delete;
 
+    /// What a derived class runs when its time has come.
     AlarmQueue mAlarms;
 };
 
