@@ -25,7 +25,7 @@ Console::Console(Machine& machine, const Faults& faults)
 
 bool Console::Busy() const {
     using State = Interpreter::State;
-    // What waits behind a transfer waits for its end.
+    // Input that came behind a transfer's bytes is handled when the transfer has ended.
     if (mInterpreter.Current() == State::Transfers) return false;
     return mInterpreter.Current() == State::Running || Waiting() != 0;
 }
@@ -127,7 +127,8 @@ void Console::Echo(std::string_view bytes) {
 }
 
 void Console::MakeRoom() {
-    // Now and then, not with each line: a long queue of lines is read in linear time.
+    // Handled lines are erased now and then, not one by one, so that a long queue takes linear
+    // time.
     if (mRead < mInput.size() && mRead < InputKept) return;
     mInput.erase(0, mRead);
     mRead = 0;

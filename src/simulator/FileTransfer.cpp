@@ -32,7 +32,8 @@ std::unique_ptr<TransferEngine> MakeEngine(FileTransfer::Protocol protocol, bool
     }
     qncomm::transfer::KermitOptions options;
     options.sevenBits = sevenBits;
-    // Its line is a program's: only the host knows whether all of the way is as good, and says so.
+    // The printer cannot tell whether every part of the way to the host is reliable; the host says
+    // so.
     options.reliable = true;
     if (sends) return std::make_unique<qncomm::transfer::KermitSender>(options);
     return std::make_unique<qncomm::transfer::KermitReceiver>(options);
@@ -70,7 +71,7 @@ void FileTransfer::Serve(Micros now) {
 std::size_t FileTransfer::Receive(std::string_view bytes, Micros now) {
     std::size_t taken = 0;
     while (taken < bytes.size() && mEngine->Outcome() == Outcome::Running) {
-        // The session's end is met to the byte: what comes behind it belongs to the console.
+        // The session ends at an exact byte: what follows it belongs to the console.
         const bool moving = mEngine->Phase() == Phase::Moving;
         const std::size_t count = moving ? bytes.size() - taken : 1;
         mEngine->Receive(bytes.substr(taken, count), Time(now));
@@ -108,7 +109,7 @@ void FileTransfer::Work(Micros now, std::size_t room, std::string& out) {
     LookForEnd(now);
 }
 
-/// A host that has cancelled wants none of the bytes that still wait for the line.
+/// Drops the bytes that still wait for the line: a host that has cancelled does not want them.
 void FileTransfer::DropUnwanted(Micros now) {
     if (mEngine->Outcome() != Outcome::CancelledThere) return;
     Serve(now);

@@ -1,6 +1,6 @@
 #pragma once
 
-// One transfer between the printer's storage and whoever is at the other end of its line.
+// One transfer between the printer's storage and the other end of its line.
 
 #include "Errors.h"
 #include "StorageSink.h"
@@ -30,10 +30,10 @@ class FileTransfer {
     FileTransfer(Protocol protocol, bool sevenBits, std::string name, std::string content,
                  Micros now);
 
-    /// Bytes that arrived; returns how many of them are the transfer's. What follows its end is
-    /// not.
+    /// Hands in bytes that arrived; returns how many of them belong to the transfer. Those that
+    /// follow its end do not.
     std::size_t Receive(std::string_view bytes, Micros now);
-    /// Lets the time pass and adds at most room bytes for the line to the output.
+    /// Does what is due by now and adds at most room bytes for the line to the output.
     void Work(Micros now, std::size_t room, std::string& out);
     /// Stops it at once; what tells the other side is added to the output.
     void Cancel(Micros now, std::string& out);

@@ -19,7 +19,8 @@ namespace qnsim {
 /// One direction of the line: bytes go in at one end and come out when they have passed.
 class Wire {
   public:
-    /// Puts bytes on the wire; each takes perByte nanoseconds after the one before it (0 = none).
+    /// Puts bytes on the wire; each takes perByte nanoseconds after the one before it (0 = at
+    /// once).
     void Put(std::string_view bytes, std::int64_t perByteNs, Micros now);
     /// Takes at most max of the bytes that have passed by now.
     std::string Take(Micros now, std::size_t max);
@@ -65,7 +66,7 @@ class Line {
     const Wire& ToPrinter() const { return mToPrinter; }
     Wire& ToHost() { return mToHost; }
     const Wire& ToHost() const { return mToHost; }
-    /// Takes back what has not reached the host.
+    /// Drops what has not reached the host.
     void DropToHost();
     HostErrors TakeHostErrors() { return std::exchange(mHostErrors, {}); }
 

@@ -35,11 +35,12 @@ class SetupTree {
     /// "SER-COM,").
     Error Change(std::string_view pathAndValue);
 
-    /// Changes every line of a setup file; lines that are empty or begin with "#" say nothing. All
-    /// or none.
+    /// Changes every line of a setup file; lines that are empty or begin with "#" are skipped.
+    /// Either all of them are changed or, after an error, none.
     Error Load(std::string_view fileText);
 
-    /// The whole tree, one line per item, each ended by CR LF. Items nobody can change begin with
+    /// The whole tree, one line per item, each ended by CR LF. Items that cannot be changed begin
+    /// with
     /// "#".
     std::string Write() const;
 

@@ -21,8 +21,8 @@ bool IsPlain(char c) {
            || c == '_' || c == '-';
 }
 
-/// A printer's file name as a name that any file system takes: a mark, then the name with %XX for
-/// what is not plain.
+/// A printer's file name as a name that any file system takes: a mark, then the name with every
+/// unusual character as %XX.
 std::string HostName(const std::string& name, bool system) {
     constexpr std::string_view digits = "0123456789ABCDEF";
     std::string result{system ? SystemMark : PlainMark, '-'};

@@ -52,7 +52,7 @@ class Storage {
     void OnChanged(Changed changed) { mChanged = std::move(changed); }
 
     /// A device by its name with or without regard to case, or the current one for an empty name or
-    /// "."; null = none.
+    /// "."; null when there is no such device.
     Device* FindDevice(std::string_view name);
     std::vector<Device*> Devices();
 

@@ -9,7 +9,7 @@ using qncomm::transfer::AnswerKind;
 using qncomm::transfer::FileInfo;
 using qncomm::transfer::OfferDecision;
 
-/// What is left of a travelling name: no folder and no device of the sender's.
+/// The last part of a name that a sender gave, without its folders and its device.
 std::string_view LastPart(std::string_view name) {
     const auto end = name.find_last_of("/\\:");
     return end == std::string_view::npos ? name : name.substr(end + 1);

@@ -17,7 +17,7 @@ constexpr std::size_t OutputLimit =
     256UL * 1024;                        // a host that does not read stops the printer here
 constexpr std::size_t StopHostAt = 3072; // of a receive buffer of 4096 bytes
 constexpr std::size_t ResumeHostAt = 1024;
-// A transfer fills the line only so far: what it has not given away yet, it may still take back.
+// A transfer fills the line only so far: bytes that are not on the line yet can still be dropped.
 constexpr std::size_t PacedLineTakes = 512;
 constexpr std::size_t LineTakes = 16UL * 1024;
 constexpr char Xon = '\x11';
@@ -129,7 +129,7 @@ void VirtualPrinter::Impl::Receive() {
         return;
     }
     mLastData = mNow;
-    // A printer that is starting hears nothing.
+    // What arrives while the printer starts is lost.
     if (!mBootEnd) mConsole->Receive(Accept(std::move(bytes)));
 }
 

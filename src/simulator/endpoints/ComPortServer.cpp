@@ -18,7 +18,7 @@ constexpr unsigned char CmdDo = 253;
 constexpr unsigned char CmdDont = 254;
 constexpr unsigned char CmdEscape = 255;
 
-// Its options that a serial port has a use for.
+// Those of its options that a serial port uses.
 constexpr unsigned char OptBinary = 0;
 constexpr unsigned char OptEcho = 1;
 constexpr unsigned char OptNoGoAhead = 3;
@@ -103,7 +103,7 @@ void ComPortServer::Take(unsigned char byte) {
             TakeParameter(byte);
         } else if (byte == CmdEnd) {
             EndParameters();
-        } else { // another command where only these two can stand: the parameters are lost
+        } else { // only these two may stand here: the parameters are lost
             TakeCommand(byte);
         }
         return;
@@ -160,7 +160,8 @@ void ComPortServer::TakeOption(unsigned char option) {
                 {static_cast<char>(CmdEscape), static_cast<char>(no), static_cast<char>(option)};
         return;
     }
-    // What is so already is not said again: else two sides could go on for ever.
+    // An option that is already in that state is not confirmed: two sides could answer each other
+    // for ever.
     const unsigned bit = 1U << static_cast<unsigned>(known - KnownOptions.begin());
     unsigned& options = mOptionsOn.at(ours ? 0 : 1);
     if (((options & bit) != 0) == on) return;
@@ -244,7 +245,7 @@ void ComPortServer::SetStopBits(std::string_view value) {
 
 void ComPortServer::SetControl(std::string_view value) {
     // 0 to 3 flow control of both directions, 4 to 6 break, 7 to 9 DTR, 10 to 12 RTS, 13 to 16 flow
-    // control of what comes in. 17 to 19 would let other modem lines rule the flow.
+    // control of what comes in. 17 to 19 would let other modem lines control the flow.
     const unsigned char code = First(value);
     if (code <= 3 || code >= 13) {
         SetFlow(code);
@@ -289,7 +290,8 @@ void ComPortServer::SetLine(unsigned char value, unsigned char on, bool& line) {
 }
 
 void ComPortServer::Sign(std::string_view value) {
-    if (value.empty()) Answer(0, "qnsim virtual printer"); // else the host tells its own name
+    if (value.empty())
+        Answer(0, "qnsim virtual printer"); // with a value, the host tells its own name
 }
 
 void ComPortServer::SetLineMask(std::string_view value) {

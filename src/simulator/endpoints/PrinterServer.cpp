@@ -63,8 +63,8 @@ void PrinterServer::CarryOut(const HostAction& action) {
 
 std::size_t PrinterServer::Room() const {
     if (mPrinter.Backlog() >= BacklogLimit) return 0;
-    // What a paced line has not carried stays with the host, as in a real port's buffer, where a
-    // flush still finds it.
+    // Bytes that a paced line cannot carry yet are left unread: a flush by the host still drops
+    // them, as it does in the buffer of a real port.
     if (!mPrinter.Paced()) return PieceSize;
     return WireLimit - std::min(WireLimit, mPrinter.PendingFromHost(mNow));
 }
@@ -85,7 +85,7 @@ void PrinterServer::Exchange() {
 void PrinterServer::Sleep() {
     mEndpoint.Want(Room() > 0, !mOutput.empty());
     const auto due = mPrinter.NextDue();
-    // While the host does not take what is there, more of it is no reason to wake up.
+    // While the host does not take its bytes, there is no use in waking up to make more of them.
     const bool blocked = !mOutput.empty() && due && *due <= mNow;
     mSleeper.SleepUntil(blocked ? std::nullopt : due);
 }

@@ -20,7 +20,7 @@
 namespace qnsim {
 namespace {
 
-/// How soon after a host has put the device's settings back it has closed it.
+/// A host that puts the device's settings back before it closes it does so at most so long before.
 constexpr int LeavingMs = 10;
 constexpr std::size_t MostAtOnce = 4096;
 
@@ -90,8 +90,8 @@ PtyEndpoint::~PtyEndpoint() {
 }
 
 bool PtyEndpoint::MakeLink(const std::string& link) {
-    // Made beside its place and moved there: whoever opens the name meets the old device or the new
-    // one.
+    // Made beside its place and moved there: a host that opens the name gets the old device or the
+    // new one, never nothing.
     const std::string beside = link + ".new";
     if (IsLink(beside)) ::unlink(beside.c_str());
     if (!IsLink(link) && ::access(link.c_str(), F_OK) == 0) {
@@ -127,14 +127,14 @@ void PtyEndpoint::Refresh() {
     HearOfHosts();
     do
         FollowHosts();
-    while (mCame); // meanwhile: a host that left is not looked at any more
+    while (mCame); // another host opened it meanwhile
 }
 
 void PtyEndpoint::FollowHosts() {
     const bool came = std::exchange(mCame, false);
     mLeft = false;
-    // One that came in the place of another may find that one's last words unread. Whose they are
-    // tells the order of the notices.
+    // When one host has come in the place of another, the bytes at hand are the former one's last
+    // words if the notices tell of a write before the close; otherwise they are the new one's.
     if (came && mHost && mWrote) mLastWords += ReadAll();
     if (came && mLastWords.empty()) mFormat = mStanding;
     mHost = !HungUp(0);
@@ -144,7 +144,7 @@ void PtyEndpoint::FollowHosts() {
     mWrote = false;
     const LineFormat seen = CurrentFormat();
     HearOfHosts();
-    if (mCame) return; // and may have set what was seen
+    if (mCame) return; // the settings that were seen may be the next host's
     if (!others && seen != mStanding) mFormat = seen;
     mStanding = seen;
 }
@@ -180,7 +180,7 @@ std::string PtyEndpoint::ReadAll() {
 }
 
 std::string PtyEndpoint::ReadPiece(std::size_t max) const {
-    bool closed = false; // the hang-up is asked for by itself
+    bool closed = false; // HungUp tells
     return ReadSome(mMaster.Get(), max, closed);
 }
 
@@ -191,8 +191,8 @@ std::vector<HostAction> PtyEndpoint::Receive(std::size_t max) {
         return Sending(std::move(words));
     }
     std::string bytes = ReadPiece(max);
-    // Looked at after the bytes were read: they were sent with these settings or with those before,
-    // never with later ones, unless the settings are another host's already.
+    // Looked at after the bytes were read, so the bytes were sent with these settings or with those
+    // before, never with later ones. Another host may have set its own meanwhile.
     const LineFormat seen = CurrentFormat();
     HearOfHosts();
     const bool others = mCame && mWrote;
@@ -209,7 +209,7 @@ std::vector<HostAction> PtyEndpoint::Receive(std::size_t max) {
 
 std::size_t PtyEndpoint::Write(std::string_view bytes) {
     const ssize_t count = ::write(mMaster.Get(), bytes.data(), bytes.size());
-    return count > 0 ? static_cast<std::size_t>(count) : 0; // that a host left, Refresh sees
+    return count > 0 ? static_cast<std::size_t>(count) : 0; // Refresh sees that a host left
 }
 
 } // namespace qnsim

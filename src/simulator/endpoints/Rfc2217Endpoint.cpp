@@ -5,7 +5,7 @@
 namespace qnsim {
 namespace {
 
-/// A host that asks much and takes no answers is not listened to beyond this.
+/// Bytes of unsent answers beyond which a host that asks much and reads nothing is not read either.
 constexpr std::size_t MostUnsent = 64UL * 1024;
 constexpr std::size_t MostTaken = 16UL * 1024;
 

@@ -10,7 +10,7 @@
 namespace qnsim {
 namespace {
 
-/// The socket calls take every family's address through one type.
+/// The socket calls take the addresses of all protocols by one type.
 sockaddr* AsAddress(sockaddr_in& address) {
     return static_cast<sockaddr*>(static_cast<void*>(&address));
 }
@@ -56,7 +56,7 @@ void SocketHost::HangUp() {
 }
 
 void SocketHost::Want(bool input, bool output) {
-    // The next host waits in the listener's queue; until then that is no reason to wake up.
+    // While a host is there, the next one waits in the listener's queue and does not wake the loop.
     mArrivals->Want({.readable = !mHost});
     if (mTraffic) mTraffic->Want({.readable = input, .writable = output});
 }
@@ -69,7 +69,7 @@ std::string SocketHost::Read(std::size_t max) {
 }
 
 std::size_t SocketHost::Write(std::string_view bytes) {
-    // A host that has left ends its connection here, not the program by a signal.
+    // Without the flag, writing to a host that has left would end the program by SIGPIPE.
     const ssize_t count = ::send(mHost.Get(), bytes.data(), bytes.size(), MSG_NOSIGNAL);
     if (count >= 0) return static_cast<std::size_t>(count);
     if (errno != EAGAIN && errno != EINTR) HangUp();

@@ -12,7 +12,8 @@ using qncomm::TraceRecord;
 
 constexpr std::size_t LongestQuote = 40;
 constexpr Micros MicrosPerMilli = 1000;
-constexpr Micros BeforeLoss = 100'000; // for a host to read what came before the line is lost
+constexpr Micros BeforeLoss =
+    100'000; // time for a host to read the last bytes before the line is lost
 
 /// Bytes as a person can read them in one line.
 std::string Quoted(std::string_view bytes) {
@@ -78,8 +79,8 @@ std::string TracePlayer::ToHost(Micros now) {
 
 void TracePlayer::FromHost(std::string_view bytes, Micros now) {
     while (!bytes.empty() && mMismatch.empty()) {
-        GiveOut(now, true);   // what a host that is ahead of the recording did not wait for
-        if (AtLoss()) return; // said to nobody, as it was then
+        GiveOut(now, true);   // replies that the host did not wait for
+        if (AtLoss()) return; // lost, as they were in the recording
         if (Finished())
             mMismatch = "the trace ends at line "
                         + std::to_string(mRecords.empty() ? 0 : mRecords.back().line)

@@ -39,7 +39,7 @@ class Evaluator {
         return error;
     }
 
-    /// Working memory: what the program's text takes is told by its keeper.
+    /// Working memory: the owner of the program tells how much of it the program's text takes.
     void SetProgramBytes(std::uint64_t bytes) { mProgramBytes = bytes; }
     std::uint64_t FreeMemory() const;
     /// The last error of a program that traps its errors, and its line.

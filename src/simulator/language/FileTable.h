@@ -29,7 +29,7 @@ class FileTable {
     Error Close(int number);
     void CloseAll();
 
-    /// The number of a serial channel's name such as "uart2:", or none.
+    /// The number of a serial channel's name such as "uart2:"; absent for any other name.
     static std::optional<int> Channel(std::string_view path);
 
   private:

@@ -167,7 +167,7 @@ class Interpreter {
     void StartProgram(int line);
     void SkipLoop(std::string_view opening, std::string_view closing, Error missing);
     bool LoopGoesOn(const ForFrame& frame) const;
-    /// The item at the place of reading, which goes on to it; null = there is none left.
+    /// The next item of DATA, to which the place of reading moves; null when none is left.
     const Expr* NextItem();
     std::string PrintedText(const Statement& statement);
     void AcceptInput(const std::string& line);

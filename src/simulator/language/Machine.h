@@ -15,7 +15,8 @@
 
 namespace qnsim {
 
-/// The numbered variables of the printer itself. Most are only kept; two of them rule the console.
+/// The numbered variables of the printer itself. Most are only kept; two of them control the
+/// console.
 class SystemVariables {
   public:
     static constexpr int count = 64;

@@ -19,8 +19,8 @@ namespace qnsim {
 class ComPortServer {
   public:
     /// Takes bytes from the connection, in whatever pieces, and returns what the host did by them,
-    /// in its order. Their answers are in Output already, so all of it is to be carried out before
-    /// the next Send.
+    /// in its order. Their answers are in Output already, so the caller carries out all of it
+    /// before the next Send.
     std::vector<HostAction> Receive(std::string_view bytes);
 
     /// The settings of the port as the host has them now.

@@ -53,7 +53,7 @@ class Endpoint {
 /// An endpoint, or the reason why there is none: the system's number and a text for a person.
 struct OpenedEndpoint {
     std::unique_ptr<Endpoint> endpoint; ///< null when it could not be opened
-    int systemError = 0;                ///< errno then, else 0
+    int systemError = 0;                ///< errno of the failure, otherwise 0
     std::string error; ///< what could not be done and why; empty when all went well
 };
 

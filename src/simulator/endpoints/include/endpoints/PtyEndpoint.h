@@ -10,8 +10,8 @@
 namespace qnsim {
 
 /// Hosts may come and go: between them the printer runs on and what it says is lost, as on a cable
-/// nobody holds. Of the host's settings the rate and the stop bits are seen; a pseudo-terminal
-/// carries no data bits, no parity and no modem lines.
+/// whose other end is open. Of the host's settings the rate and the stop bits are seen; a
+/// pseudo-terminal carries no data bits, no parity and no modem lines.
 ///
 /// Settings and bytes come by different ways, so it takes a rule to tell which bytes were sent with
 /// which. Settings other than those that stood when a host came are its own. The ones that stood
@@ -20,7 +20,7 @@ class PtyEndpoint : public Endpoint {
   public:
     /// Makes a pseudo-terminal and watches it on this loop. link: a name to give the device as
     /// well, replaced when it is a symbolic link already, refused (EEXIST) when it is anything
-    /// else, and removed at the end; empty = none.
+    /// else, and removed at the end; empty = no other name.
     static OpenedEndpoint Open(qncomm::Reactor& loop, const std::string& link);
     ~PtyEndpoint() override;
 

@@ -8,7 +8,7 @@
 
 namespace qnsim {
 
-/// How a server sleeps between two rounds of its work. Ends before its loop.
+/// Lets a server sleep in the loop between two rounds of its work. Ends before its loop.
 class Sleeper {
   public:
     /// The loop is used, not owned.

@@ -16,7 +16,7 @@ namespace qnsim {
 /// Who may reach a listening socket.
 enum class Reach {
     ThisMachine, ///< programs of this machine, over its loopback address
-    Everywhere,  ///< whoever reaches this machine
+    Everywhere,  ///< programs of every machine that reaches this one
 };
 
 /// Takes one host at a time; the next one waits until that has left.

@@ -20,7 +20,7 @@ namespace qnsim {
 class TracePlayer {
   public:
     /// delays: a reply comes as long after what was before it as in the recording, unless the host
-    /// goes on first; else at once.
+    /// goes on first. Without it, replies come at once.
     TracePlayer(std::vector<qncomm::TraceRecord> records, bool delays);
 
     /// Bytes of the host. After a mismatch they are not looked at.
