@@ -141,7 +141,10 @@ IoResult SaveFile(const std::string& sPath, std::string_view sBytes) {
     const bool direct = !fs::is_regular_file(there);
     if (IoResult allowed = WriteInto(sPath, direct ? sBytes : ""); direct || !allowed.Ok())
         return allowed;
-    return ReplaceFile(fs::canonical(sPath, ignored).string(), sBytes, FileMode::Replaced);
+    IoResult result =
+        ReplaceFile(fs::canonical(sPath, ignored).string(), sBytes, FileMode::Replaced);
+    // Folders of the kernel's own, such as /proc, refuse a new name as if the path were not there.
+    return result.systemNumber == ENOENT ? FileFailure(EROFS, sPath) : result;
 }
 
 } // namespace qncomm

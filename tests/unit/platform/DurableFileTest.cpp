@@ -238,6 +238,11 @@ TEST_F(DurableFiles, ThatAreDevicesAreSavedByWritingToThem) {
     EXPECT_EQ(SaveFile(mFolder.Path(), "x").systemNumber, EISDIR);
 }
 
+TEST_F(DurableFiles, ThatStandWhereNoneCanBeMadeAreNotCalledMissing) {
+    const int error = SaveFile("/proc/version", "x").systemNumber;
+    EXPECT_EQ(error, ::getuid() == 0 ? EROFS : EACCES);
+}
+
 TEST_F(DurableFiles, ThatMayNotBeWrittenAreNotReplacedEither) {
     mFolder.Write("f", "old");
     ASSERT_EQ(::chmod(mTarget.c_str(), 0444), 0);
