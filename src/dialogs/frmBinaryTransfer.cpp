@@ -80,7 +80,7 @@ bool frmBinaryTransfer::IsValidDestination() {
     return mDesktop.ShowMsgBox(question) == MsgBoxResult::Yes;
 }
 
-/// Tells the person and answers that the form stays open.
+/// Tells the user and answers that the form stays open.
 bool frmBinaryTransfer::Refuse(std::string_view message) {
     MsgBox box;
     box.text = message;

@@ -54,7 +54,7 @@ std::int32_t Number(const std::string& setting) {
     return ToInt32(Val(setting));
 }
 
-/// Gives a list's selected value to a let of the link; a list without a selection leaves its
+/// Gives a list's selected value to a setter of the link; a list without a selection leaves its
 /// setting alone.
 template <class Let>
 void Give(const ListModel& list, Let let) {
@@ -143,7 +143,7 @@ void frmCommSettings::cmdAutoConnect_Click() {
     ShowCurrentSettings();
 }
 
-/// Runs the search. The person may leave the dialog meanwhile, which ends the search, but neither
+/// Runs the search. The user may leave the dialog meanwhile, which ends the search, but neither
 /// accept it nor search again.
 bool frmCommSettings::Search(std::int16_t port) {
     const Subscription leaving = mLink.StatusEvent.Connect(

@@ -31,7 +31,7 @@ struct FontSampleArguments {
 
 std::shared_ptr<qncomm::PrinterFiles> Fonts(Session& session, bool filter) {
     if (session.PrinterLists()) return session.Control().Fonts(false, filter);
-    session.Printer().Fonts(filter); // the control would ask, and tell the person, twice
+    session.Printer().Fonts(filter); // the control would ask, and tell the user, twice
     return session.Printer().PrinterDevices()->Item("fonts:")->Files;
 }
 

@@ -9,7 +9,7 @@ namespace qnctl {
 /// The options that every command takes.
 struct GlobalOptions {
     std::string port;     ///< an address or a port number; empty = the configured port
-    std::string settings; ///< the settings file; empty = the person's own
+    std::string settings; ///< the settings file; empty = the user's own
     std::string trace;    ///< where to write what travels on the line; empty = nowhere
     std::string labels;   ///< the virtual printer's pictures of labels; empty = none
     bool json = false;

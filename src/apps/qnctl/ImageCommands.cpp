@@ -28,7 +28,7 @@ struct ImagePlaceArguments {
 
 std::shared_ptr<qncomm::PrinterFiles> Images(Session& session) {
     if (session.PrinterLists()) return session.Control().Images();
-    session.Printer().Images(); // the control would ask, and tell the person, twice
+    session.Printer().Images(); // the control would ask, and tell the user, twice
     return session.Printer().PrinterDevices()->Item("images:")->Files;
 }
 

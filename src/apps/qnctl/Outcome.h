@@ -21,7 +21,7 @@ enum class ExitStatus : int {
 /// How a command ended. Anything but Done is shown on the error stream.
 struct Outcome {
     ExitStatus status = ExitStatus::Done;
-    std::int32_t number = 0; ///< 0 when it is none of the system's errors
+    std::int32_t number = 0; ///< 0 when it is not one of the system's errors
     std::string source;
     std::string message;
     std::string place = {}; ///< "FILE:LINE" of a batch; empty elsewhere

@@ -77,7 +77,7 @@ class Session {
     /// How a search that found nothing is told: cancelled, no printer, or the port's own failure.
     Outcome NotFound();
 
-    /// Asks the person; True for yes.
+    /// Asks the user; True for yes.
     bool Ask(const std::string& title, const std::string& question);
 
     /// Whether an operation was quietly refused for want of the port since the last call.

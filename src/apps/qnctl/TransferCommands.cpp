@@ -105,7 +105,7 @@ Outcome ReceiveKermit(Session& session, const TransferArguments& arguments) {
     return Carry(session, arguments, [&] {
         if (session.PrinterLists())
             session.Control().KermitDownload(*name, arguments.hostFile);
-        else // the control would look for the size, and tell the person in a box that it cannot
+        else // the control would look for the size, and tell the user in a box that it cannot
             session.Printer().KermitDownload(*name, arguments.hostFile);
     });
 }

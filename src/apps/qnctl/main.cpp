@@ -41,7 +41,7 @@ Outcome Run(const Request& request, const Output& output) {
 }
 
 /// Streams that the caller has closed get a place, so that no port or file takes theirs and is read
-/// as what a person types or written to as what is shown.
+/// as what a user types or written to as what is shown.
 void OpenMissingStreams() {
     for (const int stream : {STDIN_FILENO, STDOUT_FILENO, STDERR_FILENO})
         if (::fcntl(stream, F_GETFD) < 0) ::open("/dev/null", O_RDWR);

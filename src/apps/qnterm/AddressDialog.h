@@ -30,7 +30,7 @@ class AddressDialog final : public QDialog {
     std::string Address() const;
 
   signals:
-    /// The person has decided for an address that can be one.
+    /// The user has decided for an address that can be one.
     void Chosen(const std::string& sAddress);
 
   private:

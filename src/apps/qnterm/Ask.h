@@ -8,7 +8,7 @@ class QWidget;
 
 namespace qnterm {
 
-// Questions to the person. Each shows its dialog and returns at once; what follows an answer is
+// Questions to the user. Each shows its dialog and returns at once; what follows an answer is
 // called when it comes, and never for a dialog that was left.
 
 /// Asks for a line of text; sInitial is selected.

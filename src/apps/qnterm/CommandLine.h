@@ -10,7 +10,7 @@ namespace qnterm {
 /// What the program was started with.
 struct StartOptions {
     QString port;     ///< an address or a port number; empty = the configured port
-    QString settings; ///< the settings file; empty = the person's own
+    QString settings; ///< the settings file; empty = the user's own
     QString labels;   ///< where the virtual printer puts its labels; empty = a scratch folder
     QString trace;    ///< where to write what travels on the line; empty = nowhere
 };

@@ -117,7 +117,7 @@ void DeviceBrowser::Update() {
 void DeviceBrowser::Reread(bool refresh) {
     if (!mKnown && !refresh) return;
     std::vector<DeviceListing> listings;
-    // Only what the person asked for is told as done.
+    // Only what the user asked for is told as done.
     const QString title = refresh ? tr("Read the printer's files") : QString();
     if (!mOperations.Run(title, [&](qncomm::QNComm& control) {
             listings = ReadDevices(control, mDevices.Listings(), refresh);

@@ -49,7 +49,7 @@ class DeviceList final : public QAbstractTableModel {
     std::vector<DeviceListing> mListings;
 };
 
-/// How a device is called for the person: "Fonts", "Images", or its name.
+/// How a device is called for the user: "Fonts", "Images", or its name.
 QString TitleOf(const DeviceListing& device);
 
 } // namespace qnterm

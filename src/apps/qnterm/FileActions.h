@@ -21,7 +21,7 @@ namespace qnterm {
 
 class Operations;
 
-/// What a person does with the files, fonts and images of the printer: asks what is to be asked and
+/// What a user does with the files, fonts and images of the printer: asks what is to be asked and
 /// runs the control's member for it.
 class FileActions final : public QObject {
     Q_OBJECT

@@ -255,7 +255,7 @@ void MainWindow::EnterPort() {
     mCentre->setCurrentWidget(mControl);
     mActions->SetHasPort(true);
     ShowPortState();
-    mControl->setTerminalFocus(); // first: while the printer is asked a person may go elsewhere
+    mControl->setTerminalFocus(); // first: while the printer is asked a user may go elsewhere
     mActions->Connect();
 }
 
@@ -280,7 +280,7 @@ void MainWindow::OnIdentified(const QString& model, const QString& firmware) {
     mStatus->Say(tr("Connected to %1, %2.").arg(model, firmware));
 }
 
-/// Tells the person why an operation failed, in a box that blocks nothing.
+/// Tells the user why an operation failed, in a box that blocks nothing.
 void MainWindow::ShowFailure(const QString& title, const qncomm::QNError& error) {
     if (mClosing) return;
     auto* box = new QMessageBox(QMessageBox::Warning, windowTitle(),

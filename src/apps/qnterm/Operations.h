@@ -36,7 +36,7 @@ class Operations : public QObject {
     /// The control outlives this object.
     Operations(qncomm::QNComm& control, Waits waits, QObject* parent = nullptr);
 
-    /// Runs work. sTitle names it for the person: "Delete c:LAYOUT.LBL". False when it was refused,
+    /// Runs work. sTitle names it for the user: "Delete c:LAYOUT.LBL". False when it was refused,
     /// cancelled or failed.
     bool Run(const QString& sTitle, const Work& work);
 

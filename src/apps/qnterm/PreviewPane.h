@@ -39,7 +39,7 @@ class PreviewPane final : public QWidget {
     QLabel* mText;
 };
 
-/// A sample of a TrueType font file; null when it is none.
+/// A sample of a TrueType font file; null when the file is not one.
 QImage FontSample(const QString& sPath, qreal dPixelSize);
 
 } // namespace qnterm

@@ -13,7 +13,7 @@ namespace qnterm {
 class Operations;
 struct MenuEntry;
 
-/// What a person does with the printer as a whole: the menus over the control's surface. Entries
+/// What a user does with the printer as a whole: the menus over the control's surface. Entries
 /// that need the printer are enabled while a port is chosen and nothing runs.
 class PrinterActions final : public QObject {
     Q_OBJECT
@@ -55,7 +55,7 @@ class PrinterActions final : public QObject {
     void ChoosePortWanted();
     void QuitWanted();
     void AboutWanted();
-    /// Something for the person to read.
+    /// Something for the user to read.
     void Said(const QString& sText);
 
   private:

@@ -12,7 +12,7 @@
 namespace qnterm {
 
 /// The printer's setup as a tree: sections within sections, the items' values in the second column.
-/// A value that the person changes is asked of the printer and stands here when it has been read
+/// A value that the user changes is asked of the printer and stands here when it has been read
 /// from there.
 class SetupModel final : public QAbstractItemModel {
     Q_OBJECT
@@ -43,7 +43,7 @@ class SetupModel final : public QAbstractItemModel {
     bool setData(const QModelIndex& index, const QVariant& value, int role) override;
 
   signals:
-    /// The person wants the item to have this value.
+    /// The user wants the item to have this value.
     void ChangeWanted(const QString& sKey, const QString& sValue);
 
   private:

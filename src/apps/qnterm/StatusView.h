@@ -16,7 +16,7 @@ class Operations;
 /// What is known of the port.
 struct PortFacts {
     bool open = false;
-    QString name;    ///< for the person, such as "COM3 (/dev/ttyUSB0)"; empty = none is chosen
+    QString name;    ///< for the user, such as "COM3 (/dev/ttyUSB0)"; empty = none is chosen
     QString printer; ///< what answers there; empty = not known
     QString failure; ///< why it did not open or went away; empty = neither
 };

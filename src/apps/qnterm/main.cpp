@@ -29,7 +29,7 @@ std::shared_ptr<qncomm::FileSettings> StoreFor(const qnterm::StartOptions& optio
 
 /// What travels on the line is written there; outlives the application, as the control may say
 /// something to the printer until the very end. Null when the file cannot be written, after a line
-/// to the person.
+/// to the user.
 std::unique_ptr<qncomm::JsonLinesTrace> TraceTo(const std::string& path) {
     auto trace = std::make_unique<qncomm::JsonLinesTrace>(path);
     if (trace->Result().Ok()) return trace;

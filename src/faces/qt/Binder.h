@@ -36,7 +36,7 @@ class Binder : public QObject {
         Show();
     }
 
-    /// Hands in what the person did, then shows what the model made of it.
+    /// Hands in what the user did, then shows what the model made of it.
     void Act(const std::function<void()>& action) {
         const QPointer<QObject> self(this);
         mGuard->Run(action);

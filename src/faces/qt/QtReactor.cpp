@@ -107,7 +107,7 @@ class QtReactor::YieldScope {
         mReactor.mYieldLoopLevel = mOuterLevel;
         mReactor.mYieldEndUs = mOuterEndUs;
         --mReactor.mDepth;
-        mReactor.Arm(); // the limit wakes nobody any more
+        mReactor.Arm(); // the limit wakes no Yield any more
     }
     YieldScope(const YieldScope&) = delete;
     YieldScope& operator=(const YieldScope&) = delete;

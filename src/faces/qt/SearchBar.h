@@ -24,7 +24,7 @@ class SearchBar final : public QWidget {
   signals:
     void nextAsked();
     void previousAsked();
-    /// The person has typed another text.
+    /// The user has typed another text.
     void textChanged();
     void closed();
 

@@ -4,7 +4,7 @@
 
 namespace qncomm {
 
-/// The strip along the upper edge by which the person makes a docked control higher or lower. It
+/// The strip along the upper edge by which the user makes a docked control higher or lower. It
 /// acts when it is released.
 class SizerGrip final : public QWidget {
     Q_OBJECT

@@ -7,7 +7,7 @@
 
 namespace qncomm {
 
-/// What the person does in a terminal view goes here. Nothing of it throws.
+/// What the user does in a terminal view goes here. Nothing of it throws.
 class TerminalInput {
   public:
     virtual ~TerminalInput() = default;

@@ -23,9 +23,9 @@ namespace terminal {
 struct Damage;
 }
 
-/// Shows a terminal's grid and its scroll-back, and hands in what the person types and does.
+/// Shows a terminal's grid and its scroll-back, and hands in what the user types and does.
 ///
-/// It follows the cursor until the person scrolls back; then what is shown stays in its place while
+/// It follows the cursor until the user scrolls back; then what is shown stays in its place while
 /// more comes, until a key is typed or the end is reached again. What changed is painted at most 60
 /// times a second, however fast it changes.
 ///

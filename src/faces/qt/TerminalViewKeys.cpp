@@ -1,4 +1,4 @@
-// What the person types.
+// What the user types.
 
 #include "TerminalSearch.h"
 #include "TerminalViewParts.h"

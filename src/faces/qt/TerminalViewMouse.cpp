@@ -1,4 +1,4 @@
-// What the person does with the mouse.
+// What the user does with the mouse.
 
 #include "TerminalViewParts.h"
 

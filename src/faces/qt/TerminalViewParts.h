@@ -39,10 +39,10 @@ struct TerminalView::Parts {
     std::uint64_t screenBegin = 0;        ///< as of the last frame
     std::uint64_t contentEnd = 1;         ///< behind the last line that holds anything
     std::size_t widest = 0;               ///< of the lines seen so far
-    std::optional<std::uint64_t> typedOn; ///< the line that the person types on
+    std::optional<std::uint64_t> typedOn; ///< the line that the user types on
     TextPosition cursor;                  ///< where it was painted
 
-    /// What the person does.
+    /// What the user does.
     TerminalSelection selection;
     bool dragging = false;
     QPoint dragAt;

@@ -41,7 +41,7 @@ void Select(QLineEdit& edit, const WidgetSelection& selection) {
     }
 }
 
-/// Replaces only what differs, so that the person can undo it.
+/// Replaces only what differs, so that the user can undo it.
 void Rewrite(QLineEdit& edit, const QString& text) {
     const QString former = edit.text();
     const qsizetype most = std::min(former.size(), text.size());

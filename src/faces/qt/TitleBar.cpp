@@ -18,7 +18,7 @@ constexpr int TitlePadding = 2; // pixels around the bar's pieces
 constexpr int TitleIndent = 6;  // pixels before the caption
 constexpr int ClosePictureSize = 14;
 
-/// Many desktops have no colour of their own for what is inactive; a bar that nobody can tell from
+/// Many desktops have no colour of their own for what is inactive; a bar that cannot be told from
 /// an active one is no use, so it is grey there.
 QColor BackOf(const TitleModel& title, const QPalette& desktop) {
     const QColor back = ColourOf(title.BackColor(), desktop);

@@ -40,7 +40,7 @@ std::int32_t QNCommWidget::Surroundings::Height() const {
 void QNCommWidget::Surroundings::SetHeight(std::int32_t lHeight) {
     if (SetHeightOnForm(mWidget, mWidget.mParts->align, lHeight)) return;
     mWidget.mParts->wantedHeight = lHeight;
-    // A terminal takes all the room there is until a person wants it otherwise; a policy that the
+    // A terminal takes all the room there is until a user wants it otherwise; a policy that the
     // form's author chose stays.
     QSizePolicy policy = mWidget.sizePolicy();
     if (policy.verticalPolicy() == QSizePolicy::Expanding)

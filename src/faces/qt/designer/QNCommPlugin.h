@@ -23,7 +23,7 @@ class QNCommPlugin final : public QObject, public QDesignerCustomWidgetInterface
     bool isContainer() const override { return false; }
 
     /// A control for its parent to own: one that is being designed inside a form editor, one that
-    /// runs for whoever loads a finished form.
+    /// runs in a program that loads a finished form.
     QWidget* createWidget(QWidget* parent) override;
 
     bool isInitialized() const override { return mDesigning; }

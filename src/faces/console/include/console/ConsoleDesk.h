@@ -40,7 +40,7 @@ class ConsoleDesk {
 
     /// What a ControlAssembly takes; all of it lives as long as this object.
     ControlServices Services();
-    /// A view that nobody sees: the control runs on it.
+    /// A view that is shown nowhere: the control runs on it.
     ControlView View() { return {mHost, mHost, mHost}; }
 
     /// The progress line.

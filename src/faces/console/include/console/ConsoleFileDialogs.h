@@ -9,7 +9,7 @@
 
 namespace qncomm {
 
-/// The file dialog at a console: a path that was given beforehand, or one that the person types.
+/// The file dialog at a console: a path that was given beforehand, or one that the user types.
 class ConsoleFileDialogs final : public FileDialogs {
   public:
     /// Both outlive the object.

@@ -14,8 +14,8 @@ namespace qncomm {
 
 class QNComm;
 
-/// Container, window and screen of a control that nobody sees: it runs, and what it would show goes
-/// nowhere. Its form is as large as the control.
+/// Container, window and screen of a control that is shown nowhere: it runs, and what it would show
+/// goes nowhere. Its form is as large as the control.
 class ConsoleHost final : public ControlHost, public ControlWindow, public TerminalScreen {
   public:
     /// The asker must outlive the object; it tells when a capture ends for want of space.

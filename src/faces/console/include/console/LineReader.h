@@ -15,7 +15,7 @@ class LineReader {
     /// The reactor outlives the reader; the descriptor stays the caller's.
     LineReader(Reactor& reactor, int fd) : mReactor(reactor), mFd(fd) {}
 
-    /// Whether a person can answer there.
+    /// Whether a user can answer there.
     bool IsTerminal() const;
 
     /// The next line without its end; nothing at the end of the input. Throws what Yield throws.
@@ -28,7 +28,7 @@ class LineReader {
 };
 
 /// Reads the answer to a question that stands on err. When none comes, because the input ends or
-/// the person cancels, it ends the question's line, as the answer's own line end would have.
+/// the user cancels, it ends the question's line, as the answer's own line end would have.
 std::optional<std::string> ReadAnswer(LineReader& input, std::ostream& err);
 
 } // namespace qncomm

@@ -16,7 +16,7 @@ class QWidget;
 namespace qncomm {
 
 // Each of these shows a control model on a widget until the widget goes. The model and the guard
-// outlive the widget. What the person does at the widget goes to the model's own members, and the
+// outlive the widget. What the user does at the widget goes to the model's own members, and the
 // guard catches what they raise; the widget may go meanwhile. A caption without a key of its own
 // keeps the one that GiveMnemonics chose.
 
@@ -28,7 +28,7 @@ void Bind(ButtonModel& model, QAbstractButton& button, const ActionGuard& guard)
 void Bind(CheckBoxModel& model, QCheckBox& box, const ActionGuard& guard);
 void Bind(ListModel& model, QComboBox& list, const ActionGuard& guard);
 /// Cursor and selection go both ways. Text of kind Line is shown as Windows-1252, of kind Host as
-/// UTF-8; what the person types and the line has no byte for turns into "?" at once.
+/// UTF-8; what the user types and the line has no byte for turns into "?" at once.
 void Bind(TextBoxModel& model, QLineEdit& edit, const ActionGuard& guard);
 void Bind(TabStripModel& model, QTabBar& strip, const ActionGuard& guard);
 void Bind(ProgressBarModel& model, QProgressBar& bar);

@@ -8,7 +8,7 @@ class QWidget;
 
 namespace qncomm {
 
-/// What the error says to a person; empty for an operation that the person has cancelled.
+/// What the error says to a user; empty for an operation that the user has cancelled.
 QString ErrorText(const std::exception_ptr& error);
 
 /// Shows the error in a message box of its own and returns at once; nothing for one without text.

@@ -13,7 +13,7 @@ class QtFileDialogs : public FileDialogs {
     /// As for message boxes.
     explicit QtFileDialogs(QWidget* parent = nullptr) : mParent(parent) {}
 
-    /// The person is asked again while a choice cannot be had: a file that must exist and does not,
+    /// The user is asked again while a choice cannot be had: a file that must exist and does not,
     /// or one that is not to be made.
     std::optional<std::string> ChooseFile(const FileDialog& dialog) override;
 
