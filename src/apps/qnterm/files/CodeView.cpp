@@ -1,5 +1,6 @@
 #include "CodeView.h"
 
+#include <QEvent>
 #include <QFontDatabase>
 #include <QPainter>
 #include <QTextBlock>

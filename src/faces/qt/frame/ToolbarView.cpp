@@ -3,6 +3,7 @@
 #include "qt/Charset.h"
 #include "qt/Icons.h"
 
+#include <QEvent>
 #include <QPointer>
 #include <QToolButton>
 
