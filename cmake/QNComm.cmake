@@ -2,7 +2,9 @@
 # a folder's library and a test program.
 
 option(QN_BENCH "Build the benchmarks" OFF)
-option(QN_QT "Build the desktop face (needs Qt 6.4)" ON)
+option(QN_SIMULATOR "Build the virtual printer and what knows it: programs, desktop face (needs FreeType, libpng)" ON)
+include(CMakeDependentOption)
+cmake_dependent_option(QN_QT "Build the desktop face (needs Qt 6.4)" ON QN_SIMULATOR OFF)
 option(QN_FUZZ "Build the fuzz targets (needs clang)" OFF)
 
 set(CMAKE_CXX_STANDARD 20)
