@@ -17,7 +17,7 @@
 namespace qncomm::testing {
 namespace {
 
-using qntest::Program;
+using qncomm::testing::Program;
 using ::testing::HasSubstr;
 using Words = std::vector<std::string>;
 

@@ -21,7 +21,9 @@
 #include <thread>
 #include <unistd.h>
 
-namespace qnsim::test {
+namespace qncomm::testing {
+
+using namespace qnsim;
 namespace {
 
 constexpr int PatienceMs = 10'000; // how long a test waits for what must come
@@ -275,7 +277,7 @@ TEST_F(PtyRounds, SettingsThatChangeUnderAnOpenDeviceCountForWhatComesNext) {
 }
 
 TEST(PtyEndpoint, LinkIsMadeReplacedAndRemoved) {
-    const std::string link = testing::TempDir() + "qnsim-link-" + std::to_string(::getpid());
+    const std::string link = ::testing::TempDir() + "qnsim-link-" + std::to_string(::getpid());
     std::filesystem::create_symlink("/nowhere", link);
     qncomm::PollLoop loop;
     OpenedEndpoint opened = PtyEndpoint::Open(loop, link);
@@ -290,7 +292,7 @@ TEST(PtyEndpoint, LinkIsMadeReplacedAndRemoved) {
 }
 
 TEST(PtyEndpoint, FileInTheLinksPlaceIsLeftAlone) {
-    const std::string path = testing::TempDir();
+    const std::string path = ::testing::TempDir();
     qncomm::PollLoop loop;
     const OpenedEndpoint opened = PtyEndpoint::Open(loop, path);
     EXPECT_FALSE(opened.endpoint);
@@ -350,7 +352,7 @@ TEST(TcpEndpoint, PortThatIsTakenIsNamed) {
 }
 
 TEST(QnsimProgram, EndsCleanlyOnASignalAndRemovesItsLink) {
-    const std::string link = testing::TempDir() + "qnsim-program-" + std::to_string(::getpid());
+    const std::string link = ::testing::TempDir() + "qnsim-program-" + std::to_string(::getpid());
     int ends[2];
     ASSERT_EQ(::pipe2(ends, O_CLOEXEC), 0);
     const qncomm::Fd output(ends[0]);
@@ -383,4 +385,4 @@ TEST(QnsimProgram, EndsCleanlyOnASignalAndRemovesItsLink) {
 }
 
 } // namespace
-} // namespace qnsim::test
+} // namespace qncomm::testing

@@ -1,6 +1,6 @@
 #include "PrinterBench.h"
 
-namespace qnsim::test {
+namespace qncomm::testing {
 namespace {
 
 TEST(Console, EchoesALineAnswersAndPrompts) {
@@ -158,4 +158,4 @@ TEST(Console, RestartTakesItsTimeAndPutsModesBack) {
 }
 
 } // namespace
-} // namespace qnsim::test
+} // namespace qncomm::testing

@@ -1,7 +1,7 @@
 // Values that stand in the program.
 #include "PrinterBench.h"
 
-namespace qnsim::test {
+namespace qncomm::testing {
 namespace {
 
 using Lines = std::vector<std::string>;
@@ -22,7 +22,7 @@ struct Items {
     std::string_view printed;
 };
 
-class Data : public testing::TestWithParam<Items> {};
+class Data : public ::testing::TestWithParam<Items> {};
 
 TEST_P(Data, IsReadAsItWasWritten) {
     const Items& items = GetParam();
@@ -33,37 +33,36 @@ TEST_P(Data, IsReadAsItWasWritten) {
 
 INSTANTIATE_TEST_SUITE_P(
     Numbers, Data,
-    testing::Values(Items{" 5", "A", "A", "5"}, Items{"5,6", "A,B", "A*10+B", "56"},
-                    Items{" -1.5 , +2E3", "A,B", "A;\" \";B", "-1.5 2000"},
-                    Items{" &HfF", "A", "A", "255"}, Items{" 2.6", "A%", "A%", "3"},
-                    Items{" 1,,3", "A,B,C", "A;B;C", "103"}, Items{" 1,", "A,B", "A;B", "10"},
-                    Items{"", "A", "A", "0"}, Items{" 7,8", "A(2),A(3)", "A(2);A(3)", "78"},
-                    Items{" 3", "SYSVAR(40)", "SYSVAR(40)", "3"}));
+    ::testing::Values(Items{" 5", "A", "A", "5"}, Items{"5,6", "A,B", "A*10+B", "56"},
+                      Items{" -1.5 , +2E3", "A,B", "A;\" \";B", "-1.5 2000"},
+                      Items{" &HfF", "A", "A", "255"}, Items{" 2.6", "A%", "A%", "3"},
+                      Items{" 1,,3", "A,B,C", "A;B;C", "103"}, Items{" 1,", "A,B", "A;B", "10"},
+                      Items{"", "A", "A", "0"}, Items{" 7,8", "A(2),A(3)", "A(2);A(3)", "78"},
+                      Items{" 3", "SYSVAR(40)", "SYSVAR(40)", "3"}));
 
 INSTANTIATE_TEST_SUITE_P(
     Texts, Data,
-    testing::Values(Items{" \"A,B:C\"", "A$", "A$", "A,B:C"},
-                    Items{" two words , x", "A$,B$", "A$;\".\";B$", "two words.x"},
-                    Items{" 007", "A$", "A$", "007"}, Items{" \" x \"", "A$", "A$;\".\"", " x ."},
-                    Items{" it's, @home", "A$,B$", "A$;B$", "it's@home"},
-                    Items{" 1E999", "A$", "A$", "1E999"},
-                    Items{" A ELSE B", "A$", "A$", "A ELSE B"},
-                    Items{" one: A=4", "A$", "A$;A", "one4"}, Items{" \"open", "A$", "A$", "open"},
-                    Items{" ,", "A$,B$", "\"<\";A$;B$;\">\"", "<>"},
-                    Items{" 6 in \"", "A$", "A$", "6 in \""}));
+    ::testing::Values(
+        Items{" \"A,B:C\"", "A$", "A$", "A,B:C"},
+        Items{" two words , x", "A$,B$", "A$;\".\";B$", "two words.x"},
+        Items{" 007", "A$", "A$", "007"}, Items{" \" x \"", "A$", "A$;\".\"", " x ."},
+        Items{" it's, @home", "A$,B$", "A$;B$", "it's@home"}, Items{" 1E999", "A$", "A$", "1E999"},
+        Items{" A ELSE B", "A$", "A$", "A ELSE B"}, Items{" one: A=4", "A$", "A$;A", "one4"},
+        Items{" \"open", "A$", "A$", "open"}, Items{" ,", "A$,B$", "\"<\";A$;B$;\">\"", "<>"},
+        Items{" 6 in \"", "A$", "A$", "6 in \""}));
 
 INSTANTIATE_TEST_SUITE_P(
     Faults, Data,
-    testing::Values(Items{" 5", "A,B", "A", "Error 4 in line 20: Out of data"},
-                    Items{" 5,x", "A,B", "A", "Error 13 in line 20: Type mismatch"},
-                    Items{" \"5\"", "A", "A", "Error 13 in line 20: Type mismatch"},
-                    Items{" 5x", "A", "A", "Error 13 in line 20: Type mismatch"},
-                    Items{" - 5", "A", "A", "Error 13 in line 20: Type mismatch"},
-                    Items{" inf", "A", "A", "Error 13 in line 20: Type mismatch"},
-                    Items{" &H", "A", "A", "Error 13 in line 20: Type mismatch"},
-                    Items{" 1E12", "A%", "A%", "Error 6 in line 20: Overflow"},
-                    Items{" 1", "A(11)", "A", "Error 9 in line 20: Subscript out of range"},
-                    Items{" \"a\" b", "A$", "A$", "Error 19 in line 10: Syntax error"}));
+    ::testing::Values(Items{" 5", "A,B", "A", "Error 4 in line 20: Out of data"},
+                      Items{" 5,x", "A,B", "A", "Error 13 in line 20: Type mismatch"},
+                      Items{" \"5\"", "A", "A", "Error 13 in line 20: Type mismatch"},
+                      Items{" 5x", "A", "A", "Error 13 in line 20: Type mismatch"},
+                      Items{" - 5", "A", "A", "Error 13 in line 20: Type mismatch"},
+                      Items{" inf", "A", "A", "Error 13 in line 20: Type mismatch"},
+                      Items{" &H", "A", "A", "Error 13 in line 20: Type mismatch"},
+                      Items{" 1E12", "A%", "A%", "Error 6 in line 20: Overflow"},
+                      Items{" 1", "A(11)", "A", "Error 9 in line 20: Subscript out of range"},
+                      Items{" \"a\" b", "A$", "A$", "Error 19 in line 10: Syntax error"}));
 
 TEST(Programs, ReadDataFromWhereverItStands) {
     EXPECT_EQ(Printed({"READ A,B,C:PRINT A;B;C:END", "PRINT 9:DATA 1:DATA 2", "IF 0 THEN DATA 3"}),
@@ -120,4 +119,4 @@ TEST(Programs, RemarksHoldAnyCharacters) {
 }
 
 } // namespace
-} // namespace qnsim::test
+} // namespace qncomm::testing

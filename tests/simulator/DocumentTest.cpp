@@ -10,7 +10,9 @@
 #include <set>
 #include <string>
 
-namespace qnsim::test {
+namespace qncomm::testing {
+
+using namespace qnsim;
 namespace {
 
 std::string Document() {
@@ -56,4 +58,4 @@ TEST(PrinterDocument, NamesEveryStatementAndFunction) {
 }
 
 } // namespace
-} // namespace qnsim::test
+} // namespace qncomm::testing

@@ -6,17 +6,17 @@
 #include <filesystem>
 #include <unistd.h>
 
-namespace qnsim::test {
+namespace qncomm::testing {
 namespace {
 
 using Dots = std::vector<std::string>;
 
 /// A folder of its own for each test, gone afterwards.
-class LabelTest : public testing::Test {
+class LabelTest : public ::testing::Test {
   protected:
     LabelTest()
-        : mFolder(testing::TempDir() + "labels-" + std::to_string(::getpid()) + "-"
-                  + testing::UnitTest::GetInstance()->current_test_info()->name()) {}
+        : mFolder(::testing::TempDir() + "labels-" + std::to_string(::getpid()) + "-"
+                  + ::testing::UnitTest::GetInstance()->current_test_info()->name()) {}
     ~LabelTest() override {
         std::error_code error;
         std::filesystem::remove_all(mFolder, error);
@@ -238,4 +238,4 @@ TEST_F(LabelTest, LooksAsTheKeptPictures) {
 }
 
 } // namespace
-} // namespace qnsim::test
+} // namespace qncomm::testing

@@ -1,6 +1,6 @@
 #include "PrinterBench.h"
 
-namespace qnsim::test {
+namespace qncomm::testing {
 namespace {
 
 struct Case {
@@ -8,7 +8,7 @@ struct Case {
     std::string_view answer;
 };
 
-class Expressions : public testing::TestWithParam<Case> {};
+class Expressions : public ::testing::TestWithParam<Case> {};
 
 TEST_P(Expressions, AnswerAsExpected) {
     PrinterBench bench;
@@ -18,36 +18,36 @@ TEST_P(Expressions, AnswerAsExpected) {
 
 INSTANTIATE_TEST_SUITE_P(
     Numbers, Expressions,
-    testing::Values(Case{"PRINT 1+2*3", "7"}, Case{"PRINT (1+2)*3", "9"}, Case{"PRINT -2^2", "-4"},
-                    Case{"PRINT 7/2", "3.5"}, Case{"PRINT 7\\2", "3"}, Case{"PRINT 7 MOD 4", "3"},
-                    Case{"PRINT 10-3-2", "5"}, Case{"PRINT 1E3", "1000"}, Case{"PRINT .5", "0.5"},
-                    Case{"PRINT &HFF", "255"}, Case{"PRINT 1/3", "0.333333333"},
-                    Case{"PRINT 1=1", "-1"}, Case{"PRINT 2<>2", "0"}, Case{"PRINT NOT 0", "-1"},
-                    Case{"PRINT 6 AND 3", "2"}, Case{"PRINT 6 OR 3", "7"},
-                    Case{"PRINT 6 XOR 3", "5"}, Case{"PRINT 1<2 AND 2<=2", "-1"},
-                    Case{"PRINT ABS(-3);SGN(-3);INT(-1.5)", "3-1-2"}, Case{"PRINT SQR(16)", "4"},
-                    Case{"PRINT 1/0", "Error 11: Division by zero"},
-                    Case{"PRINT 1E300*1E300", "Error 6: Overflow"},
-                    Case{"PRINT SQR(-1)", "Error 5: Illegal argument"}));
+    ::testing::Values(Case{"PRINT 1+2*3", "7"}, Case{"PRINT (1+2)*3", "9"},
+                      Case{"PRINT -2^2", "-4"}, Case{"PRINT 7/2", "3.5"}, Case{"PRINT 7\\2", "3"},
+                      Case{"PRINT 7 MOD 4", "3"}, Case{"PRINT 10-3-2", "5"},
+                      Case{"PRINT 1E3", "1000"}, Case{"PRINT .5", "0.5"}, Case{"PRINT &HFF", "255"},
+                      Case{"PRINT 1/3", "0.333333333"}, Case{"PRINT 1=1", "-1"},
+                      Case{"PRINT 2<>2", "0"}, Case{"PRINT NOT 0", "-1"},
+                      Case{"PRINT 6 AND 3", "2"}, Case{"PRINT 6 OR 3", "7"},
+                      Case{"PRINT 6 XOR 3", "5"}, Case{"PRINT 1<2 AND 2<=2", "-1"},
+                      Case{"PRINT ABS(-3);SGN(-3);INT(-1.5)", "3-1-2"}, Case{"PRINT SQR(16)", "4"},
+                      Case{"PRINT 1/0", "Error 11: Division by zero"},
+                      Case{"PRINT 1E300*1E300", "Error 6: Overflow"},
+                      Case{"PRINT SQR(-1)", "Error 5: Illegal argument"}));
 
 INSTANTIATE_TEST_SUITE_P(
     Texts, Expressions,
-    testing::Values(Case{"PRINT \"A\"+\"B\"", "AB"}, Case{"PRINT LEFT$(\"HELLO\",2)", "HE"},
-                    Case{"PRINT RIGHT$(\"HELLO\",2)", "LO"},
-                    Case{"PRINT MID$(\"HELLO\",2,3)", "ELL"},
-                    Case{"PRINT MID$(\"HELLO\",2)", "ELLO"}, Case{"PRINT LEN(\"HELLO\")", "5"},
-                    Case{"PRINT CHR$(65);ASC(\"B\")", "A66"}, Case{"PRINT STR$(12)+\"x\"", "12x"},
-                    Case{"PRINT VAL(\"12.5x\")", "12.5"}, Case{"PRINT INSTR(\"HELLO\",\"L\")", "3"},
-                    Case{"PRINT UPPER$(\"aB\")", "AB"}, Case{"PRINT HEX$(255)", "FF"},
-                    Case{"PRINT STRING$(3,\"ab\");SPACE$(2);\"x\"", "aaa  x"},
-                    Case{"PRINT \"A\"<\"B\"", "-1"}, Case{"PRINT 1,2", "1             2"},
-                    Case{"PRINT \"A\"+1", "Error 13: Type mismatch"},
-                    Case{"PRINT LEN(1)", "Error 13: Type mismatch"},
-                    Case{"PRINT ASC(\"\")", "Error 5: Illegal argument"}));
+    ::testing::Values(
+        Case{"PRINT \"A\"+\"B\"", "AB"}, Case{"PRINT LEFT$(\"HELLO\",2)", "HE"},
+        Case{"PRINT RIGHT$(\"HELLO\",2)", "LO"}, Case{"PRINT MID$(\"HELLO\",2,3)", "ELL"},
+        Case{"PRINT MID$(\"HELLO\",2)", "ELLO"}, Case{"PRINT LEN(\"HELLO\")", "5"},
+        Case{"PRINT CHR$(65);ASC(\"B\")", "A66"}, Case{"PRINT STR$(12)+\"x\"", "12x"},
+        Case{"PRINT VAL(\"12.5x\")", "12.5"}, Case{"PRINT INSTR(\"HELLO\",\"L\")", "3"},
+        Case{"PRINT UPPER$(\"aB\")", "AB"}, Case{"PRINT HEX$(255)", "FF"},
+        Case{"PRINT STRING$(3,\"ab\");SPACE$(2);\"x\"", "aaa  x"}, Case{"PRINT \"A\"<\"B\"", "-1"},
+        Case{"PRINT 1,2", "1             2"}, Case{"PRINT \"A\"+1", "Error 13: Type mismatch"},
+        Case{"PRINT LEN(1)", "Error 13: Type mismatch"},
+        Case{"PRINT ASC(\"\")", "Error 5: Illegal argument"}));
 
 INSTANTIATE_TEST_SUITE_P(
     Statements, Expressions,
-    testing::Values(
+    ::testing::Values(
         Case{"A=5:B=A*2:PRINT B", "10"}, Case{"LET A$=\"x\":PRINT A$;A$", "xx"},
         Case{"A%=2.6:PRINT A%", "3"}, Case{"DIM A(20):A(20)=4:PRINT A(20)", "4"},
         Case{"A$(3)=\"q\":PRINT A$(3);A$(4);\".\"", "q."},
@@ -186,4 +186,4 @@ TEST(Programs, AMillionRoundsEnd) {
 }
 
 } // namespace
-} // namespace qnsim::test
+} // namespace qncomm::testing

@@ -2,7 +2,7 @@
 
 #include <algorithm>
 
-namespace qnsim::test {
+namespace qncomm::testing {
 namespace {
 
 constexpr std::string_view Probe = "\x11\rIMMEDIATE ON:SYSVAR(18)=-1:PRINT\"HELLO\"\r";
@@ -211,4 +211,4 @@ TEST(Address, CarriesEveryOption) {
 }
 
 } // namespace
-} // namespace qnsim::test
+} // namespace qncomm::testing

@@ -2,7 +2,7 @@
 #include "PrinterBench.h"
 #include "testing/printer/TestPictures.h"
 
-namespace qnsim::test {
+namespace qncomm::testing {
 namespace {
 
 std::string Load(PrinterBench& bench, const std::string& command, const std::string& name,
@@ -117,4 +117,4 @@ TEST(Fonts, ListTheBuiltInOnesWhichStay) {
 }
 
 } // namespace
-} // namespace qnsim::test
+} // namespace qncomm::testing

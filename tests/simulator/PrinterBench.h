@@ -9,7 +9,9 @@
 #include <string_view>
 #include <vector>
 
-namespace qnsim::test {
+namespace qncomm::testing {
+
+using namespace qnsim;
 
 class PrinterBench {
   public:
@@ -86,4 +88,4 @@ class PrinterBench {
     VirtualPrinter mPrinter;
 };
 
-} // namespace qnsim::test
+} // namespace qncomm::testing

@@ -2,7 +2,7 @@
 
 #include <algorithm>
 
-namespace qnsim::test {
+namespace qncomm::testing {
 namespace {
 
 std::vector<std::string> Matching(const std::vector<std::string>& lines, std::string_view part) {
@@ -84,4 +84,4 @@ TEST(Setup, ChangedRateTakesEffectAfterTheReply) {
 }
 
 } // namespace
-} // namespace qnsim::test
+} // namespace qncomm::testing

@@ -5,14 +5,14 @@
 #include <fstream>
 #include <unistd.h>
 
-namespace qnsim::test {
+namespace qncomm::testing {
 namespace {
 
-class StateTest : public testing::Test {
+class StateTest : public ::testing::Test {
   protected:
     StateTest()
-        : mFolder(testing::TempDir() + "state-" + std::to_string(::getpid()) + "-"
-                  + testing::UnitTest::GetInstance()->current_test_info()->name()),
+        : mFolder(::testing::TempDir() + "state-" + std::to_string(::getpid()) + "-"
+                  + ::testing::UnitTest::GetInstance()->current_test_info()->name()),
           mAddress("R7G?boot-ms=0&state=" + mFolder) {}
     ~StateTest() override {
         std::error_code error;
@@ -97,4 +97,4 @@ TEST_F(StateTest, DamagedFolderIsNamedAndThePrinterWorks) {
 }
 
 } // namespace
-} // namespace qnsim::test
+} // namespace qncomm::testing

@@ -1,6 +1,6 @@
 #include "PrinterBench.h"
 
-namespace qnsim::test {
+namespace qncomm::testing {
 namespace {
 
 TEST(StorageListing, ShowsHeaderRowsAndBytes) {
@@ -108,4 +108,4 @@ TEST(Files, PrintedBytesNeverExceedTheDevice) {
 }
 
 } // namespace
-} // namespace qnsim::test
+} // namespace qncomm::testing

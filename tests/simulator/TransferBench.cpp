@@ -8,7 +8,7 @@
 
 #include <algorithm>
 
-namespace qnsim::test {
+namespace qncomm::testing {
 namespace {
 
 using qncomm::transfer::KermitOptions;
@@ -133,4 +133,4 @@ bool TransferBench::PassTime(const TransferEngine& engine) {
     return next.has_value();
 }
 
-} // namespace qnsim::test
+} // namespace qncomm::testing

@@ -11,7 +11,9 @@
 #include <string>
 #include <string_view>
 
-namespace qnsim::test {
+namespace qncomm::testing {
+
+using namespace qnsim;
 
 using qncomm::transfer::Outcome;
 using qncomm::transfer::TransferEngine;
@@ -64,4 +66,4 @@ class TransferBench : public PrinterBench {
     std::string mTail;
 };
 
-} // namespace qnsim::test
+} // namespace qncomm::testing

@@ -1,7 +1,7 @@
 // Files that travel between the printer and a host by Kermit and ZModem.
 #include "TransferBench.h"
 
-namespace qnsim::test {
+namespace qncomm::testing {
 namespace {
 
 using qncomm::transfer::testing::RandomBytes;
@@ -32,7 +32,7 @@ void ExpectEnd(const TransferBench& bench, const std::string& end) {
     EXPECT_EQ(tail.find("Ok\r\n"), tail.size() - 4) << tail;
 }
 
-class Transfer : public testing::TestWithParam<const Protocol*> {
+class Transfer : public ::testing::TestWithParam<const Protocol*> {
   protected:
     const Protocol& Way() const { return *GetParam(); }
     std::string Statement(const std::string& arguments) const {
@@ -40,7 +40,7 @@ class Transfer : public testing::TestWithParam<const Protocol*> {
     }
 };
 
-INSTANTIATE_TEST_SUITE_P(Both, Transfer, testing::Values(&kermit, &zmodem), [](const auto& way) {
+INSTANTIATE_TEST_SUITE_P(Both, Transfer, ::testing::Values(&kermit, &zmodem), [](const auto& way) {
     return way.param == &kermit ? "Kermit" : "ZModem";
 });
 
@@ -272,4 +272,4 @@ TEST(TextByKermit, IsStoredWithTheLineEndsThatTravel) {
 }
 
 } // namespace
-} // namespace qnsim::test
+} // namespace qncomm::testing

@@ -183,7 +183,7 @@ TEST_F(DevicesTest, AFileIsSavedOnThisMachineByteForByte) {
 }
 
 TEST_F(DevicesTest, AnImageThatWasSentFromHereIsShown) {
-    const std::string path = mFolder.Write("LOGO.PCX", qnsim::test::TestPcx(48, 20));
+    const std::string path = mFolder.Write("LOGO.PCX", qncomm::testing::TestPcx(48, 20));
     SelectDevice("Images");
     Drop(path);
     EXPECT_THAT(mFailures, IsEmpty());
@@ -193,10 +193,10 @@ TEST_F(DevicesTest, AnImageThatWasSentFromHereIsShown) {
 }
 
 TEST_F(DevicesTest, OfAnImageThatHasChangedSinceItIsSaidSo) {
-    const std::string path = mFolder.Write("LOGO.PCX", qnsim::test::TestPcx(48, 20));
+    const std::string path = mFolder.Write("LOGO.PCX", qncomm::testing::TestPcx(48, 20));
     SelectDevice("Images");
     Drop(path);
-    mFolder.Write("LOGO.PCX", qnsim::test::TestPcx(64, 64));
+    mFolder.Write("LOGO.PCX", qncomm::testing::TestPcx(64, 64));
     SelectFile("LOGO.PCX");
     EXPECT_TRUE(Preview().Picture().isNull());
     EXPECT_THAT(Preview().Text().toStdString(), HasSubstr("changed"));

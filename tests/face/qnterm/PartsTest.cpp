@@ -31,7 +31,7 @@ using ::testing::HasSubstr;
 
 QByteArray Pcx(int width, int height) {
     const std::string bytes =
-        qnsim::test::TestPcx(width, height, [](int x, int y) { return x == y; });
+        qncomm::testing::TestPcx(width, height, [](int x, int y) { return x == y; });
     return {bytes.data(), static_cast<qsizetype>(bytes.size())};
 }
 
@@ -64,7 +64,7 @@ TEST(PcxPicture, AHeaderThatLiesIsNoPicture) {
 
 TEST(FontSamples, AFontFileShowsAndAnotherDoesNot) {
     const ScratchFolder folder;
-    const std::string font = folder.Write("A.TTF", qnsim::test::TestFont());
+    const std::string font = folder.Write("A.TTF", qncomm::testing::TestFont());
     const QImage sample = FontSample(QString::fromStdString(font), 24);
     EXPECT_GT(sample.width(), 100);
     const std::string none = folder.Write("B.TTF", "no font");

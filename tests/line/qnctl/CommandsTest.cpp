@@ -6,7 +6,7 @@
 namespace {
 
 using nlohmann::json;
-using qntest::Ended;
+using qncomm::testing::Ended;
 using testing::AllOf;
 using testing::Contains;
 using testing::ElementsAre;
@@ -15,11 +15,11 @@ using testing::IsEmpty;
 using testing::Not;
 
 /// Commands that change the printer, on one printer for the length of a test.
-class Commands : public qntest::QnctlFixture {
+class Commands : public qncomm::testing::QnctlFixture {
   protected:
     void SetUp() override { StartSimulator(); }
 
-    Ended Do(qntest::Arguments arguments, std::string_view input = {}) const {
+    Ended Do(qncomm::testing::Arguments arguments, std::string_view input = {}) const {
         arguments.insert(arguments.end(), {"--port", Printer(), "--quiet"});
         return Run(arguments, input);
     }
@@ -64,7 +64,7 @@ TEST_F(Commands, FormatAsksAndWithoutATerminalTheAnswerIsNo) {
 TEST_F(Commands, FormatIsAnsweredAtTheTerminal) {
     ASSERT_EQ(Do({"copy", "rom:DEMO.PRG", "tmp:A.PRG"}).status, 0);
     const auto program =
-        Start({"format", "tmp:", "--port", Printer()}, qntest::Program::Stdio::Terminal);
+        Start({"format", "tmp:", "--port", Printer()}, qncomm::testing::Program::Stdio::Terminal);
     ASSERT_TRUE(program->WaitForOut("[y/N] ")) << program->Out();
     program->Type("y\n");
     EXPECT_EQ(program->Wait(), 0) << program->Out();

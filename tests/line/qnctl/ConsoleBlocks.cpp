@@ -2,7 +2,7 @@
 
 #include <cstddef>
 
-namespace qntest {
+namespace qncomm::testing {
 namespace {
 
 bool MatchesFrom(const std::vector<std::string>& shown, std::size_t s,
@@ -57,4 +57,4 @@ bool Matches(const std::vector<std::string>& shown, const std::vector<std::strin
     return MatchesFrom(shown, 0, real, 0);
 }
 
-} // namespace qntest
+} // namespace qncomm::testing

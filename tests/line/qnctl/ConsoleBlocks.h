@@ -4,7 +4,7 @@
 #include <string_view>
 #include <vector>
 
-namespace qntest {
+namespace qncomm::testing {
 
 /// A command of a document and what the document shows below it.
 struct ShownCommand {
@@ -24,4 +24,4 @@ bool Matches(const std::vector<std::string>& shown, const std::vector<std::strin
 /// A text's lines without their ends.
 std::vector<std::string> LinesOf(std::string_view sText);
 
-} // namespace qntest
+} // namespace qncomm::testing

@@ -11,11 +11,11 @@
 namespace {
 
 namespace fs = std::filesystem;
-using qntest::CommandsOf;
-using qntest::LinesOf;
-using qntest::Matches;
-using qntest::Program;
-using qntest::ShownCommand;
+using qncomm::testing::CommandsOf;
+using qncomm::testing::LinesOf;
+using qncomm::testing::Matches;
+using qncomm::testing::Program;
+using qncomm::testing::ShownCommand;
 using testing::ElementsAre;
 
 using Lines = std::vector<std::string>;

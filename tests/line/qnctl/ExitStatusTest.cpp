@@ -11,8 +11,8 @@
 
 namespace {
 
-using qntest::Ended;
-using qntest::Program;
+using qncomm::testing::Ended;
+using qncomm::testing::Program;
 using testing::AllOf;
 using testing::HasSubstr;
 using testing::IsEmpty;
@@ -45,7 +45,7 @@ struct SilentLine {
     qncomm::Fd mSlave;
 };
 
-using ExitStatus = qntest::QnctlFixture;
+using ExitStatus = qncomm::testing::QnctlFixture;
 
 TEST_F(ExitStatus, Is0WhenACommandIsDone) {
     const Ended ended = Run({"send", "PRINT 1+2", "--port", "sim:R7G"});
@@ -70,20 +70,21 @@ TEST_F(ExitStatus, Is1ForAnErrorThatThePrinterReports) {
 }
 
 TEST_F(ExitStatus, Is2ForAWrongCommandLine) {
-    for (const qntest::Arguments& wrong : {qntest::Arguments{},
-                                           {"bogus"},
-                                           {"files"},
-                                           {"info", "--port"},
-                                           {"info", "more"},
-                                           {"ports", "--yes", "--no"},
-                                           {"info", "--port", "17"},
-                                           {"info", "--port", "-1"},
-                                           {"info", "--port", "COM5"},
-                                           {"info", "--port", "printer"},
-                                           {"info", "--port", "sim:R9"},
-                                           {"info", "--port", "tcp://nowhere"},
-                                           {"info", "--port", "sim:R7G", "--trace", "/"},
-                                           {"info", "--port", "/dev/tty", "--labels", "."}}) {
+    for (const qncomm::testing::Arguments& wrong :
+         {qncomm::testing::Arguments{},
+          {"bogus"},
+          {"files"},
+          {"info", "--port"},
+          {"info", "more"},
+          {"ports", "--yes", "--no"},
+          {"info", "--port", "17"},
+          {"info", "--port", "-1"},
+          {"info", "--port", "COM5"},
+          {"info", "--port", "printer"},
+          {"info", "--port", "sim:R9"},
+          {"info", "--port", "tcp://nowhere"},
+          {"info", "--port", "sim:R7G", "--trace", "/"},
+          {"info", "--port", "/dev/tty", "--labels", "."}}) {
         const Ended ended = Run(wrong);
         EXPECT_EQ(ended.status, 2) << testing::PrintToString(wrong);
         EXPECT_THAT(ended.err, StartsWith("qnctl: ")) << testing::PrintToString(wrong);

@@ -7,7 +7,7 @@
 
 namespace {
 
-using qntest::Program;
+using qncomm::testing::Program;
 using testing::HasSubstr;
 using testing::Not;
 using testing::StartsWith;

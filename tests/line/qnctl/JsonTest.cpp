@@ -5,11 +5,11 @@
 namespace {
 
 using nlohmann::json;
-using qntest::Ended;
+using qncomm::testing::Ended;
 using testing::HasSubstr;
 using testing::IsEmpty;
 
-using JsonOutput = qntest::QnctlFixture;
+using JsonOutput = qncomm::testing::QnctlFixture;
 
 TEST_F(JsonOutput, TellsThePorts) {
     const json document = Run({"ports", "--json"}).Document();

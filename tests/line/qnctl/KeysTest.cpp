@@ -4,12 +4,12 @@
 
 namespace {
 
-using qntest::Arguments;
-using qntest::Ended;
+using qncomm::testing::Arguments;
+using qncomm::testing::Ended;
 using testing::HasSubstr;
 using testing::StartsWith;
 
-class FunctionKeys : public qntest::QnctlFixture {
+class FunctionKeys : public qncomm::testing::QnctlFixture {
   protected:
     void Set(const std::string& key, const std::string& kind, const std::string& argument) const {
         const Ended ended = Run({"macros", "set", key, kind, argument});
@@ -123,7 +123,7 @@ TEST_F(FunctionKeys, AreNamedByTheHelp) {
 TEST_F(FunctionKeys, ACancelledQuestionEndsItsLine) {
     Set("F1", "text", "PRINT &&?N&&<CR>");
     const auto program =
-        Start({"key", "F1", "--port", "sim:R7G"}, qntest::Program::Stdio::Terminal);
+        Start({"key", "F1", "--port", "sim:R7G"}, qncomm::testing::Program::Stdio::Terminal);
     ASSERT_TRUE(program->WaitForOut("Input new value for 'N'.")) << program->Out();
     program->Type("\x03");
     EXPECT_EQ(program->Wait(), 130);
@@ -137,7 +137,7 @@ TEST_F(FunctionKeys, ThatTransferSayWhatTheyWaitFor) {
           Arguments{"binary", "send", PathOf("a.bin"), "--protocol", "ZModem"}}) {
         Arguments command = transfer;
         command.insert(command.end(), {"--port", "sim:R7G"});
-        const auto program = Start(command, qntest::Program::Stdio::Terminal);
+        const auto program = Start(command, qncomm::testing::Program::Stdio::Terminal);
         EXPECT_TRUE(program->WaitForOut("Waiting for the printer's side of the transfer"))
             << program->Out();
         program->Type("\x03");

@@ -4,13 +4,13 @@
 
 namespace {
 
-using qntest::Arguments;
-using qntest::Ended;
+using qncomm::testing::Arguments;
+using qncomm::testing::Ended;
 using testing::EndsWith;
 using testing::HasSubstr;
 using testing::StartsWith;
 
-class Calls : public qntest::QnctlFixture {
+class Calls : public qncomm::testing::QnctlFixture {
   protected:
     Ended OnPrinter(Arguments arguments, std::string_view input = {}) const {
         arguments.insert(arguments.end(), {"--port", "sim:R7G"});
@@ -193,7 +193,7 @@ TEST_F(Batches, OfAnInputThatDoesNotEndAreCancelled) {
 TEST_F(Batches, OfAClosedInputAreEmptyAndAClosedOutputIsNotThePort) {
     for (const char* closed : {"<&-", ">&-", "2>&-"}) {
         const auto program =
-            Start({"batch", "-", "--port", "sim:R7G"}, qntest::Program::Stdio::Pipes,
+            Start({"batch", "-", "--port", "sim:R7G"}, qncomm::testing::Program::Stdio::Pipes,
                   {"/bin/sh", "-c", "exec \"$@\" " + std::string(closed), "sh"});
         program->Type("PrinterType\n");
         program->CloseInput();

@@ -2,11 +2,11 @@
 
 namespace {
 
-using qntest::Ended;
+using qncomm::testing::Ended;
 using testing::HasSubstr;
 using testing::Not;
 
-using Ports = qntest::QnctlFixture;
+using Ports = qncomm::testing::QnctlFixture;
 
 TEST_F(Ports, ShowWhatTheSettingsBindAndWhichIsConfigured) {
     Run({"connect", "--remember", "--port", "sim:R7G"});

@@ -5,12 +5,12 @@
 
 namespace {
 
-using qntest::Arguments;
-using qntest::Ended;
+using qncomm::testing::Arguments;
+using qncomm::testing::Ended;
 using testing::HasSubstr;
 using testing::IsEmpty;
 
-class Replay : public qntest::QnctlFixture {
+class Replay : public qncomm::testing::QnctlFixture {
   protected:
     /// A run with fresh settings, since a search remembers what it found.
     Ended RunFresh(Arguments arguments) {

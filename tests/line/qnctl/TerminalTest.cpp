@@ -6,12 +6,12 @@
 
 namespace {
 
-using qntest::Ended;
-using qntest::Program;
+using qncomm::testing::Ended;
+using qncomm::testing::Program;
 using testing::HasSubstr;
 using testing::StartsWith;
 
-class Terminal : public qntest::QnctlFixture {
+class Terminal : public qncomm::testing::QnctlFixture {
   protected:
     void SetUp() override { StartSimulator(); }
 

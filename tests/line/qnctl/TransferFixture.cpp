@@ -6,7 +6,7 @@
 #include <random>
 #include <utility>
 
-namespace qntest {
+namespace qncomm::testing {
 namespace {
 
 Arguments Joined(Arguments first, const Arguments& second) {
@@ -78,4 +78,4 @@ Ended TransferFixture::Interrupt(const Arguments& arguments) {
     return EndedOf(*program);
 }
 
-} // namespace qntest
+} // namespace qncomm::testing

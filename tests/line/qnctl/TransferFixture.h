@@ -4,7 +4,7 @@
 
 #include <string>
 
-namespace qntest {
+namespace qncomm::testing {
 
 /// Files by the command line, to and from a virtual printer on one of the lines that it serves.
 class TransferFixture : public QnctlFixture {
@@ -47,4 +47,4 @@ class TransferFixture : public QnctlFixture {
     std::string mPort;
 };
 
-} // namespace qntest
+} // namespace qncomm::testing

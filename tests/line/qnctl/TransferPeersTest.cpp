@@ -13,9 +13,9 @@
 
 namespace {
 
+using qncomm::testing::Arguments;
+using qncomm::testing::Ended;
 using qncomm::testing::LinePeer;
-using qntest::Arguments;
-using qntest::Ended;
 using testing::HasSubstr;
 using testing::StartsWith;
 
@@ -36,7 +36,7 @@ std::string Heard(int line, std::size_t count) {
 }
 
 /// The command line at one end of a line, another program at the other.
-class BinaryPeers : public qntest::TransferFixture {
+class BinaryPeers : public qncomm::testing::TransferFixture {
   protected:
     BinaryPeers() {
         SetPort(mPty.path);
@@ -147,7 +147,7 @@ TEST_F(BinaryPeers, CtrlCEndsThePeerTooAndLeavesNoFile) {
 }
 
 /// Another program at the virtual printer's line, after a person has typed the command.
-class PrinterPeers : public qntest::TransferFixture {
+class PrinterPeers : public qncomm::testing::TransferFixture {
   protected:
     PrinterPeers() {
         PrinterOnPty();

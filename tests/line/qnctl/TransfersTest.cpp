@@ -9,8 +9,8 @@
 namespace {
 
 using nlohmann::json;
-using qntest::Arguments;
-using qntest::Ended;
+using qncomm::testing::Arguments;
+using qncomm::testing::Ended;
 using testing::HasSubstr;
 using testing::IsEmpty;
 
@@ -25,7 +25,7 @@ std::vector<json> LinesOf(const std::string& out) {
     return lines;
 }
 
-class Transfer : public qntest::TransferFixture {
+class Transfer : public qncomm::testing::TransferFixture {
   protected:
     Transfer() { WriteHostFile("data.bin", mContent); }
 
@@ -281,7 +281,7 @@ TEST_F(Transfer, ATerminalShowsBarRateAndTimeLeft) {
     PrinterOnPty({"--paced", "--baud", "38400"});
     WriteHostFile("small.bin", Content(9000));
     const auto program = Start(OnPort({"kermit", "send", PathOf("small.bin"), "c:S.BIN"}),
-                               qntest::Program::Stdio::Terminal);
+                               qncomm::testing::Program::Stdio::Terminal);
     EXPECT_EQ(program->Wait(), 0);
     EXPECT_THAT(program->Out(), testing::ContainsRegex("\\[#+\\.*\\] [0-9]+ % Uploading S.BIN  "
                                                        "[0-9.]+ kB/s, 0:0[0-9] left"));

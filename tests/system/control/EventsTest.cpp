@@ -75,7 +75,7 @@ TEST_F(MessageOfATransfer, StaysAsTheHostHasChangedIt) {
     EXPECT_THAT(Strings(sent.begin() + 1, sent.end()), ::testing::Each("mine"));
     const Strings typed = TextsOf("Transfering", [&] { Program("A.PRG", "10 REM\r\n20 REM"); });
     EXPECT_EQ(typed, (Strings{"Transfering Module tmp:A.PRG", "mine", "mine", "Ready"}));
-    const std::string picture = mFolder.Write("logo.pcx", qnsim::test::TestPcx(200, 200));
+    const std::string picture = mFolder.Write("logo.pcx", qncomm::testing::TestPcx(200, 200));
     const Strings loaded = TextsOf("Downloading", [&] { Control().InstallImage(picture); });
     EXPECT_EQ(loaded[0], "Downloading " + picture);
     EXPECT_EQ(loaded.back(), "mine");

@@ -122,12 +122,13 @@ const std::vector<LongOperation>& LongOperations() {
          LinkModule, [](ControlDesk& desk) { return desk.Listing(); }},
         {"InstallImage", Found,
          [](ControlDesk& desk, QNComm& control) {
-             control.InstallImage(desk.mFolder.Write("logo.pcx", qnsim::test::TestPcx(200, 200)));
+             control.InstallImage(
+                 desk.mFolder.Write("logo.pcx", qncomm::testing::TestPcx(200, 200)));
          },
          [](ControlDesk& desk) { return Joined(desk.Control().Images()); }},
         {"InstallFont", Found,
          [](ControlDesk& desk, QNComm& control) {
-             control.InstallFont(desk.mFolder.Write("mine.ttf", qnsim::test::TestFont()));
+             control.InstallFont(desk.mFolder.Write("mine.ttf", qncomm::testing::TestFont()));
          },
          [](ControlDesk& desk) { return Joined(desk.Control().Fonts()); }},
         {"KermitUpload", Found,

@@ -11,9 +11,9 @@
 namespace qncomm::testing {
 namespace {
 
-using qnsim::test::ReadPng;
-using qnsim::test::TestFont;
-using qnsim::test::TestPcx;
+using qncomm::testing::ReadPng;
+using qncomm::testing::TestFont;
+using qncomm::testing::TestPcx;
 using ::testing::Contains;
 using ::testing::IsEmpty;
 using ::testing::Not;

@@ -6,7 +6,7 @@
 #include <iterator>
 #include <png.h>
 
-namespace qnsim::test {
+namespace qncomm::testing {
 namespace {
 
 void PutWord(std::string& header, std::size_t at, int value) {
@@ -81,4 +81,4 @@ std::vector<std::string> ReadPng(const std::string& path) {
     return rows;
 }
 
-} // namespace qnsim::test
+} // namespace qncomm::testing

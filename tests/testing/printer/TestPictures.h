@@ -6,7 +6,7 @@
 #include <string>
 #include <vector>
 
-namespace qnsim::test {
+namespace qncomm::testing {
 
 /// A PCX, version 5, one bit, packed; black where the function says so (a frame with a diagonal
 /// when there is none).
@@ -18,4 +18,4 @@ std::string TestFont();
 /// A PNG's dots: rows of '#' and '.'.
 std::vector<std::string> ReadPng(const std::string& path);
 
-} // namespace qnsim::test
+} // namespace qncomm::testing

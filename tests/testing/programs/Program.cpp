@@ -15,7 +15,7 @@
 #include <sys/wait.h>
 #include <unistd.h>
 
-namespace qntest {
+namespace qncomm::testing {
 namespace {
 
 constexpr int HangMs = 50'000; // nothing that works takes so long
@@ -142,4 +142,4 @@ bool Program::ReadMore() {
     return mOutEnd || mErrEnd;
 }
 
-} // namespace qntest
+} // namespace qncomm::testing

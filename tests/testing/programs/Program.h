@@ -8,7 +8,7 @@
 
 #include <sys/types.h>
 
-namespace qntest {
+namespace qncomm::testing {
 
 /// A program that runs beside the test. Every wait ends with what it waits for, with the program,
 /// or with a limit that only a hang reaches; whatever still runs at the end is ended.
@@ -61,4 +61,4 @@ class Program {
     long mPeakKb = 0;
 };
 
-} // namespace qntest
+} // namespace qncomm::testing

@@ -2,7 +2,7 @@
 
 #include <stdexcept>
 
-namespace qntest {
+namespace qncomm::testing {
 namespace {
 
 namespace fs = std::filesystem;
@@ -58,4 +58,4 @@ void QnctlFixture::StartSimulator(const Arguments& options) {
     if (!mSimulator->WaitForOut("\n")) throw std::runtime_error("qnsim: " + mSimulator->Err());
 }
 
-} // namespace qntest
+} // namespace qncomm::testing

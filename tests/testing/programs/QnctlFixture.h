@@ -10,7 +10,7 @@
 #include <string>
 #include <vector>
 
-namespace qntest {
+namespace qncomm::testing {
 
 using Arguments = std::vector<std::string>;
 
@@ -32,7 +32,7 @@ Ended EndedOf(Program& program);
 
 /// Runs the command line in a folder of its own, with settings of its own, and a virtual printer
 /// beside it when a test asks for one.
-class QnctlFixture : public testing::Test {
+class QnctlFixture : public ::testing::Test {
   protected:
     /// Starts qnctl with these arguments, behind a command that runs it when there is one.
     std::unique_ptr<Program> Start(const Arguments& arguments,
@@ -63,4 +63,4 @@ class QnctlFixture : public testing::Test {
     std::unique_ptr<Program> mSimulator;
 };
 
-} // namespace qntest
+} // namespace qncomm::testing
