@@ -117,6 +117,24 @@ std::int32_t ToInt32(double dValue) {
     return ToWhole<std::int32_t>(dValue);
 }
 
+double ToDouble(std::string_view sText) {
+    const std::string text = Trim(sText);
+    double number = 0;
+    const char* end = text.data() + text.size();
+    const auto [stop, error] = std::from_chars(text.data(), end, number);
+    if (error == std::errc::result_out_of_range) RaiseRuntimeError(RtOverflow);
+    if (error != std::errc() || stop != end) RaiseRuntimeError(RtTypeMismatch);
+    return number;
+}
+
+std::optional<std::int32_t> WholeNumberOf(std::string_view sText) {
+    std::int32_t number = 0;
+    const char* end = sText.data() + sText.size();
+    const auto [stop, error] = std::from_chars(sText.data(), end, number);
+    if (error != std::errc() || stop != end) return std::nullopt;
+    return number;
+}
+
 std::string ToText(double dValue) {
     char buffer[40];
     const auto end =

@@ -1,92 +1,56 @@
 #include "MemberArguments.h"
 
-#include "common/Numbers.h"
 #include "common/QNError.h"
 #include "common/RuntimeErrors.h"
 #include "common/Text.h"
-#include "control/PropertyBag.h"
-
-#include <charconv>
 
 namespace qncomm {
 namespace {
 
-constexpr double LargestFont = 10'000; // points
+constexpr float LargestFont = 10'000; // points
 
-template <class T>
-const T* HeldBy(const MemberValue& value) {
-    return std::get_if<T>(&value.value);
+Variant TextFrom(const Variant& given, TextKind kind) {
+    return Variant(AsString(given), kind);
 }
 
-/// A number or a truth value, as far as hosts write one.
-PropertyValue Scalar(const MemberValue& given) {
-    if (const auto* flag = HeldBy<bool>(given)) return *flag;
-    if (const auto* number = HeldBy<std::int32_t>(given)) return *number;
-    if (const auto* number = HeldBy<double>(given)) return ToText(*number);
-    if (const auto* text = HeldBy<MemberText>(given)) return Trim(text->text);
-    RaiseRuntimeError(RtTypeMismatch);
+Variant KeyFrom(const Variant& given) {
+    if (given.As<VariantText>() != nullptr) return given;
+    return AsLong(given);
 }
 
-MemberValue TextFrom(const MemberValue& given, TextKind kind) {
-    if (const auto* text = HeldBy<MemberText>(given)) return {text->text, kind};
-    return {AsString(Scalar(given)), kind};
-}
-
-MemberValue KeyFrom(const MemberValue& given) {
-    if (HeldBy<MemberText>(given) != nullptr) return given;
-    return AsLong(Scalar(given));
-}
-
-MemberValue NamesFrom(const MemberValue& given) {
-    MemberValue::List names;
-    if (const auto* list = HeldBy<MemberValue::List>(given)) {
-        for (const MemberValue& name : *list)
+Variant NamesFrom(const Variant& given) {
+    Variant::List names;
+    if (const auto* list = given.As<Variant::List>()) {
+        for (const Variant& name : *list)
             names.push_back(TextFrom(name, TextKind::Line));
-    } else if (const auto* text = HeldBy<MemberText>(given)) {
+    } else if (const auto* text = given.As<VariantText>()) {
         for (const std::string& name : SplitNonEmpty(text->text, ","))
             names.emplace_back(Trim(name), TextKind::Line);
     } else {
         RaiseRuntimeError(RtTypeMismatch);
     }
-    return names;
+    return Variant(std::move(names));
 }
 
-MemberValue FontOf(std::string_view name, const MemberValue& size) {
-    const std::string text = Trim(AsString(Scalar(size)));
-    double points = 0;
-    const char* end = text.data() + text.size();
-    const auto [stop, error] = std::from_chars(text.data(), end, points);
-    if (error != std::errc() || stop != end) RaiseRuntimeError(RtTypeMismatch);
-    if (!(points > 0 && points <= LargestFont)) RaiseRuntimeError(RtInvalidCall);
-    return MemberValue::Record{{"Name", std::string(name)}, {"Size", points}};
+Variant FontFrom(const Variant& given) {
+    const TerminalFont font = AsFont(given);
+    if (!(font.size > 0 && font.size <= LargestFont)) RaiseRuntimeError(RtInvalidCall);
+    return FontRecord(font);
 }
 
-MemberValue FontFrom(const MemberValue& given) {
-    if (const auto* text = HeldBy<MemberText>(given)) {
-        const std::size_t comma = text->text.rfind(',');
-        if (comma == std::string::npos) RaiseRuntimeError(RtTypeMismatch);
-        return FontOf(Trim(text->text.substr(0, comma)), text->text.substr(comma + 1));
-    }
-    const auto* record = HeldBy<MemberValue::Record>(given);
-    if (record == nullptr || record->size() != 2) RaiseRuntimeError(RtTypeMismatch);
-    const auto* name = HeldBy<MemberText>(record->front().second);
-    if (name == nullptr) RaiseRuntimeError(RtTypeMismatch);
-    return FontOf(name->text, record->back().second);
-}
-
-MemberValue SettingsFrom(const MemberValue& given) {
-    if (HeldBy<std::shared_ptr<RegSettings>>(given) != nullptr) return given;
+Variant SettingsFrom(const Variant& given) {
+    if (given.As<std::shared_ptr<RegSettings>>() != nullptr) return given;
     RaiseRuntimeError(RtTypeMismatch);
 }
 
-MemberValue Convert(const MemberValue& given, MemberType type) {
+Variant Convert(const Variant& given, MemberType type) {
     switch (type) {
     case MemberType::Boolean:
-        return AsBoolean(Scalar(given));
+        return AsBoolean(given);
     case MemberType::Integer:
-        return AsInteger(Scalar(given));
+        return AsInteger(given);
     case MemberType::Long:
-        return AsLong(Scalar(given));
+        return AsLong(given);
     case MemberType::PrinterText:
         return TextFrom(given, TextKind::Line);
     case MemberType::HostText:
@@ -105,11 +69,11 @@ MemberValue Convert(const MemberValue& given, MemberType type) {
 }
 
 /// Takes an argument, or what stands for one that is left out; an error names the parameter.
-MemberValue Take(const MemberParameter& parameter, const MemberValue* given) {
+Variant Take(const MemberParameter& parameter, const Variant* given) {
     try {
         if (given != nullptr) return Convert(*given, parameter.type);
         if (!parameter.byDefault) RaiseRuntimeError(RtArgumentMissing);
-        return Convert(std::string(*parameter.byDefault), parameter.type);
+        return Convert(Variant(*parameter.byDefault), parameter.type);
     } catch (const QNError& error) {
         throw QNError(error.Number(), error.Source(),
                       error.Description() + ": " + std::string(parameter.name));
@@ -118,8 +82,7 @@ MemberValue Take(const MemberParameter& parameter, const MemberValue* given) {
 
 } // namespace
 
-MemberArguments::MemberArguments(const SurfaceMember& member,
-                                 const std::vector<MemberValue>& given) {
+MemberArguments::MemberArguments(const SurfaceMember& member, const std::vector<Variant>& given) {
     const auto& parameters = member.parameters;
     if (given.size() > parameters.size()) RaiseRuntimeError(RtArgumentCount);
     for (std::size_t i = 0; i < parameters.size(); ++i) {
@@ -128,8 +91,8 @@ MemberArguments::MemberArguments(const SurfaceMember& member,
     }
 }
 
-MemberValue::Record MemberArguments::WrittenBack(const SurfaceMember& member) const {
-    MemberValue::Record record;
+Variant::Record MemberArguments::WrittenBack(const SurfaceMember& member) const {
+    Variant::Record record;
     for (std::size_t i = 0; i < mValues.size(); ++i)
         if (member.parameters[i].writtenBack)
             record.emplace_back(member.parameters[i].name, mValues[i]);
@@ -139,16 +102,14 @@ MemberValue::Record MemberArguments::WrittenBack(const SurfaceMember& member) co
 template <>
 Collection<std::string> MemberArguments::As(std::size_t at) const {
     Collection<std::string> names;
-    for (const MemberValue& name : std::get<MemberValue::List>(mValues[at].value))
-        names.Add(std::get<MemberText>(name.value).text);
+    for (const Variant& name : std::get<Variant::List>(mValues[at].value))
+        names.Add(std::get<VariantText>(name.value).text);
     return names;
 }
 
 template <>
 TerminalFont MemberArguments::As(std::size_t at) const {
-    const auto& font = std::get<MemberValue::Record>(mValues[at].value);
-    return {std::get<MemberText>(font.front().second.value).text,
-            static_cast<float>(std::get<double>(font.back().second.value))};
+    return AsFont(mValues[at]);
 }
 
 template <>

@@ -2,7 +2,7 @@
 
 #include "common/Collection.h"
 #include "control/SurfaceMembers.h"
-#include "control/ViewportTerminal.h"
+#include "control/TerminalFont.h"
 
 #include <cstddef>
 #include <cstdint>
@@ -17,24 +17,24 @@ namespace qncomm {
 class MemberArguments {
   public:
     /// Converts what is given and fills in what is left out; raises as CallMember.
-    MemberArguments(const SurfaceMember& member, const std::vector<MemberValue>& given);
+    MemberArguments(const SurfaceMember& member, const std::vector<Variant>& given);
 
     /// The argument as what a member of QNComm takes.
     template <class T>
     T As(std::size_t at) const;
 
-    const MemberValue& At(std::size_t at) const { return mValues[at]; }
+    const Variant& At(std::size_t at) const { return mValues[at]; }
     /// The member used this value.
-    void Use(std::size_t at, MemberValue value) { mValues[at] = std::move(value); }
+    void Use(std::size_t at, Variant value) { mValues[at] = std::move(value); }
     /// What is written back.
-    MemberValue::Record WrittenBack(const SurfaceMember& member) const;
+    Variant::Record WrittenBack(const SurfaceMember& member) const;
 
   private:
     const std::string& Text(std::size_t at) const {
-        return std::get<MemberText>(mValues[at].value).text;
+        return std::get<VariantText>(mValues[at].value).text;
     }
 
-    std::vector<MemberValue> mValues;
+    std::vector<Variant> mValues;
 };
 
 template <>

@@ -16,26 +16,26 @@ namespace qncomm {
 // What stands between a row of the table and the member that it names: the compiler takes the types
 // of the arguments and of the result from the member itself.
 
-MemberValue ValueOf(const clsPrinterFile& file);
-MemberValue ValueOf(const clsPrinterSetupItem& item);
-MemberValue ValueOf(const clsQNModuleError& error);
+Variant ValueOf(const clsPrinterFile& file);
+Variant ValueOf(const clsPrinterSetupItem& item);
+Variant ValueOf(const clsQNModuleError& error);
 
-inline MemberValue ValueOf(const std::shared_ptr<RegSettings>& settings) {
-    return settings ? MemberValue(settings) : MemberValue();
+inline Variant ValueOf(const std::shared_ptr<RegSettings>& settings) {
+    return settings ? Variant(settings) : Variant();
 }
 
 /// Records in their order; nothing for no collection.
 template <class T>
-MemberValue ValueOf(const std::shared_ptr<Collection<std::shared_ptr<T>>>& records) {
+Variant ValueOf(const std::shared_ptr<Collection<std::shared_ptr<T>>>& records) {
     if (!records) return {};
-    MemberValue::List list;
+    Variant::List list;
     for (const auto& record : *records)
         list.push_back(ValueOf(*record));
-    return list;
+    return Variant(std::move(list));
 }
 
 template <class T>
-requires std::is_arithmetic_v<T> MemberValue ValueOf(T value) {
+requires std::is_arithmetic_v<T> Variant ValueOf(T value) {
     return value;
 }
 
@@ -53,8 +53,8 @@ template <class R, class... Args>
 struct MemberShape<R (QNComm::*)(Args...) const> : MemberShape<R (QNComm::*)(Args...)> {};
 
 template <auto member, TextKind kind, std::size_t... I>
-MemberValue CallWith(QNComm& control, const MemberArguments& arguments,
-                     std::index_sequence<I...> /*positions*/) {
+Variant CallWith(QNComm& control, const MemberArguments& arguments,
+                 std::index_sequence<I...> /*positions*/) {
     using Shape = MemberShape<decltype(member)>;
     const auto call = [&]() -> decltype(auto) {
         return std::invoke(member, control,
@@ -64,7 +64,7 @@ MemberValue CallWith(QNComm& control, const MemberArguments& arguments,
         call();
         return {};
     } else if constexpr (std::is_same_v<std::remove_cvref_t<typename Shape::Result>, std::string>) {
-        return {call(), kind};
+        return Variant(call(), kind);
     } else {
         return ValueOf(call());
     }
@@ -72,7 +72,7 @@ MemberValue CallWith(QNComm& control, const MemberArguments& arguments,
 
 /// Calls the member with the arguments as they are; a text that it returns is of this kind.
 template <auto member, TextKind kind = TextKind::Line>
-MemberValue Call(QNComm& control, MemberArguments& arguments) {
+Variant Call(QNComm& control, MemberArguments& arguments) {
     return CallWith<member, kind>(control, arguments,
                                   typename MemberShape<decltype(member)>::Positions());
 }

@@ -1,25 +1,32 @@
 // The table of what a host can call, a row for each member in the order of the surface.
 
 #include "MemberCall.h"
-#include "common/Numbers.h"
+#include "control/TerminalFont.h"
 
 namespace qncomm {
 
-MemberValue ValueOf(const clsPrinterFile& file) {
-    return MemberValue::Record{{"Name", {file.Name, TextKind::Line}}, {"Size", file.Size}};
+namespace {
+
+Variant LineText(const std::string& text) {
+    return Variant(text, TextKind::Line);
 }
 
-MemberValue ValueOf(const clsPrinterSetupItem& item) {
-    return MemberValue::Record{{"Key", {item.Key, TextKind::Line}},
-                               {"Value", {item.Value, TextKind::Line}}};
+} // namespace
+
+Variant ValueOf(const clsPrinterFile& file) {
+    return Variant(Variant::Record{{"Name", LineText(file.Name)}, {"Size", file.Size}});
 }
 
-MemberValue ValueOf(const clsQNModuleError& error) {
-    return MemberValue::Record{{"QNModuleName", error.QNModuleName},
-                               {"QNErrCode", error.QNErrCode},
-                               {"QNErrInLine", error.QNErrInLine},
-                               {"QNErrDesc", {error.QNErrDesc, TextKind::Line}},
-                               {"QNText", {error.QNText, TextKind::Line}}};
+Variant ValueOf(const clsPrinterSetupItem& item) {
+    return Variant(Variant::Record{{"Key", LineText(item.Key)}, {"Value", LineText(item.Value)}});
+}
+
+Variant ValueOf(const clsQNModuleError& error) {
+    return Variant(Variant::Record{{"QNModuleName", Variant(error.QNModuleName)},
+                                   {"QNErrCode", error.QNErrCode},
+                                   {"QNErrInLine", error.QNErrInLine},
+                                   {"QNErrDesc", LineText(error.QNErrDesc)},
+                                   {"QNText", LineText(error.QNText)}});
 }
 
 namespace rows {
@@ -50,27 +57,27 @@ MemberParameter Used(MemberParameter parameter) {
 
 // Members whose arguments are a structure or overloaded.
 
-MemberValue PrintFont(QNComm& control, MemberArguments& a) {
+Variant PrintFont(QNComm& control, MemberArguments& a) {
     PrintFontArgs args{a.As<std::string>(0),  a.As<std::string>(1),  a.As<std::int16_t>(2),
                        a.As<std::int16_t>(3), a.As<std::int16_t>(4), a.As<std::int16_t>(5),
                        a.As<bool>(6),         a.As<bool>(7)};
     control.PrintFont(args);
-    a.Use(0, {args.sText, TextKind::Line});
+    a.Use(0, LineText(args.sText));
     a.Use(2, args.iSize);
     a.Use(4, args.iWidth);
     a.Use(5, args.iDir);
     return {};
 }
 
-MemberValue ModuleUpload(QNComm& control, MemberArguments& a) {
+Variant ModuleUpload(QNComm& control, MemberArguments& a) {
     ModuleUploadArgs args{a.As<std::string>(0), a.As<std::string>(1), a.As<std::string>(2)};
-    MemberValue errors = ValueOf(control.ModuleUpload(args));
-    a.Use(1, {args.sTargetPath, TextKind::Line});
-    a.Use(2, {args.sModuleText, TextKind::Line});
+    Variant errors = ValueOf(control.ModuleUpload(args));
+    a.Use(1, LineText(args.sTargetPath));
+    a.Use(2, LineText(args.sModuleText));
     return errors;
 }
 
-MemberValue PressToolbarKey(QNComm& control, MemberArguments& a) {
+Variant PressToolbarKey(QNComm& control, MemberArguments& a) {
     if (const auto* position = std::get_if<std::int32_t>(&a.At(0).value))
         control.PressToolbarKey(*position);
     else
@@ -78,10 +85,8 @@ MemberValue PressToolbarKey(QNComm& control, MemberArguments& a) {
     return {};
 }
 
-MemberValue GetFont(QNComm& control, MemberArguments& /*none*/) {
-    // By its text, so that 9.1 points are 9.1 and not the nearest that a float can be.
-    return MemberValue::Record{{"Name", control.TerminalFontName()},
-                               {"Size", Val(control.TerminalFontSize())}};
+Variant GetFont(QNComm& control, MemberArguments& /*none*/) {
+    return FontRecord(control.Font());
 }
 
 template <auto get>

@@ -1,13 +1,12 @@
 // What the control keeps in its host's property bag, and its appearance.
 
 #include "Members.h"
+#include "common/Numbers.h"
 #include "common/QNError.h"
 #include "common/RuntimeErrors.h"
-#include "common/Text.h"
 
-#include <array>
-#include <charconv>
 #include <cmath>
+#include <limits>
 
 namespace qncomm {
 namespace {
@@ -21,27 +20,15 @@ constexpr std::int16_t DefaultBackStyle = 1;
 constexpr std::int16_t DefaultBorderStyle = 0;
 constexpr std::int16_t DefaultSize = 300;
 constexpr std::int16_t DefaultToolbarAlign = ToolbarTop;
-const std::string& DefaultCaption() {
-    static const std::string caption = "Terminal";
-    return caption;
-}
-
-/// The shortest text that reads back as the size: "9.75".
-std::string SizeText(float size) {
-    std::array<char, 32> text{};
-    const auto result = std::to_chars(text.data(), text.data() + text.size(), size);
-    return {text.data(), result.ptr};
-}
+constexpr std::string_view DefaultCaption = "Terminal";
 
 /// A size is a positive number.
 float SizeOf(std::string_view text) {
-    const std::string trimmed = Trim(text);
-    float size = 0;
-    const char* end = trimmed.data() + trimmed.size();
-    const auto [stop, error] = std::from_chars(trimmed.data(), end, size);
-    if (error == std::errc::result_out_of_range) RaiseRuntimeError(RtOverflow);
-    if (error != std::errc() || stop != end) RaiseRuntimeError(RtTypeMismatch);
-    if (!std::isfinite(size) || size <= 0) RaiseRuntimeError(RtInvalidCall);
+    const double points = ToDouble(text);
+    if (!std::isfinite(points)) RaiseRuntimeError(RtInvalidCall);
+    if (std::abs(points) > std::numeric_limits<float>::max()) RaiseRuntimeError(RtOverflow);
+    const auto size = static_cast<float>(points);
+    if (size <= 0) RaiseRuntimeError(RtInvalidCall);
     return size;
 }
 
@@ -81,7 +68,7 @@ QNComm::PersistedProperties QNComm::ReadAll(const PropertyBag& bag) {
             AsInteger(bag.ReadProperty("BorderStyle", DefaultBorderStyle)),
             AsInteger(bag.ReadProperty("Columns", DefaultSize)),
             AsInteger(bag.ReadProperty("Rows", DefaultSize)),
-            AsString(bag.ReadProperty("Caption", DefaultCaption())),
+            AsString(bag.ReadProperty("Caption", Variant(DefaultCaption))),
             AsBoolean(bag.ReadProperty("ToolbarVisible", true)),
             AsInteger(bag.ReadProperty("ToolbarAlign", DefaultToolbarAlign))};
 }
@@ -128,10 +115,10 @@ void QNComm::UserControl_WriteProperties(PropertyBag& bag) const {
     bag.WriteProperty("BorderStyle", mBorderStyle, DefaultBorderStyle);
     bag.WriteProperty("Columns", terminal.Columns(), DefaultSize);
     bag.WriteProperty("Rows", terminal.Rows(), DefaultSize);
-    bag.WriteProperty("Caption", mCaption, DefaultCaption());
+    bag.WriteProperty("Caption", Variant(mCaption), Variant(DefaultCaption));
     bag.WriteProperty("ToolbarVisible", mToolbarVisible, true);
     bag.WriteProperty("ToolbarAlign", Toolbar1.Align(), DefaultToolbarAlign);
-    bag.WriteProperty("Font", terminal.Font(), std::string("Courier New"));
+    bag.WriteProperty("Font", FontRecord(terminal.Font()), Variant("Courier New"));
 }
 
 std::int32_t QNComm::BackColor() const {
@@ -199,7 +186,7 @@ void QNComm::SetTerminalFontName(std::string_view sName) {
 }
 
 std::string QNComm::TerminalFontSize() const {
-    return SizeText(mParts.terminal.Font().size);
+    return FontSizeText(mParts.terminal.Font().size);
 }
 void QNComm::SetTerminalFontSize(std::string_view sSize) {
     TerminalFont font = mParts.terminal.Font();

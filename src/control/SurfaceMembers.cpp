@@ -27,12 +27,12 @@ const SurfaceMember& FindMember(std::string_view sName, std::size_t arguments) {
     return *first;
 }
 
-void CheckArguments(const SurfaceMember& member, const std::vector<MemberValue>& arguments) {
+void CheckArguments(const SurfaceMember& member, const std::vector<Variant>& arguments) {
     const MemberArguments converted(member, arguments);
 }
 
 MemberOutcome CallMember(QNComm& control, const SurfaceMember& member,
-                         const std::vector<MemberValue>& arguments) {
+                         const std::vector<Variant>& arguments) {
     MemberArguments converted(member, arguments);
     MemberOutcome outcome;
     outcome.result = member.call(control, converted);

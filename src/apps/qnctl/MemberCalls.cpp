@@ -54,7 +54,7 @@ Outcome CallOn(Session& session, const MemberCall& call, qncomm::MemberOutcome& 
 
 Json ResultDocument(const qncomm::MemberOutcome& result, bool showArguments) {
     Json document{{"result", JsonOf(result.result)}};
-    if (showArguments) document["arguments"] = JsonOf(result.writtenBack);
+    if (showArguments) document["arguments"] = JsonOf(qncomm::Variant(result.writtenBack));
     return document;
 }
 

@@ -7,19 +7,18 @@
 
 #include <algorithm>
 #include <array>
-#include <charconv>
 #include <utility>
 
 namespace qnctl {
 namespace {
 
 using qncomm::MemberParameter;
-using qncomm::MemberText;
 using qncomm::MemberType;
-using qncomm::MemberValue;
 using qncomm::SurfaceMember;
+using qncomm::Variant;
+using qncomm::VariantText;
 
-std::string Utf8Of(const MemberText& text) {
+std::string Utf8Of(const VariantText& text) {
     return text.kind == qncomm::TextKind::Line ? qncomm::Utf8FromPrinter(text.text) : text.text;
 }
 
@@ -29,19 +28,16 @@ bool IsForPrinter(MemberType type) {
 
 /// A text of the command line for a parameter of this type; nothing when the printer lacks one of
 /// its characters.
-std::optional<MemberValue> ValueFor(MemberType type, const std::string& text) {
+std::optional<Variant> ValueFor(MemberType type, const std::string& text) {
     if (IsForPrinter(type)) {
         const auto bytes = qncomm::PrinterFromUtf8(text);
         if (!bytes) return std::nullopt;
-        return MemberValue(*bytes, qncomm::TextKind::Line);
+        return Variant(*bytes, qncomm::TextKind::Line);
     }
     if (type == MemberType::KeyIndex) { // a key without a name is a position
-        std::int32_t position = 0;
-        const char* end = text.data() + text.size();
-        const auto [stop, error] = std::from_chars(text.data(), end, position);
-        if (error == std::errc() && stop == end) return MemberValue(position);
+        if (const auto position = qncomm::WholeNumberOf(text)) return Variant(*position);
     }
-    return MemberValue(text);
+    return Variant(text);
 }
 
 /// Where an argument goes: by the name before its ":=", else to the next place.
@@ -70,17 +66,17 @@ struct LineText {
     std::string operator()(bool value) const { return qncomm::ToText(value); }
     std::string operator()(std::int32_t value) const { return qncomm::ToText(value); }
     std::string operator()(double value) const { return qncomm::ToText(value); }
-    std::string operator()(const MemberText& text) const { return Utf8Of(text); }
+    std::string operator()(const VariantText& text) const { return Utf8Of(text); }
     std::string operator()(const std::shared_ptr<qncomm::RegSettings>&) const {
         return "(the settings)";
     }
-    std::string operator()(const MemberValue::List& list) const {
+    std::string operator()(const Variant::List& list) const {
         std::string line;
-        for (const MemberValue& item : list)
+        for (const Variant& item : list)
             line += (line.empty() ? "" : ", ") + LineOf(item);
         return line;
     }
-    std::string operator()(const MemberValue::Record& record) const {
+    std::string operator()(const Variant::Record& record) const {
         std::string line;
         for (const auto& [name, value] : record)
             line.append(line.empty() ? "" : ",").append(LineOf(value));
@@ -93,15 +89,15 @@ struct JsonValue {
     Json operator()(bool value) const { return value; }
     Json operator()(std::int32_t value) const { return value; }
     Json operator()(double value) const { return value; }
-    Json operator()(const MemberText& text) const { return Utf8Of(text); }
+    Json operator()(const VariantText& text) const { return Utf8Of(text); }
     Json operator()(const std::shared_ptr<qncomm::RegSettings>&) const { return "(the settings)"; }
-    Json operator()(const MemberValue::List& list) const {
+    Json operator()(const Variant::List& list) const {
         Json items = Json::array();
-        for (const MemberValue& item : list)
+        for (const Variant& item : list)
             items.push_back(JsonOf(item));
         return items;
     }
-    Json operator()(const MemberValue::Record& record) const {
+    Json operator()(const Variant::Record& record) const {
         Json fields = Json::object();
         for (const auto& [name, value] : record)
             fields[name] = JsonOf(value);
@@ -109,15 +105,15 @@ struct JsonValue {
     }
 };
 
-bool IsNumber(const MemberValue& value) {
+bool IsNumber(const Variant& value) {
     return std::holds_alternative<std::int32_t>(value.value);
 }
 
-void ShowRecords(const Output& out, const MemberValue::List& list) {
+void ShowRecords(const Output& out, const Variant::List& list) {
     std::vector<Output::Align> columns;
     std::vector<Output::Row> rows(1);
-    for (const MemberValue& item : list) {
-        const auto& record = std::get<MemberValue::Record>(item.value);
+    for (const Variant& item : list) {
+        const auto& record = std::get<Variant::Record>(item.value);
         if (columns.empty())
             for (const auto& [name, value] : record) {
                 columns.push_back(IsNumber(value) ? Output::Align::Right : Output::Align::Left);
@@ -179,17 +175,17 @@ std::string SignatureOf(const SurfaceMember& member) {
     return text + ")";
 }
 
-std::string LineOf(const MemberValue& value) {
+std::string LineOf(const Variant& value) {
     return std::visit(LineText(), value.value);
 }
 
-Json JsonOf(const MemberValue& value) {
+Json JsonOf(const Variant& value) {
     return std::visit(JsonValue(), value.value);
 }
 
-void ShowValue(const Output& out, const MemberValue& value) {
+void ShowValue(const Output& out, const Variant& value) {
     if (value.IsNothing()) return;
-    if (const auto* list = std::get_if<MemberValue::List>(&value.value))
+    if (const auto* list = std::get_if<Variant::List>(&value.value))
         ShowRecords(out, *list);
     else
         out.Line(LineOf(value));

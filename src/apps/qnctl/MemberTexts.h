@@ -16,7 +16,7 @@ namespace qnctl {
 /// A call that has been understood: the member and its arguments.
 struct MemberCall {
     const qncomm::SurfaceMember* member = nullptr;
-    std::vector<qncomm::MemberValue> arguments;
+    std::vector<qncomm::Variant> arguments;
 };
 
 /// Understands a member's name and its arguments: in their order, or as "name:=value". Nothing,
@@ -29,13 +29,13 @@ std::optional<MemberCall> UnderstandCall(const std::string& name,
 std::string SignatureOf(const qncomm::SurfaceMember& member);
 
 /// A value as JSON, texts in UTF-8.
-Json JsonOf(const qncomm::MemberValue& value);
+Json JsonOf(const qncomm::Variant& value);
 
 /// A value as lines: a list of records as a table under its fields' names; no line for nothing.
-void ShowValue(const Output& out, const qncomm::MemberValue& value);
+void ShowValue(const Output& out, const qncomm::Variant& value);
 
 /// One value in one line.
-std::string LineOf(const qncomm::MemberValue& value);
+std::string LineOf(const qncomm::Variant& value);
 
 /// What kind a member is, what a type takes and what a call needs, in one word each.
 const char* NameOf(qncomm::MemberKind kind);

@@ -22,7 +22,7 @@ class BadInput : public AssembledFixture {
         EXPECT_EQ(Control().PrinterType(), "R7G");
         EXPECT_EQ(Pointer::Screen().Shape(), PointerDefault);
     }
-    int ReadRaises(const std::string& key, const PropertyValue& value) {
+    int ReadRaises(const std::string& key, const Variant& value) {
         MemoryPropertyBag bag;
         bag.mValues = {{"BackColor", std::int32_t{255}}, {key, value}};
         return NumberRaisedBy([&] { Control().UserControl_ReadProperties(bag); });
@@ -30,24 +30,24 @@ class BadInput : public AssembledFixture {
 };
 
 TEST_F(BadInput, APropertyOfAWrongTypeRaisesAndChangesNothing) {
-    const PropertyValue font = TerminalFont{"Serif", 9.0F};
+    const Variant font = FontRecord({"Serif", 9.0F});
     for (const char* key : {"ForeColor", "Enabled", "BackStyle", "BorderStyle", "Columns", "Rows",
                             "ToolbarVisible", "ToolbarAlign"}) {
-        EXPECT_EQ(ReadRaises(key, std::string("many")), RtTypeMismatch) << key;
-        EXPECT_EQ(ReadRaises(key, std::string()), RtTypeMismatch) << key;
+        EXPECT_EQ(ReadRaises(key, Variant("many")), RtTypeMismatch) << key;
+        EXPECT_EQ(ReadRaises(key, Variant("")), RtTypeMismatch) << key;
         EXPECT_EQ(ReadRaises(key, font), RtTypeMismatch) << key;
     }
     EXPECT_EQ(ReadRaises("Caption", font), RtTypeMismatch);
     for (const char* key : {"BackStyle", "BorderStyle", "Columns", "Rows", "ToolbarAlign"})
         EXPECT_EQ(ReadRaises(key, std::int32_t{70'000}), RtOverflow) << key;
-    EXPECT_EQ(ReadRaises("ForeColor", std::string("99999999999")), RtOverflow);
+    EXPECT_EQ(ReadRaises("ForeColor", Variant("99999999999")), RtOverflow);
     EXPECT_EQ(Control().BackColor(), 15);
     ExpectUsable();
 }
 
 TEST_F(BadInput, UnknownPropertiesAreLeftAlone) {
-    EXPECT_EQ(ReadRaises("Colour", std::string("many")), 0);
-    EXPECT_EQ(ReadRaises("", TerminalFont{"Serif", 9.0F}), 0);
+    EXPECT_EQ(ReadRaises("Colour", Variant("many")), 0);
+    EXPECT_EQ(ReadRaises("", FontRecord({"Serif", 9.0F})), 0);
     EXPECT_EQ(ReadRaises(std::string("Back\0Color", 10), std::int32_t{1}), 0);
     EXPECT_EQ(Control().BackColor(), 255);
     Control().SetRegSettings(mSettings);

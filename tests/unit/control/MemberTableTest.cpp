@@ -126,6 +126,17 @@ TEST(MemberTable, StructuresOfArgumentsSayThemselvesWhatMayBeLeftOut) {
     EXPECT_EQ(FindMember("ModuleUpload", 0).LeastArguments(), 0U);
 }
 
+/// An argument as the cases below write it.
+struct Given : Variant {
+    using Variant::Variant;
+    Given(const char* text) : Variant(text) {}
+    Given(Variant variant) : Variant(std::move(variant)) {}
+};
+
+Variant LineText(const char* text) {
+    return Variant(text, TextKind::Line);
+}
+
 class MemberCalls : public ControlFixture {
   protected:
     MemberCalls() {
@@ -134,22 +145,23 @@ class MemberCalls : public ControlFixture {
                                      "1000 BYTES FREE  46 BYTES USED"};
     }
 
-    MemberOutcome CallNamed(const std::string& name,
-                            const std::vector<MemberValue>& arguments = {}) {
-        return CallMember(*mControl, FindMember(name, arguments.size()), arguments);
+    MemberOutcome CallNamed(const std::string& name, const std::vector<Given>& arguments = {}) {
+        return CallMember(*mControl, FindMember(name, arguments.size()),
+                          {arguments.begin(), arguments.end()});
     }
-    MemberValue ResultOf(const std::string& name, const std::vector<MemberValue>& arguments = {}) {
+    Variant ResultOf(const std::string& name, const std::vector<Given>& arguments = {}) {
         return CallNamed(name, arguments).result;
     }
 };
 
 TEST_F(MemberCalls, AListingComesBackAsRecords) {
     Run();
-    const MemberValue::Record first{{"Name", {"A.PRG", TextKind::Line}}, {"Size", 12}};
-    const MemberValue::Record second{{"Name", {"B.PRG", TextKind::Line}}, {"Size", 34}};
-    EXPECT_EQ(ResultOf("Files", {"ram"}), MemberValue::List({first, second}));
-    EXPECT_EQ(ResultOf("files", {"RAM:", "True", "0"}), MemberValue::List({first, second}));
-    EXPECT_EQ(ResultOf("DeviceFreeMem", {"ram:"}), MemberValue("1000", TextKind::Line));
+    const Variant::Record first{{"Name", LineText("A.PRG")}, {"Size", 12}};
+    const Variant::Record second{{"Name", LineText("B.PRG")}, {"Size", 34}};
+    EXPECT_EQ(ResultOf("Files", {"ram"}), Variant(Variant::List{Variant(first), Variant(second)}));
+    EXPECT_EQ(ResultOf("files", {"RAM:", "True", "0"}),
+              Variant(Variant::List{Variant(first), Variant(second)}));
+    EXPECT_EQ(ResultOf("DeviceFreeMem", {"ram:"}), LineText("1000"));
 }
 
 TEST_F(MemberCalls, NoListingIsNothing) {
@@ -161,34 +173,33 @@ TEST_F(MemberCalls, NoListingIsNothing) {
 TEST_F(MemberCalls, ResultsKeepTheirTypes) {
     mReplies["PRINT FRE(0)"] = {"4711"};
     Run();
-    EXPECT_EQ(ResultOf("Fre"), MemberValue(std::int32_t{4711}));
-    EXPECT_EQ(ResultOf("ImagesCount"), MemberValue(std::int32_t{0}));
-    EXPECT_EQ(ResultOf("PrinterType"), MemberValue("R7A", TextKind::Line));
-    EXPECT_EQ(ResultOf("DoAutoconnect"), MemberValue(true));
+    EXPECT_EQ(ResultOf("Fre"), Variant(std::int32_t{4711}));
+    EXPECT_EQ(ResultOf("ImagesCount"), Variant(std::int32_t{0}));
+    EXPECT_EQ(ResultOf("PrinterType"), LineText("R7A"));
+    EXPECT_EQ(ResultOf("DoAutoconnect"), Variant(true));
     EXPECT_TRUE(ResultOf("Clear").IsNothing());
-    const MemberValue setup = ResultOf("Setup");
-    const auto& items = std::get<MemberValue::List>(setup.value);
-    EXPECT_EQ(items.front(),
-              MemberValue(MemberValue::Record{{"Key", {"UART1,BAUDRATE", TextKind::Line}},
-                                              {"Value", {"9600", TextKind::Line}}}));
+    const Variant setup = ResultOf("Setup");
+    const auto& items = std::get<Variant::List>(setup.value);
+    EXPECT_EQ(items.front(), Variant(Variant::Record{{"Key", LineText("UART1,BAUDRATE")},
+                                                     {"Value", LineText("9600")}}));
 }
 
 TEST_F(MemberCalls, APropertyIsReadWithoutAndSetWithAnArgument) {
     Run();
     CallNamed("BackColor", {"255"});
-    EXPECT_EQ(ResultOf("BackColor"), MemberValue(std::int32_t{255}));
+    EXPECT_EQ(ResultOf("BackColor"), Variant(std::int32_t{255}));
     CallNamed("toolbarvisible", {false});
-    EXPECT_EQ(ResultOf("ToolbarVisible"), MemberValue(false));
+    EXPECT_EQ(ResultOf("ToolbarVisible"), Variant(false));
     CallNamed("TerminalFontSize", {"9.75"});
-    EXPECT_EQ(ResultOf("TerminalFontSize"), MemberValue("9.75"));
-    EXPECT_EQ(ResultOf("RegSettings"), MemberValue(mSettings));
-    CallNamed("RegSettings", {MemberValue(mSettings)});
+    EXPECT_EQ(ResultOf("TerminalFontSize"), Variant("9.75"));
+    EXPECT_EQ(ResultOf("RegSettings"), Variant(mSettings));
+    CallNamed("RegSettings", {Variant(mSettings)});
     EXPECT_EQ(mControl->RegSettings(), mSettings);
 }
 
 TEST_F(MemberCalls, AFontIsARecordOrOneText) {
     Run();
-    const MemberValue font = MemberValue::Record{{"Name", "Courier New"}, {"Size", 9.1}};
+    const Variant font(Variant::Record{{"Name", Variant("Courier New")}, {"Size", 9.1}});
     CallNamed("Font", {"Courier New, 9.1"});
     EXPECT_EQ(ResultOf("Font"), font);
     CallNamed("Font", {"Fixed,12"});
@@ -203,21 +214,20 @@ TEST_F(MemberCalls, WhatAMemberUsedIsWrittenBack) {
     Run();
     const MemberOutcome outcome = CallNamed("PrintFont", {"", "MS050RMN", "0"});
     EXPECT_TRUE(outcome.result.IsNothing());
-    EXPECT_EQ(outcome.writtenBack,
-              (MemberValue::Record{{"sText", {"The quick brown fox...", TextKind::Line}},
-                                   {"iSize", 12},
-                                   {"iWidth", 100},
-                                   {"iDir", 1}}));
+    EXPECT_EQ(outcome.writtenBack, (Variant::Record{{"sText", LineText("The quick brown fox...")},
+                                                    {"iSize", 12},
+                                                    {"iWidth", 100},
+                                                    {"iDir", 1}}));
     EXPECT_THAT(CallNamed("ChDir", {"ram:"}).writtenBack, IsEmpty());
 }
 
 TEST_F(MemberCalls, AModuleTellsItsTargetAndItsText) {
     Run();
     const MemberOutcome outcome =
-        CallNamed("ModuleUpload", {{}, MemberValue("m.prg"), MemberValue("A=1\r\n")});
-    EXPECT_EQ(outcome.result, MemberValue(MemberValue::List{}));
-    EXPECT_EQ(outcome.writtenBack.at(0).second, MemberValue("ram:m.prg", TextKind::Line));
-    EXPECT_EQ(outcome.writtenBack.at(1).second, MemberValue("A=1\r\n", TextKind::Line));
+        CallNamed("ModuleUpload", {{}, Variant("m.prg"), Variant("A=1\r\n")});
+    EXPECT_EQ(outcome.result, Variant(Variant::List{}));
+    EXPECT_EQ(outcome.writtenBack.at(0).second, LineText("ram:m.prg"));
+    EXPECT_EQ(outcome.writtenBack.at(1).second, LineText("A=1\r\n"));
 }
 
 TEST_F(MemberCalls, NamesAreAListOrOneText) {
@@ -227,9 +237,9 @@ TEST_F(MemberCalls, NamesAreAListOrOneText) {
         std::erase_if(lines, [](const std::string& line) { return !line.starts_with("MERGE"); });
         return lines;
     };
-    EXPECT_EQ(ResultOf("ProgramLink", {"ram:a, ram:b"}), MemberValue(true));
+    EXPECT_EQ(ResultOf("ProgramLink", {"ram:a, ram:b"}), Variant(true));
     EXPECT_THAT(merges(), ElementsAre("MERGE\"ram:a\"", "MERGE\"ram:b\""));
-    CallNamed("ProgramLink", {MemberValue(MemberValue::List{"ram:c"}), "10 REM"});
+    CallNamed("ProgramLink", {Variant(Variant::List{Variant("ram:c")}), "10 REM"});
     EXPECT_THAT(merges(), ElementsAre("MERGE\"ram:c\""));
     EXPECT_RAISED(CallNamed("ProgramLink", {true}), RtTypeMismatch);
 }
@@ -259,15 +269,15 @@ TEST_F(MemberCalls, WhatDoesNotFitIsRefusedBeforeTheMemberRuns) {
     EXPECT_RAISED(CallNamed("BackColor", {"1e10"}), RtOverflow);
     EXPECT_RAISED(CallNamed("Files", {"ram:", "perhaps"}), RtTypeMismatch);
     EXPECT_RAISED(CallNamed("RegSettings", {"a text"}), RtTypeMismatch);
-    EXPECT_RAISED(CallNamed("Files", {MemberValue(MemberValue::List{})}), RtTypeMismatch);
+    EXPECT_RAISED(CallNamed("Files", {Variant(Variant::List{})}), RtTypeMismatch);
     EXPECT_EQ(TakeSent(), "");
 }
 
 TEST_F(MemberCalls, ArgumentsAreCheckedWithoutACallAndTheWrongOneIsNamed) {
     const SurfaceMember& files = FindMember("Files", 2);
-    const auto wrong = [&](const std::vector<MemberValue>& arguments) -> std::string {
+    const auto wrong = [&](const std::vector<Given>& arguments) -> std::string {
         try {
-            CheckArguments(files, arguments);
+            CheckArguments(files, {arguments.begin(), arguments.end()});
         } catch (const QNError& error) {
             return error.Description();
         }

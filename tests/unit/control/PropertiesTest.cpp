@@ -14,8 +14,8 @@ class Properties : public ControlFixture {
     Strings Written() {
         Strings names;
         struct : PropertyBag {
-            const PropertyValue* Find(std::string_view) const override { return nullptr; }
-            void Store(std::string_view name, const PropertyValue&) override {
+            const Variant* Find(std::string_view) const override { return nullptr; }
+            void Store(std::string_view name, const Variant&) override {
                 names->emplace_back(name);
             }
             Strings* names = nullptr;
@@ -54,10 +54,10 @@ TEST_F(Properties, ElevenAreStoredInTheirOrderAndReadBack) {
                    {"BorderStyle", std::int16_t{1}},
                    {"Columns", std::int16_t{80}},
                    {"Rows", std::int16_t{24}},
-                   {"Caption", std::string("Labels")},
+                   {"Caption", Variant("Labels")},
                    {"ToolbarVisible", false},
                    {"ToolbarAlign", std::int16_t{2}},
-                   {"Unknown", std::string("ignored")}};
+                   {"Unknown", Variant("ignored")}};
     mControl->UserControl_ReadProperties(bag);
     EXPECT_THAT(Written(), ElementsAre("BackColor", "ForeColor", "Enabled", "BackStyle",
                                        "BorderStyle", "Columns", "Rows", "Caption",
@@ -65,13 +65,13 @@ TEST_F(Properties, ElevenAreStoredInTheirOrderAndReadBack) {
     MemoryPropertyBag again;
     mControl->UserControl_WriteProperties(again);
     bag.mValues.erase("Unknown");
-    bag.mValues["Font"] = mTerminal.mFont;
+    bag.mValues["Font"] = FontRecord(mTerminal.mFont);
     EXPECT_EQ(again.mValues, bag.mValues);
 }
 
 TEST_F(Properties, TheFontIsWrittenAndNeverRead) {
     MemoryPropertyBag bag;
-    bag.mValues["Font"] = TerminalFont{"Serif", 40.0F};
+    bag.mValues["Font"] = FontRecord({"Serif", 40.0F});
     mControl->UserControl_ReadProperties(bag);
     EXPECT_EQ(mTerminal.mFont.name, "Monospace");
 }
@@ -86,16 +86,16 @@ TEST_F(Properties, AtRunTimeTheTerminalIsAlways300By300) {
 
 TEST_F(Properties, AValueOfAWrongTypeChangesNothingAndTheControlStaysUsable) {
     MemoryPropertyBag bag;
-    bag.mValues = {{"BackColor", std::int32_t{255}}, {"Rows", std::string("many")}};
+    bag.mValues = {{"BackColor", std::int32_t{255}}, {"Rows", Variant("many")}};
     mHost.mUserMode = true;
     EXPECT_RAISED(mControl->UserControl_ReadProperties(bag), RtTypeMismatch);
     EXPECT_EQ(mTerminal.mBack, 0x00FFFFFF);
     bag.mValues["Rows"] = std::int32_t{70000};
     EXPECT_RAISED(mControl->UserControl_ReadProperties(bag), RtOverflow);
-    bag.mValues["Rows"] = TerminalFont{};
+    bag.mValues["Rows"] = FontRecord({});
     EXPECT_RAISED(mControl->UserControl_ReadProperties(bag), RtTypeMismatch);
-    bag.mValues["Rows"] = std::string("24");
-    bag.mValues["Enabled"] = std::string("false");
+    bag.mValues["Rows"] = Variant("24");
+    bag.mValues["Enabled"] = Variant("false");
     bag.mValues["Caption"] = std::int32_t{7};
     EXPECT_EQ(Run(bag).PrinterType(), "R7G");
     EXPECT_FALSE(mControl->Enabled());

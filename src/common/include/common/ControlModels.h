@@ -1,6 +1,7 @@
 #pragma once
 
 #include "common/Event.h"
+#include "common/TextKind.h"
 
 #include <cstddef>
 #include <cstdint>
@@ -154,12 +155,6 @@ class ListModel : public ControlModel {
   private:
     std::vector<Entry> mEntries;
     std::int32_t mListIndex = -1;
-};
-
-/// What the bytes of a text stand for, so that a face shows them rightly.
-enum class TextKind {
-    Host, ///< UTF-8: paths and words of this machine
-    Line, ///< 8-bit text that goes to the printer as it is
 };
 
 /// One line of text that the user edits. Positions are bytes from 0.

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstdint>
+#include <optional>
 #include <string>
 #include <string_view>
 
@@ -21,6 +22,13 @@ std::int32_t ToInt32(double dValue);
 std::string ToText(double dValue);
 /// The decimal text of a whole number.
 std::string ToText(std::int32_t lValue);
+
+/// The number that the whole text is, decimal with "." and an exponent, blanks around it apart.
+/// Raises 13 for a text that is no number and 6 for one that leaves a double.
+double ToDouble(std::string_view sText);
+
+/// The number that the whole text is, without blanks; nothing for any other text.
+std::optional<std::int32_t> WholeNumberOf(std::string_view sText);
 
 /// "True" and "False" (any case) or a number (0 is False); anything else raises 13.
 bool ToBoolean(std::string_view sText);

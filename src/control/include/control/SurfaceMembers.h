@@ -1,6 +1,6 @@
 #pragma once
 
-#include "control/MemberValue.h"
+#include "common/Variant.h"
 
 #include <cstddef>
 #include <optional>
@@ -54,7 +54,7 @@ struct SurfaceMember {
     MemberNeeds needs = MemberNeeds::Printer;
     MemberType result = MemberType::Nothing;
     std::vector<MemberParameter> parameters;
-    MemberValue (*call)(QNComm& control, MemberArguments& arguments) = nullptr;
+    Variant (*call)(QNComm& control, MemberArguments& arguments) = nullptr;
 
     /// How many arguments may not be left out.
     std::size_t LeastArguments() const;
@@ -62,8 +62,8 @@ struct SurfaceMember {
 
 /// What a call brings back.
 struct MemberOutcome {
-    MemberValue result;
-    MemberValue::Record writtenBack; ///< by parameter, in their order
+    Variant result;
+    Variant::Record writtenBack; ///< by parameter, in their order
 };
 
 /// Every public member of QNComm in the order of its surface; a property that can be read and set
@@ -76,12 +76,12 @@ const SurfaceMember& FindMember(std::string_view sName, std::size_t arguments);
 
 /// Raises what CallMember raises before the member runs; except for one argument too many the
 /// description ends with ": " and the parameter's name.
-void CheckArguments(const SurfaceMember& member, const std::vector<MemberValue>& arguments);
+void CheckArguments(const SurfaceMember& member, const std::vector<Variant>& arguments);
 
 /// Converts the arguments to what the member takes and calls it. Raises 13 for an argument of a
 /// wrong type, 6 for a number that does not fit, 449 for one that is missing and 450 for one too
 /// many, all before the member runs; then what the member raises.
 MemberOutcome CallMember(QNComm& control, const SurfaceMember& member,
-                         const std::vector<MemberValue>& arguments);
+                         const std::vector<Variant>& arguments);
 
 } // namespace qncomm

@@ -1,16 +1,11 @@
 #pragma once
 
+#include "control/TerminalFont.h"
+
 #include <cstdint>
 #include <string>
 
 namespace qncomm {
-
-/// A font as hosts hand it around.
-struct TerminalFont {
-    std::string name;
-    float size = 10.0F; ///< points
-    bool operator==(const TerminalFont&) const = default;
-};
 
 /// The terminal's display states that the control knows; a terminal may have more.
 enum DisplayStateValue : std::int16_t { DisplayOff = 0, DisplayActive = 1, DisplayDesign = 5 };

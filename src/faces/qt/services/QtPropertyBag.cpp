@@ -10,26 +10,29 @@
 namespace qncomm {
 namespace {
 
-struct ToVariant {
+struct ToQVariant {
     QVariant operator()(bool value) const { return value; }
-    QVariant operator()(std::int16_t value) const { return int{value}; }
+    QVariant operator()(double value) const { return value; }
     QVariant operator()(std::int32_t value) const { return value; }
-    QVariant operator()(const std::string& value) const { return FromHost(value); }
-    QVariant operator()(const TerminalFont& value) const { return FontOf(value); }
+    QVariant operator()(const VariantText& value) const { return FromHost(value.text); }
+    QVariant operator()(const Variant::Record& value) const {
+        return FontOf(AsFont(Variant(value)));
+    }
+    QVariant operator()(const auto& /*no property*/) const { return {}; }
 };
 
 } // namespace
 
-QVariant QtPropertyBag::Value(std::string_view sName, const PropertyValue& fallback) const {
-    return VariantOf(ReadProperty(sName, fallback));
+QVariant QtPropertyBag::Value(std::string_view sName, const Variant& fallback) const {
+    return QVariantOf(ReadProperty(sName, fallback));
 }
 
-void QtPropertyBag::SetValue(std::string_view sName, const PropertyValue& value) {
+void QtPropertyBag::SetValue(std::string_view sName, const Variant& value) {
     mValues.insert_or_assign(std::string(sName), value);
 }
 
-QVariant VariantOf(const PropertyValue& value) {
-    return std::visit(ToVariant{}, value);
+QVariant QVariantOf(const Variant& value) {
+    return std::visit(ToQVariant{}, value.value);
 }
 
 QFont FontOf(const TerminalFont& font) {

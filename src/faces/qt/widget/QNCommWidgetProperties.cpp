@@ -14,11 +14,11 @@ namespace {
 
 struct Default {
     std::string_view name;
-    PropertyValue value;
+    Variant value;
 };
 
 /// What a property is that nobody has set.
-const PropertyValue& DefaultOf(std::string_view name) {
+const Variant& DefaultOf(std::string_view name) {
     static const std::array<Default, 11> defaults{{
         {"BackColor", std::int32_t{15}},
         {"ForeColor", std::int32_t{0}},
@@ -27,10 +27,10 @@ const PropertyValue& DefaultOf(std::string_view name) {
         {"BorderStyle", std::int16_t{0}},
         {"Columns", std::int16_t{300}},
         {"Rows", std::int16_t{300}},
-        {"Caption", std::string("Terminal")},
+        {"Caption", Variant("Terminal")},
         {"ToolbarVisible", true},
         {"ToolbarAlign", std::int16_t{ToolbarTop}},
-        {"Font", TerminalFont{"Courier New", 10.0F}},
+        {"Font", FontRecord({"Courier New", 10.0F})},
     }};
     return std::ranges::find(defaults, name, &Default::name)->value;
 }
@@ -39,7 +39,7 @@ std::int16_t Small(int value) {
     return static_cast<std::int16_t>(std::clamp(value, -32768, 32767));
 }
 
-using Apply = void (*)(QNComm& control, const PropertyValue& value);
+using Apply = void (*)(QNComm& control, const Variant& value);
 
 struct RunTimeProperty {
     std::string_view name;
@@ -49,37 +49,34 @@ struct RunTimeProperty {
 /// What setting a property does to a control that runs; the others count from the next reading on.
 constexpr std::array<RunTimeProperty, 8> RunTimeProperties{{
     {"BackColor",
-     [](QNComm& control, const PropertyValue& value) { control.SetBackColor(AsLong(value)); }},
+     [](QNComm& control, const Variant& value) { control.SetBackColor(AsLong(value)); }},
     {"ForeColor",
-     [](QNComm& control, const PropertyValue& value) { control.SetForeColor(AsLong(value)); }},
+     [](QNComm& control, const Variant& value) { control.SetForeColor(AsLong(value)); }},
     {"BackStyle",
-     [](QNComm& control, const PropertyValue& value) { control.SetBackStyle(AsInteger(value)); }},
+     [](QNComm& control, const Variant& value) { control.SetBackStyle(AsInteger(value)); }},
     {"BorderStyle",
-     [](QNComm& control, const PropertyValue& value) { control.SetBorderStyle(AsInteger(value)); }},
-    {"Caption", [](QNComm& control,
-                   const PropertyValue& value) { control.lblCaption.SetCaption(AsString(value)); }},
+     [](QNComm& control, const Variant& value) { control.SetBorderStyle(AsInteger(value)); }},
+    {"Caption",
+     [](QNComm& control, const Variant& value) { control.lblCaption.SetCaption(AsString(value)); }},
     {"ToolbarVisible",
-     [](QNComm& control, const PropertyValue& value) {
-         control.SetToolbarVisible(AsBoolean(value));
-     }},
-    {"ToolbarAlign", [](QNComm& control,
-                        const PropertyValue& value) { control.SetToolbarAlign(AsInteger(value)); }},
-    {"Font", [](QNComm& control,
-                const PropertyValue& value) { control.SetFont(std::get<TerminalFont>(value)); }},
+     [](QNComm& control, const Variant& value) { control.SetToolbarVisible(AsBoolean(value)); }},
+    {"ToolbarAlign",
+     [](QNComm& control, const Variant& value) { control.SetToolbarAlign(AsInteger(value)); }},
+    {"Font", [](QNComm& control, const Variant& value) { control.SetFont(AsFont(value)); }},
 }};
 
 } // namespace
 
-PropertyValue QNCommWidget::Property(std::string_view name) const {
+Variant QNCommWidget::Property(std::string_view name) const {
     const Parts& p = *mParts;
     if (!p.loaded) return p.bag.ReadProperty(name, DefaultOf(name));
-    if (name == "Caption") return p.assembly->Control().lblCaption.Caption();
+    if (name == "Caption") return Variant(p.assembly->Control().lblCaption.Caption());
     MemoryPropertyBag now;
     p.assembly->Control().UserControl_WriteProperties(now);
     return now.ReadProperty(name, DefaultOf(name));
 }
 
-void QNCommWidget::SetProperty(std::string_view name, const PropertyValue& value) {
+void QNCommWidget::SetProperty(std::string_view name, const Variant& value) {
     Parts& p = *mParts;
     p.bag.SetValue(name, value);
     if (!p.loaded) return;
@@ -187,7 +184,7 @@ QString QNCommWidget::caption() const {
     return FromHost(AsString(Property("Caption")));
 }
 void QNCommWidget::setCaption(const QString& sCaption) {
-    SetProperty("Caption", ToHost(sCaption));
+    SetProperty("Caption", Variant(ToHost(sCaption)));
 }
 void QNCommWidget::resetCaption() {
     SetProperty("Caption", DefaultOf("Caption"));
@@ -218,7 +215,7 @@ QFont QNCommWidget::terminalFont() const {
     return qvariant_cast<QFont>(mParts->bag.Value("Font", DefaultOf("Font")));
 }
 void QNCommWidget::setFont(const QFont& font) {
-    SetProperty("Font", TerminalFontOf(font));
+    SetProperty("Font", FontRecord(TerminalFontOf(font)));
 }
 void QNCommWidget::resetFont() {
     SetProperty("Font", DefaultOf("Font"));

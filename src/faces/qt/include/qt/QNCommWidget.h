@@ -170,8 +170,8 @@ class QNCommWidget : public QWidget {
     class Surroundings;
     struct Parts;
 
-    PropertyValue Property(std::string_view name) const;
-    void SetProperty(std::string_view name, const PropertyValue& value);
+    Variant Property(std::string_view name) const;
+    void SetProperty(std::string_view name, const Variant& value);
     QtPropertyBag BagOfNow() const;
     void OnPropertyChanged(std::string_view name);
     void Load();

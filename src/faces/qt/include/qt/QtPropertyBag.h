@@ -1,6 +1,7 @@
 #pragma once
 
 #include "control/PropertyBag.h"
+#include "control/TerminalFont.h"
 
 #include <QVariant>
 
@@ -10,13 +11,13 @@ namespace qncomm {
 class QtPropertyBag : public MemoryPropertyBag {
   public:
     /// The stored value, or the fallback when there is none.
-    QVariant Value(std::string_view sName, const PropertyValue& fallback) const;
+    QVariant Value(std::string_view sName, const Variant& fallback) const;
     /// Stores a value under a name, in place of the former one.
-    void SetValue(std::string_view sName, const PropertyValue& value);
+    void SetValue(std::string_view sName, const Variant& value);
 };
 
 /// A value of a bag as the toolkit has it, and back. Numbers become 32-bit ones.
-QVariant VariantOf(const PropertyValue& value);
+QVariant QVariantOf(const Variant& value);
 /// A font of a bag as the toolkit has it.
 QFont FontOf(const TerminalFont& font);
 /// A font of the toolkit as a bag keeps it: its family and its size in points.
