@@ -29,7 +29,7 @@ void QNComm::LayOut() {
 }
 
 void QNComm::UserControl_Paint() {
-    Toolbar1.SetVisible(mToolbarVisible);
+    Toolbar1.SetVisible(ToolbarVisible());
     LayOut();
 }
 
@@ -47,7 +47,7 @@ void QNComm::imgSizer_MouseUp(std::int32_t lY) {
     const std::int32_t drag =
         LimitedDrag(lY, height, host.ParentScaleHeight(), LeastHeight(Sizes()));
     if (drag != 0) host.SetHeight(height - drag);
-    // A status bar of the form would else stay where the control has grown to or left.
+    // Otherwise the form's status bar would keep its old place when the control grows or shrinks.
     for (const auto& control : host.ParentControls())
         if (UpperCase(control->TypeName()) == StatusBarType) control->SetTop(BelowEveryForm);
 }

@@ -11,16 +11,7 @@
 namespace qncomm {
 namespace {
 
-constexpr std::int16_t RunTimeSize = 300; // rows and columns
-
-// The defaults with which properties are read and written; a plain 15 is an almost black red.
-constexpr std::int32_t DefaultBackColor = 15;
-constexpr std::int32_t DefaultForeColor = 0;
-constexpr std::int16_t DefaultBackStyle = 1;
-constexpr std::int16_t DefaultBorderStyle = 0;
-constexpr std::int16_t DefaultSize = 300;
-constexpr std::int16_t DefaultToolbarAlign = ToolbarTop;
-constexpr std::string_view DefaultCaption = "Terminal";
+constexpr std::int16_t RunTimeSize = 300; // rows and columns of a control that runs
 
 /// A size is a positive number.
 float SizeOf(std::string_view text) {
@@ -46,53 +37,32 @@ void Resize(ViewportTerminal& terminal, std::int16_t columns, std::int16_t rows)
 
 } // namespace
 
-/// What a bag says, read as a whole before any of it is applied.
-struct QNComm::PersistedProperties {
-    std::int32_t backColor;
-    std::int32_t foreColor;
-    bool enabled;
-    std::int16_t backStyle;
-    std::int16_t borderStyle;
-    std::int16_t columns;
-    std::int16_t rows;
-    std::string caption;
-    bool toolbarVisible;
-    std::int16_t toolbarAlign;
-};
-
-QNComm::PersistedProperties QNComm::ReadAll(const PropertyBag& bag) {
-    return {AsLong(bag.ReadProperty("BackColor", DefaultBackColor)),
-            AsLong(bag.ReadProperty("ForeColor", DefaultForeColor)),
-            AsBoolean(bag.ReadProperty("Enabled", true)),
-            AsInteger(bag.ReadProperty("BackStyle", DefaultBackStyle)),
-            AsInteger(bag.ReadProperty("BorderStyle", DefaultBorderStyle)),
-            AsInteger(bag.ReadProperty("Columns", DefaultSize)),
-            AsInteger(bag.ReadProperty("Rows", DefaultSize)),
-            AsString(bag.ReadProperty("Caption", Variant(DefaultCaption))),
-            AsBoolean(bag.ReadProperty("ToolbarVisible", true)),
-            AsInteger(bag.ReadProperty("ToolbarAlign", DefaultToolbarAlign))};
+QNComm::PropertyValues QNComm::ReadAll(const PropertyBag& bag) {
+    PropertyValues values;
+    for (const ControlProperty& property : Properties())
+        if (property.use != PropertyUse::NotRead)
+            values[property.name] =
+                property.Converted(bag.ReadProperty(property.name, property.byDefault));
+    return values;
 }
 
 void QNComm::UserControl_InitProperties() {
     mParts.host.SetAlign(DockBottom);
     Apply(ReadAll(MemoryPropertyBag()));
-    TerminalFont font = mParts.terminal.Font();
-    font.name = "Courier";
-    mParts.terminal.SetFont(font);
+    SetTerminalFontName("Courier");
 }
 
-void QNComm::Apply(const PersistedProperties& properties) {
-    ViewportTerminal& terminal = mParts.terminal;
-    Resize(terminal, properties.columns, properties.rows); // the only ones that may be refused
-    terminal.SetBackColor(properties.backColor);
-    terminal.SetForeColor(properties.foreColor);
-    mEnabled = properties.enabled;
-    mBackStyle = properties.backStyle;
-    mBorderStyle = properties.borderStyle;
-    mCaption = properties.caption;
-    lblCaption.SetCaption(mCaption);
-    mToolbarVisible = properties.toolbarVisible; // the toolbar follows with the next paint
-    Toolbar1.SetAlign(properties.toolbarAlign);
+void QNComm::Apply(const PropertyValues& values) {
+    // The size of the grid may be refused; so it comes first, while nothing has changed.
+    Resize(mParts.terminal, AsInteger(values.at("Columns")), AsInteger(values.at("Rows")));
+    for (const auto& [name, value] : values)
+        if (const auto& property = PropertyNamed(name); property.use == PropertyUse::Always)
+            Keep(property, value);
+}
+
+void QNComm::Keep(const ControlProperty& property, const Variant& value) {
+    if (property.get == nullptr) mKept[property.name] = value;
+    if (property.set != nullptr) property.set(*this, value);
 }
 
 void QNComm::UserControl_ReadProperties(const PropertyBag& bag) {
@@ -107,89 +77,101 @@ void QNComm::UserControl_ReadProperties(const PropertyBag& bag) {
 }
 
 void QNComm::UserControl_WriteProperties(PropertyBag& bag) const {
-    const ViewportTerminal& terminal = mParts.terminal;
-    bag.WriteProperty("BackColor", terminal.BackColor(), DefaultBackColor);
-    bag.WriteProperty("ForeColor", terminal.ForeColor(), DefaultForeColor);
-    bag.WriteProperty("Enabled", mEnabled, true);
-    bag.WriteProperty("BackStyle", mBackStyle, DefaultBackStyle);
-    bag.WriteProperty("BorderStyle", mBorderStyle, DefaultBorderStyle);
-    bag.WriteProperty("Columns", terminal.Columns(), DefaultSize);
-    bag.WriteProperty("Rows", terminal.Rows(), DefaultSize);
-    bag.WriteProperty("Caption", Variant(mCaption), Variant(DefaultCaption));
-    bag.WriteProperty("ToolbarVisible", mToolbarVisible, true);
-    bag.WriteProperty("ToolbarAlign", Toolbar1.Align(), DefaultToolbarAlign);
-    bag.WriteProperty("Font", FontRecord(terminal.Font()), Variant("Courier New"));
+    for (const ControlProperty& property : Properties()) {
+        const bool always = property.use == PropertyUse::NotRead; // it equals no default
+        bag.WriteProperty(property.name, Value(property), always ? Variant() : property.byDefault);
+    }
+}
+
+Variant QNComm::Value(const ControlProperty& property) const {
+    if (property.get != nullptr) return property.get(*this);
+    const auto kept = mKept.find(property.name);
+    return kept != mKept.end() ? kept->second : property.byDefault;
+}
+
+Variant QNComm::Property(std::string_view sName) const {
+    return Value(PropertyNamed(sName));
+}
+
+void QNComm::SetProperty(std::string_view sName, const Variant& value) {
+    const ControlProperty& property = PropertyNamed(sName);
+    const Variant converted = property.Converted(value);
+    if (property.use == PropertyUse::AtDesignTime && mParts.host.UserMode()) return;
+    Keep(property, converted);
+    mParts.host.PropertyChanged(property.name);
+    if (property.changed != nullptr) property.changed(*this);
 }
 
 std::int32_t QNComm::BackColor() const {
     return mParts.terminal.BackColor();
 }
 void QNComm::SetBackColor(std::int32_t lColor) {
-    mParts.terminal.SetBackColor(lColor);
-    mParts.host.PropertyChanged("BackColor");
+    SetProperty("BackColor", lColor);
 }
 
 std::int32_t QNComm::ForeColor() const {
     return mParts.terminal.ForeColor();
 }
 void QNComm::SetForeColor(std::int32_t lColor) {
-    mParts.terminal.SetForeColor(lColor);
-    mParts.host.PropertyChanged("ForeColor");
+    SetProperty("ForeColor", lColor);
 }
 
+std::int16_t QNComm::BackStyle() const {
+    return AsInteger(Property("BackStyle"));
+}
 void QNComm::SetBackStyle(std::int16_t iStyle) {
-    mBackStyle = iStyle;
-    mParts.host.PropertyChanged("BackStyle");
+    SetProperty("BackStyle", iStyle);
 }
 
+std::int16_t QNComm::BorderStyle() const {
+    return AsInteger(Property("BorderStyle"));
+}
 void QNComm::SetBorderStyle(std::int16_t iStyle) {
-    mBorderStyle = iStyle;
-    mParts.host.PropertyChanged("BorderStyle");
+    SetProperty("BorderStyle", iStyle);
 }
 
+bool QNComm::Enabled() const {
+    return AsBoolean(Property("Enabled"));
+}
 void QNComm::SetEnabled(bool bEnabled) {
-    mEnabled = bEnabled;
-    mParts.host.PropertyChanged("Enabled");
+    SetProperty("Enabled", bEnabled);
 }
 
+bool QNComm::ToolbarVisible() const {
+    return AsBoolean(Property("ToolbarVisible"));
+}
 void QNComm::SetToolbarVisible(bool bVisible) {
-    mToolbarVisible = bVisible;
-    mParts.host.PropertyChanged("ToolbarVisible");
-    Toolbar1.SetVisible(bVisible);
-    Refresh();
+    SetProperty("ToolbarVisible", bVisible);
 }
 
 std::int16_t QNComm::ToolbarAlign() const {
     return Toolbar1.Align();
 }
 void QNComm::SetToolbarAlign(std::int16_t iAlign) {
-    Toolbar1.SetAlign(iAlign);
-    mParts.host.PropertyChanged("ToolbarAlign");
-    Refresh();
+    SetProperty("ToolbarAlign", iAlign);
 }
 
 TerminalFont QNComm::Font() const {
     return mParts.terminal.Font();
 }
 void QNComm::SetFont(const TerminalFont& font) {
-    mParts.terminal.SetFont(font);
-    mParts.host.PropertyChanged("Font");
+    SetProperty("Font", FontRecord(font));
 }
 
 std::string QNComm::TerminalFontName() const {
-    return mParts.terminal.Font().name;
+    return Font().name;
 }
 void QNComm::SetTerminalFontName(std::string_view sName) {
-    TerminalFont font = mParts.terminal.Font();
+    TerminalFont font = Font();
     font.name = sName;
     mParts.terminal.SetFont(font);
 }
 
 std::string QNComm::TerminalFontSize() const {
-    return FontSizeText(mParts.terminal.Font().size);
+    return FontSizeText(Font().size);
 }
 void QNComm::SetTerminalFontSize(std::string_view sSize) {
-    TerminalFont font = mParts.terminal.Font();
+    TerminalFont font = Font();
     font.size = SizeOf(sSize);
     mParts.terminal.SetFont(font);
 }

@@ -1,6 +1,7 @@
 // The widget on a form: where its pieces stand, its properties, its grip.
 
 #include "SizerGrip.h"
+#include "qt/QtPropertyBag.h"
 #include "qt/TitleBar.h"
 #include "qt/ToolbarView.h"
 #include "testing/face/ControlRig.h"
@@ -12,6 +13,7 @@
 
 #include <QAbstractScrollArea>
 #include <QDockWidget>
+#include <QMetaProperty>
 #include <QSignalSpy>
 #include <QStatusBar>
 #include <QTextEdit>
@@ -201,6 +203,36 @@ TEST(WidgetProperties, AFreshOneHasTheDefaults) {
     EXPECT_TRUE(widget.property("ToolbarVisible").toBool());
     EXPECT_EQ(widget.property("ToolbarAlign").toInt(), 1);
     EXPECT_EQ(widget.property("Font").value<QFont>().family(), QStringLiteral("Courier New"));
+}
+
+QMetaType ToolkitType(PropertyType type) {
+    switch (type) {
+    case PropertyType::Boolean:
+        return QMetaType::fromType<bool>();
+    case PropertyType::Integer:
+    case PropertyType::Long:
+        return QMetaType::fromType<int>();
+    case PropertyType::Text:
+        return QMetaType::fromType<QString>();
+    case PropertyType::Font:
+        break;
+    }
+    return QMetaType::fromType<QFont>();
+}
+
+TEST(WidgetProperties, AreThoseOfTheControlWithTheirTypesAndDefaults) {
+    const QNCommWidget widget;
+    const QMetaObject& meta = QNCommWidget::staticMetaObject;
+    for (const ControlProperty& property : QNComm::Properties()) {
+        const std::string name(property.name);
+        const QMetaProperty shown = meta.property(meta.indexOfProperty(name.c_str()));
+        ASSERT_TRUE(shown.isValid()) << name;
+        EXPECT_EQ(shown.metaType(), ToolkitType(property.type)) << name;
+        EXPECT_TRUE(shown.isWritable() && shown.isResettable()) << name;
+        EXPECT_EQ(shown.read(&widget), QVariantOf(property.byDefault)) << name;
+    }
+    const auto own = static_cast<std::size_t>(meta.propertyCount() - meta.propertyOffset());
+    EXPECT_EQ(own, QNComm::Properties().size() + 1) << "and Align, which is the form's";
 }
 
 TEST(WidgetProperties, AFreshOneOnAFormUnderDesignIsDockedAtTheBottom) {

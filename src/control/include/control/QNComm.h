@@ -10,6 +10,7 @@
 #include "common/MessageLoop.h"
 #include "common/RegSettings.h"
 #include "control/ControlHost.h"
+#include "control/ControlProperty.h"
 #include "control/FrameLayout.h"
 #include "control/Macros.h"
 #include "control/PopUpMenu.h"
@@ -25,8 +26,10 @@
 #include "printer/clsQNModuleError.h"
 
 #include <cstdint>
+#include <map>
 #include <memory>
 #include <optional>
+#include <span>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -185,13 +188,13 @@ class QNComm {
     void SetBackColor(std::int32_t lColor);
     std::int32_t ForeColor() const;
     void SetForeColor(std::int32_t lColor);
-    std::int16_t BackStyle() const { return mBackStyle; }
+    std::int16_t BackStyle() const;
     void SetBackStyle(std::int16_t iStyle);
-    std::int16_t BorderStyle() const { return mBorderStyle; }
+    std::int16_t BorderStyle() const;
     void SetBorderStyle(std::int16_t iStyle);
-    bool Enabled() const { return mEnabled; }
+    bool Enabled() const;
     void SetEnabled(bool bEnabled);
-    bool ToolbarVisible() const { return mToolbarVisible; }
+    bool ToolbarVisible() const;
     void SetToolbarVisible(bool bVisible);
     std::int16_t ToolbarAlign() const;
     void SetToolbarAlign(std::int16_t iAlign);
@@ -239,6 +242,19 @@ class QNComm {
     /// The link that owns the port.
     clsDataLink& Link() const;
 
+    // -- The persisted properties by their names, for a face and for callers that know names alone
+
+    /// The properties that a property bag keeps, in the order in which they are stored.
+    static std::span<const ControlProperty> Properties();
+    /// The one of that name, in any case. Raises 438 for an unknown name.
+    static const ControlProperty& PropertyNamed(std::string_view sName);
+    /// What a property is now, also before any bag was read. Raises 438 for an unknown name.
+    Variant Property(std::string_view sName) const;
+    /// Sets a property and tells the container. Raises 438 for an unknown name, 13 or 6 for a value
+    /// of a wrong type and 5 for a grid that cannot be; nothing has changed then. A control that
+    /// runs ignores those that count at design time alone.
+    void SetProperty(std::string_view sName, const Variant& value);
+
     // -- Operations, for a face or a program that ends
 
     /// Whether one of this control's operations is running.
@@ -250,7 +266,8 @@ class QNComm {
 
     // -- What a face shows and hands in
 
-    const std::string& Caption() const { return mCaption; }
+    /// The text of the title bar, 8-bit as the label shows it.
+    const std::string& Caption() const { return lblCaption.Caption(); }
     ToolbarModel Toolbar1;
     TitleModel lblCaption;
     ButtonModel cmdClose;
@@ -280,7 +297,7 @@ class QNComm {
 
   private:
     struct Members;
-    struct PersistedProperties;
+    struct TerminalProperty;
     struct ToolbarCommand;
     class Operation;
 
@@ -290,10 +307,15 @@ class QNComm {
     void Wire();
     void Release();
     static void KeepUntilRelayed(MessageLoop& loop, std::shared_ptr<Members> members);
-    static PersistedProperties ReadAll(const PropertyBag& bag);
-    void Apply(const PersistedProperties& properties);
     void LayOut();
     FrameSizes Sizes() const;
+
+    /// Properties.cpp, ControlProperty.cpp
+    using PropertyValues = std::map<std::string_view, Variant>; ///< by the name in the table
+    static PropertyValues ReadAll(const PropertyBag& bag);
+    void Apply(const PropertyValues& values);
+    void Keep(const ControlProperty& property, const Variant& value);
+    Variant Value(const ControlProperty& property) const;
 
     /// Surface.cpp, Listings.cpp
     template <class List>
@@ -332,11 +354,7 @@ class QNComm {
     std::shared_ptr<qncomm::RegSettings> mRegSettings;
     std::shared_ptr<MacroPrompts> mPrompts; ///< shared with the macro that is asking
 
-    std::string mCaption;
-    bool mToolbarVisible = true;
-    bool mEnabled = true;
-    std::int16_t mBackStyle = 1;
-    std::int16_t mBorderStyle = 0;
+    PropertyValues mKept; ///< the properties whose values are nowhere else
     std::vector<Subscription> mHandlers;
     /// Goes with the control, whose host may destroy it while one of its boxes or dialogs is open.
     std::shared_ptr<const void> mHere = std::make_shared<char>();

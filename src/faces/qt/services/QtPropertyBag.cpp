@@ -2,7 +2,6 @@
 
 #include "qt/Charset.h"
 
-#include <QFont>
 #include <QFontInfo>
 
 #include <algorithm>
@@ -23,16 +22,24 @@ struct ToQVariant {
 
 } // namespace
 
-QVariant QtPropertyBag::Value(std::string_view sName, const Variant& fallback) const {
-    return QVariantOf(ReadProperty(sName, fallback));
-}
-
-void QtPropertyBag::SetValue(std::string_view sName, const Variant& value) {
-    mValues.insert_or_assign(std::string(sName), value);
-}
-
 QVariant QVariantOf(const Variant& value) {
     return std::visit(ToQVariant{}, value.value);
+}
+
+Variant VariantOf(const QVariant& value, PropertyType type) {
+    switch (type) {
+    case PropertyType::Boolean:
+        return value.toBool();
+    case PropertyType::Integer:
+        return static_cast<std::int16_t>(std::clamp(value.toInt(), -32768, 32767));
+    case PropertyType::Long:
+        return std::int32_t{value.toInt()};
+    case PropertyType::Text:
+        return Variant(ToHost(value.toString()));
+    case PropertyType::Font:
+        break;
+    }
+    return FontRecord(TerminalFontOf(qvariant_cast<QFont>(value)));
 }
 
 QFont FontOf(const TerminalFont& font) {

@@ -103,7 +103,7 @@ void QNCommWidget::Load() {
         known.UserControl_Show();
         return;
     }
-    p.bag.SetValue("Enabled", !testAttribute(Qt::WA_ForceDisabled));
+    p.bag.mValues["Enabled"] = !testAttribute(Qt::WA_ForceDisabled);
     run([&p](QNComm& control) {
         control.UserControl_ReadProperties(p.bag);
         if (!p.settings) p.settings = std::make_shared<FileSettings>(FileSettings::DefaultPath());

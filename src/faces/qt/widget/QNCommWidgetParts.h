@@ -28,7 +28,7 @@ struct QNCommWidget::Parts {
     TerminalView* view = nullptr;
     SizerGrip* grip = nullptr;
 
-    QtPropertyBag bag;
+    MemoryPropertyBag bag; ///< what was set
     std::shared_ptr<RegSettings> settings;
     QString address; ///< for the current port, once the settings say which that is
     QString helpFile;

@@ -4,6 +4,7 @@
 
 #include <QFont>
 #include <QString>
+#include <QVariant>
 #include <QWidget>
 
 #include <functional>
@@ -13,7 +14,24 @@
 namespace qncomm {
 
 class QNError;
-class QtPropertyBag;
+
+/// A persisted property of the control as one of the widget: for form editors, and as functions
+/// that read, set and reset it (setBackColor, resetBackColor). Default and meaning are those of the
+/// row of that name in QNComm::Properties.
+#define QN_PROPERTY(Type, Name, Getter)                                                            \
+    Q_PROPERTY(Type Name READ Getter WRITE set##Name RESET reset##Name)                            \
+  public:                                                                                          \
+    Type Getter() const {                                                                          \
+        return qvariant_cast<Type>(Value(#Name));                                                  \
+    }                                                                                              \
+    void set##Name(const Type& value) {                                                            \
+        SetValue(#Name, QVariant::fromValue<Type>(value));                                         \
+    }                                                                                              \
+    void reset##Name() {                                                                           \
+        ResetValue(#Name);                                                                         \
+    }                                                                                              \
+                                                                                                   \
+  private:
 
 /// The control as a widget that any Qt program places on a form: title bar, toolbar, terminal, grip
 /// and the menu of the right mouse button.
@@ -29,19 +47,18 @@ class QtPropertyBag;
 /// cancelled and the port closed.
 class QNCommWidget : public QWidget {
     Q_OBJECT
-    /// Colours are 0x00BBGGRR, or negative for a colour of the desktop.
-    Q_PROPERTY(int BackColor READ backColor WRITE setBackColor RESET resetBackColor)
-    Q_PROPERTY(int ForeColor READ foreColor WRITE setForeColor RESET resetForeColor)
+    // The control's properties, one line each: its type here, its name, the function that reads it.
+    QN_PROPERTY(int, BackColor, backColor)
+    QN_PROPERTY(int, ForeColor, foreColor)
     Q_PROPERTY(bool Enabled READ isEnabled WRITE setEnabled RESET resetEnabled)
-    Q_PROPERTY(int BackStyle READ backStyle WRITE setBackStyle RESET resetBackStyle)
-    Q_PROPERTY(int BorderStyle READ borderStyle WRITE setBorderStyle RESET resetBorderStyle)
-    Q_PROPERTY(int Columns READ columns WRITE setColumns RESET resetColumns)
-    Q_PROPERTY(int Rows READ rows WRITE setRows RESET resetRows)
-    Q_PROPERTY(QString Caption READ caption WRITE setCaption RESET resetCaption)
-    Q_PROPERTY(
-        bool ToolbarVisible READ toolbarVisible WRITE setToolbarVisible RESET resetToolbarVisible)
-    Q_PROPERTY(int ToolbarAlign READ toolbarAlign WRITE setToolbarAlign RESET resetToolbarAlign)
-    Q_PROPERTY(QFont Font READ terminalFont WRITE setFont RESET resetFont)
+    QN_PROPERTY(int, BackStyle, backStyle)
+    QN_PROPERTY(int, BorderStyle, borderStyle)
+    QN_PROPERTY(int, Columns, columns)
+    QN_PROPERTY(int, Rows, rows)
+    QN_PROPERTY(QString, Caption, caption)
+    QN_PROPERTY(bool, ToolbarVisible, toolbarVisible)
+    QN_PROPERTY(int, ToolbarAlign, toolbarAlign)
+    QN_PROPERTY(QFont, Font, terminalFont)
     /// Of the container: a DockAlign, where the control is docked on its form.
     Q_PROPERTY(int Align READ align WRITE setAlign)
 
@@ -76,43 +93,14 @@ class QNCommWidget : public QWidget {
     bool isBusy() const;
     const QString& helpFile() const;
 
-    int backColor() const;
-    int foreColor() const;
-    int backStyle() const;
-    int borderStyle() const;
-    int columns() const;
-    int rows() const;
-    QString caption() const;
-    bool toolbarVisible() const;
-    int toolbarAlign() const;
-    QFont terminalFont() const;
+    /// Where the control is docked on its form: a DockAlign.
     int align() const;
 
-    void setBackColor(int lColor);
-    void setForeColor(int lColor);
-    void setBackStyle(int iStyle);
-    void setBorderStyle(int iStyle);
-    /// The size of the grid at design time; at run time it is always 300 by 300.
-    void setColumns(int iColumns);
-    void setRows(int iRows);
-    void setCaption(const QString& sCaption);
-    void setToolbarVisible(bool bVisible);
-    void setToolbarAlign(int iAlign);
-    /// The terminal's font. One that was chosen at design time is kept, but not used at run time.
-    void setFont(const QFont& font);
+    /// Docks the control on its form; a number that is no DockAlign is DockNone.
     void setAlign(int iAlign);
 
-    void resetBackColor();
-    void resetForeColor();
+    /// Enables the widget, which is its property's default.
     void resetEnabled();
-    void resetBackStyle();
-    void resetBorderStyle();
-    void resetColumns();
-    void resetRows();
-    void resetCaption();
-    void resetToolbarVisible();
-    void resetToolbarAlign();
-    void resetFont();
 
     QSize sizeHint() const override;
     QSize minimumSizeHint() const override;
@@ -170,9 +158,9 @@ class QNCommWidget : public QWidget {
     class Surroundings;
     struct Parts;
 
-    Variant Property(std::string_view name) const;
-    void SetProperty(std::string_view name, const Variant& value);
-    QtPropertyBag BagOfNow() const;
+    QVariant Value(std::string_view name) const;
+    void SetValue(std::string_view name, const QVariant& value);
+    void ResetValue(std::string_view name);
     void OnPropertyChanged(std::string_view name);
     void Load();
     void ConnectEvents();

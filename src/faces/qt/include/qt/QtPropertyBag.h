@@ -1,26 +1,22 @@
 #pragma once
 
-#include "control/PropertyBag.h"
+#include "control/ControlProperty.h"
 #include "control/TerminalFont.h"
 
+#include <QFont>
 #include <QVariant>
 
 namespace qncomm {
 
-/// A property bag with the toolkit's values: fonts as QFont, texts as QString.
-class QtPropertyBag : public MemoryPropertyBag {
-  public:
-    /// The stored value, or the fallback when there is none.
-    QVariant Value(std::string_view sName, const Variant& fallback) const;
-    /// Stores a value under a name, in place of the former one.
-    void SetValue(std::string_view sName, const Variant& value);
-};
-
-/// A value of a bag as the toolkit has it, and back. Numbers become 32-bit ones.
+/// A property's value as the toolkit has it: numbers as int, texts as QString, fonts as QFont.
 QVariant QVariantOf(const Variant& value);
-/// A font of a bag as the toolkit has it.
+/// A value of the toolkit as one of that type. Numbers beyond 16 bits become the nearest Integer;
+/// of what cannot be converted comes 0, False or an empty text.
+Variant VariantOf(const QVariant& value, PropertyType type);
+
+/// The font as the toolkit has it, of at least 1 point.
 QFont FontOf(const TerminalFont& font);
-/// A font of the toolkit as a bag keeps it: its family and its size in points.
+/// The font in points, also when the toolkit's counts in pixels.
 TerminalFont TerminalFontOf(const QFont& font);
 
 } // namespace qncomm
