@@ -34,7 +34,7 @@ Variant ControlProperty::Converted(const Variant& value) const {
     return FontRecord(AsFont(value));
 }
 
-/// What reads and writes a value that is the terminal's.
+/// Reads and writes a value that the terminal holds.
 struct QNComm::TerminalProperty {
     template <auto Value>
     static Variant Get(const QNComm& control) {
@@ -68,7 +68,7 @@ std::span<const ControlProperty> QNComm::Properties() {
          [](QNComm& control, const Variant& value) {
              control.lblCaption.SetCaption(AsString(value));
          }},
-        // What a bag says of the toolbar waits for the next paint; what a host sets does not.
+        // A value from a bag counts with the next paint, one that a host sets at once.
         {"ToolbarVisible", Type::Boolean, true, Always, nullptr, nullptr,
          [](QNComm& control) {
              control.Toolbar1.SetVisible(control.ToolbarVisible());

@@ -1,4 +1,4 @@
-// Listings that are kept, and what the last ones said.
+// Listings: kept collections of files, images and fonts, and what the last listing said.
 
 #include "Members.h"
 #include "common/Numbers.h"
@@ -16,7 +16,8 @@ namespace {
 constexpr std::array<std::string_view, 6> ListedDevices = {
     "ram:", "rom:", "card1:", "card2:", "c:", "tmp:"};
 
-/// True when another operation shows the hourglass; else shows it in place of the default.
+/// Shows the hourglass in place of the default pointer. True when another operation shows it
+/// already.
 bool BeginBusy() {
     if (Pointer::Screen().Shape() == PointerHourglass) return true;
     if (Pointer::Screen().Shape() == PointerDefault) Pointer::Screen().Set(PointerHourglass);

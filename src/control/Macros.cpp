@@ -29,7 +29,7 @@ bool ContinuesCharacter(char c) {
     return (static_cast<unsigned char>(c) & 0xC0U) == 0x80U;
 }
 
-/// Where the first count characters of the text end.
+/// The position at which the first count characters of the text end.
 std::size_t CharacterEnd(const std::string& text, std::size_t count, bool utf8) {
     if (!utf8) return std::min(count, text.size());
     std::size_t end = 0;
@@ -48,7 +48,7 @@ std::optional<char> CodeOf(std::string_view name) {
     return static_cast<char>(found - ControlCharacterNames.begin());
 }
 
-/// Arguments as a program gets them: blanks part them, double quotes keep blanks together.
+/// Arguments as a program gets them: separated by blanks, except within double quotes.
 std::vector<std::string> SplitArguments(std::string_view text) {
     std::vector<std::string> arguments;
     bool quoted = false;

@@ -13,7 +13,7 @@
 namespace qncomm {
 
 /// Link and command layer of a control that runs. Shared with every operation on the stack, so that
-/// a host may end the control from within an event. The layer goes before the link.
+/// a host may destroy the control in an event. The command layer is destroyed before the link.
 struct QNComm::Members {
     Members(const ControlServices& services, std::shared_ptr<void> kept)
         : keep(std::move(kept)),
@@ -22,13 +22,13 @@ struct QNComm::Members {
           link(LinkHost{loop, services.desktop, dialogs}),
           quorin(link, services.desktop) {}
 
-    std::shared_ptr<void> keep; ///< the last to go
+    std::shared_ptr<void> keep; ///< destroyed last
     OperationLoop loop;
     Dialogs dialogs;
     clsDataLink link;
     clsQuorin quorin;
     std::vector<Subscription> relays;
-    bool released = false; ///< the control has let go of them
+    bool released = false; ///< the control has given them up
     int events = 0;        ///< how many of their events are being relayed
     int operations = 0;    ///< how many of their operations are running
 };

@@ -27,7 +27,7 @@ void OperationLoop::Forget() {
 
 void OperationLoop::CheckCancel() {
     if (mCancelAt == Never || NowMs() < mCancelAt || !MayBeEnded()) return;
-    // What it unwinds to may be a handler in the Yield of another operation, which ends next.
+    // The operation may have run in a handler within the Yield of another one, which ends next.
     mEndedDepth = mDepth;
     throw OperationCancelled();
 }

@@ -9,8 +9,8 @@
 
 namespace qncomm {
 
-/// The message loop as the operations of one control see it: they can be ended, while those of
-/// another control on the same loop go on. The loop outlives it.
+/// The message loop as the operations of one control see it: they can be cancelled, while those of
+/// another control on the same loop go on. The loop must outlive it.
 class OperationLoop final : public MessageLoop {
   public:
     explicit OperationLoop(MessageLoop& loop) : mLoop(loop) {}
@@ -25,7 +25,7 @@ class OperationLoop final : public MessageLoop {
     /// Each operation that still waits after lGraceMs sees its Yield throw OperationCancelled,
     /// once, so that what unwinds can still yield; the innermost one first.
     void Cancel(std::int32_t lGraceMs);
-    /// The operations are over: the next one is left alone.
+    /// Ends the cancelling, once all operations are over: the next one is not affected.
     void Forget();
 
   private:

@@ -28,7 +28,7 @@ QNComm::QNComm(const ControlParts& parts, const ControlServices& services)
 QNComm::~QNComm() {
     try {
         Release();
-    } catch (const std::exception&) { // NOLINT(bugprone-empty-catch): there is nobody left to tell
+    } catch (const std::exception&) { // NOLINT(bugprone-empty-catch): nothing can be raised here
     }
 }
 
@@ -74,7 +74,8 @@ void QNComm::Wire() {
     }));
 }
 
-/// Keeps the members until the loop's turn in which none of their events is being relayed.
+/// Keeps link and command layer alive until a turn of the loop finds none of their events being
+/// relayed.
 void QNComm::KeepUntilRelayed(MessageLoop& loop, std::shared_ptr<Members> members) {
     struct Keeper {
         std::shared_ptr<Members> members;
@@ -88,8 +89,8 @@ void QNComm::KeepUntilRelayed(MessageLoop& loop, std::shared_ptr<Members> member
     });
 }
 
-/// Lets go of the members, the link first. What of them is still on the stack ends on its own; they
-/// go when it has.
+/// Gives up link and command layer, the link first. Their operations that are still on the stack
+/// end on their own and keep them alive until then.
 void QNComm::Release() {
     const std::shared_ptr<Members> members = std::exchange(mMembers, nullptr);
     if (!members) return;
@@ -112,7 +113,7 @@ void QNComm::UserControl_Show() {
     }
     const auto members = Wired();
     members->link.SetTerminalActive(true);
-    if (!members->released) mParts.terminal.SetFocus(); // else there may be no control any more
+    if (!members->released) mParts.terminal.SetFocus(); // a released control may be destroyed
 }
 
 void QNComm::UserControl_Hide() {
@@ -132,7 +133,9 @@ void QNComm::SetRegSettings(std::shared_ptr<qncomm::RegSettings> settings) {
     const auto members = Wired();
     members->quorin.SetRegSettings(settings);
     members->link.SetRegSettings(std::move(settings));
-    if (!members->released) LoadFunctionKeyTips(); // a busy port may have asked the person
+    if (!members->released)
+        LoadFunctionKeyTips(); // a busy port may have shown a box, in which the host ended the
+                               // control
 }
 
 } // namespace qncomm

@@ -29,8 +29,8 @@ void QNComm::BinaryDownload(const std::string& sDestination, std::int16_t iProto
     if (MaySend()) Begin().Link().BinaryDownload(sDestination, iProtocol);
 }
 
-/// Asks for protocol and file and runs the transfer; leaving the dialog in any way but by its
-/// action button transfers nothing.
+/// Asks for protocol and file and runs the transfer. Nothing is transferred unless the dialog was
+/// closed by its action button.
 void QNComm::TransferFile(std::int16_t action) {
     frmBinaryTransfer form(action, BinaryKermit, mServices.desktop, mServices.files);
     if (!Outlives([&] { mServices.forms.ShowModal(form); }) || !form.Accepted()) return;

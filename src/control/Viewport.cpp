@@ -1,4 +1,4 @@
-// The thin layer around the terminal.
+// What the control does with its terminal: cursor, clipboard, capture, keys.
 
 #include "Members.h"
 #include "common/QNError.h"
@@ -73,7 +73,7 @@ void QNComm::PDQComm1_KeyDown(std::int16_t& iKeyCode, std::int16_t iShift) {
             if (iShift == CtrlHeld) CopyCB();
             if (iShift == ShiftHeld) PasteCB();
         }
-    } catch (const QNError& error) { // a key has nobody to raise an error to
+    } catch (const QNError& error) { // a key press has no caller that an error could reach
         desktop.Log(error.Description());
     }
 }

@@ -32,10 +32,10 @@ enum class PropertyUse {
 /// QNComm::Properties lists them. Property bags, widgets, callers by name and documents take them
 /// from there; none has a list of its own.
 struct ControlProperty {
-    std::string_view name; ///< as hosts write it
-    PropertyType type = PropertyType::Integer;
-    Variant byDefault; ///< what it is that nobody has set; of its type
-    PropertyUse use = PropertyUse::Always;
+    std::string_view name;                     ///< as hosts write it
+    PropertyType type = PropertyType::Integer; ///< what get returns and set takes
+    Variant byDefault;                         ///< its value until someone sets it; of its type
+    PropertyUse use = PropertyUse::Always;     ///< when it counts
     /// Where its value is; without it the control keeps the value by the property's name.
     Variant (*get)(const QNComm& control) = nullptr;
     /// Puts a value of its type into effect. May be missing for one that the control only keeps.

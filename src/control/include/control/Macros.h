@@ -28,12 +28,13 @@ LaunchRequest ParseCommandLine(std::string_view sCommandLine);
 /// reference. Names are told apart without regard to case.
 class MacroPrompts {
   public:
-    /// Asks through inputs; giveTurn runs after each box. Both outlive it.
+    /// Asks through inputs, which must outlive it; giveTurn runs after each box, so that the loop
+    /// can dispatch what is due.
     MacroPrompts(InputBoxes& inputs, std::function<void()> giveTurn)
         : mInputs(inputs), mGiveTurn(std::move(giveTurn)) {}
 
     /// The text with the references between pairs of "&&" replaced: "&&NAME&&" by what is
-    /// remembered, "&&?NAME&&" and "&&?NAME"prompt"&&" by what the person answers. Nothing for an
+    /// remembered, "&&?NAME&&" and "&&?NAME"prompt"&&" by what the user answers. Nothing for an
     /// odd number of "&&"; then nothing was asked.
     std::optional<std::string> Expand(std::string_view sText);
 

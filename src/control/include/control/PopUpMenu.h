@@ -8,11 +8,12 @@ namespace qncomm {
 
 /// The menu of the right mouse button; an item's index is what QNComm::mnuPopUp_Click takes.
 struct PopUpMenu {
+    /// One line of the menu.
     struct Item {
-        std::int16_t index;
-        std::string_view caption;
+        std::int16_t index;       ///< from 1
+        std::string_view caption; ///< a text that lives as long as the program
     };
-    std::vector<Item> items;
+    std::vector<Item> items; ///< from top to bottom
 };
 
 } // namespace qncomm

@@ -10,6 +10,7 @@ namespace qncomm {
 struct TerminalFont {
     std::string name;   ///< its family, UTF-8
     float size = 10.0F; ///< points
+    /// Equal in name, told apart by case, and size.
     bool operator==(const TerminalFont&) const = default;
 };
 
