@@ -48,22 +48,37 @@ class QNError;
 class QNCommWidget : public QWidget {
     Q_OBJECT
     // The control's properties, one line each: its type here, its name, the function that reads it.
+    /// The terminal's background: 0x00BBGGRR, or negative for a colour of the desktop.
     QN_PROPERTY(int, BackColor, backColor)
+    /// The terminal's text: 0x00BBGGRR, or negative for a colour of the desktop.
     QN_PROPERTY(int, ForeColor, foreColor)
+    /// Whether the control takes keys and clicks.
     Q_PROPERTY(bool Enabled READ isEnabled WRITE setEnabled RESET resetEnabled)
+    /// 0 leaves the background to what is behind the control, any other number fills it.
     QN_PROPERTY(int, BackStyle, backStyle)
+    /// 0 draws no border, any other number a line.
     QN_PROPERTY(int, BorderStyle, borderStyle)
+    /// Characters across at design time; at run time the grid is always 300 wide.
     QN_PROPERTY(int, Columns, columns)
+    /// Characters down at design time; at run time the grid is always 300 high.
     QN_PROPERTY(int, Rows, rows)
+    /// The text of the title bar.
     QN_PROPERTY(QString, Caption, caption)
+    /// Whether the toolbar is shown.
     QN_PROPERTY(bool, ToolbarVisible, toolbarVisible)
+    /// A ToolbarAlignValue: at which edge the toolbar stands.
     QN_PROPERTY(int, ToolbarAlign, toolbarAlign)
+    /// The terminal's font; one that was chosen at design time is kept, but not used at run time.
     QN_PROPERTY(QFont, Font, terminalFont)
     /// Of the container: a DockAlign, where the control is docked on its form.
     Q_PROPERTY(int Align READ align WRITE setAlign)
 
   public:
-    enum Mode { RunMode, DesignMode };
+    /// What the widget is for.
+    enum Mode {
+        RunMode,   ///< in a program: it has the port while it is shown
+        DesignMode ///< on a form that is being drawn: properties and looks, no port
+    };
 
     /// At run time, at the defaults of everything.
     explicit QNCommWidget(QWidget* parent = nullptr);
@@ -79,7 +94,7 @@ class QNCommWidget : public QWidget {
     ControlAssembly& assembly();
 
     /// Where settings are kept, handed over before the control is first used; by default the
-    /// person's own settings file.
+    /// user's own settings file.
     void setRegSettings(std::shared_ptr<RegSettings> settings);
     /// Binds the current port to an address such as "/dev/ttyUSB0" or "sim:R7G", from the next
     /// opening on. Returns an empty text, or why not.
@@ -91,6 +106,7 @@ class QNCommWidget : public QWidget {
 
     /// Whether an operation of the control is running.
     bool isBusy() const;
+    /// The path of the help file that was set through the control; empty when there is none.
     const QString& helpFile() const;
 
     /// Where the control is docked on its form: a DockAlign.
@@ -102,34 +118,48 @@ class QNCommWidget : public QWidget {
     /// Enables the widget, which is its property's default.
     void resetEnabled();
 
+    /// The grid at its font with the frame around it, or the height that the grip asked for.
     QSize sizeHint() const override;
+    /// Nothing: a form may make the control as small as it likes.
     QSize minimumSizeHint() const override;
 
+    /// Whether something is marked in the terminal.
     bool hasSelection() const;
 
   public slots:
     /// Searches for the printer on the current port.
     void connectPrinter();
+    /// Shows the settings form and returns when it has closed.
     void showCommSettings();
+    /// Empties the terminal's screen.
     void clear();
     /// The whole screen's text, to the clipboard.
     void copy();
     /// What is marked in the terminal, to the clipboard; nothing when nothing is.
     void copySelection();
+    /// Sends the clipboard's text to the printer.
     void paste();
+    /// Marks all of the terminal's text.
     void selectAll();
+    /// Restarts the printer; returns when it answers again.
     void reboot();
-    /// By its key, such as "F1".
+    /// Presses a button of the toolbar by its key, such as "F1".
     void pressToolbarKey(const QString& sKey);
+    /// Appends what the terminal shows from now on to the file.
     void captureToFile(const QString& sPath);
+    /// Opens the bar that searches the terminal's text.
     void showSearch();
+    /// Makes the terminal's characters larger by a step, without changing the property Font.
     void zoomIn();
+    /// Makes them smaller by a step.
     void zoomOut();
+    /// Gives them the size of the property Font again.
     void zoomReset();
     /// Ends a running operation.
     void cancelOperation();
     /// Closes the port for good.
     void tearDown();
+    /// Gives the terminal the keyboard.
     void setTerminalFocus();
 
   signals:
@@ -137,7 +167,9 @@ class QNCommWidget : public QWidget {
     void portStateEvent(bool& bPortBusy);
     /// Progress of a long operation in percent, -1 for none; a handler that sets bCancel stops it.
     void statusEvent(QString& sStatusMsg, int iProgress, bool& bCancel);
+    /// A slot or an action of run() raised an error: its number, its source and its description.
     void error(int lNumber, const QString& sSource, const QString& sDescription);
+    /// A property of the control has changed; sName is its name, such as "BackColor".
     void propertyChanged(const QString& sName);
     /// The capture's file takes no more.
     void captureFailed(const QString& sPath, const QString& sReason);
@@ -145,13 +177,22 @@ class QNCommWidget : public QWidget {
     void selectionChanged();
 
   protected:
+    /// Lays out title bar, toolbar, terminal and grip anew.
     void resizeEvent(QResizeEvent* event) override;
+    /// Draws the border, if BorderStyle asks for one.
     void paintEvent(QPaintEvent* event) override;
+    /// Reads the properties the first time, docks the widget, and soon afterwards has the control
+    /// take the port.
     void showEvent(QShowEvent* event) override;
+    /// Has the control give the port back; cancels what runs when the window goes, too.
     void hideEvent(QHideEvent* event) override;
+    /// Tells the control whether it is enabled.
     void changeEvent(QEvent* event) override;
+    /// Carries on with showing the control and with cancelling its operations.
     void timerEvent(QTimerEvent* event) override;
+    /// Lays the frame out anew when the size of title bar or toolbar has changed.
     bool event(QEvent* event) override;
+    /// Follows the size of the form that the widget is docked on.
     bool eventFilter(QObject* watched, QEvent* event) override;
 
   private:
