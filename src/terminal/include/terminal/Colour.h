@@ -18,6 +18,7 @@ class Colour {
         return Colour(DirectMark | static_cast<std::uint32_t>(blue << 16 | green << 8 | red));
     }
 
+    /// Whether it is the terminal's own colour.
     constexpr bool IsOwn() const { return mCode == 0; }
 
     /// As 0x00BBGGRR; own is what the terminal's own colour is.

@@ -34,15 +34,20 @@ class Style {
   public:
     constexpr Style() = default;
 
+    /// The text colour.
     constexpr Colour Foreground() const { return Colour::FromCode(Field(ForegroundAt)); }
+    /// The background colour.
     constexpr Colour Background() const { return Colour::FromCode(Field(BackgroundAt)); }
     constexpr void SetForeground(Colour colour) { SetField(ForegroundAt, colour.Code()); }
     constexpr void SetBackground(Colour colour) { SetField(BackgroundAt, colour.Code()); }
 
+    /// Whether the attribute is set.
     constexpr bool Has(Attribute attribute) const { return (mBits & Bit(attribute)) != 0; }
+    /// Sets the attribute, or takes it back.
     constexpr void Set(Attribute attribute, bool bOn = true) {
         mBits = bOn ? mBits | Bit(attribute) : mBits & ~Bit(attribute);
     }
+    /// Takes back the attributes of the one set, then sets those of the other.
     constexpr void Change(AttributeSet set, AttributeSet clear) {
         mBits &= ~(std::uint64_t{clear} << AttributesAt);
         mBits |= std::uint64_t{set} << AttributesAt;
@@ -55,6 +60,7 @@ class Style {
         return blank;
     }
 
+    /// Whether it has the terminal's own colours and no attribute.
     constexpr bool IsDefault() const { return mBits == 0; }
 
     /// The whole style as a number, and back; 0 is the default.

@@ -23,9 +23,12 @@ namespace qncomm {
 /// status request would be typed into the printer's command line.
 class Terminal {
   public:
+    /// The largest number of rows.
     static constexpr std::int16_t MostRows = 1000;
+    /// The largest number of columns.
     static constexpr std::int16_t MostColumns = 1000;
 
+    /// What a terminal is made with.
     struct Options {
         std::int16_t rows = 300; ///< clamped to 1 to MostRows
         std::int16_t columns = 300;
@@ -45,16 +48,20 @@ class Terminal {
 
     // -- Size and cursor
 
+    /// How many rows the screen has, 1 to MostRows.
     std::int16_t Rows() const;
+    /// How many columns the screen has, 1 to MostColumns.
     std::int16_t Columns() const;
     /// Cuts off or adds at the right and at the bottom; when the cursor's row would be cut off,
     /// rows leave at the top into the scroll-back instead. False, and nothing changed, for a size
     /// outside 1 to MostRows and 1 to MostColumns.
     bool Resize(std::int16_t iRows, std::int16_t iColumns);
 
+    /// The row of the cursor, from 1.
     std::int16_t CursorRow() const;
     /// Goes to the row, or to the nearest one that there is; the column stays.
     void SetCursorRow(std::int16_t iRow);
+    /// The column of the cursor, from 1; the last one while a wrap waits.
     std::int16_t CursorColumn() const;
     /// Whether the cursor is to be shown; a printer can hide it.
     bool CursorVisible() const;
@@ -78,10 +85,12 @@ class Terminal {
     std::uint64_t ScrollbackEnd() const;
     /// The line of that number; an empty one when it is not kept.
     terminal::TerminalLine ScrollbackLine(std::uint64_t number) const;
+    /// Forgets all lines that have scrolled off; the numbers go on from there.
     void ClearScrollback();
 
     // -- For a painter
 
+    /// Whether TakeDamage would name anything.
     bool HasDamage() const;
     /// What changed on the screen since the last call; everything on the first.
     terminal::Damage TakeDamage();
@@ -93,7 +102,9 @@ class Terminal {
     /// Appends what is shown from now on to the file, exactly as it came. A new path takes the
     /// place of the one before, which goes on when the new one cannot be opened.
     terminal::CaptureResult StartCapture(const std::string& sPath);
+    /// Ends the capture and closes its file; nothing happens when none runs.
     void StopCapture();
+    /// Whether a capture runs.
     bool IsCapturing() const;
     /// The file's path, "" while no capture runs.
     std::string CapturePath() const;
