@@ -6,15 +6,12 @@
 #include "common/QNError.h"
 #include "common/Text.h"
 #include "common/modErrorHandling.h"
+#include "printer/StorageDevices.h"
 
 #include <algorithm>
-#include <array>
 
 namespace qncomm {
 namespace {
-
-constexpr std::array<std::string_view, 6> ListedDevices = {
-    "ram:", "rom:", "card1:", "card2:", "c:", "tmp:"};
 
 /// Shows the hourglass in place of the default pointer. True when another operation shows it
 /// already.
@@ -27,14 +24,15 @@ bool BeginBusy() {
 /// The device that a name stands for: lower case, with its colon.
 std::string DeviceNamed(std::string_view name) {
     const std::string lower = LowerCase(name);
-    const auto found = std::ranges::find_if(ListedDevices, [&](std::string_view device) {
-        return lower == device || lower == device.substr(0, device.size() - 1);
-    });
-    if (found == ListedDevices.end()) RaiseError(ErrPropertyValue, "QNComm:Files");
-    return std::string(*found);
+    const auto* const found =
+        std::ranges::find_if(StorageDevices, [&](const StorageDevice& device) {
+            return lower == device.name || lower + ":" == device.name;
+        });
+    if (found == StorageDevices.end()) RaiseError(ErrPropertyValue, "QNComm:Files");
+    return std::string(found->name);
 }
 
-bool HasFiles(const PrinterDeviceTable& table, const std::string& device) {
+bool HasFiles(const PrinterDeviceTable& table, std::string_view device) {
     return table.Contains(device) && !table.Item(device)->Files->IsEmpty();
 }
 
@@ -59,8 +57,7 @@ std::shared_ptr<PrinterFiles> QNComm::Files(const std::string& sDeviceName, bool
 }
 
 template <class List>
-std::shared_ptr<PrinterFiles> QNComm::CachedList(const std::string& device, bool refresh,
-                                                 List list) {
+std::shared_ptr<PrinterFiles> QNComm::CachedList(std::string_view device, bool refresh, List list) {
     const Operation operation = Begin();
     const EndBusy endBusy;
     if (!HasFiles(*operation->PrinterDevices(), device)) list(*operation);
@@ -69,11 +66,12 @@ std::shared_ptr<PrinterFiles> QNComm::CachedList(const std::string& device, bool
 }
 
 std::shared_ptr<PrinterFiles> QNComm::Images(bool brefresh) {
-    return CachedList("images:", brefresh, [](clsQuorin& quorin) { quorin.Images(); });
+    return CachedList(ImagesDevice, brefresh, [](clsQuorin& quorin) { quorin.Images(); });
 }
 
 std::shared_ptr<PrinterFiles> QNComm::Fonts(bool brefresh, bool bFilter) {
-    return CachedList("fonts:", brefresh, [bFilter](clsQuorin& quorin) { quorin.Fonts(bFilter); });
+    return CachedList(FontsDevice, brefresh,
+                      [bFilter](clsQuorin& quorin) { quorin.Fonts(bFilter); });
 }
 
 std::int16_t QNComm::CountOf(std::string_view device) const {
@@ -87,11 +85,11 @@ std::int16_t QNComm::CountOf(std::string_view device) const {
 }
 
 std::int16_t QNComm::ImagesCount() const {
-    return CountOf("images:");
+    return CountOf(ImagesDevice);
 }
 
 std::int16_t QNComm::FontsCount() const {
-    return CountOf("fonts:");
+    return CountOf(FontsDevice);
 }
 
 /// A printer file's size as its device's listing has it; 0 when that cannot be told.

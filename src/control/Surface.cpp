@@ -43,6 +43,14 @@ void QNComm::RemoveImage(const std::string& sImageName) {
     Begin()->RemoveImage(sImageName);
 }
 
+std::vector<std::string> QNComm::Devices() {
+    return Begin()->Devices();
+}
+
+bool QNComm::CanList() {
+    return Begin()->CanList();
+}
+
 std::string QNComm::PrinterType() {
     return Begin()->PrinterType();
 }

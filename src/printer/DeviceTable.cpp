@@ -6,24 +6,25 @@
 #include "common/Text.h"
 #include "common/modErrorHandling.h"
 #include "printer/Listing.h"
+#include "printer/StorageDevices.h"
 
-#include <algorithm>
-#include <array>
 #include <utility>
 
 namespace qncomm {
 namespace {
 
-constexpr std::array<std::string_view, 8> DeviceNames{
-    "ram:", "rom:", "card1:", "card2:", "c:", "tmp:", "fonts:", "images:"};
+void AddDevice(PrinterDeviceTable& table, std::string_view name) {
+    auto device = std::make_shared<clsPrinterDevice>();
+    device->Name = name;
+    table.Add(std::move(device), name);
+}
 
 std::shared_ptr<PrinterDeviceTable> NewTable() {
     auto table = std::make_shared<PrinterDeviceTable>();
-    for (const std::string_view name : DeviceNames) {
-        auto device = std::make_shared<clsPrinterDevice>();
-        device->Name = name;
-        table->Add(std::move(device), name);
-    }
+    for (const StorageDevice& device : StorageDevices)
+        AddDevice(*table, device.name);
+    AddDevice(*table, FontsDevice);
+    AddDevice(*table, ImagesDevice);
     return table;
 }
 
@@ -63,6 +64,26 @@ void clsQuorin::InitFileSystem() {
         if (!name.empty()) mPrinterDevices->Item(name)->Valid = true;
 }
 
+std::vector<std::string> clsQuorin::Devices() {
+    InitFileSystem();
+    std::vector<std::string> names;
+    for (const StorageKind kind : {StorageKind::Memory, StorageKind::Card, StorageKind::ReadOnly})
+        for (const StorageDevice& device : StorageDevices)
+            if (device.kind == kind && Has(device.name)) names.emplace_back(device.name);
+    return names;
+}
+
+bool clsQuorin::CanList() {
+    const PrinterModel* model = FindModel(PrinterType());
+    return model == nullptr || model->lists;
+}
+
+/// Whether the table that stands says that the printer has the device.
+bool clsQuorin::Has(std::string_view name) {
+    const auto found = FindDevice(*PrinterDevices(), std::string(name));
+    return found && found->Valid;
+}
+
 std::shared_ptr<clsPrinterDevice> clsQuorin::Device(std::string_view name) {
     return PrinterDevices()->Item(name);
 }
@@ -72,8 +93,7 @@ void clsQuorin::IsValidPrinterDevice(std::string_view name) {
     const std::string device = DevicePart(name);
     if (device.empty()) RaiseError(ErrDeviceName, Source);
     InitFileSystem();
-    const auto found = FindDevice(*PrinterDevices(), device);
-    if (!found || !found->Valid) RaiseError(ErrDeviceName, Source);
+    if (!Has(device)) RaiseError(ErrDeviceName, Source);
 }
 
 void clsQuorin::SetDeviceDirty(std::string_view path) {

@@ -1,17 +1,21 @@
 // One command line each: what is deleted, copied, renamed, formatted and made current.
 
 #include "Exchange.h"
+#include "printer/StorageDevices.h"
 
 #include <algorithm>
-#include <array>
 
 namespace qncomm {
 namespace {
 
-/// What FormatAll leaves alone.
-constexpr std::array<std::string_view, 3> NeverFormatted{"fonts:", "images:", "rom:"};
-
 constexpr std::int32_t CopyTimeout = 45000;
+
+/// What FormatAll leaves alone: what is no storage, and what cannot be written.
+bool IsNeverFormatted(std::string_view name) {
+    const auto* const found = std::ranges::find(StorageDevices, name, &StorageDevice::name);
+    if (found == StorageDevices.end()) return name == FontsDevice || name == ImagesDevice;
+    return found->kind == StorageKind::ReadOnly;
+}
 
 } // namespace
 
@@ -39,8 +43,7 @@ void clsQuorin::FormatPrinterDevice(std::string_view sDevName, bool bSystemLevel
 void clsQuorin::FormatAll(bool bSystemLevel) {
     const auto devices = PrinterDevices(); // stays while the table may be built anew
     for (const auto& device : *devices)
-        if (std::ranges::find(NeverFormatted, device->Name) == NeverFormatted.end())
-            FormatPrinterDevice(device->Name, bSystemLevel);
+        if (!IsNeverFormatted(device->Name)) FormatPrinterDevice(device->Name, bSystemLevel);
 }
 
 void clsQuorin::CopyFile(std::string_view sSource, std::string_view sDestination) {

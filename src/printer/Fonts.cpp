@@ -5,6 +5,7 @@
 #include "common/Numbers.h"
 #include "common/Text.h"
 #include "common/modErrorHandling.h"
+#include "printer/StorageDevices.h"
 
 #include <array>
 
@@ -12,7 +13,6 @@ namespace qncomm {
 namespace {
 
 constexpr std::string_view InstallFontSource = "clsQuorin:InstallFont";
-constexpr std::string_view FontsDevice = "fonts:";
 constexpr std::string_view SampleText = "The quick brown fox...";
 constexpr std::int16_t SampleSize = 12;
 constexpr std::int16_t SampleWidth = 100;

@@ -5,13 +5,13 @@
 #include "common/Numbers.h"
 #include "common/Text.h"
 #include "common/modErrorHandling.h"
+#include "printer/StorageDevices.h"
 
 #include <utility>
 
 namespace qncomm {
 namespace {
 
-constexpr std::string_view ImagesDevice = "images:";
 constexpr std::int32_t InstallImageTimeout = 5000;
 constexpr std::int32_t PrintImageTimeout = 5000;
 

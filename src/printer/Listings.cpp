@@ -6,6 +6,7 @@
 #include "common/QNError.h"
 #include "common/Text.h"
 #include "printer/Listing.h"
+#include "printer/StorageDevices.h"
 
 #include <array>
 #include <utility>
@@ -57,10 +58,12 @@ std::string FontKey(std::size_t index, bool twoDigits) {
 
 /// Whether the model's listings are read; the one without them says so in a box.
 bool clsQuorin::ModelLists() {
-    const std::string model = PrinterType();
-    if (model == ModelWithoutListing)
-        mDesktop.ShowMsgBox({.text = "File not implemented for the R7C printer.", .title = {}});
-    return model != ModelWithoutListing && FindModel(model) != nullptr;
+    const std::string code = PrinterType();
+    const PrinterModel* model = FindModel(code);
+    if (model != nullptr && !model->lists)
+        mDesktop.ShowMsgBox(
+            {.text = "File not implemented for the " + code + " printer.", .title = {}});
+    return model != nullptr && model->lists;
 }
 
 /// Reads the rows from line first to the one before the byte counts.
@@ -118,17 +121,18 @@ bool clsQuorin::ListInto(const Listing& listing) {
 
 void clsQuorin::Images() {
     ListInto({.command = "IMAGES",
-              .device = "images:",
+              .device = ImagesDevice,
               .parseRow = ParseFileRow,
               .complaint = FileRowComplaint});
 }
 
 void clsQuorin::Fonts(bool bFilterBitmaps) {
     const bool listed = ListInto({.command = "FONTS",
-                                  .device = "fonts:",
+                                  .device = FontsDevice,
                                   .parseRow = ParseFontRow,
                                   .complaint = FontRowComplaint});
-    if (listed && SystemLevelAllowed(bFilterBitmaps)) FilterBitmapFonts(*Device("fonts:")->Files);
+    if (listed && SystemLevelAllowed(bFilterBitmaps))
+        FilterBitmapFonts(*Device(FontsDevice)->Files);
 }
 
 void clsQuorin::FilterBitmapFonts(PrinterFiles& fonts) {
@@ -168,8 +172,8 @@ void clsQuorin::KeepFontDefaults(qncomm::RegSettings& settings,
 bool clsQuorin::PrinterFileExists(std::string_view sFullName) {
     const std::size_t colon = sFullName.find(':') + 1;
     std::string name(sFullName.substr(0, colon));
-    const bool images = EqualNoCase(name, "images:");
-    const bool fonts = EqualNoCase(name, "fonts:");
+    const bool images = EqualNoCase(name, ImagesDevice);
+    const bool fonts = EqualNoCase(name, FontsDevice);
     if (images || fonts)
         InitFileSystem(); // no model "has" these two: they are listings, not storage
     else

@@ -15,7 +15,7 @@ constexpr Devices Extended{"c:", "tmp:", "rom:", "card1:"};
 constexpr std::array Models{
     PrinterModel{"R7A", OneCard, "ram:"},
     PrinterModel{"R7B", OneCard, "ram:"},
-    PrinterModel{ModelWithoutListing, TwoCards, "", false, true},
+    PrinterModel{.code = "R7C", .devices = TwoCards, .trueType = true, .lists = false},
     PrinterModel{"R7D", NoCard, "ram:"},
     PrinterModel{"R7E", OneCard, "ram:"},
     PrinterModel{"R7F", OneCard, "ram:"},

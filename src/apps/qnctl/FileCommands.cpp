@@ -28,20 +28,6 @@ std::string Number(std::int32_t value) {
     return std::to_string(value);
 }
 
-/// The devices of the connected model. The table is filled by the first operation that names a
-/// device; naming one that no model has costs no command.
-const qncomm::PrinterDeviceTable& DeviceTable(Session& session) {
-    qncomm::clsQuorin& printer = session.Printer();
-    if (printer.PrinterDevices()->IsEmpty()) {
-        try {
-            printer.ChDir(":");
-        } catch (const qncomm::QNError& error) {
-            if (error.Number() != qncomm::ErrDeviceName) throw;
-        }
-    }
-    return *printer.PrinterDevices();
-}
-
 /// Lists a device into its record. A device that the printer refuses to list (an empty card slot)
 /// is told by the printer's words.
 std::string ListDevice(Session& session, const clsPrinterDevice& device) {
@@ -55,11 +41,11 @@ std::string ListDevice(Session& session, const clsPrinterDevice& device) {
 }
 
 Outcome ShowDevices(Session& session) {
-    const auto& table = DeviceTable(session);
-    const bool lists = session.PrinterLists();
+    session.Control().Devices(); // fills the table
+    const bool lists = session.Control().CanList();
     Json list = Json::array();
     std::vector<Output::Row> rows{{"DEVICE", "FILES", "USED", "FREE", ""}};
-    for (const auto& device : table) {
+    for (const auto& device : *session.Printer().PrinterDevices()) {
         Json entry{{"name", device->Name}, {"present", device->Valid}};
         if (device->Valid && lists) {
             const std::string refusal = ListDevice(session, *device);
@@ -107,7 +93,7 @@ Outcome ShowFiles(Session& session, const FilesArguments& arguments) {
     const auto given = ForPrinter(arguments.device, outcome);
     if (!given) return outcome;
     FilesOn(session, *given, arguments.system);
-    if (!session.PrinterLists()) return Done(session); // a box has told so
+    if (!session.Control().CanList()) return Done(session); // a box has told so
     const std::string name = *given + (given->ends_with(':') ? "" : ":");
     const auto device = session.Printer().PrinterDevices()->Item(name);
     if (session.Out().IsJson())
@@ -145,7 +131,7 @@ Outcome Format(Session& session, const FilesArguments& arguments) {
 
 Outcome FormatAll(Session& session, const FilesArguments& arguments) {
     if (!session.Ask("Format", "Erase all files on all devices of the printer?")) return NotDone();
-    DeviceTable(session); // an empty table would format nothing
+    session.Control().Devices(); // fills the table: an empty one would format nothing
     session.Printer().FormatAll(arguments.system);
     return Done(session);
 }

@@ -11,7 +11,7 @@ std::shared_ptr<qncomm::PrinterFiles> FilesOn(Session& session, std::string devi
     // The control knows the devices that hold files; of any other name the layer says itself what
     // it thinks, as it does of a model that lists nothing.
     try {
-        if (session.PrinterLists()) return session.Control().Files(device, false, system);
+        if (session.Control().CanList()) return session.Control().Files(device, false, system);
     } catch (const qncomm::QNError& error) {
         if (error.Number() != qncomm::ErrPropertyValue) throw;
     }

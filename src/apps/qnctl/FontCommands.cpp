@@ -3,6 +3,7 @@
 #include "Session.h"
 
 #include "console/Charset.h"
+#include "printer/StorageDevices.h"
 
 #include <CLI/CLI.hpp>
 
@@ -30,9 +31,9 @@ struct FontSampleArguments {
 };
 
 std::shared_ptr<qncomm::PrinterFiles> Fonts(Session& session, bool filter) {
-    if (session.PrinterLists()) return session.Control().Fonts(false, filter);
+    if (session.Control().CanList()) return session.Control().Fonts(false, filter);
     session.Printer().Fonts(filter); // the control would ask, and tell the user, twice
-    return session.Printer().PrinterDevices()->Item("fonts:")->Files;
+    return session.Printer().PrinterDevices()->Item(qncomm::FontsDevice)->Files;
 }
 
 Outcome ListFonts(Session& session, bool filter) {

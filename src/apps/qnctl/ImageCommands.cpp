@@ -3,6 +3,7 @@
 #include "Session.h"
 
 #include "console/Charset.h"
+#include "printer/StorageDevices.h"
 
 #include <CLI/CLI.hpp>
 
@@ -27,9 +28,9 @@ struct ImagePlaceArguments {
 };
 
 std::shared_ptr<qncomm::PrinterFiles> Images(Session& session) {
-    if (session.PrinterLists()) return session.Control().Images();
+    if (session.Control().CanList()) return session.Control().Images();
     session.Printer().Images(); // the control would ask, and tell the user, twice
-    return session.Printer().PrinterDevices()->Item("images:")->Files;
+    return session.Printer().PrinterDevices()->Item(qncomm::ImagesDevice)->Files;
 }
 
 Outcome ListImages(Session& session) {

@@ -62,9 +62,6 @@ class Session {
     qncomm::PDQComm& Serial() { return mAssembly->Serial(); }
     qncomm::clsDataLink& Link() { return Control().Link(); }
     qncomm::clsQuorin& Printer() { return Control().Layer(); }
-    /// Whether the printer can list its storage; the one model that cannot says so in a box each
-    /// time that it is asked to.
-    bool PrinterLists() { return Control().PrinterType() != "R7C"; }
     /// "COM3 (/dev/ttyUSB0)", or the address alone of a port without a number of its own.
     std::string PortName() const;
 

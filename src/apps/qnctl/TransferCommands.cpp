@@ -76,7 +76,7 @@ std::string DeviceOf(const std::string& name) {
 /// file that it does not hold, the printer says so at its prompt, and the protocol would be waited
 /// for in vain until its patience is over.
 bool MayLook(Session& session, const std::string& name) {
-    return !DeviceOf(name).empty() && session.PrinterLists();
+    return !DeviceOf(name).empty() && session.Control().CanList();
 }
 
 Outcome SendKermit(Session& session, const TransferArguments& arguments) {
@@ -103,7 +103,7 @@ Outcome ReceiveKermit(Session& session, const TransferArguments& arguments) {
             return Refused(ExitStatus::Error, "There is no file " + file + " on " + device);
     }
     return Carry(session, arguments, [&] {
-        if (session.PrinterLists())
+        if (session.Control().CanList())
             session.Control().KermitDownload(*name, arguments.hostFile);
         else // the control would look for the size, and tell the user in a box that it cannot
             session.Printer().KermitDownload(*name, arguments.hostFile);

@@ -99,6 +99,42 @@ TEST_P(DevicesOfModel, AreValid) {
     EXPECT_EQ(ValidDevices(), GetParam().valid);
 }
 
+TEST_P(DevicesOfModel, AreNamedWithTheReadOnlyOnesLast) {
+    Know(GetParam().code);
+    mSerial.mSent.clear();
+    const Lines devices = mQuorin.Devices();
+    EXPECT_THAT(devices, ::testing::UnorderedElementsAreArray(GetParam().valid));
+    EXPECT_EQ(devices.back(), "rom:");
+    EXPECT_EQ(ValidDevices(), GetParam().valid) << "the table is filled";
+    EXPECT_EQ(mSerial.mSent, "") << "a known model is not asked for";
+}
+
+TEST_P(DevicesOfModel, CanBeListedOnEveryModelButOne) {
+    ScriptIdentity(GetParam().code);
+    EXPECT_EQ(mQuorin.CanList(), std::string_view(GetParam().code) != "R7C");
+    EXPECT_THAT(mDesktop.mBoxes, IsEmpty());
+}
+
+TEST_F(DeviceTable, NamesWhereWorkIsDoneFirstAndCardsBeforeReadOnlyStorage) {
+    Know("R7G");
+    EXPECT_THAT(mQuorin.Devices(), ElementsAre("c:", "tmp:", "card1:", "rom:"));
+    Reconnect("R7A");
+    EXPECT_THAT(mQuorin.Devices(), ElementsAre("c:", "tmp:", "card1:", "rom:"))
+        << "the table stays, and what it says with it";
+    mQuorin.SetPrinterDevices(nullptr);
+    EXPECT_THAT(mQuorin.Devices(), ElementsAre("ram:", "card1:", "rom:"));
+}
+
+TEST_F(DeviceTable, NamesNoDeviceOfAnUnknownModelNorOfARefusedPort) {
+    RefusePort();
+    EXPECT_RAISED_FROM(mQuorin.Devices(), "1009 clsQuorin:InitFileSystem");
+    EXPECT_TRUE(mQuorin.CanList()) << "the listing says what is wrong";
+    GrantPort();
+    Know("r7c");
+    EXPECT_RAISED_FROM(mQuorin.Devices(), "1009 clsQuorin:InitFileSystem");
+    EXPECT_TRUE(mQuorin.CanList());
+}
+
 const Lines OneCard{"ram:", "rom:", "card1:"};
 const Lines Extended{"rom:", "card1:", "c:", "tmp:"};
 

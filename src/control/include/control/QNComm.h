@@ -315,8 +315,13 @@ class QNComm {
     /// that has a line 1 of its own.
     bool IsProgramRunable();
 
-    // -- For hosts that need what the surface does not offer. Both raise 91 at design time and
-    // after TearDown; what they return is valid until then.
+    // -- For hosts that need what the surface does not offer. All raise 91 at design time and
+    // after TearDown; the references that they return are valid until then.
+
+    /// The storage devices that the connected printer has; see clsQuorin::Devices.
+    std::vector<std::string> Devices();
+    /// Whether the connected printer can list its files, fonts and images; see clsQuorin::CanList.
+    [[nodiscard]] bool CanList();
 
     /// The printer's command layer.
     clsQuorin& Layer() const;
@@ -416,7 +421,7 @@ class QNComm {
 
     /// Surface.cpp, Listings.cpp
     template <class List>
-    std::shared_ptr<PrinterFiles> CachedList(const std::string& device, bool refresh, List list);
+    std::shared_ptr<PrinterFiles> CachedList(std::string_view device, bool refresh, List list);
     std::int16_t CountOf(std::string_view device) const;
     std::int32_t ListedSize(const std::string& path);
 

@@ -77,6 +77,19 @@ class clsQuorin {
     const std::shared_ptr<PrinterDeviceTable>& PrinterDevices();
     void SetPrinterDevices(std::shared_ptr<PrinterDeviceTable> devices);
 
+    /// The storage devices that the connected model has, such as "c:": what is built in and can be
+    /// written first, then the cards, read-only storage last. Fills PrinterDevices when it is
+    /// empty, asking the printer for its model when that is not known, and sends nothing else.
+    /// Raises 1009, source "clsQuorin:InitFileSystem", for an unknown model and while the port is
+    /// refused.
+    std::vector<std::string> Devices();
+
+    /// Whether the connected printer can list its files, fonts and images: False for the one model
+    /// that cannot, of which Files, Fonts and Images show a box and list nothing. Asks the printer
+    /// for its model when that is not known. True for an unknown model and while the port is
+    /// refused: listing then says itself what is wrong.
+    [[nodiscard]] bool CanList();
+
     /// Lists device sDev (returned in lower case) into its record, with system files on the models
     /// that have them. brefresh has no effect: every call asks the printer. Rows that cannot be
     /// told apart show a box each and are left out.
@@ -215,6 +228,7 @@ class clsQuorin {
 
     /// DeviceTable.cpp
     void InitFileSystem();
+    bool Has(std::string_view name);
     std::shared_ptr<clsPrinterDevice> Device(std::string_view name);
     void IsValidPrinterDevice(std::string_view name);
     void SetDeviceDirty(std::string_view path);
