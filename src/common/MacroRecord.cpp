@@ -28,7 +28,8 @@ std::string PrintMacro(FunctionKeyKind kind, std::string_view sArgument) {
 }
 
 MacroRecord ReadMacro(const RegSettings* settings, std::string_view sKey) {
-    return ParseMacro(settings != nullptr ? settings->ReadValue(KeysSection, sKey, {}) : std::string());
+    return ParseMacro(settings != nullptr ? settings->ReadValue(KeysSection, sKey, {})
+                                          : std::string());
 }
 
 SettingValue MacroSetting(std::string_view sKey, FunctionKeyKind kind, std::string_view sArgument) {

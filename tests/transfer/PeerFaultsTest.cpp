@@ -50,7 +50,7 @@ struct Opponent {
     const char* name;
     std::vector<std::string> command; // NAME stands for the file
     std::unique_ptr<TransferEngine> (*engine)();
-    bool sends;             // the engine
+    bool sends;              // the engine
     std::size_t size = 4000; // of the file, at least; twice that at most
 };
 

@@ -1,7 +1,7 @@
 #include "label/Label.h"
 
-#include "label/Pcx.h"
 #include "label/BuiltInFonts.h"
+#include "label/Pcx.h"
 
 #include <algorithm>
 #include <array>

@@ -50,7 +50,7 @@ class MemorySink final : public FileSink {
     [[nodiscard]] const std::vector<MemoryFile>& Partial() const { return mPartial; }
     [[nodiscard]] const std::vector<FileInfo>& Offered() const { return mOffered; }
 
-    std::string skipName;                    ///< a file of this name is not wanted
+    std::string skipName;                     ///< a file of this name is not wanted
     std::string resumeFrom;                   ///< what is already here
     std::optional<std::uint64_t> failWriteAt; ///< the disk is full from this offset on
     bool failClose = false;

@@ -32,8 +32,7 @@ bool TransferRig::Run(Time limit) {
         const bool sent = senderDead ? Drain(mBack) : Step(mSender, mForth, mBack);
         const bool received = receiverDead ? Drain(mForth) : Step(mReceiver, mBack, mForth);
         if (onStep) onStep(mNow);
-        if ((senderDead || mSender.engine.IsOver())
-            && (receiverDead || mReceiver.engine.IsOver()))
+        if ((senderDead || mSender.engine.IsOver()) && (receiverDead || mReceiver.engine.IsOver()))
             return true;
         AdvanceClock(sent || received || !mForth.IsIdle() || !mBack.IsIdle());
     }

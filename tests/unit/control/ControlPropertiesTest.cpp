@@ -66,7 +66,8 @@ TEST_F(ControlProperties, AValueOfAWrongTypeIsRefusedAndChangesNothing) {
     mControl->UserControl_ReadProperties(MemoryPropertyBag());
     for (const ControlProperty& property : QNComm::Properties()) {
         const Variant former = mControl->Property(property.name);
-        EXPECT_RAISED(mControl->SetProperty(property.name, Variant(Variant::List())), RtTypeMismatch);
+        EXPECT_RAISED(mControl->SetProperty(property.name, Variant(Variant::List())),
+                      RtTypeMismatch);
         EXPECT_EQ(mControl->Property(property.name), former) << property.name;
     }
     EXPECT_RAISED(mControl->SetProperty("ToolbarAlign", std::int32_t{70'000}), RtOverflow);
