@@ -60,7 +60,8 @@ void PortBindings::AddDevices(const std::vector<SerialDevice>& devices) {
         while (port <= Highest && Find(port) != nullptr)
             ++port;
         if (port > Highest) return;
-        Bind({port, {device.path, &TtyKind}, BindingSource::Machine, device.description});
+        PortAddress address{device.path, &TtyKind};
+        Bind({port, std::move(address), BindingSource::Machine, device.description});
     }
 }
 
