@@ -1,4 +1,5 @@
 // A printer whose line is set otherwise than the host's, on the lines that carry the whole format.
+#include "assembly/AllChannelKinds.h"
 #include "platform/PollLoop.h"
 #include "serial/PDQComm.h"
 #include "testing/line/ServedPrinter.h"
@@ -56,7 +57,7 @@ class WrongSettings : public ::testing::TestWithParam<Served> {
 
     std::unique_ptr<ServedPrinter> mPrinter = GetParam()("R7G?baud=9600&format=n,8,2");
     PollLoop mLoop;
-    PDQComm mPort{mLoop, {}};
+    PDQComm mPort{mLoop, PortBindings(AllChannelKinds())};
     std::string mText;
     int mReads = 0;
     std::set<SerialEvent> mErrors;
