@@ -2,9 +2,9 @@
 
 #include "AutoConnectSearch.h"
 #include "ExclusiveMark.h"
+#include "LinkState.h"
 #include "common/Numbers.h"
 #include "common/Text.h"
-#include "link/clsDataLink.h"
 
 #include <array>
 #include <utility>
@@ -45,12 +45,12 @@ std::int16_t ChannelOf(const std::string& reply) {
 } // namespace
 
 bool clsDataLink::AutoConnect(std::int16_t iPort, bool bExclusive) {
-    if (mHostCalls > 0 || (IsExclusive() && !bExclusive)) return false;
-    return AutoConnectSearch(*this, iPort).Run();
+    if (mState->hostCalls > 0 || (mState->IsExclusive() && !bExclusive)) return false;
+    return AutoConnectSearch(*mState, iPort).Run();
 }
 
-AutoConnectSearch::AutoConnectSearch(clsDataLink& link, std::int16_t port)
-    : mLink(link),
+AutoConnectSearch::AutoConnectSearch(LinkState& state, std::int16_t port)
+    : mState(state),
       mPort(port),
       mFormerTag(Serial().Tag()),
       mFormerPort(Serial().PortNumber()),
@@ -79,15 +79,15 @@ bool AutoConnectSearch::Run() {
         Quietly([this] { PutBackSettings(); });
         throw;
     }
-    Quietly([this] { mLink.Yield(0); });
+    Quietly([this] { mState.Yield(0); });
     return found;
 }
 
 bool AutoConnectSearch::Search() {
-    if (mLink.ReportStatus("AutoConnect initiate", 0)) return false;
+    if (mState.ReportStatus("AutoConnect initiate", 0)) return false;
     Serial().SetPortOpen(false);
-    mSink.emplace(mLink);
-    mLink.Yield(0);
+    mSink.emplace(mState);
+    mState.Yield(0);
     Serial().SetReceiveMode(ReceiveToLink);
     Serial().SetHandshaking(static_cast<std::int16_t>(mFormerHandshaking & Hardware_Flowcontrol));
     Serial().SetPortNumber(mPort);
@@ -98,7 +98,7 @@ bool AutoConnectSearch::Search() {
 
 bool AutoConnectSearch::FindLine() {
     const bool open = TryOpen();
-    if (mLink.mDSRDetectActive && !mLink.IsDSRActive()) {
+    if (mState.dsrDetectActive && !mState.link.IsDSRActive()) {
         Serial().SetPortOpen(false);
         return false;
     }
@@ -108,8 +108,8 @@ bool AutoConnectSearch::FindLine() {
 }
 
 void AutoConnectSearch::WaitForSilence() {
-    const StopWatch whole(mLink.mHost.loop);
-    StopWatch silence(mLink.mHost.loop);
+    const StopWatch whole(mState.host.loop);
+    StopWatch silence(mState.host.loop);
     while (whole.ElapsedMs() <= LongestSilenceWait) {
         if (Serial().ReceiveCount() > 0 || Serial().TransmitCount() > 0) {
             Flush();
@@ -117,13 +117,13 @@ void AutoConnectSearch::WaitForSilence() {
         }
         const std::int32_t left = LineSilence - silence.ElapsedMs();
         if (left <= 0) return;
-        mLink.Yield(left);
+        mState.Yield(left);
     }
 }
 
 bool AutoConnectSearch::FindPrinter() {
-    const auto rates = mLink.mAutoConnectBaudrates; // a status handler may load others meanwhile
-    const auto formats = mLink.mFrameFormats;
+    const auto rates = mState.autoConnectBaudrates; // a status handler may load others meanwhile
+    const auto formats = mState.frameFormats;
     for (const std::string& rate : rates) {
         for (const std::string& format : formats) {
             const Outcome outcome = TryCombination(rate, format);
@@ -137,7 +137,7 @@ AutoConnectSearch::Outcome AutoConnectSearch::TryCombination(const std::string& 
                                                              const std::string& format) {
     const std::string settings = rate + "," + format;
     mProgress = static_cast<std::int16_t>(mProgress + ProgressStep);
-    if (mLink.ReportStatus("Searching... " + settings, mProgress)) return Outcome::Cancelled;
+    if (mState.ReportStatus("Searching... " + settings, mProgress)) return Outcome::Cancelled;
     if (!TryOpen(settings)) return Outcome::Silent;
     Flush();
     Serial().Write(Probe);
@@ -160,40 +160,40 @@ bool AutoConnectSearch::FindChannel() {
         reply += collected.text;
         if (collected.complete) break;
     }
-    mLink.mStdio = ChannelOf(reply);
+    mState.stdio = ChannelOf(reply);
     return true;
 }
 
 bool AutoConnectSearch::ReadSetup() {
-    if (mLink.ReportStatus("Reading Printer Setup", mProgress)) return false;
+    if (mState.ReportStatus("Reading Printer Setup", mProgress)) return false;
     Flush();
-    Serial().Write("SYSVAR(19)=2:SETUP WRITE \"UART" + ToText(std::int32_t{mLink.Stdio()})
+    Serial().Write("SYSVAR(19)=2:SETUP WRITE \"UART" + ToText(std::int32_t{mState.link.Stdio()})
                    + ":\"\r");
     WaitForDrain(SetupDrain);
     const Reply reply = Collect(SetupSilence, {});
     Serial().SetPortOpen(false);
-    const auto setup = ParseSetupReply(reply.text, mLink.Stdio());
+    const auto setup = ParseSetupReply(reply.text, mState.link.Stdio());
     if (!setup) return false;
     Learn(*setup);
     return true;
 }
 
 void AutoConnectSearch::Learn(const SetupReply& setup) {
-    mLink.SetBaudrate(setup.baudrate);
-    mLink.SetParity(setup.parity);
-    mLink.SetDatabits(setup.databits);
-    mLink.SetStopbits(setup.stopbits);
-    mLink.SetFlowcontrol(ToText(setup.flowcontrol));
-    MoveToFront(mLink.mAutoConnectBaudrates, mRate);
-    MoveToFront(mLink.mFrameFormats, mFormat);
+    mState.link.SetBaudrate(setup.baudrate);
+    mState.link.SetParity(setup.parity);
+    mState.link.SetDatabits(setup.databits);
+    mState.link.SetStopbits(setup.stopbits);
+    mState.link.SetFlowcontrol(ToText(setup.flowcontrol));
+    MoveToFront(mState.autoConnectBaudrates, mRate);
+    MoveToFront(mState.frameFormats, mFormat);
     constexpr std::array flowTexts = {", No Flowcontrol", ", Xon/Xoff", ", RTS/CTS",
                                       ", RTS/CTS, Xon/Xoff"};
-    mLink.ReportStatus("Printer connected through UART" + ToText(std::int32_t{mLink.Stdio()})
-                           + ": at " + mLink.mBaudrate + ", " + mLink.mParity + ", "
-                           + mLink.mDatabits + ", " + mLink.mStopbits
-                           + flowTexts[static_cast<std::size_t>(setup.flowcontrol)],
-                       ProgressDone);
-    mLink.SetImmediateMode(true);
+    mState.ReportStatus("Printer connected through UART" + ToText(std::int32_t{mState.link.Stdio()})
+                            + ": at " + mState.baudrate + ", " + mState.parity + ", "
+                            + mState.databits + ", " + mState.stopbits
+                            + flowTexts[static_cast<std::size_t>(setup.flowcontrol)],
+                        ProgressDone);
+    mState.link.SetImmediateMode(true);
 }
 
 void AutoConnectSearch::MoveToFront(Collection<std::string>& collection, const std::string& item) {
@@ -207,8 +207,8 @@ void AutoConnectSearch::MoveToFront(Collection<std::string>& collection, const s
 
 AutoConnectSearch::Reply AutoConnectSearch::Collect(std::int32_t silence, std::string_view marker) {
     Reply reply;
-    const StopWatch whole(mLink.mHost.loop);
-    StopWatch watch(mLink.mHost.loop);
+    const StopWatch whole(mState.host.loop);
+    StopWatch watch(mState.host.loop);
     while (whole.ElapsedMs() <= LongestReply) {
         const std::string chunk = Serial().Read();
         if (!chunk.empty()) {
@@ -219,17 +219,17 @@ AutoConnectSearch::Reply AutoConnectSearch::Collect(std::int32_t silence, std::s
         }
         const std::int32_t left = watch.UntilExceeds(silence);
         if (left == 0) break;
-        mLink.Yield(left);
+        mState.Yield(left);
     }
     return reply;
 }
 
 void AutoConnectSearch::WaitForDrain(std::int32_t limit) {
-    const StopWatch watch(mLink.mHost.loop);
+    const StopWatch watch(mState.host.loop);
     while (Serial().TransmitCount() > 0) {
         const std::int32_t left = limit - watch.ElapsedMs();
         if (left <= 0) return;
-        mLink.Yield(left);
+        mState.Yield(left);
     }
 }
 
@@ -243,7 +243,7 @@ bool AutoConnectSearch::TryOpen(const std::string& settings) {
         if (!settings.empty()) Serial().SetPortSettings(settings);
         Serial().SetPortOpen(true);
     } catch (const QNError& error) {
-        if (mPort != mLoggedPort) mLink.mHost.desktop.Log(error.Description());
+        if (mPort != mLoggedPort) mState.host.desktop.Log(error.Description());
         mLoggedPort = mPort;
         return false;
     }
@@ -252,8 +252,8 @@ bool AutoConnectSearch::TryOpen(const std::string& settings) {
 
 void AutoConnectSearch::GiveUp() {
     PutBackSettings();
-    mLink.SetImmediateMode(false);
-    mLink.ReportStatus("No Printer found", ProgressDone);
+    mState.link.SetImmediateMode(false);
+    mState.ReportStatus("No Printer found", ProgressDone);
 }
 
 void AutoConnectSearch::PutBackSettings() {
@@ -264,25 +264,25 @@ void AutoConnectSearch::PutBackSettings() {
 }
 
 void AutoConnectSearch::End() {
-    if (mLink.mSerial == nullptr) return; // torn down from a handler
+    if (mState.serial == nullptr) return; // torn down from a handler
     mSink.reset();
     Serial().SetReceiveMode(mFormerMode);
-    mLink.ClearReceived();
+    mState.ClearReceived();
     Quietly([this] {
-        if (mWasOpen || mLink.mUseCount > 0) Serial().SetPortOpen(true);
+        if (mWasOpen || mState.useCount > 0) Serial().SetPortOpen(true);
     });
     mBusy.reset();
     Quietly([this] {
-        if (mLink.mRegSettings) mLink.SaveCommSettings();
+        if (mState.settings) mState.link.SaveCommSettings();
     });
-    mLink.EndExclusive(mFormerTag);
+    mState.EndExclusive(mFormerTag);
 }
 
 void AutoConnectSearch::Quietly(const std::function<void()>& step) {
     try {
         step();
     } catch (const QNError& error) {
-        mLink.mHost.desktop.Log(error.Description());
+        mState.host.desktop.Log(error.Description());
     }
 }
 

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "DetachedSink.h"
+#include "LinkState.h"
 #include "SetupReply.h"
 #include "common/Pointer.h"
 #include "common/QNError.h"
@@ -19,7 +20,7 @@ namespace qncomm {
 /// has not learned.
 class AutoConnectSearch {
   public:
-    AutoConnectSearch(clsDataLink& link, std::int16_t port);
+    AutoConnectSearch(LinkState& state, std::int16_t port);
     ~AutoConnectSearch();
     AutoConnectSearch(const AutoConnectSearch&) = delete;
     AutoConnectSearch& operator=(const AutoConnectSearch&) = delete;
@@ -34,7 +35,7 @@ class AutoConnectSearch {
         bool complete = false; ///< it held the marker and, after it, "Ok"
     };
 
-    SerialControl& Serial() const { return mLink.Serial(); }
+    SerialControl& Serial() const { return mState.Serial(); }
 
     bool Search();
     bool FindLine();
@@ -58,7 +59,7 @@ class AutoConnectSearch {
     void End();
     void Quietly(const std::function<void()>& step);
 
-    clsDataLink& mLink;
+    LinkState& mState;
     std::int16_t mPort;
     std::optional<BusyPointer> mBusy{std::in_place};
     std::string mFormerTag;

@@ -1,11 +1,11 @@
 // The exchange: a command line goes out, its reply comes back, an error in it is raised.
 
+#include "LinkState.h"
 #include "common/Numbers.h"
 #include "common/QNError.h"
 #include "common/StopWatch.h"
 #include "common/Text.h"
 #include "common/modErrorHandling.h"
-#include "link/clsDataLink.h"
 
 #include <algorithm>
 
@@ -70,22 +70,23 @@ PrinterError ParsePrinterError(std::string_view line) {
 
 void clsDataLink::OutputText(std::string& sText, bool bWaitForEcho) {
     SentPrefix sent(sText);
-    StopWatch watch(mHost.loop);
+    StopWatch watch(mState->host.loop);
     const auto requireOpen = [this] {
-        if (!Serial().PortOpen()) Fail(ErrPortNotOpen, OutputSource);
+        if (!mState->Serial().PortOpen()) mState->Fail(ErrPortNotOpen, OutputSource);
     };
     const auto wait = [&](std::int32_t limit) {
         const std::int32_t left = watch.UntilExceeds(limit);
-        if (left == 0) Fail(ErrOutputTimeout, OutputSource);
-        Yield(left);
+        if (left == 0) mState->Fail(ErrOutputTimeout, OutputSource);
+        mState->Yield(left);
         requireOpen();
     };
     requireOpen();
     while (!sent.Left().empty()) {
-        const std::int32_t space = Serial().TransmitBufferSize() - Serial().TransmitCount();
+        const std::int32_t space =
+            mState->Serial().TransmitBufferSize() - mState->Serial().TransmitCount();
         if (space > 0) {
             const std::string_view piece = sent.Left().substr(0, static_cast<std::size_t>(space));
-            Serial().Write(piece);
+            mState->Serial().Write(piece);
             sent.Advance(piece.size());
             watch.Restart();
         } else {
@@ -93,19 +94,19 @@ void clsDataLink::OutputText(std::string& sText, bool bWaitForEcho) {
         }
     }
     watch.Restart();
-    while (Serial().TransmitCount() > 0)
+    while (mState->Serial().TransmitCount() > 0)
         wait(DrainTimeout);
-    if (bWaitForEcho) WaitForEcho();
+    if (bWaitForEcho) mState->WaitForEcho();
 }
 
-void clsDataLink::WaitForEcho() {
+void LinkState::WaitForEcho() {
     if (Serial().ReceiveThreshold() == 0) {
-        WaitForEchoLine({}, EchoTimeout);
+        link.WaitForEchoLine({}, EchoTimeout);
         return;
     }
     // The line stays in the receive buffer: it is index 0 of the reply.
-    const StopWatch watch(mHost.loop);
-    while (mReceived.find(CrLf) == std::string::npos && Serial().PortOpen()) {
+    const StopWatch watch(host.loop);
+    while (received.find(CrLf) == std::string::npos && Serial().PortOpen()) {
         const std::int32_t left = watch.UntilExceeds(EchoTimeout);
         if (left == 0) return;
         Yield(left);
@@ -114,36 +115,36 @@ void clsDataLink::WaitForEcho() {
 
 std::int32_t clsDataLink::InputText(std::vector<std::string>& sInputLines, bool bNoQNErrorCheck,
                                     std::int32_t lTimeout) {
-    AwaitReply(lTimeout);
-    const std::int32_t count = TakeReceivedLines(sInputLines);
+    mState->AwaitReply(lTimeout);
+    const std::int32_t count = mState->TakeReceivedLines(sInputLines);
     if (!bNoQNErrorCheck && count >= 2)
-        GetPrinterError(sInputLines[static_cast<std::size_t>(count - 2)]);
+        mState->GetPrinterError(sInputLines[static_cast<std::size_t>(count - 2)]);
     return count;
 }
 
 std::int32_t clsDataLink::InputTextUntilQuiet(std::vector<std::string>& sInputLines,
                                               std::int32_t lTimeout, std::int32_t lQuiet) {
-    AwaitReply(lTimeout);
-    StopWatch watch(mHost.loop);
-    std::size_t seen = mReceived.size();
+    mState->AwaitReply(lTimeout);
+    StopWatch watch(mState->host.loop);
+    std::size_t seen = mState->received.size();
     while (const std::int32_t left = watch.UntilExceeds(lQuiet)) {
-        Yield(left);
-        RequireReadable();
-        if (mReceived.size() != seen) watch.Restart();
-        seen = mReceived.size();
+        mState->Yield(left);
+        mState->RequireReadable();
+        if (mState->received.size() != seen) watch.Restart();
+        seen = mState->received.size();
     }
-    return TakeReceivedLines(sInputLines);
+    return mState->TakeReceivedLines(sInputLines);
 }
 
-void clsDataLink::AwaitReply(std::int32_t timeout) {
-    StopWatch watch(mHost.loop);
+void LinkState::AwaitReply(std::int32_t timeout) {
+    StopWatch watch(host.loop);
     std::size_t seen = 0;
     for (;;) {
         const std::size_t searchFrom = seen - std::min(seen, EndOfReply.size() - 1);
-        if (mReceived.find(EndOfReply, searchFrom) != std::string::npos) return;
+        if (received.find(EndOfReply, searchFrom) != std::string::npos) return;
         RequireReadable();
-        if (mReceived.size() != seen) {
-            seen = mReceived.size();
+        if (received.size() != seen) {
+            seen = received.size();
             watch.Restart();
         }
         const std::int32_t left = watch.UntilExceeds(timeout);
@@ -152,18 +153,18 @@ void clsDataLink::AwaitReply(std::int32_t timeout) {
     }
 }
 
-void clsDataLink::RequireReadable() {
-    if (mReceiveOverflow) Fail(ErrProtocol, InputSource);
+void LinkState::RequireReadable() {
+    if (receiveOverflow) Fail(ErrProtocol, InputSource);
     if (!Serial().PortOpen()) Fail(ErrPortNotOpen, InputSource);
 }
 
-std::int32_t clsDataLink::TakeReceivedLines(std::vector<std::string>& lines) {
-    lines = SplitNonEmpty(mReceived, CrLf);
+std::int32_t LinkState::TakeReceivedLines(std::vector<std::string>& lines) {
+    lines = SplitNonEmpty(received, CrLf);
     ClearReceived();
     return static_cast<std::int32_t>(lines.size());
 }
 
-void clsDataLink::GetPrinterError(std::string_view line) {
+void LinkState::GetPrinterError(std::string_view line) {
     const PrinterError error = ParsePrinterError(line);
     if (error.number == 0) return;
     ReleaseBeforeRaise();
@@ -171,14 +172,14 @@ void clsDataLink::GetPrinterError(std::string_view line) {
 }
 
 bool clsDataLink::WaitForEchoLine(std::string_view sEcho, std::int32_t lTimeout) {
-    return Serial().ReadLine(lTimeout).append(CrLf) == sEcho;
+    return mState->Serial().ReadLine(lTimeout).append(CrLf) == sEcho;
 }
 
 bool clsDataLink::WaitForOk(std::int32_t lTimeout) {
     std::string text;
-    StopWatch watch(mHost.loop);
+    StopWatch watch(mState->host.loop);
     for (;;) {
-        const std::string chunk = Serial().Read();
+        const std::string chunk = mState->Serial().Read();
         if (!chunk.empty()) {
             const std::size_t searchFrom =
                 text.size() - std::min(text.size(), EndOfReply.size() - 1);
@@ -187,28 +188,33 @@ bool clsDataLink::WaitForOk(std::int32_t lTimeout) {
             watch.Restart();
         }
         const std::int32_t left = watch.UntilExceeds(lTimeout);
-        if (left == 0 || !Serial().PortOpen()) return false; // a lost line says nothing more
-        Serial().WaitForReceive(left);
+        if (left == 0 || !mState->Serial().PortOpen())
+            return false; // a lost line says nothing more
+        mState->Serial().WaitForReceive(left);
     }
 }
 
 void clsDataLink::PurgePort() {
-    Serial().FlushTransmit();
-    Serial().FlushReceive();
-    ClearReceived();
+    mState->Serial().FlushTransmit();
+    mState->Serial().FlushReceive();
+    mState->ClearReceived();
 }
 
-void clsDataLink::ClearReceived() {
-    mReceived.clear();
-    mReceiveOverflow = false;
-    mEndedInCr = false;
+void LinkState::ClearReceived() {
+    received.clear();
+    receiveOverflow = false;
+    endedInCr = false;
+}
+
+bool clsDataLink::ImmediateMode() const {
+    return mState->immediateMode;
 }
 
 void clsDataLink::SetImmediateMode(bool bValue) {
-    mImmediateMode = bValue;
+    mState->immediateMode = bValue;
     if (bValue) return;
-    mVersionText.clear();
-    mModelText.clear();
+    mState->versionText.clear();
+    mState->modelText.clear();
 }
 
 } // namespace qncomm

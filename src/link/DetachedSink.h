@@ -1,14 +1,14 @@
 #pragma once
 
-#include "link/clsDataLink.h"
-
 namespace qncomm {
+
+struct LinkState;
 
 /// Takes the link off the serial control's events while it lives, so that received bytes can be
 /// read directly, and puts it back with a threshold of 1.
 class DetachedSink {
   public:
-    explicit DetachedSink(clsDataLink& link);
+    explicit DetachedSink(LinkState& state);
     ~DetachedSink();
     DetachedSink(const DetachedSink&) = delete;
     DetachedSink& operator=(const DetachedSink&) = delete;
@@ -17,7 +17,7 @@ class DetachedSink {
     void Detach();
 
   private:
-    clsDataLink& mLink;
+    LinkState& mState;
 };
 
 } // namespace qncomm

@@ -77,35 +77,35 @@ void RaiseUnless(bool done, std::int32_t number, std::string_view source) {
 
 } // namespace
 
-FileTransfer::FileTransfer(clsDataLink& link, Job job)
-    : mLink(link), mJob(std::move(job)), mMessage(OwnMessage()) {}
+FileTransfer::FileTransfer(LinkState& state, Job job)
+    : mState(state), mJob(std::move(job)), mMessage(OwnMessage()) {}
 
 std::string FileTransfer::OwnMessage() const {
     return std::string(mJob.verb) + mJob.name;
 }
 
 FileTransfer::~FileTransfer() {
-    if (mLink.mSerial == nullptr) return;
+    if (mState.serial == nullptr) return;
     // An error or the end of the program must not leave a transfer running on a port that goes on,
     // nor the port open for a terminal that was hidden meanwhile.
     try {
         if (Serial().TransferState() >= TransferStarted)
             Serial().SetTransferState(TransferAborting);
-        mLink.Settle();
+        mState.Settle();
     } catch (const std::exception& error) { // another one may be on its way
-        mLink.mHost.desktop.Log(error.what());
+        mState.host.desktop.Log(error.what());
     }
 }
 
 bool FileTransfer::Run(const std::function<void()>& start) {
-    mLink.mTransferTarget = mJob.target;
-    mLink.mTransferState = TransferPending;
+    mState.transferTarget = mJob.target;
+    mState.transferState = TransferPending;
     start();
     for (;;) {
-        const Step step = Follow(mLink.mTransferState);
-        if (step == Step::Failed) mLink.Delay(FailureDelay);
+        const Step step = Follow(mState.transferState);
+        if (step == Step::Failed) mState.link.Delay(FailureDelay);
         if (step != Step::GoOn) return step == Step::Over;
-        mLink.Yield(WakeInterval);
+        mState.Yield(WakeInterval);
     }
 }
 
@@ -154,36 +154,36 @@ void FileTransfer::ReportProgress() {
 }
 
 void FileTransfer::Report(std::int16_t percent) {
-    if (mLink.ReportStatus(mMessage, percent)) Serial().SetTransferState(TransferAborting);
+    if (mState.ReportStatus(mMessage, percent)) Serial().SetTransferState(TransferAborting);
 }
 
 void FileTransfer::Abort() {
     try {
-        const StopWatch watch(mLink.mHost.loop);
+        const StopWatch watch(mState.host.loop);
         while (Serial().TransferState() >= TransferStarted && watch.ElapsedMs() <= AbortLimit) {
             Serial().SetTransferState(TransferAborting);
-            mLink.Yield(WakeInterval);
+            mState.Yield(WakeInterval);
         }
     } catch (const QNError& error) {
-        mLink.mHost.desktop.Log(error.Description());
+        mState.host.desktop.Log(error.Description());
     }
 }
 
-void clsDataLink::OnTransfer() {
-    mTransferState = Serial().TransferState();
-    if (mTransferState == TransferAnnounced) Serial().SetTransferFileName(mTransferTarget);
+void LinkState::OnTransfer() {
+    transferState = Serial().TransferState();
+    if (transferState == TransferAnnounced) Serial().SetTransferFileName(transferTarget);
 }
 
-bool clsDataLink::RunKermit(PortClaim claim, FileTransfer& transfer, const std::string& command,
-                            const std::function<void()>& start) {
+bool LinkState::RunKermit(PortClaim claim, FileTransfer& transfer, const std::string& command,
+                          const std::function<void()>& start) {
     const NoReceiveEvents polled(Serial());
     Serial().FlushTransmit();
     Serial().FlushReceive();
     Serial().SetTransferKind(TransferKermit);
-    if (!command.empty()) OutputText(std::string(command), true);
+    if (!command.empty()) link.OutputText(std::string(command), true);
     const bool done = transfer.Run(start);
     transfer.Report(AllDone);
-    WaitForOk(OkTimeout);
+    link.WaitForOk(OkTimeout);
     transfer.Report(NoProgress);
     transfer.Abort();
     claim.Release();
@@ -193,15 +193,15 @@ bool clsDataLink::RunKermit(PortClaim claim, FileTransfer& transfer, const std::
 void clsDataLink::KermitUpload(const std::string& sSource, const std::string& sDestination,
                                bool bManual) {
     if (!bManual && !FileExists(sSource)) RaiseError(ErrUploadName, "clsDataLink,Upload");
-    PortClaim claim = bManual ? ClaimLine(false) : AcquirePort();
+    PortClaim claim = bManual ? mState->ClaimLine(false) : AcquirePort();
     if (!claim) return;
-    FileTransfer transfer(*this, {.verb = UploadVerb,
-                                  .name = FileNameOf(sSource),
-                                  .target = TargetName(sSource, sDestination),
-                                  .nameComesFromControl = true});
+    FileTransfer transfer(*mState, {.verb = UploadVerb,
+                                    .name = FileNameOf(sSource),
+                                    .target = TargetName(sSource, sDestination),
+                                    .nameComesFromControl = true});
     const std::string command = bManual ? std::string() : UploadCommand(sDestination);
-    const bool done =
-        RunKermit(std::move(claim), transfer, command, [&] { Serial().SendFile(sSource); });
+    const bool done = mState->RunKermit(std::move(claim), transfer, command,
+                                        [&] { mState->Serial().SendFile(sSource); });
     RaiseUnless(done, ErrUploadTimeout, UploadFailedSource);
 }
 
@@ -210,14 +210,15 @@ void clsDataLink::KermitDownload(const std::string& sSource, const std::string& 
     PortClaim claim = AcquirePort();
     if (!claim) return;
     FileTransfer transfer(
-        *this, {.verb = DownloadVerb, .name = sSource, .target = sDestination, .size = lFileSize});
-    const bool done = RunKermit(std::move(claim), transfer, DownloadCommand(sSource),
-                                [&] { Serial().ReceiveFile(sDestination); });
+        *mState,
+        {.verb = DownloadVerb, .name = sSource, .target = sDestination, .size = lFileSize});
+    const bool done = mState->RunKermit(std::move(claim), transfer, DownloadCommand(sSource),
+                                        [&] { mState->Serial().ReceiveFile(sDestination); });
     RaiseUnless(done, ErrDownloadTimeout, DownloadFailedSource);
 }
 
-bool clsDataLink::RunBinary(FileTransfer& transfer, std::int16_t protocol,
-                            const std::function<void()>& start) {
+bool LinkState::RunBinary(FileTransfer& transfer, std::int16_t protocol,
+                          const std::function<void()>& start) {
     Serial().FlushTransmit();
     Serial().FlushReceive();
     Serial().SetBinaryProtocol(protocol);
@@ -233,25 +234,27 @@ bool clsDataLink::RunBinary(FileTransfer& transfer, std::int16_t protocol,
 void clsDataLink::BinaryUpload(const std::string& sSource, std::int16_t iProtocol) {
     constexpr std::string_view source = "clsDataLink, BinaryUpload";
     if (!FileExists(sSource)) RaiseError(ErrUploadName, source);
-    if (!Serial().PortOpen()) RaiseError(ErrPortNotOpen, source);
-    if (mHostCalls > 0) return;
-    FileTransfer transfer(*this, {.verb = UploadVerb,
-                                  .name = FileNameOf(sSource),
-                                  .target = FileNameOf(sSource),
-                                  .nameComesFromControl = true});
-    const bool done = RunBinary(transfer, iProtocol, [&] { Serial().SendFile(sSource); });
+    if (!mState->Serial().PortOpen()) RaiseError(ErrPortNotOpen, source);
+    if (mState->hostCalls > 0) return;
+    FileTransfer transfer(*mState, {.verb = UploadVerb,
+                                    .name = FileNameOf(sSource),
+                                    .target = FileNameOf(sSource),
+                                    .nameComesFromControl = true});
+    const bool done =
+        mState->RunBinary(transfer, iProtocol, [&] { mState->Serial().SendFile(sSource); });
     RaiseUnless(done, ErrUploadTimeout, UploadFailedSource);
 }
 
 void clsDataLink::BinaryDownload(const std::string& sDestination, std::int16_t iProtocol) {
-    if (mHostCalls > 0) return;
+    if (mState->hostCalls > 0) return;
     bool done = false;
     {
         FileTransfer transfer(
-            *this,
+            *mState,
             {.verb = DownloadVerb, .name = FileNameOf(sDestination), .target = sDestination});
-        const NoReceiveEvents polled(Serial());
-        done = RunBinary(transfer, iProtocol, [&] { Serial().ReceiveFile(sDestination); });
+        const NoReceiveEvents polled(mState->Serial());
+        done = mState->RunBinary(transfer, iProtocol,
+                                 [&] { mState->Serial().ReceiveFile(sDestination); });
     }
     RaiseUnless(done, ErrDownloadTimeout, DownloadFailedSource);
 }

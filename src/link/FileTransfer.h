@@ -1,6 +1,6 @@
 #pragma once
 
-#include "link/clsDataLink.h"
+#include "LinkState.h"
 
 #include <cstdint>
 #include <functional>
@@ -23,7 +23,7 @@ class FileTransfer {
         bool nameComesFromControl = false;
     };
 
-    FileTransfer(clsDataLink& link, Job job);
+    FileTransfer(LinkState& state, Job job);
     ~FileTransfer();
     FileTransfer(const FileTransfer&) = delete;
     FileTransfer& operator=(const FileTransfer&) = delete;
@@ -43,9 +43,9 @@ class FileTransfer {
     void Announced();
     std::string OwnMessage() const;
     void ReportProgress();
-    SerialControl& Serial() const { return mLink.Serial(); }
+    SerialControl& Serial() const { return mState.Serial(); }
 
-    clsDataLink& mLink;
+    LinkState& mState;
     Job mJob;
     std::string mMessage; ///< a handler of StatusEvent may change it for the rest of the transfer
     std::int32_t mStepPercent = 1;

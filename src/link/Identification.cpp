@@ -1,9 +1,9 @@
 // Who the printer is, and the modes that every claim puts it into.
 
+#include "LinkState.h"
 #include "common/Numbers.h"
 #include "common/Text.h"
 #include "common/modErrorHandling.h"
-#include "link/clsDataLink.h"
 
 namespace qncomm {
 namespace {
@@ -26,40 +26,52 @@ std::string FirmwareText(std::string text, const std::string& model) {
 
 } // namespace
 
+std::int16_t clsDataLink::Stdio() const {
+    return mState->stdio == 0 ? std::int16_t{1} : mState->stdio;
+}
+
+std::int16_t clsDataLink::PreviousSysvar18() const {
+    return mState->previousSysvar18;
+}
+
+std::int16_t clsDataLink::PreviousSysvar19() const {
+    return mState->previousSysvar19;
+}
+
 const std::string& clsDataLink::ModelText() {
-    if (mModelText.empty()) GetVersion();
-    return mModelText;
+    if (mState->modelText.empty()) mState->GetVersion();
+    return mState->modelText;
 }
 
 const std::string& clsDataLink::VersionText() {
-    if (mVersionText.empty()) GetVersion();
-    return mVersionText;
+    if (mState->versionText.empty()) mState->GetVersion();
+    return mState->versionText;
 }
 
-void clsDataLink::GetVersion() {
-    PortClaim claim = AcquirePort();
+void LinkState::GetVersion() {
+    PortClaim claim = link.AcquirePort();
     if (!claim) return;
-    OutputText("PRINT VERSION$(0):PRINT VERSION$(1)\r\n", true);
+    link.OutputText("PRINT VERSION$(0):PRINT VERSION$(1)\r\n", true);
     std::vector<std::string> lines;
-    InputText(lines);
+    link.InputText(lines);
     claim.Release();
     if (lines.size() != VersionReplyLines || lines.back() != "Ok") {
-        SetImmediateMode(false);
+        link.SetImmediateMode(false);
         RaiseError(ErrProtocol, "Datalink:GetVersion");
     }
-    mModelText = Trim(CollapseSpaces(lines[2]));
-    mVersionText = FirmwareText(Trim(CollapseSpaces(lines[1])), mModelText);
+    modelText = Trim(CollapseSpaces(lines[2]));
+    versionText = FirmwareText(Trim(CollapseSpaces(lines[1])), modelText);
 }
 
-void clsDataLink::Handshake() {
-    OutputText("PRINT SYSVAR(18):PRINT SYSVAR(19):SYSVAR(18)=-1:SYSVAR(19)=2\r\n");
+void LinkState::Handshake() {
+    link.OutputText("PRINT SYSVAR(18):PRINT SYSVAR(19):SYSVAR(18)=-1:SYSVAR(19)=2\r\n");
     std::vector<std::string> lines;
-    const auto count = static_cast<std::size_t>(InputText(lines));
+    const auto count = static_cast<std::size_t>(link.InputText(lines));
     // The previous values stand one line further up in the replies of today's printers, so what is
     // kept here is 0; hosts rely on these indexes.
     if (count < 3 || lines[count - 2] != "Ok") return;
-    mPreviousSysvar19 = WholeNumberOrZero(lines[count - 3]);
-    mPreviousSysvar18 = WholeNumberOrZero(lines[count - 2]);
+    previousSysvar19 = WholeNumberOrZero(lines[count - 3]);
+    previousSysvar18 = WholeNumberOrZero(lines[count - 2]);
 }
 
 } // namespace qncomm

@@ -1,14 +1,14 @@
 #include "link/PortClaim.h"
 
-#include "link/clsDataLink.h"
+#include "LinkState.h"
 
 #include <utility>
 
 namespace qncomm {
 
-PortClaim::PortClaim(clsDataLink& link, std::int32_t depth, bool exclusive)
+PortClaim::PortClaim(LinkState& link, std::int32_t depth, bool exclusive)
     : mLink(&link),
-      mOuter(std::exchange(link.mInnermost, this)),
+      mOuter(std::exchange(link.innermost, this)),
       mDepth(depth),
       mExclusive(exclusive) {}
 
@@ -17,7 +17,7 @@ PortClaim::PortClaim(PortClaim&& other) noexcept
       mOuter(other.mOuter),
       mDepth(other.mDepth),
       mExclusive(other.mExclusive) {
-    if (mLink != nullptr && mLink->mInnermost == &other) mLink->mInnermost = this;
+    if (mLink != nullptr && mLink->innermost == &other) mLink->innermost = this;
 }
 
 PortClaim::~PortClaim() {
@@ -28,11 +28,16 @@ PortClaim::~PortClaim() {
 }
 
 void PortClaim::Release() {
-    if (mLink != nullptr) std::exchange(mLink, nullptr)->EndClaim(*this);
+    if (mLink == nullptr) return;
+    LinkState& state = *std::exchange(mLink, nullptr);
+    state.innermost = mOuter;
+    if (state.serial == nullptr) return;
+    if (state.useCount >= mDepth) state.link.ReleasePort(mExclusive, false);
+    state.Settle();
 }
 
 void PortClaim::Detach() {
-    if (mLink != nullptr) std::exchange(mLink, nullptr)->mInnermost = mOuter;
+    if (mLink != nullptr) std::exchange(mLink, nullptr)->innermost = mOuter;
 }
 
 } // namespace qncomm

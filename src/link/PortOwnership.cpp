@@ -2,10 +2,10 @@
 // must be alone.
 
 #include "ExclusiveMark.h"
+#include "LinkState.h"
 #include "common/Numbers.h"
 #include "common/QNError.h"
 #include "link/HostCall.h"
-#include "link/clsDataLink.h"
 
 #include <utility>
 
@@ -16,137 +16,138 @@ constexpr std::int32_t ReopenInterval = 1000;
 
 } // namespace
 
-bool clsDataLink::IsExclusive() const {
+std::int32_t clsDataLink::UseCount() const {
+    return mState->useCount;
+}
+
+bool clsDataLink::TerminalActive() const {
+    return mState->terminalActive;
+}
+
+bool LinkState::IsExclusive() const {
     return Serial().Tag() == ExclusiveMark;
 }
 
-PortClaim clsDataLink::ClaimLine(bool exclusive) {
-    if (mHostCalls > 0 || IsExclusive()) return {};
+PortClaim LinkState::ClaimLine(bool exclusive) {
+    if (hostCalls > 0 || IsExclusive()) return {};
     if (exclusive) Serial().SetTag(ExclusiveMark);
-    PortClaim claim(*this, ++mUseCount, exclusive);
-    if (mUseCount == 1 || mPortLost) OpenPort();
+    PortClaim claim(*this, ++useCount, exclusive);
+    if (useCount == 1 || portLost) OpenPort();
     Serial().SetReceiveMode(ReceiveToLink);
     return claim;
 }
 
 PortClaim clsDataLink::AcquirePort(bool bExclusive) {
-    PortClaim claim = ClaimLine(bExclusive);
+    PortClaim claim = mState->ClaimLine(bExclusive);
     if (!claim) return claim;
-    if ((mDSRDetectActive && !IsDSRActive()) || !FindPrinter(bExclusive)) {
+    if ((mState->dsrDetectActive && !IsDSRActive()) || !mState->FindPrinter(bExclusive)) {
         claim.Release();
         return {};
     }
     PurgePort();
-    Handshake();
+    mState->Handshake();
     return claim;
 }
 
-bool clsDataLink::FindPrinter(bool exclusive) {
-    return mImmediateMode || AutoConnect(ToInt16(Val(mCommport)), exclusive);
+bool LinkState::FindPrinter(bool exclusive) {
+    return immediateMode || link.AutoConnect(ToInt16(Val(commport)), exclusive);
 }
 
 void clsDataLink::ReleasePort(bool bClearTag, bool bForce) {
-    if (bClearTag) Serial().SetTag({});
-    if (IsExclusive()) {
-        if (mUseCount > 0) ++mOwedReleases;
+    if (bClearTag) mState->Serial().SetTag({});
+    if (mState->IsExclusive()) {
+        if (mState->useCount > 0) ++mState->owedReleases;
         return;
     }
-    if (mTerminalHeld && mUseCount == 1) return;
-    mUseCount = bForce ? (mTerminalHeld ? 1 : 0) : mUseCount - 1;
-    if (mUseCount == 0) ClosePort();
-    if (mUseCount < 0) mUseCount = 0;
-    if (mSerial != nullptr)
-        mSerial->SetReceiveMode(mTerminalHeld && mUseCount == 1 ? ReceiveToTerminal
-                                                                : ReceiveToLink);
+    if (mState->terminalHeld && mState->useCount == 1) return;
+    mState->useCount = bForce ? (mState->terminalHeld ? 1 : 0) : mState->useCount - 1;
+    if (mState->useCount == 0) mState->ClosePort();
+    if (mState->useCount < 0) mState->useCount = 0;
+    if (mState->serial != nullptr)
+        mState->serial->SetReceiveMode(
+            mState->terminalHeld && mState->useCount == 1 ? ReceiveToTerminal : ReceiveToLink);
 }
 
-void clsDataLink::EndClaim(PortClaim& claim) {
-    mInnermost = claim.mOuter;
-    if (mSerial == nullptr) return;
-    if (mUseCount >= claim.mDepth) ReleasePort(claim.mExclusive, false);
-    Settle();
-}
-
-void clsDataLink::ReleaseBeforeRaise() {
+void LinkState::ReleaseBeforeRaise() {
     ClearReceived();
-    const std::int32_t depth = mInnermost != nullptr ? mInnermost->mDepth : 1;
-    if (mUseCount >= depth)
-        ReleasePort(true, false);
+    const std::int32_t depth = innermost != nullptr ? innermost->Depth() : 1;
+    if (useCount >= depth)
+        link.ReleasePort(true, false);
     else
         Serial().SetTag({});
 }
 
 void clsDataLink::SetTerminalActive(bool bValue) {
-    mTerminalActive = bValue;
-    Settle();
+    mState->terminalActive = bValue;
+    mState->Settle();
 }
 
-void clsDataLink::Settle() {
-    if (mSerial == nullptr || mHostCalls > 0 || mInnermost != nullptr || IsExclusive()) return;
-    for (std::int32_t owed = std::exchange(mOwedReleases, 0); owed > 0; --owed)
-        ReleasePort();
-    if (mTerminalActive == mTerminalHeld) return;
-    mTerminalHeld = mTerminalActive;
-    if (!mTerminalHeld) {
+void LinkState::Settle() {
+    if (serial == nullptr || hostCalls > 0 || innermost != nullptr || IsExclusive()) return;
+    for (std::int32_t owed = std::exchange(owedReleases, 0); owed > 0; --owed)
+        link.ReleasePort();
+    if (terminalActive == terminalHeld) return;
+    terminalHeld = terminalActive;
+    if (!terminalHeld) {
         ReleaseTerminal();
     } else {
-        ++mUseCount;
-        if (mUseCount == 1 || mPortLost) OpenPort();
-        if (mUseCount == 1) Serial().SetReceiveMode(ReceiveToTerminal);
+        ++useCount;
+        if (useCount == 1 || portLost) OpenPort();
+        if (useCount == 1) Serial().SetReceiveMode(ReceiveToTerminal);
     }
 }
 
-void clsDataLink::ReleaseTerminal() {
-    mReopenTimer.reset();
-    ReleasePort();
+void LinkState::ReleaseTerminal() {
+    reopenTimer.reset();
+    link.ReleasePort();
 }
 
-void clsDataLink::EndExclusive(std::string_view formerTag) {
-    if (mSerial == nullptr) return;
-    mSerial->SetTag(formerTag == ExclusiveMark ? formerTag : std::string_view());
+void LinkState::EndExclusive(std::string_view formerTag) {
+    if (serial == nullptr) return;
+    serial->SetTag(formerTag == ExclusiveMark ? formerTag : std::string_view());
     Settle();
 }
 
-void clsDataLink::OpenPort() {
-    mPortLost = false;
-    mReopenTimer.reset();
+void LinkState::OpenPort() {
+    portLost = false;
+    reopenTimer.reset();
     try {
         Serial().SetPortOpen(true);
     } catch (const QNError& error) { // a port that stays closed shows as 1024 when it is used
-        mHost.desktop.Log(error.Description());
+        host.desktop.Log(error.Description());
     }
     RaisePortState(true);
 }
 
-void clsDataLink::ClosePort() {
-    const bool alreadyReported = std::exchange(mPortLost, false);
+void LinkState::ClosePort() {
+    const bool alreadyReported = std::exchange(portLost, false);
     Serial().SetPortOpen(false);
     if (!alreadyReported) RaisePortState(false);
 }
 
-void clsDataLink::RaisePortState(bool open) {
-    const HostCall guard(*this);
-    PortStateEvent.Raise(open);
+void LinkState::RaisePortState(bool open) {
+    const HostCall guard(link);
+    link.PortStateEvent.Raise(open);
 }
 
-void clsDataLink::OnPortLost() {
-    mPortLost = true;
-    SetImmediateMode(false);
-    if (mTerminalHeld)
-        mReopenTimer = mHost.loop.StartTimer(ReopenInterval, [this] { ReopenForTerminal(); });
+void LinkState::OnPortLost() {
+    portLost = true;
+    link.SetImmediateMode(false);
+    if (terminalHeld)
+        reopenTimer = host.loop.StartTimer(ReopenInterval, [this] { ReopenForTerminal(); });
     RaisePortState(false);
 }
 
-void clsDataLink::ReopenForTerminal() {
-    if (!mPortLost || mInnermost != nullptr || IsExclusive()) return;
+void LinkState::ReopenForTerminal() {
+    if (!portLost || innermost != nullptr || IsExclusive()) return;
     try {
         Serial().SetPortOpen(true);
     } catch (const QNError&) { // still away: the timer tries again
         return;
     }
-    mPortLost = false;
+    portLost = false;
     Serial().SetReceiveMode(ReceiveToTerminal);
-    mReopenTimer.reset();
+    reopenTimer.reset();
     RaisePortState(true);
 }
 

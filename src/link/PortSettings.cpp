@@ -3,13 +3,13 @@
 #include "PortSettings.h"
 
 #include "ExclusiveMark.h"
+#include "LinkState.h"
 #include "common/Numbers.h"
 #include "common/QNError.h"
 #include "common/RuntimeErrors.h"
 #include "common/Text.h"
 #include "common/modErrorHandling.h"
 #include "link/HostCall.h"
-#include "link/clsDataLink.h"
 
 #include <algorithm>
 #include <array>
@@ -83,28 +83,64 @@ std::optional<std::string> NormalStopbits(std::string_view value) {
     return OneOf(StopbitValues, NumberText(value, "2"));
 }
 
+const std::string& clsDataLink::Baudrate() const {
+    return mState->baudrate;
+}
+
+const std::string& clsDataLink::Parity() const {
+    return mState->parity;
+}
+
+const std::string& clsDataLink::Databits() const {
+    return mState->databits;
+}
+
+const std::string& clsDataLink::Stopbits() const {
+    return mState->stopbits;
+}
+
+const std::string& clsDataLink::Flowcontrol() const {
+    return mState->flowcontrol;
+}
+
+const std::string& clsDataLink::Commport() const {
+    return mState->commport;
+}
+
+bool clsDataLink::DSRDetectActive() const {
+    return mState->dsrDetectActive;
+}
+
+const Collection<std::string>& clsDataLink::AutoConnectBaudrates() const {
+    return mState->autoConnectBaudrates;
+}
+
+const Collection<std::string>& clsDataLink::FrameFormats() const {
+    return mState->frameFormats;
+}
+
 void clsDataLink::SetBaudrate(std::string_view sValue) {
-    mBaudrate = StoreOrRaise(NormalBaudrate(sValue), ErrBaudrate, "DataLink:Let Baudrate");
+    mState->baudrate = StoreOrRaise(NormalBaudrate(sValue), ErrBaudrate, "DataLink:Let Baudrate");
     ApplyCommSettings();
 }
 
 void clsDataLink::SetParity(std::string_view sValue) {
-    mParity = StoreOrRaise(NormalParity(sValue), ErrParity, "DataLink:Let Parity");
+    mState->parity = StoreOrRaise(NormalParity(sValue), ErrParity, "DataLink:Let Parity");
     ApplyCommSettings();
 }
 
 void clsDataLink::SetDatabits(std::string_view sValue) {
-    mDatabits = StoreOrRaise(NormalDatabits(sValue), ErrDatabits, "DataLink:Let Databits");
+    mState->databits = StoreOrRaise(NormalDatabits(sValue), ErrDatabits, "DataLink:Let Databits");
     ApplyCommSettings();
 }
 
 void clsDataLink::SetStopbits(std::string_view sValue) {
-    mStopbits = StoreOrRaise(NormalStopbits(sValue), ErrStopbits, "DataLink:Let Stopbits");
+    mState->stopbits = StoreOrRaise(NormalStopbits(sValue), ErrStopbits, "DataLink:Let Stopbits");
     ApplyCommSettings();
 }
 
 void clsDataLink::SetFlowcontrol(std::string_view sValue) {
-    mFlowcontrol = ToText(ToInt32(Val(sValue)) & SW_And_HW_Flowcontrol);
+    mState->flowcontrol = ToText(ToInt32(Val(sValue)) & SW_And_HW_Flowcontrol);
     ApplyCommSettings();
 }
 
@@ -115,42 +151,49 @@ void clsDataLink::SetCommport(std::string_view sValue) {
         port = candidate;
         break;
     }
-    mCommport = ToText(std::int32_t{ToInt16(port)});
+    mState->commport = ToText(std::int32_t{ToInt16(port)});
+}
+
+void clsDataLink::SetDSRDetectActive(bool bValue) {
+    mState->dsrDetectActive = bValue;
 }
 
 std::string clsDataLink::SettingsText() const {
-    return mBaudrate + "," + mParity.substr(0, 1) + "," + mDatabits + "," + mStopbits;
+    return mState->baudrate + "," + mState->parity.substr(0, 1) + "," + mState->databits + ","
+           + mState->stopbits;
 }
 
 bool clsDataLink::IsDSRActive() {
-    return Serial().PortOpen() && Serial().DSRState();
+    return mState->Serial().PortOpen() && mState->Serial().DSRState();
 }
 
 bool clsDataLink::IsValidPort(std::int16_t iPortNumber) {
-    if (Serial().PortNumber() == iPortNumber && Serial().PortOpen()) return true;
-    return Serial().ProbePort(iPortNumber);
+    if (mState->Serial().PortNumber() == iPortNumber && mState->Serial().PortOpen()) return true;
+    return mState->Serial().ProbePort(iPortNumber);
 }
 
 void clsDataLink::ApplyCommSettings() {
     using Step = std::function<void()>;
-    const Step setPort = [this] { Serial().SetPortNumber(ToInt16(Val(mCommport))); };
-    const Step setSettings = [this] { Serial().SetPortSettings(SettingsText()); };
-    const Step setHandshaking = [this] { Serial().SetHandshaking(ToInt16(Val(mFlowcontrol))); };
-    const Step close = [this] { Serial().SetPortOpen(false); };
-    const Step open = [this] {
-        if (!Serial().PortOpen())
-            Serial().SetPortOpen(true); // an accepted dialog may have opened it
+    const Step setPort = [this] { mState->Serial().SetPortNumber(ToInt16(Val(mState->commport))); };
+    const Step setSettings = [this] { mState->Serial().SetPortSettings(SettingsText()); };
+    const Step setHandshaking = [this] {
+        mState->Serial().SetHandshaking(ToInt16(Val(mState->flowcontrol)));
     };
-    const bool wasOpen = mSerial != nullptr && mSerial->PortOpen();
+    const Step close = [this] { mState->Serial().SetPortOpen(false); };
+    const Step open = [this] {
+        if (!mState->Serial().PortOpen())
+            mState->Serial().SetPortOpen(true); // an accepted dialog may have opened it
+    };
+    const bool wasOpen = mState->serial != nullptr && mState->serial->PortOpen();
     const std::vector<Step> steps =
         wasOpen ? std::vector{close, setPort, setSettings, setHandshaking, open}
                 : std::vector{setPort, setSettings, setHandshaking};
     for (const Step& step : steps)
-        if (!RunSettingsStep(step)) return;
-    if (mImmediateMode) SetImmediateMode(false);
+        if (!mState->RunSettingsStep(step)) return;
+    if (mState->immediateMode) SetImmediateMode(false);
 }
 
-bool clsDataLink::RunSettingsStep(const std::function<void()>& step) {
+bool LinkState::RunSettingsStep(const std::function<void()>& step) {
     for (;;) {
         try {
             step();
@@ -158,78 +201,78 @@ bool clsDataLink::RunSettingsStep(const std::function<void()>& step) {
         } catch (const QNError& error) {
             if (error.Number() != SerialErrPortBusy) return true;
         }
-        if (!AskBusyPort() || ShowSettingsDlg() != 1) return false;
+        if (!AskBusyPort() || link.ShowSettingsDlg() != 1) return false;
     }
 }
 
-bool clsDataLink::AskBusyPort() {
+bool LinkState::AskBusyPort() {
     MsgBox box;
-    box.text = "Port 'com" + mCommport + ":' is missing or busy by another application.\r\n"
+    box.text = "Port 'com" + commport + ":' is missing or busy by another application.\r\n"
                + "Please end the application using the port.\r\n"
                + "Or do you want to change your current port settings?";
     box.buttons = MsgBoxButtons::YesNo;
-    const HostCall guard(*this);
-    return mHost.desktop.ShowMsgBox(box) == MsgBoxResult::Yes;
+    const HostCall guard(link);
+    return host.desktop.ShowMsgBox(box) == MsgBoxResult::Yes;
 }
 
 std::int16_t clsDataLink::ShowSettingsDlg() {
-    if (IsExclusive()) return 0;
-    Serial().SetTag(ExclusiveMark);
+    if (mState->IsExclusive()) return 0;
+    mState->Serial().SetTag(ExclusiveMark);
     std::int16_t result = 0;
     try {
-        result = mHost.dialogs.ShowCommSettings(*this);
+        result = mState->host.dialogs.ShowCommSettings(*this);
     } catch (...) {
-        EndExclusive({});
+        mState->EndExclusive({});
         throw;
     }
-    EndExclusive({});
+    mState->EndExclusive({});
     return result;
 }
 
-void clsDataLink::LoadCommSettings() {
+void LinkState::LoadCommSettings() {
     using Let = std::function<void(const std::string&)>;
     const std::pair<std::string_view, Let> lets[] = {
-        {"Commport", [this](const std::string& text) { SetCommport(text); }},
-        {"Baudrate", [this](const std::string& text) { SetBaudrate(text); }},
-        {"Parity", [this](const std::string& text) { SetParity(text); }},
-        {"Databits", [this](const std::string& text) { SetDatabits(text); }},
-        {"Stopbits", [this](const std::string& text) { SetStopbits(text); }},
-        {"Flowcontrol", [this](const std::string& text) { SetFlowcontrol(text); }},
+        {"Commport", [this](const std::string& text) { link.SetCommport(text); }},
+        {"Baudrate", [this](const std::string& text) { link.SetBaudrate(text); }},
+        {"Parity", [this](const std::string& text) { link.SetParity(text); }},
+        {"Databits", [this](const std::string& text) { link.SetDatabits(text); }},
+        {"Stopbits", [this](const std::string& text) { link.SetStopbits(text); }},
+        {"Flowcontrol", [this](const std::string& text) { link.SetFlowcontrol(text); }},
         {"DSRDetectActive",
-         [this](const std::string& text) { SetDSRDetectActive(ToBoolean(text)); }},
+         [this](const std::string& text) { link.SetDSRDetectActive(ToBoolean(text)); }},
     };
     for (const auto& [key, let] : lets)
         IgnoringErrors([&, &name = key, &set = let] {
-            set(mRegSettings->ReadValue(SettingsSection, name, NotStored));
+            set(settings->ReadValue(SettingsSection, name, NotStored));
         });
     for (std::size_t i = 0; i < DefaultBaudrates.size(); ++i) {
         IgnoringErrors([&] {
             const std::string key = "Baud" + std::to_string(i + 1);
             const std::string rate =
-                mRegSettings->ReadValue(AutoConnectSection, key, DefaultBaudrates[i]);
-            mAutoConnectBaudrates.Add(rate, rate);
+                settings->ReadValue(AutoConnectSection, key, DefaultBaudrates[i]);
+            autoConnectBaudrates.Add(rate, rate);
         });
     }
 }
 
 void clsDataLink::SaveCommSettings() {
-    if (!mRegSettings) RaiseRuntimeError(RtObjectNotSet, "clsDataLink:SaveCommSettings");
+    if (!mState->settings) RaiseRuntimeError(RtObjectNotSet, "clsDataLink:SaveCommSettings");
     const auto setting = [](std::string_view key, std::string value) {
         return SettingValue{std::string(SettingsSection), std::string(key), std::move(value)};
     };
     std::vector<SettingValue> values = {
-        setting("Commport", mCommport),
-        setting("Baudrate", mBaudrate),
-        setting("Parity", mParity),
-        setting("Databits", mDatabits),
-        setting("Stopbits", mStopbits),
-        setting("FlowControl", mFlowcontrol),
-        setting("DSRDetectActive", ToText(mDSRDetectActive)),
+        setting("Commport", mState->commport),
+        setting("Baudrate", mState->baudrate),
+        setting("Parity", mState->parity),
+        setting("Databits", mState->databits),
+        setting("Stopbits", mState->stopbits),
+        setting("FlowControl", mState->flowcontrol),
+        setting("DSRDetectActive", ToText(mState->dsrDetectActive)),
     };
     std::size_t count = 0;
-    for (const std::string& rate : mAutoConnectBaudrates)
+    for (const std::string& rate : mState->autoConnectBaudrates)
         values.push_back({std::string(AutoConnectSection), "Baud" + std::to_string(++count), rate});
-    mRegSettings->WriteValues(values);
+    mState->settings->WriteValues(values);
 }
 
 } // namespace qncomm

@@ -1,9 +1,9 @@
 // Waiting for the printer's prompt after a transfer has been cancelled.
 
 #include "DetachedSink.h"
+#include "LinkState.h"
 #include "common/Numbers.h"
 #include "common/StopWatch.h"
-#include "link/clsDataLink.h"
 
 #include <algorithm>
 
@@ -27,17 +27,17 @@ std::int32_t SilenceMs(const std::string& baudrate) {
 } // namespace
 
 bool clsDataLink::AwaitPrompt(bool bMoving) {
-    const DetachedSink detached(*this); // what comes is read here
-    const std::int32_t silenceMs = bMoving ? SilenceMs(mBaudrate) : PromptMs;
-    const StopWatch whole(mHost.loop);
-    StopWatch silence(mHost.loop);
-    std::string text = Serial().Read();
+    const DetachedSink detached(*mState); // what comes is read here
+    const std::int32_t silenceMs = bMoving ? SilenceMs(mState->baudrate) : PromptMs;
+    const StopWatch whole(mState->host.loop);
+    StopWatch silence(mState->host.loop);
+    std::string text = mState->Serial().Read();
     while (text.find(Prompt) == std::string::npos) {
         const std::int32_t left =
             std::min(silence.UntilExceeds(silenceMs), whole.UntilExceeds(MostMs));
-        if (left == 0 || !Serial().PortOpen()) return false;
-        Yield(left);
-        const std::string more = Serial().Read();
+        if (left == 0 || !mState->Serial().PortOpen()) return false;
+        mState->Yield(left);
+        const std::string more = mState->Serial().Read();
         if (!more.empty()) silence.Restart();
         text += more;
     }

@@ -1,8 +1,8 @@
 // Restarting the printer and waiting until it answers again.
 
 #include "DetachedSink.h"
+#include "LinkState.h"
 #include "common/Numbers.h"
-#include "link/clsDataLink.h"
 
 namespace qncomm {
 namespace {
@@ -15,42 +15,43 @@ constexpr std::int32_t AttemptsPerSearch = 3;
 
 } // namespace
 
-DetachedSink::DetachedSink(clsDataLink& link) : mLink(link) {
+DetachedSink::DetachedSink(LinkState& state) : mState(state) {
     Detach();
 }
 
 void DetachedSink::Detach() {
-    mLink.Serial().SetEventSink({});
-    mLink.Serial().SetReceiveThreshold(0);
+    mState.Serial().SetEventSink({});
+    mState.Serial().SetReceiveThreshold(0);
 }
 
 DetachedSink::~DetachedSink() {
-    if (mLink.mSerial == nullptr) return;
-    mLink.mSerial->SetReceiveThreshold(1);
-    mLink.AttachSink();
+    if (mState.serial == nullptr) return;
+    mState.serial->SetReceiveThreshold(1);
+    mState.AttachSink();
 }
 
 void clsDataLink::Reboot() {
     PortClaim claim = AcquirePort();
     if (!claim) return;
-    const std::unique_ptr<ShownWindow> window = mHost.dialogs.ShowWaitForReboot();
+    const std::unique_ptr<ShownWindow> window = mState->host.dialogs.ShowWaitForReboot();
     {
-        DetachedSink detached(*this);
-        Serial().Write("REBOOT\r\n");
+        DetachedSink detached(*mState);
+        mState->Serial().Write("REBOOT\r\n");
         Delay(BeforeDsrTest);
-        while (mDSRDetectActive && !Serial().DSRState() && Serial().PortOpen())
-            Yield(DsrPoll);
+        while (mState->dsrDetectActive && !mState->Serial().DSRState()
+               && mState->Serial().PortOpen())
+            mState->Yield(DsrPoll);
         PurgePort();
         Delay(BootTime);
-        WaitForBoot(detached);
+        mState->WaitForBoot(detached);
     }
     claim.Release();
 }
 
-void clsDataLink::WaitForBoot(DetachedSink& detached) {
+void LinkState::WaitForBoot(DetachedSink& detached) {
     std::string tail; // what came last, in case the answer is split
     for (std::int32_t attempt = 1;; ++attempt) {
-        Delay(BetweenAttempts);
+        link.Delay(BetweenAttempts);
         tail += Serial().Read();
         if (tail.find("Ok") != std::string::npos) return;
         if (!tail.empty()) tail.erase(0, tail.size() - 1);
@@ -58,7 +59,7 @@ void clsDataLink::WaitForBoot(DetachedSink& detached) {
             if (tail.empty()) Serial().Write("SYSVAR(18)=-1\r\n");
             continue;
         }
-        if (AutoConnect(ToInt16(Val(mCommport)))) return;
+        if (link.AutoConnect(ToInt16(Val(commport)))) return;
         detached.Detach();
     }
 }

@@ -1,9 +1,9 @@
 // What the serial control reports: received text into the receive buffer or the terminal, a device
 // that went away.
 
+#include "LinkState.h"
 #include "common/StopWatch.h"
 #include "common/Text.h"
-#include "link/clsDataLink.h"
 
 namespace qncomm {
 namespace {
@@ -13,7 +13,7 @@ constexpr std::size_t ReceiveLimit = std::size_t{16} * 1024 * 1024;
 
 } // namespace
 
-void clsDataLink::OnSerialEvent(SerialEvent event) {
+void LinkState::OnSerialEvent(SerialEvent event) {
     switch (event) {
     case SerialEventReceive:
         OnReceive();
@@ -29,9 +29,9 @@ void clsDataLink::OnSerialEvent(SerialEvent event) {
     }
 }
 
-void clsDataLink::OnReceive() {
+void LinkState::OnReceive() {
     std::string text;
-    const StopWatch watch(mHost.loop);
+    const StopWatch watch(host.loop);
     for (;;) {
         const std::string chunk = Serial().Read();
         if (!chunk.empty()) {
@@ -45,18 +45,18 @@ void clsDataLink::OnReceive() {
     }
     if (text.empty()) return;
     const bool endsInCr = text.ends_with('\r');
-    if (mEndedInCr && text.front() == '\n') text.erase(0, 1);
-    mEndedInCr = endsInCr;
+    if (endedInCr && text.front() == '\n') text.erase(0, 1);
+    endedInCr = endsInCr;
     Deliver(NormalizeLineEnds(text));
 }
 
-void clsDataLink::Deliver(const std::string& text) {
+void LinkState::Deliver(const std::string& text) {
     if (Serial().ReceiveMode() != ReceiveToLink) {
         Serial().WriteTerminal(text);
-    } else if (mReceived.size() + text.size() > ReceiveLimit) {
-        mReceiveOverflow = true;
+    } else if (received.size() + text.size() > ReceiveLimit) {
+        receiveOverflow = true;
     } else {
-        mReceived += text;
+        received += text;
     }
 }
 

@@ -1,5 +1,7 @@
+
 #include "link/clsDataLink.h"
 
+#include "LinkState.h"
 #include "common/QNError.h"
 #include "common/RuntimeErrors.h"
 #include "common/StopWatch.h"
@@ -18,7 +20,7 @@ constexpr std::array DefaultFrameFormats = {"m,8,2", "n,8,2", "n,7,2", "n,7,1"};
 
 } // namespace
 
-clsDataLink::clsDataLink(const LinkHost& host) : mHost(host) {}
+clsDataLink::clsDataLink(const LinkHost& host) : mState(std::make_unique<LinkState>(*this, host)) {}
 
 clsDataLink::~clsDataLink() {
     try {
@@ -28,64 +30,68 @@ clsDataLink::~clsDataLink() {
     }
 }
 
-SerialControl& clsDataLink::Serial() const {
-    if (mSerial == nullptr) RaiseRuntimeError(RtObjectNotSet, "clsDataLink");
-    return *mSerial;
+SerialControl& LinkState::Serial() const {
+    if (serial == nullptr) RaiseRuntimeError(RtObjectNotSet, "clsDataLink");
+    return *serial;
 }
 
 void clsDataLink::SetSerialPort(SerialControl* serial) {
-    mSerial = serial;
-    if (mSerial != nullptr && mSerial->IsFunctional()) {
-        mSerial->SetReceiveThreshold(1);
-        mSerial->SetBufferSizes(SerialBufferSize, SerialBufferSize);
-        mSerial->SetReceiveMode(ReceiveToLink);
-        mSerial->SetReserved(ReservedValue);
+    mState->serial = serial;
+    if (mState->serial != nullptr && mState->serial->IsFunctional()) {
+        mState->serial->SetReceiveThreshold(1);
+        mState->serial->SetBufferSizes(SerialBufferSize, SerialBufferSize);
+        mState->serial->SetReceiveMode(ReceiveToLink);
+        mState->serial->SetReserved(ReservedValue);
     }
-    if (mSerial != nullptr) AttachSink();
+    if (mState->serial != nullptr) mState->AttachSink();
     for (const char* format : DefaultFrameFormats)
-        if (!mFrameFormats.Contains(format)) mFrameFormats.Add(format, format);
+        if (!mState->frameFormats.Contains(format)) mState->frameFormats.Add(format, format);
+}
+
+const std::shared_ptr<qncomm::RegSettings>& clsDataLink::RegSettings() const {
+    return mState->settings;
 }
 
 void clsDataLink::SetRegSettings(std::shared_ptr<qncomm::RegSettings> settings) {
-    mRegSettings = std::move(settings);
-    if (mRegSettings) LoadCommSettings();
+    mState->settings = std::move(settings);
+    if (mState->settings) mState->LoadCommSettings();
 }
 
 void clsDataLink::TearDown() {
-    if (mSerial != nullptr) {
-        SerialControl& serial = *std::exchange(mSerial, nullptr);
+    if (mState->serial != nullptr) {
+        SerialControl& serial = *std::exchange(mState->serial, nullptr);
         serial.SetEventSink({});
         if (serial.PortOpen()) serial.SetPortOpen(false);
     }
-    mUseCount = 0;
-    mTerminalActive = mTerminalHeld = false;
-    mAutoConnectBaudrates.Clear();
-    mFrameFormats.Clear();
+    mState->useCount = 0;
+    mState->terminalActive = mState->terminalHeld = false;
+    mState->autoConnectBaudrates.Clear();
+    mState->frameFormats.Clear();
 }
 
-void clsDataLink::AttachSink() {
+void LinkState::AttachSink() {
     Serial().SetEventSink([this](SerialEvent event) { OnSerialEvent(event); });
 }
 
-void clsDataLink::Yield(std::int32_t limit) {
-    const HostCall guard(*this);
-    mHost.loop.Yield(limit);
+void LinkState::Yield(std::int32_t limit) {
+    const HostCall guard(link);
+    host.loop.Yield(limit);
 }
 
 void clsDataLink::Delay(std::int32_t lMilliseconds) {
-    const StopWatch watch(mHost.loop);
+    const StopWatch watch(mState->host.loop);
     while (const std::int32_t left = watch.UntilExceeds(lMilliseconds))
-        Yield(left);
+        mState->Yield(left);
 }
 
-bool clsDataLink::ReportStatus(std::string& message, std::int16_t progress) {
-    const HostCall guard(*this);
+bool LinkState::ReportStatus(std::string& message, std::int16_t progress) {
+    const HostCall guard(link);
     bool cancel = false;
-    StatusEvent.Raise(message, progress, cancel);
+    link.StatusEvent.Raise(message, progress, cancel);
     return cancel;
 }
 
-void clsDataLink::Fail(std::int32_t number, std::string_view source) {
+void LinkState::Fail(std::int32_t number, std::string_view source) {
     ReleaseBeforeRaise();
     RaiseError(number, source);
 }

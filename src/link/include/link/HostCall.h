@@ -1,16 +1,17 @@
 #pragma once
 
 #include "common/CountedScope.h"
-#include "link/clsDataLink.h"
 
 namespace qncomm {
+
+class clsDataLink;
 
 /// Marks the link as being in code of the host, a yield or an event handler, while it lives: claims
 /// and searches from there are refused, since they would put their bytes into the middle of the
 /// running exchange. Whoever raises an event of its own during an exchange holds one.
 class HostCall {
   public:
-    explicit HostCall(clsDataLink& link) : mCounted(link.mHostCalls) {}
+    explicit HostCall(clsDataLink& link);
 
   private:
     CountedScope mCounted;

@@ -4,7 +4,7 @@
 
 namespace qncomm {
 
-class clsDataLink;
+struct LinkState;
 
 /// A counted use of the port, given back when the object ends. It knows its depth (the use count it
 /// produced) and gives back only what is still its own: an error that already gave it back leaves
@@ -31,11 +31,13 @@ class PortClaim {
     /// Leaves the port claimed beyond this object's life; someone calls clsDataLink::ReleasePort.
     void Detach();
 
-  private:
-    friend class clsDataLink;
-    PortClaim(clsDataLink& link, std::int32_t depth, bool exclusive);
+    /// A granted claim: the one that made the use count depth. Only the link makes one.
+    PortClaim(LinkState& link, std::int32_t depth, bool exclusive);
+    /// The use count that this claim made; 0 for a refused one.
+    std::int32_t Depth() const { return mDepth; }
 
-    clsDataLink* mLink = nullptr;
+  private:
+    LinkState* mLink = nullptr;
     PortClaim* mOuter = nullptr;
     std::int32_t mDepth = 0;
     bool mExclusive = false;

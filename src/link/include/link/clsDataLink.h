@@ -9,9 +9,7 @@
 #include "link/PortClaim.h"
 #include "link/SerialControl.h"
 
-#include <cstddef>
 #include <cstdint>
-#include <functional>
 #include <memory>
 #include <string>
 #include <string_view>
@@ -19,8 +17,7 @@
 
 namespace qncomm {
 
-class DetachedSink;
-class FileTransfer;
+struct LinkState;
 
 enum enumFlowControl : std::int16_t {
     No_Flowcontrol = 0,
@@ -66,7 +63,7 @@ class clsDataLink {
     /// configures it, connects to its events and fills FrameFormats.
     void SetSerialPort(SerialControl* serial);
 
-    const std::shared_ptr<qncomm::RegSettings>& RegSettings() const { return mRegSettings; }
+    const std::shared_ptr<qncomm::RegSettings>& RegSettings() const;
     /// Setting an object loads the settings from it at once; setting none keeps them.
     void SetRegSettings(std::shared_ptr<qncomm::RegSettings> settings);
 
@@ -79,23 +76,23 @@ class clsDataLink {
     //    (raising 1001 to 1005 with source "DataLink:Let …"), stores it and applies all settings to
     //    the port.
 
-    const std::string& Baudrate() const { return mBaudrate; }
+    const std::string& Baudrate() const;
     void SetBaudrate(std::string_view sValue);
-    const std::string& Parity() const { return mParity; }
+    const std::string& Parity() const;
     void SetParity(std::string_view sValue);
-    const std::string& Databits() const { return mDatabits; }
+    const std::string& Databits() const;
     void SetDatabits(std::string_view sValue);
-    const std::string& Stopbits() const { return mStopbits; }
+    const std::string& Stopbits() const;
     void SetStopbits(std::string_view sValue);
     /// "0" to "3", an enumFlowControl; of any number the two low bits are taken.
-    const std::string& Flowcontrol() const { return mFlowcontrol; }
+    const std::string& Flowcontrol() const;
     void SetFlowcontrol(std::string_view sValue);
     /// The port number as text. A number below 1 becomes the first valid port of 0 to 16. Not
     /// applied to the port before ApplyCommSettings. Raises 6 for a number that is no 16-bit one.
-    const std::string& Commport() const { return mCommport; }
+    const std::string& Commport() const;
     void SetCommport(std::string_view sValue);
-    bool DSRDetectActive() const { return mDSRDetectActive; }
-    void SetDSRDetectActive(bool bValue) { mDSRDetectActive = bValue; }
+    bool DSRDetectActive() const;
+    void SetDSRDetectActive(bool bValue);
 
     /// Such as "9600,N,8,1".
     std::string SettingsText() const;
@@ -114,9 +111,9 @@ class clsDataLink {
     std::int16_t ShowSettingsDlg();
 
     /// The baud rates of the search, best first; keyed by themselves.
-    const Collection<std::string>& AutoConnectBaudrates() const { return mAutoConnectBaudrates; }
+    const Collection<std::string>& AutoConnectBaudrates() const;
     /// The formats of the search ("n,8,2"), best first; keyed by themselves.
-    const Collection<std::string>& FrameFormats() const { return mFrameFormats; }
+    const Collection<std::string>& FrameFormats() const;
 
     // -- Counted use of the port
 
@@ -127,12 +124,12 @@ class clsDataLink {
     [[nodiscard]] PortClaim AcquirePort(bool bExclusive = false);
     /// Gives one claim back. For claims that were detached; all others give themselves back.
     void ReleasePort(bool bClearTag = false, bool bForce = false);
-    std::int32_t UseCount() const { return mUseCount; }
+    std::int32_t UseCount() const;
 
     /// Whether the terminal is shown: True keeps the port open for it and routes received text
     /// there, sending nothing. A change during an exclusive operation or an exchange takes effect
     /// when that ends.
-    bool TerminalActive() const { return mTerminalActive; }
+    bool TerminalActive() const;
     void SetTerminalActive(bool bValue);
 
     // -- The exchange
@@ -172,10 +169,10 @@ class clsDataLink {
 
     /// True once the printer was found and switched to immediate mode. Setting it False forgets the
     /// printer's identity.
-    bool ImmediateMode() const { return mImmediateMode; }
+    bool ImmediateMode() const;
     void SetImmediateMode(bool bValue);
     /// The printer's serial channel that the host is wired to, 1 until found.
-    std::int16_t Stdio() const { return mStdio == 0 ? std::int16_t{1} : mStdio; }
+    std::int16_t Stdio() const;
 
     // -- Finding, identifying, rebooting
 
@@ -190,8 +187,8 @@ class clsDataLink {
     const std::string& ModelText();
     const std::string& VersionText();
     /// What the last handshake read before it set the two variables.
-    std::int16_t PreviousSysvar18() const { return mPreviousSysvar18; }
-    std::int16_t PreviousSysvar19() const { return mPreviousSysvar19; }
+    std::int16_t PreviousSysvar18() const;
+    std::int16_t PreviousSysvar19() const;
 
     /// Restarts the printer and waits, without limit, until it answers again. Does nothing when the
     /// port is refused.
@@ -228,106 +225,11 @@ class clsDataLink {
     /// prompt came: false when the line falls silent, never does for 15 s, or the port is closed.
     bool AwaitPrompt(bool bMoving);
 
+    /// What the link's own parts share. Of use to them alone: hosts see no more than its name.
+    LinkState& State() { return *mState; }
+
   private:
-    friend class PortClaim;
-    friend class AutoConnectSearch;
-    friend class HostCall;
-    friend class DetachedSink;
-    friend class FileTransfer;
-
-    SerialControl& Serial() const;
-    void AttachSink();
-    void OnSerialEvent(SerialEvent event);
-    void OnReceive();
-    void Deliver(const std::string& text);
-    void ClearReceived();
-    void OnPortLost();
-
-    void LoadCommSettings();
-    /// Runs one step of applying settings, asking the person while the port is busy; False to leave
-    /// the rest.
-    bool RunSettingsStep(const std::function<void()>& step);
-    bool AskBusyPort();
-
-    bool IsExclusive() const;
-    void OpenPort();
-    void ClosePort();
-    void RaisePortState(bool open);
-    void ReopenForTerminal();
-    /// Does what had to wait for the end of an exchange or of an exclusive operation: owed
-    /// releases, and taking or giving back the terminal's claim.
-    void Settle();
-    void ReleaseTerminal();
-    /// Puts back the tag that stood before an exclusive operation and settles what waited for its
-    /// end.
-    void EndExclusive(std::string_view formerTag);
-    bool FindPrinter(bool exclusive);
-    void EndClaim(PortClaim& claim);
-    /// Gives the innermost claim back before an error is raised, clears the mark and what was
-    /// received.
-    void ReleaseBeforeRaise();
-    [[noreturn]] void Fail(std::int32_t number, std::string_view source);
-
-    void Yield(std::int32_t limit);
-    /// Raises StatusEvent; True when a handler cancels. What it makes of the message stays.
-    bool ReportStatus(std::string& message, std::int16_t progress);
-    bool ReportStatus(std::string&& message, std::int16_t progress) {
-        return ReportStatus(message, progress);
-    }
-    void Handshake();
-    void WaitForEcho();
-    /// Waits until the received text holds "Ok" CR LF; raises what InputText raises for none.
-    void AwaitReply(std::int32_t timeout);
-    /// Raises 1000 after an overflow of the received text and 1024 when the port is closed.
-    void RequireReadable();
-    std::int32_t TakeReceivedLines(std::vector<std::string>& lines);
-    void GetPrinterError(std::string_view line);
-    void GetVersion();
-    void WaitForBoot(DetachedSink& detached);
-    void OnTransfer();
-    /// A claim that opens the port and sends nothing.
-    PortClaim ClaimLine(bool exclusive);
-    bool RunKermit(PortClaim claim, FileTransfer& transfer, const std::string& command,
-                   const std::function<void()>& start);
-    bool RunBinary(FileTransfer& transfer, std::int16_t protocol,
-                   const std::function<void()>& start);
-
-    LinkHost mHost;
-    SerialControl* mSerial = nullptr;
-    std::shared_ptr<qncomm::RegSettings> mRegSettings;
-
-    std::string mCommport;
-    std::string mBaudrate;
-    std::string mParity;
-    std::string mDatabits;
-    std::string mStopbits;
-    std::string mFlowcontrol;
-    bool mDSRDetectActive = false;
-    Collection<std::string> mAutoConnectBaudrates;
-    Collection<std::string> mFrameFormats;
-
-    std::int32_t mUseCount = 0;
-    bool mTerminalActive = false; ///< what the host asked for
-    bool mTerminalHeld = false;   ///< whether one of the counted uses is the terminal's
-    bool mPortLost = false; ///< the device went away under a claim; the next claim opens it again
-    PortClaim* mInnermost = nullptr;
-    int mHostCalls = 0;                         ///< how deep the link is in code of the host
-    std::int32_t mOwedReleases = 0;             ///< releases that came while another held the mark
-    std::unique_ptr<RunningTimer> mReopenTimer; ///< runs while the terminal's device is away
-
-    std::string mReceived; ///< received text with CR LF line ends, in receive mode 0
-    bool mReceiveOverflow = false;
-    bool mEndedInCr = false; ///< the text delivered last ended in a CR of its own
-
-    std::int16_t mTransferState = TransferIdle;
-    std::string mTransferTarget; ///< what the control is told to call the file that travels
-
-    bool mImmediateMode = false;
-    std::int16_t mStdio = 0;
-    std::string mVersionText;
-    std::string mModelText;
-    std::int16_t mPreviousSysvar18 = 0;
-    std::int16_t mPreviousSysvar19 = 0;
+    std::unique_ptr<LinkState> mState;
 };
 
 } // namespace qncomm

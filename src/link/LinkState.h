@@ -1,0 +1,135 @@
+#pragma once
+
+#include "link/clsDataLink.h"
+
+#include <cstdint>
+#include <functional>
+#include <memory>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace qncomm {
+
+class DetachedSink;
+class FileTransfer;
+
+/// What the parts of one link share: what is known of the port and of the printer, and what each
+/// part asks of the others. It lives and dies with its link.
+struct LinkState {
+    LinkState(clsDataLink& owner, const LinkHost& where) : link(owner), host(where) {}
+    LinkState(const LinkState&) = delete;
+    LinkState& operator=(const LinkState&) = delete;
+
+    // -- clsDataLink.cpp
+
+    /// Raises 91 without a serial control.
+    SerialControl& Serial() const;
+    void AttachSink();
+    /// Sleeps for at most limit ms and dispatches what is due; claims from there are refused.
+    void Yield(std::int32_t limit);
+    /// Raises StatusEvent; True when a handler cancels. What it makes of the message stays.
+    bool ReportStatus(std::string& message, std::int16_t progress);
+    bool ReportStatus(std::string&& message, std::int16_t progress) {
+        return ReportStatus(message, progress);
+    }
+    [[noreturn]] void Fail(std::int32_t number, std::string_view source);
+
+    // -- ReceivePath.cpp
+
+    void OnSerialEvent(SerialEvent event);
+    void OnReceive();
+    void Deliver(const std::string& text);
+
+    // -- PortSettings.cpp
+
+    void LoadCommSettings();
+    /// Runs one step of applying settings, asking the user while the port is busy; False to leave
+    /// the rest.
+    bool RunSettingsStep(const std::function<void()>& step);
+    bool AskBusyPort();
+
+    // -- PortOwnership.cpp
+
+    bool IsExclusive() const;
+    /// A claim that opens the port and sends nothing.
+    PortClaim ClaimLine(bool exclusive);
+    bool FindPrinter(bool exclusive);
+    void OpenPort();
+    void ClosePort();
+    void RaisePortState(bool open);
+    void OnPortLost();
+    void ReopenForTerminal();
+    /// Does what had to wait for the end of an exchange or of an exclusive operation: owed
+    /// releases, and taking or giving back the terminal's claim.
+    void Settle();
+    void ReleaseTerminal();
+    /// Puts back the tag that stood before an exclusive operation and settles what waited for its
+    /// end.
+    void EndExclusive(std::string_view formerTag);
+    /// Gives the innermost claim back before an error is raised, clears the mark and what was
+    /// received.
+    void ReleaseBeforeRaise();
+
+    // -- CommandChannel.cpp
+
+    void WaitForEcho();
+    /// Waits until the received text holds "Ok" CR LF; raises what InputText raises for none.
+    void AwaitReply(std::int32_t timeout);
+    /// Raises 1000 after an overflow of the received text and 1024 when the port is closed.
+    void RequireReadable();
+    std::int32_t TakeReceivedLines(std::vector<std::string>& lines);
+    void GetPrinterError(std::string_view line);
+    void ClearReceived();
+
+    // -- Identification.cpp, Reboot.cpp, FileTransfer.cpp
+
+    void Handshake();
+    void GetVersion();
+    void WaitForBoot(DetachedSink& detached);
+    void OnTransfer();
+    bool RunKermit(PortClaim claim, FileTransfer& transfer, const std::string& command,
+                   const std::function<void()>& start);
+    bool RunBinary(FileTransfer& transfer, std::int16_t protocol,
+                   const std::function<void()>& start);
+
+    clsDataLink& link; ///< whose state this is, for its public members
+    LinkHost host;
+    SerialControl* serial = nullptr;
+    std::shared_ptr<RegSettings> settings;
+
+    std::string commport;
+    std::string baudrate;
+    std::string parity;
+    std::string databits;
+    std::string stopbits;
+    std::string flowcontrol;
+    bool dsrDetectActive = false;
+    Collection<std::string> autoConnectBaudrates;
+    Collection<std::string> frameFormats;
+
+    std::int32_t useCount = 0;
+    bool terminalActive = false; ///< what the host asked for
+    bool terminalHeld = false;   ///< whether one of the counted uses is the terminal's
+    bool portLost = false; ///< the device went away under a claim; the next claim opens it again
+    PortClaim* innermost = nullptr;
+    int hostCalls = 0;                         ///< how deep the link is in code of the host
+    std::int32_t owedReleases = 0;             ///< releases that came while another held the mark
+    std::unique_ptr<RunningTimer> reopenTimer; ///< runs while the terminal's device is away
+
+    std::string received; ///< received text with CR LF line ends, in receive mode 0
+    bool receiveOverflow = false;
+    bool endedInCr = false; ///< the text delivered last ended in a CR of its own
+
+    std::int16_t transferState = TransferIdle;
+    std::string transferTarget; ///< what the control is told to call the file that travels
+
+    bool immediateMode = false;
+    std::int16_t stdio = 0; ///< 0 until found
+    std::string versionText;
+    std::string modelText;
+    std::int16_t previousSysvar18 = 0;
+    std::int16_t previousSysvar19 = 0;
+};
+
+} // namespace qncomm
