@@ -1,7 +1,8 @@
-// What the person types, marks, copies and looks for in the terminal view.
+// What the user types, marks, copies and looks for in the terminal view.
 
-#include "ScreenReaderText.h"
-#include "TerminalText.h"
+#include "common/Windows1252.h"
+#include "terminal/view/ScreenReaderText.h"
+#include "terminal/view/TerminalText.h"
 #include "testing/face/Accessible.h"
 #include "testing/face/Pictures.h"
 #include "testing/face/ViewRig.h"
@@ -285,7 +286,7 @@ class Told {
         const TerminalText lines(mGrid);
         const std::uint64_t end = lines.CursorLine() + 1;
         for (const TextChange& change : mReaders.Follow(ReaderScreenOf(lines, end)))
-            told.push_back((change.inserted ? "+" : "-") + change.text.toStdString());
+            told.push_back((change.inserted ? "+" : "-") + LineBytesOf(change.text));
         return told;
     }
 

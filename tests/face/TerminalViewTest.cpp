@@ -1,6 +1,6 @@
 // What the terminal view shows, and where it stays while more comes.
 
-#include "TerminalText.h"
+#include "terminal/view/TerminalText.h"
 #include "testing/face/Pictures.h"
 #include "testing/face/ViewRig.h"
 #include "testing/face/Windows.h"

@@ -1,6 +1,6 @@
 #include "testing/face/ViewRig.h"
 
-#include "TerminalText.h"
+#include "terminal/view/TerminalText.h"
 #include "testing/face/Windows.h"
 
 #include <gtest/gtest.h>

@@ -3,6 +3,8 @@
 #include <algorithm>
 #include <array>
 #include <optional>
+#include <string>
+#include <string_view>
 
 namespace qncomm {
 
@@ -27,6 +29,24 @@ constexpr std::optional<char> LineByteOf(char32_t character) {
     const auto* const found = std::ranges::find(Windows1252Upper, character);
     if (found == Windows1252Upper.end()) return std::nullopt;
     return static_cast<char>(0x80 + (found - Windows1252Upper.begin()));
+}
+
+/// Bytes of the line as UTF-16, one character a byte.
+inline std::u16string CharactersOf(std::string_view sBytes) {
+    std::u16string text(sBytes.size(), u'\0');
+    std::ranges::transform(sBytes, text.begin(), CharacterOf);
+    return text;
+}
+
+/// UTF-16 as bytes of the line; a character that has none becomes one "?".
+inline std::string LineBytesOf(std::u16string_view sText) {
+    std::string bytes;
+    bytes.reserve(sText.size());
+    for (const char16_t unit : sText) {
+        const bool secondHalf = unit >= 0xDC00 && unit < 0xE000;
+        if (!secondHalf) bytes += LineByteOf(unit).value_or('?');
+    }
+    return bytes;
 }
 
 } // namespace qncomm

@@ -21,11 +21,8 @@ QString FromLine(std::string_view sBytes) {
 }
 
 std::string ToLine(const QString& sText) {
-    std::string bytes;
-    bytes.reserve(static_cast<std::size_t>(sText.size()));
-    for (const QChar character : sText)
-        if (!character.isLowSurrogate()) bytes += LineByteOf(character.unicode()).value_or('?');
-    return bytes;
+    const QStringView text(sText);
+    return LineBytesOf({text.utf16(), static_cast<std::size_t>(text.size())});
 }
 
 QString FromHost(std::string_view sText) {

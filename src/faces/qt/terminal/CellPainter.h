@@ -1,7 +1,7 @@
 #pragma once
 
 #include "CellFont.h"
-#include "TerminalSelection.h"
+#include "terminal/view/TerminalSelection.h"
 #include "terminal/TerminalLine.h"
 
 #include <QColor>

@@ -2,6 +2,8 @@
 
 #include "TerminalView.h"
 
+#include <utility>
+
 namespace qncomm {
 namespace {
 
@@ -10,10 +12,34 @@ QAccessibleInterface* MakeTerminalInterface(const QString& /*className*/, QObjec
     return view == nullptr ? nullptr : new TerminalAccessible(*view);
 }
 
+void TellChange(QWidget& view, const TextChange& change) {
+    const QString text = QString::fromStdU16String(change.text);
+    if (change.inserted) {
+        QAccessibleTextInsertEvent event(&view, change.at, text);
+        QAccessible::updateAccessibility(&event);
+    } else {
+        QAccessibleTextRemoveEvent event(&view, change.at, text);
+        QAccessible::updateAccessibility(&event);
+    }
+}
+
 } // namespace
 
 void InstallTerminalAccessibility() {
     QAccessible::installFactory(MakeTerminalInterface); // which knows those that it has
+}
+
+void TerminalReaders::Tell(QWidget& view, const TerminalText& text, std::uint64_t contentEnd) {
+    const bool wasActive = std::exchange(mActive, QAccessible::isActive());
+    if (!mActive) return;
+    const int cursor = mScreen.Cursor();
+    const std::vector<TextChange> changes = mScreen.Follow(ReaderScreenOf(text, contentEnd));
+    if (!wasActive) return; // a program that has just started reads the whole screen
+    for (const TextChange& change : changes)
+        TellChange(view, change);
+    if (mScreen.Cursor() == cursor && changes.empty()) return;
+    QAccessibleTextCursorEvent event(&view, mScreen.Cursor());
+    QAccessible::updateAccessibility(&event);
 }
 
 TerminalAccessible::TerminalAccessible(TerminalView& view)
@@ -33,7 +59,8 @@ void* TerminalAccessible::interface_cast(QAccessible::InterfaceType type) {
 }
 
 QString TerminalAccessible::text(QAccessible::Text kind) const {
-    return kind == QAccessible::Value ? Screen().text : QAccessibleWidget::text(kind);
+    return kind == QAccessible::Value ? QString::fromStdU16String(Screen().text)
+                                      : QAccessibleWidget::text(kind);
 }
 
 QAccessible::State TerminalAccessible::state() const {
@@ -77,7 +104,7 @@ void TerminalAccessible::setCursorPosition(int /*position*/) {
 }
 
 QString TerminalAccessible::text(int startOffset, int endOffset) const {
-    return Screen().text.mid(startOffset, endOffset - startOffset);
+    return QString::fromStdU16String(Screen().text).mid(startOffset, endOffset - startOffset);
 }
 
 int TerminalAccessible::characterCount() const {

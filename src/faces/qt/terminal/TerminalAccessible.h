@@ -1,6 +1,6 @@
 #pragma once
 
-#include "ScreenReaderText.h"
+#include "terminal/view/ScreenReaderText.h"
 
 #include <QAccessibleWidget>
 
@@ -36,5 +36,20 @@ class TerminalAccessible final : public QAccessibleWidget, public QAccessibleTex
     TerminalView& View() const;
     ReaderScreen Screen() const;
 };
+
+/// Tells assistive programs what changed on a view's screen since they were last told.
+class TerminalReaders {
+  public:
+    /// Takes the screen's rows up to, not including, the line contentEnd. Costs nothing while no
+    /// such program runs.
+    void Tell(QWidget& view, const TerminalText& text, std::uint64_t contentEnd);
+
+  private:
+    ScreenReaderText mScreen;
+    bool mActive = false;
+};
+
+/// Makes every TerminalView a text to assistive programs. Harmless when repeated.
+void InstallTerminalAccessibility();
 
 } // namespace qncomm

@@ -220,50 +220,25 @@ void TerminalView::ShowFrame() {
     ++p.frames;
     if (p.shown != p.grid.Appearance()) UseFont();
     const terminal::Damage damage = p.grid.TakeDamage();
-    const std::uint64_t formerBegin = std::exchange(p.screenBegin, p.text.ScreenBegin());
-    // Rows that moved without leaving into the scroll-back have become other lines.
-    const bool renumbered = p.screenBegin - formerBegin != damage.scrolled;
-    TrackContent(damage, renumbered);
-    if (p.follows)
-        FollowCursor();
-    else
-        ScrollTo(p.top, false); // the oldest lines may be gone
-    UpdateScrollBars();
+    const bool renumbered = p.scroll.Update(damage);
+    const bool marked = !p.selection.Empty() && !p.dragging;
+    if (marked && !p.selection.Outlives(p.text, damage, renumbered)) ClearSelection();
+    ShowScroll();
     if (renumbered) viewport()->update();
     for (const std::uint16_t row : damage.rows)
-        UpdateLine(p.screenBegin + row - 1);
+        UpdateLine(p.text.ScreenBegin() + row - 1);
     UpdateCursorCell();
     if (p.grid.TakeBell()) Ring();
-    p.readers.Tell(*this, p.text, p.contentEnd);
+    p.readers.Tell(*this, p.text, p.scroll.ContentEnd());
     p.frameCostNs = p.sinceFrame.nsecsElapsed(); // painting adds its part
 }
 
 ReaderScreen TerminalView::ScreenForReaders() const {
-    return ReaderScreenOf(mParts->text, mParts->contentEnd);
+    return ReaderScreenOf(mParts->text, mParts->scroll.ContentEnd());
 }
 
 std::uint64_t TerminalView::Frames() const {
     return mParts->frames;
-}
-
-/// Follows where the text ends, and forgets a selection whose text has changed.
-void TerminalView::TrackContent(const terminal::Damage& damage, bool renumbered) {
-    Parts& p = *mParts;
-    const std::uint64_t least = p.text.CursorLine() + 1;
-    std::uint64_t end = p.contentEnd;
-    if (!damage.rows.empty()) end = std::max(end, p.screenBegin + damage.rows.back());
-    end = std::clamp(end, least, p.text.End());
-    while (end > least && p.text.IsBlank(end - 1))
-        --end;
-    p.contentEnd = end;
-    if (p.selection.Empty() || p.dragging) return;
-    const auto marked = [&](std::uint16_t row) {
-        const std::uint64_t line = p.screenBegin + row - 1;
-        return line >= p.selection.From().line && line <= p.selection.To().line;
-    };
-    const bool changed = renumbered ? p.selection.To().line >= p.screenBegin
-                                    : std::ranges::any_of(damage.rows, marked);
-    if (changed || p.selection.From().line < p.text.Begin()) ClearSelection();
 }
 
 /// The bell is seen: the text lights up, and a window in the background asks for attention.

@@ -19,9 +19,7 @@ namespace qncomm {
 class Terminal;
 struct ReaderScreen;
 struct TextPosition;
-namespace terminal {
-struct Damage;
-}
+enum class ViewCommand : std::uint8_t;
 
 /// Shows a terminal's grid and its scroll-back, and hands in what the user types and does.
 ///
@@ -116,23 +114,19 @@ class TerminalView : public QAbstractScrollArea {
 
   private:
     struct Parts;
-    struct Command;
 
     /// TerminalView.cpp
     void UseFont();
     void ShowFrame();
-    void TrackContent(const terminal::Damage& damage, bool renumbered);
     void PlaceSearchBar();
     void Ring();
     /// TerminalViewScroll.cpp
     void LayOut();
-    void FollowCursor();
-    void ScrollTo(std::uint64_t top, bool byPerson);
+    void ShowScroll();
+    void PaintScroll();
     void UpdateScrollBars();
     void UpdateLine(std::uint64_t line);
     void UpdateCursorCell();
-    std::uint64_t LastTop() const;
-    void PageBy(int pages);
     /// TerminalViewPaint.cpp
     void PaintRows(QPainter& painter, const QRect& exposed);
     void PaintCursor(QPainter& painter);
@@ -140,7 +134,7 @@ class TerminalView : public QAbstractScrollArea {
     void RestartBlink();
     void Blink();
     /// TerminalViewKeys.cpp
-    static const Command* CommandFor(const QKeyEvent& event);
+    void Run(ViewCommand command);
     bool TakesKey(const QKeyEvent& event) const;
     void TypeBytes(std::string_view bytes);
     bool Find(const QString& text, bool forward);

@@ -1,71 +1,70 @@
 // What the user types.
 
-#include "TerminalSearch.h"
 #include "TerminalViewParts.h"
 #include "TypedKeys.h"
 #include "qt/Charset.h"
+#include "terminal/view/TerminalSearch.h"
 
 #include <QApplication>
 #include <QInputMethodEvent>
 #include <QKeyEvent>
 
-#include <algorithm>
-#include <array>
-
 namespace qncomm {
 
-/// A key of the view's own.
-struct TerminalView::Command {
-    int key;
-    Qt::KeyboardModifiers held;
-    void (*run)(TerminalView& view);
-};
-
-const TerminalView::Command* TerminalView::CommandFor(const QKeyEvent& event) {
-    static const std::array commands{
-        Command{Qt::Key_F, Qt::ControlModifier, [](TerminalView& view) { view.ShowSearch(); }},
-        Command{Qt::Key_Plus, Qt::ControlModifier, [](TerminalView& view) { view.ZoomBy(1); }},
-        Command{Qt::Key_Plus, Qt::ControlModifier | Qt::ShiftModifier,
-                [](TerminalView& view) { view.ZoomBy(1); }},
-        Command{Qt::Key_Equal, Qt::ControlModifier, [](TerminalView& view) { view.ZoomBy(1); }},
-        Command{Qt::Key_Minus, Qt::ControlModifier, [](TerminalView& view) { view.ZoomBy(-1); }},
-        Command{Qt::Key_0, Qt::ControlModifier, [](TerminalView& view) { view.ZoomReset(); }},
-        Command{Qt::Key_C, Qt::ControlModifier | Qt::ShiftModifier,
-                [](TerminalView& view) {
-                    if (view.HasSelection()) view.mParts->input.Copy(view.SelectedText());
-                }},
-        Command{Qt::Key_V, Qt::ControlModifier | Qt::ShiftModifier,
-                [](TerminalView& view) {
-                    view.ScrollToEnd();
-                    view.mParts->input.Paste();
-                }},
-        Command{Qt::Key_A, Qt::ControlModifier | Qt::ShiftModifier,
-                [](TerminalView& view) { view.SelectAll(); }},
-        Command{Qt::Key_PageUp, Qt::ShiftModifier, [](TerminalView& view) { view.PageBy(-1); }},
-        Command{Qt::Key_PageDown, Qt::ShiftModifier, [](TerminalView& view) { view.PageBy(1); }},
-        Command{Qt::Key_Home, Qt::ShiftModifier,
-                [](TerminalView& view) {
-                    view.ScrollTo(view.mParts->text.Begin(), true);
-                    view.UpdateScrollBars();
-                }},
-        Command{Qt::Key_End, Qt::ShiftModifier, [](TerminalView& view) { view.ScrollToEnd(); }},
-        Command{Qt::Key_Tab, Qt::ControlModifier,
-                [](TerminalView& view) { view.QAbstractScrollArea::focusNextPrevChild(true); }},
-        Command{Qt::Key_Backtab, Qt::ControlModifier | Qt::ShiftModifier,
-                [](TerminalView& view) { view.QAbstractScrollArea::focusNextPrevChild(false); }},
-    };
-    const Qt::KeyboardModifiers held =
-        event.modifiers() & ~(Qt::KeypadModifier | Qt::GroupSwitchModifier);
-    const auto found = std::ranges::find_if(commands, [&](const Command& each) {
-        return each.key == event.key() && each.held == held;
-    });
-    return found == commands.end() ? nullptr : &*found;
+void TerminalView::Run(ViewCommand command) {
+    Parts& p = *mParts;
+    switch (command) {
+    case ViewCommand::None:
+        break;
+    case ViewCommand::Search:
+        ShowSearch();
+        break;
+    case ViewCommand::ZoomIn:
+        ZoomBy(1);
+        break;
+    case ViewCommand::ZoomOut:
+        ZoomBy(-1);
+        break;
+    case ViewCommand::ZoomReset:
+        ZoomReset();
+        break;
+    case ViewCommand::Copy:
+        if (HasSelection()) p.input.Copy(SelectedText());
+        break;
+    case ViewCommand::Paste:
+        ScrollToEnd();
+        p.input.Paste();
+        break;
+    case ViewCommand::SelectAll:
+        SelectAll();
+        break;
+    case ViewCommand::PageUp:
+        p.scroll.PageBy(-1);
+        break;
+    case ViewCommand::PageDown:
+        p.scroll.PageBy(1);
+        break;
+    case ViewCommand::ToStart:
+        p.scroll.ScrollTo(p.text.Begin());
+        break;
+    case ViewCommand::ToEnd:
+        ScrollToEnd();
+        break;
+    case ViewCommand::NextControl:
+        QAbstractScrollArea::focusNextPrevChild(true);
+        break;
+    case ViewCommand::PreviousControl:
+        QAbstractScrollArea::focusNextPrevChild(false);
+        break;
+    }
+    ShowScroll();
 }
 
 bool TerminalView::TakesKey(const QKeyEvent& event) const {
+    const KeyPress press = KeyPressOf(event);
     return isEnabled()
-           && (CommandFor(event) != nullptr || FunctionKeyOf(KeyStrokeOf(event)) != 0
-               || !BytesOf(event).empty());
+           && (CommandOf(press) != ViewCommand::None || FunctionKeyOf(KeyStrokeOf(event)) != 0
+               || !BytesOf(press).empty());
 }
 
 void TerminalView::keyPressEvent(QKeyEvent* event) {
@@ -77,11 +76,12 @@ void TerminalView::keyPressEvent(QKeyEvent* event) {
         return;
     }
     if (stroke.code != 0 && !input.KeyDown(stroke)) return;
-    if (const Command* command = CommandFor(*event)) {
-        command->run(*this);
+    const KeyPress press = KeyPressOf(*event);
+    if (const ViewCommand command = CommandOf(press); command != ViewCommand::None) {
+        Run(command);
         return;
     }
-    const std::string bytes = BytesOf(*event);
+    const std::string bytes = BytesOf(press);
     if (bytes.empty())
         event->ignore();
     else
@@ -90,9 +90,9 @@ void TerminalView::keyPressEvent(QKeyEvent* event) {
 
 void TerminalView::TypeBytes(std::string_view bytes) {
     Parts& p = *mParts;
-    p.typedOn = p.text.CursorLine();
     if (!p.selection.Empty()) ClearSelection();
-    if (!p.follows) ScrollToEnd();
+    p.scroll.KeyTyped();
+    ShowScroll();
     if (!p.input.Type(bytes)) Ring(); // the key is lost: say so
 }
 
@@ -136,19 +136,16 @@ bool TerminalView::FindPrevious(const QString& sText) {
 bool TerminalView::Find(const QString& text, bool forward) {
     Parts& p = *mParts;
     // The first search looks from the end of the text back: what came last is wanted most.
-    const TextPosition from =
-        p.selection.Empty() ? TextPosition{p.contentEnd - 1, p.widest} : p.selection.From();
+    const TextPosition from = p.selection.Empty() ? p.scroll.TextEnd() : p.selection.From();
     const auto found = FindText(p.text, ToLine(text), from,
                                 forward ? SearchDirection::Forward : SearchDirection::Back);
     if (!found) {
         ClearSelection();
         return false;
     }
-    ScrollToLine(found->from.line);
-    const auto columns = static_cast<std::size_t>(p.columns);
-    if (found->from.column < p.left || found->to.column > p.left + columns)
-        p.left = found->to.column <= columns ? 0 : found->from.column;
-    UpdateScrollBars();
+    p.scroll.ScrollToLine(found->from.line);
+    p.scroll.ShowColumns(found->from.column, found->to.column);
+    ShowScroll();
     Select(found->from, found->to);
     return true;
 }

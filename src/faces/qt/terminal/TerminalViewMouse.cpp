@@ -21,18 +21,18 @@ constexpr int LinesPerNotch = 3;
 
 } // namespace
 
-/// The place under a point of the viewport: the nearest edge between two cells, or the left edge of
-/// the cell itself.
+QPointF TerminalView::Parts::CellsAt(const QPoint& at) const {
+    return {(at.x() - PadLeft) / font.Width(), (at.y() - PadTop) / font.Height()};
+}
+
 TextPosition TerminalView::Parts::PositionAt(const QPoint& at, bool betweenCells) const {
-    const auto row = static_cast<std::int64_t>(std::floor((at.y() - PadTop) / font.Height()));
-    const auto least = static_cast<std::int64_t>(text.Begin());
-    const auto most = static_cast<std::int64_t>(contentEnd) - 1;
-    const std::int64_t line = std::clamp(static_cast<std::int64_t>(top) + row, least, most);
-    const qreal cells = (at.x() - PadLeft) / font.Width() + static_cast<qreal>(left);
-    const qreal column = betweenCells ? std::round(cells) : std::floor(cells);
-    const auto width = static_cast<qreal>(grid.Columns());
-    return {static_cast<std::uint64_t>(line),
-            static_cast<std::size_t>(std::clamp(column, 0.0, width))};
+    const QPointF cells = CellsAt(at);
+    return scroll.PositionAt(cells.y(), cells.x(), betweenCells);
+}
+
+void TerminalView::Parts::StartSelection(const QPoint& at, int presses, bool block) {
+    const TerminalSelection::Kind kind = TerminalSelection::KindOf(presses, block);
+    selection.Start(text, PositionAt(at, TerminalSelection::IsByCells(kind)), kind);
 }
 
 TextPosition TerminalView::PositionAt(const QPoint& at) const {
@@ -44,7 +44,6 @@ void TerminalView::mousePressEvent(QMouseEvent* event) {
     event->accept();
     if (event->button() == Qt::RightButton) p.input.MenuAsked();
     if (event->button() != Qt::LeftButton) return;
-    using Kind = TerminalSelection::Kind;
     const QPoint at = event->position().toPoint();
     const QStyleHints& hints = *QGuiApplication::styleHints();
     const bool third = p.sinceDoubleClick.isValid()
@@ -55,11 +54,8 @@ void TerminalView::mousePressEvent(QMouseEvent* event) {
     p.dragAt = at;
     if (event->modifiers().testFlag(Qt::ShiftModifier) && !p.selection.Untouched())
         p.selection.ExtendTo(p.text, p.PositionAt(at, p.selection.IsByCells()));
-    else if (third)
-        p.selection.Start(p.text, p.PositionAt(at, false), Kind::Lines);
     else
-        p.selection.Start(p.text, p.PositionAt(at, true),
-                          event->modifiers().testFlag(Qt::AltModifier) ? Kind::Block : Kind::Cells);
+        p.StartSelection(at, third ? 3 : 1, event->modifiers().testFlag(Qt::AltModifier));
     viewport()->update();
     emit selectionChanged();
 }
@@ -75,7 +71,7 @@ void TerminalView::mouseDoubleClickEvent(QMouseEvent* event) {
     p.sinceDoubleClick.start();
     p.dragging = true;
     p.dragAt = p.doubleClickAt;
-    p.selection.Start(p.text, p.PositionAt(p.doubleClickAt, false), TerminalSelection::Kind::Words);
+    p.StartSelection(p.doubleClickAt, 2, false);
     viewport()->update();
     emit selectionChanged();
 }
@@ -96,9 +92,9 @@ void TerminalView::mouseMoveEvent(QMouseEvent* event) {
 void TerminalView::DragTo(const QPoint& at) {
     Parts& p = *mParts;
     p.dragAt = at;
-    if (at.y() < 0 && p.top > p.text.Begin()) ScrollTo(p.top - 1, true);
-    if (at.y() >= viewport()->height()) ScrollTo(p.top + 1, true);
-    UpdateScrollBars();
+    if (at.y() < 0 && p.scroll.Top() > p.text.Begin()) p.scroll.ScrollBy(-1);
+    if (at.y() >= viewport()->height()) p.scroll.ScrollBy(1);
+    ShowScroll();
     p.selection.ExtendTo(p.text, p.PositionAt(at, p.selection.IsByCells()));
     viewport()->update();
     emit selectionChanged();
@@ -123,15 +119,9 @@ void TerminalView::wheelEvent(QWheelEvent* event) {
     p.wheelRest += event->angleDelta() * LinesPerNotch;
     const QPoint steps = p.wheelRest / NotchUnits;
     p.wheelRest -= steps * NotchUnits;
-    const std::int64_t top = static_cast<std::int64_t>(p.top) - steps.y();
-    const auto begin = static_cast<std::int64_t>(p.text.Begin());
-    if (steps.y() != 0) ScrollTo(static_cast<std::uint64_t>(std::max(top, begin)), true);
-    const std::int64_t left = static_cast<std::int64_t>(p.left) - steps.x();
-    const auto most = static_cast<std::int64_t>(p.widest) - p.columns;
-    const auto column = static_cast<std::size_t>(
-        std::clamp<std::int64_t>(left, 0, std::max<std::int64_t>(most, 0)));
-    if (steps.x() != 0 && std::exchange(p.left, column) != column) viewport()->update();
-    UpdateScrollBars();
+    if (steps.y() != 0) p.scroll.ScrollBy(-steps.y());
+    if (steps.x() != 0) p.scroll.ScrollColumnsBy(-steps.x());
+    ShowScroll();
 }
 
 void TerminalView::contextMenuEvent(QContextMenuEvent* event) {
@@ -162,7 +152,7 @@ void TerminalView::Select(const TextPosition& from, const TextPosition& to) {
 
 void TerminalView::SelectAll() {
     const Parts& p = *mParts;
-    Select({p.text.Begin(), 0}, {p.contentEnd - 1, static_cast<std::size_t>(p.grid.Columns())});
+    Select({p.text.Begin(), 0}, {p.scroll.ContentEnd() - 1, p.text.Width()});
 }
 
 void TerminalView::ClearSelection() {

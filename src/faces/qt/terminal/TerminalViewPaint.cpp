@@ -58,18 +58,19 @@ void TerminalView::PaintRows(QPainter& painter, const QRect& exposed) {
     const qreal height = p.font.Height();
     const auto first = static_cast<int>(std::max(0, exposed.top() - Parts::PadTop) / height);
     const auto last = static_cast<int>(std::max(0, exposed.bottom() - Parts::PadTop) / height);
-    const auto across = static_cast<std::size_t>(p.columns) + 1;
-    const auto width = static_cast<std::size_t>(p.grid.Columns());
+    const auto across = static_cast<std::size_t>(p.scroll.Columns()) + 1;
+    const std::size_t width = p.text.Width();
+    const std::size_t left = p.scroll.Left();
     CellPainter cells(painter, p.font, p.colours);
     painter.setClipRect(exposed);
     for (int row = first; row <= last; ++row) {
-        const std::uint64_t number = p.top + static_cast<std::uint64_t>(row);
+        const std::uint64_t number = p.scroll.Top() + static_cast<std::uint64_t>(row);
         if (number >= p.text.End()) break;
-        const QPointF at(Parts::PadLeft - static_cast<qreal>(p.left) * p.font.Width(),
+        const QPointF at(Parts::PadLeft - static_cast<qreal>(left) * p.font.Width(),
                          Parts::PadTop + row * height);
         cells.Paint(
             p.text.Line(number), at,
-            {p.left, std::min(p.left + across, width), p.selection.On(number, width), !p.cursorOn});
+            {left, std::min(left + across, width), p.selection.On(number, width), !p.cursorOn});
     }
     p.sawBlink = p.sawBlink || cells.SawBlink();
     painter.setClipping(false);
@@ -78,6 +79,7 @@ void TerminalView::PaintRows(QPainter& painter, const QRect& exposed) {
 void TerminalView::PaintCursor(QPainter& painter) {
     Parts& p = *mParts;
     const QRect cell = CursorRect();
+    const std::size_t left = p.scroll.Left();
     if (!p.preedit.isEmpty()) {
         painter.setFont(p.font.Font());
         const QRect place(cell.topLeft(), painter.fontMetrics().size(0, p.preedit));
@@ -87,13 +89,13 @@ void TerminalView::PaintCursor(QPainter& painter) {
         painter.drawLine(place.bottomLeft(), place.bottomRight());
         return;
     }
-    if (!p.grid.CursorVisible() || p.text.CursorColumn() < p.left) return;
+    if (!p.grid.CursorVisible() || p.text.CursorColumn() < left) return;
     if (!hasFocus()) {
         for (const QRect& edge : EdgesOf(cell))
             painter.fillRect(edge, p.colours.text);
     } else if (p.cursorOn) {
-        const auto row = static_cast<std::int64_t>(p.text.CursorLine() - p.top);
-        const QPointF at(Parts::PadLeft - static_cast<qreal>(p.left) * p.font.Width(),
+        const auto row = static_cast<std::int64_t>(p.text.CursorLine() - p.scroll.Top());
+        const QPointF at(Parts::PadLeft - static_cast<qreal>(left) * p.font.Width(),
                          Parts::PadTop + static_cast<qreal>(row) * p.font.Height());
         CellPainter(painter, p.font, p.colours)
             .PaintInverted(p.text.Line(p.text.CursorLine()), at, p.text.CursorColumn());
@@ -129,7 +131,7 @@ void TerminalView::Blink() {
     // At once: an update would wake the loop a second time.
     if (p.sawBlink)
         viewport()->repaint();
-    else if (p.CursorIsInView())
+    else if (p.scroll.Shows(p.text.CursorLine()))
         viewport()->repaint(CursorRect());
 }
 

@@ -2,25 +2,24 @@
 
 #include "CellFont.h"
 #include "CellPainter.h"
-#include "ScreenReaderText.h"
 #include "SearchBar.h"
-#include "TerminalSelection.h"
-#include "TerminalText.h"
+#include "TerminalAccessible.h"
 #include "TerminalView.h"
 #include "terminal/Terminal.h"
-
-#include <optional>
+#include "terminal/view/TerminalScroll.h"
+#include "terminal/view/TerminalSelection.h"
 
 namespace qncomm {
 
 struct TerminalView::Parts {
     Parts(Terminal& ownGrid, TerminalInput& ownInput)
-        : grid(ownGrid), input(ownInput), text(ownGrid) {}
+        : grid(ownGrid), input(ownInput), text(ownGrid), scroll(text) {}
 
     Terminal& grid;
     TerminalInput& input;
     TerminalText text;
-    ScreenReaderText readers;
+    TerminalScroll scroll;
+    TerminalReaders readers;
 
     /// How it looks.
     CellFont font;
@@ -29,18 +28,11 @@ struct TerminalView::Parts {
     qreal devicePixels = 0;
     int zoom = 0;
 
-    /// What is in view.
-    std::uint64_t top = 0;
-    std::size_t left = 0;
-    int rows = 1; ///< whole ones
-    int columns = 1;
-    bool follows = true;
+    /// What is painted.
+    std::uint64_t paintedTop = 0;
+    std::size_t paintedLeft = 0;
+    TextPosition paintedCursor;
     bool settingBars = false;
-    std::uint64_t screenBegin = 0;        ///< as of the last frame
-    std::uint64_t contentEnd = 1;         ///< behind the last line that holds anything
-    std::size_t widest = 0;               ///< of the lines seen so far
-    std::optional<std::uint64_t> typedOn; ///< the line that the user types on
-    TextPosition cursor;                  ///< where it was painted
 
     /// What the user does.
     TerminalSelection selection;
@@ -67,11 +59,13 @@ struct TerminalView::Parts {
     static constexpr int PadLeft = 4;
     static constexpr int PadTop = 2;
 
-    bool CursorIsInView() const {
-        return text.CursorLine() >= top
-               && text.CursorLine() <= top + static_cast<std::uint64_t>(rows);
-    }
+    /// The row and column at a point of the viewport, in fractions of a cell.
+    QPointF CellsAt(const QPoint& at) const;
+    /// The place at a point: the nearest edge between two cells, or the left edge of the cell
+    /// itself.
     TextPosition PositionAt(const QPoint& at, bool betweenCells) const;
+    /// The left button has gone down so many times in a row there.
+    void StartSelection(const QPoint& at, int presses, bool block);
 };
 
 } // namespace qncomm

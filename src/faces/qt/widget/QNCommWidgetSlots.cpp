@@ -15,7 +15,7 @@ bool QNCommWidget::run(const std::function<void(QNComm& control)>& action) {
         action(control());
         return !self.isNull();
     } catch (const OperationCancelled&) {
-        return false; // the person knows
+        return false; // the user knows
     } catch (const QNError& known) {
         if (self) self->Report(known);
         return false;

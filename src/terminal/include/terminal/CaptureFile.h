@@ -16,7 +16,7 @@ enum class CaptureStatus {
     Failed,      ///< any other error of the system
 };
 
-/// The outcome as a value: what the program acts on, the system's number and a text for the person.
+/// The outcome as a value: what the program acts on, the system's number and a text to show.
 struct CaptureResult {
     CaptureStatus status = CaptureStatus::Done;
     int systemNumber = 0; ///< 0 when the system gave none

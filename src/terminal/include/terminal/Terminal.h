@@ -77,7 +77,7 @@ class Terminal {
     /// A row as it is now; an empty line for a row that there is not.
     terminal::TerminalLine Row(std::int16_t iRow) const;
 
-    // -- What has scrolled off at the top, for the person who looks
+    // -- What has scrolled off at the top
 
     /// The lines kept are numbered Begin up to, not including, End. A line keeps its number; the
     /// first that ever left the screen is 0. The screen's first row would become line End.

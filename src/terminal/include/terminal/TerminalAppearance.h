@@ -5,7 +5,7 @@
 
 namespace qncomm::terminal {
 
-/// How a face shows the terminal. Kept here for whoever owns the terminal; it changes no cell.
+/// How a face shows the terminal. Kept here for its owner; it changes no cell.
 struct TerminalAppearance {
     std::int32_t backColor = 0x00FFFFFF; ///< 0x00BBGGRR, or negative for a colour of the system
     std::int32_t foreColor = 0x00000000;

@@ -1,11 +1,10 @@
-#include "TerminalSelection.h"
+#include "terminal/view/TerminalSelection.h"
 
-#include "qt/Charset.h"
-
-#include <QChar>
+#include "terminal/view/Letters.h"
 
 #include <algorithm>
 #include <limits>
+#include <string_view>
 #include <tuple>
 #include <utility>
 
@@ -19,8 +18,7 @@ enum class CellClass { Blank, Name, Other };
 
 CellClass ClassOf(char cell) {
     if (cell == ' ') return CellClass::Blank;
-    const bool name = QChar(CharacterOf(cell)).isLetterOrNumber()
-                      || PartsOfNames.find(cell) != std::string_view::npos;
+    const bool name = IsLetterOrNumber(cell) || PartsOfNames.find(cell) != std::string_view::npos;
     return name ? CellClass::Name : CellClass::Other;
 }
 
@@ -86,6 +84,22 @@ void TerminalSelection::Mark(const TextPosition& from, const TextPosition& to) {
     mFixedTo = from;
     mFrom = from;
     mTo = to;
+}
+
+TerminalSelection::Kind TerminalSelection::KindOf(int presses, bool bBlock) {
+    if (presses >= 3) return Kind::Lines;
+    if (presses == 2) return Kind::Words;
+    return bBlock ? Kind::Block : Kind::Cells;
+}
+
+bool TerminalSelection::Outlives(const TerminalText& text, const terminal::Damage& damage,
+                                 bool bRenumbered) const {
+    if (mFrom.line < text.Begin()) return false;
+    if (bRenumbered) return mTo.line < text.ScreenBegin();
+    return std::ranges::none_of(damage.rows, [&](std::uint16_t row) {
+        const std::uint64_t line = text.ScreenBegin() + row - 1;
+        return line >= mFrom.line && line <= mTo.line;
+    });
 }
 
 TerminalSelection::Columns TerminalSelection::On(std::uint64_t line, std::size_t width) const {

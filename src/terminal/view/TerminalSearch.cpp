@@ -1,36 +1,9 @@
-#include "TerminalSearch.h"
+#include "terminal/view/TerminalSearch.h"
 
-#include "qt/Charset.h"
-
-#include <QChar>
-
-#include <array>
+#include "terminal/view/Letters.h"
 
 namespace qncomm {
 namespace {
-
-using FoldTable = std::array<char, 256>;
-
-/// Each byte as the small letter that it is, so that a comparison of bytes ignores case.
-const FoldTable& Folds() {
-    static const FoldTable table = [] {
-        FoldTable folds{};
-        for (std::size_t byte = 0; byte < folds.size(); ++byte) {
-            const auto cell = static_cast<char>(byte);
-            const std::string small = ToLine(QString(QChar(CharacterOf(cell)).toLower()));
-            folds[byte] = small == "?" ? cell : small.front();
-        }
-        return folds;
-    }();
-    return table;
-}
-
-std::string Folded(std::string_view text) {
-    std::string folded(text);
-    for (char& cell : folded)
-        cell = Folds()[static_cast<unsigned char>(cell)];
-    return folded;
-}
 
 FoundText Found(const Paragraph& paragraph, std::size_t at, std::size_t length) {
     TextPosition to = paragraph.PositionOf(at + length - 1);
@@ -82,12 +55,12 @@ std::optional<FoundText> FindText(const TerminalText& text, std::string_view sWa
                                   const TextPosition& from, SearchDirection direction) {
     if (sWanted.empty()) return std::nullopt;
     const bool forward = direction == SearchDirection::Forward;
-    const std::string wanted = Folded(sWanted);
+    const std::string wanted = WithSmallLetters(sWanted);
     Walk walk(text, from.line, direction);
     // Forward from behind the first cell, so that the same place is not found again.
     std::size_t offset = walk.Now().OffsetOf(from) + (forward ? 1 : 0);
     do {
-        const std::size_t at = FindIn(Folded(walk.Now().text), wanted, offset, direction);
+        const std::size_t at = FindIn(WithSmallLetters(walk.Now().text), wanted, offset, direction);
         if (at != std::string::npos) return Found(walk.Now(), at, wanted.size());
         offset = forward ? 0 : std::string::npos;
     } while (walk.Next());

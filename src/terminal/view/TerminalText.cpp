@@ -1,4 +1,4 @@
-#include "TerminalText.h"
+#include "terminal/view/TerminalText.h"
 
 #include <algorithm>
 
