@@ -1,7 +1,7 @@
 // What the user types, marks, copies and looks for in the terminal view.
 
 #include "common/Windows1252.h"
-#include "terminal/view/ScreenReaderText.h"
+#include "terminal/view/Letters.h"
 #include "terminal/view/TerminalText.h"
 #include "testing/face/Accessible.h"
 #include "testing/face/Pictures.h"
@@ -277,39 +277,15 @@ TEST(ViewForReaders, TheTerminalIsATextWithACursor) {
     EXPECT_EQ(end, 8);
 }
 
-/// The steps that a screen reader is told after more text, "+" for what came and "-" for what went.
-class Told {
-  public:
-    std::vector<std::string> After(std::string_view text) {
-        mGrid.Write(text);
-        std::vector<std::string> told;
-        const TerminalText lines(mGrid);
-        const std::uint64_t end = lines.CursorLine() + 1;
-        for (const TextChange& change : mReaders.Follow(ReaderScreenOf(lines, end)))
-            told.push_back((change.inserted ? "+" : "-") + LineBytesOf(change.text));
-        return told;
+/// Letters and case are told by a table of bytes; the toolkit knows them of every character.
+TEST(ViewSearch, LettersAndCaseAreTheToolkitsForEveryByte) {
+    for (int value = 0; value < 256; ++value) {
+        const char byte = static_cast<char>(value);
+        const QChar character(CharacterOf(byte));
+        EXPECT_EQ(IsLetterOrNumber(byte), character.isLetterOrNumber()) << value;
+        const auto small = LineByteOf(character.toLower().unicode());
+        EXPECT_EQ(WithSmallLetters({&byte, 1}), std::string(1, small.value_or(byte))) << value;
     }
-
-  private:
-    static Terminal::Options FourRows() {
-        Terminal::Options options;
-        options.rows = 4;
-        return options;
-    }
-
-    Terminal mGrid{FourRows()};
-    ScreenReaderText mReaders;
-};
-
-TEST(ViewForReaders, OutputIsToldAsItComesAndNothingTwice) {
-    Told told;
-    EXPECT_THAT(told.After("> "), ElementsAre("+> "));
-    EXPECT_THAT(told.After("PRINT 1\r\n1\r\n"), ElementsAre("+PRINT 1\n1\n"));
-    EXPECT_THAT(told.After("Ok\r\n"), ElementsAre("+Ok\n"));
-    EXPECT_THAT(told.After("more"), ElementsAre("+more"));
-    EXPECT_THAT(told.After("\r\nnext"), ElementsAre("-> PRINT 1\n", "+\nnext"));
-    EXPECT_THAT(told.After("\b\b\b\b\x1B[K"), ElementsAre("-next"));
-    EXPECT_THAT(told.After(""), IsEmpty());
 }
 
 } // namespace

@@ -33,6 +33,8 @@ constexpr std::array<std::string_view, 7> BelowConsole{"assembly", "control", "p
 constexpr std::array<std::string_view, 8> BelowQt{"assembly", "terminal", "control", "printer",
                                                   "link",     "dialogs",  "common",  "platform"};
 
+constexpr std::array<std::string_view, 2> TerminalCommon{"terminal", "common"};
+
 constexpr std::array Rules{
     Rule{"common", {}, true},
     Rule{"link", Common, true},
@@ -41,6 +43,7 @@ constexpr std::array Rules{
     Rule{"control", BelowControl, true},
     Rule{"platform", Common, false},
     Rule{"transfer", Common, true},
+    Rule{"terminal/view", TerminalCommon, true},
     Rule{"terminal", Common, true},
     Rule{"trace", BelowTrace, false},
     Rule{"serial", BelowSerial, false},
@@ -75,12 +78,19 @@ const Rule* RuleFor(std::string_view file) {
     return found != Rules.end() ? &*found : nullptr;
 }
 
+/// A folder with a row of its own inside of another one is not that other one's own.
+bool IsOwn(const Rule& rule, std::string_view include) {
+    const Rule* inner = RuleFor(include);
+    if (inner != nullptr && inner != &rule) return false;
+    return FirstFolder(include) == rule.folder.substr(rule.folder.find('/') + 1);
+}
+
 bool Allows(const Rule& rule, std::string_view include) {
     const std::string_view folder = FirstFolder(include);
-    const std::string_view own = rule.folder.substr(rule.folder.find('/') + 1);
-    return folder == own || std::ranges::any_of(rule.mayInclude, [&](std::string_view allowed) {
-               return allowed.ends_with(".h") ? allowed == include : allowed == folder;
-           });
+    return IsOwn(rule, include)
+           || std::ranges::any_of(rule.mayInclude, [&](std::string_view allowed) {
+                  return allowed.ends_with(".h") ? allowed == include : allowed == folder;
+              });
 }
 
 std::optional<std::string> Objection(const Rule& rule, const Include& include) {

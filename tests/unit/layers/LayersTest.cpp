@@ -61,6 +61,19 @@ TEST(IncludeRules, HoldTheTerminalToTheStandardLibrary) {
                 ElementsAre(HasSubstr("standard library")));
     EXPECT_THAT(StrayIncludes("terminal/Grid.cpp", Line("\"serial/PDQComm.h\"")),
                 ElementsAre(HasSubstr("is not in the row of terminal/")));
+    EXPECT_THAT(StrayIncludes("terminal/Grid.cpp", Line("\"terminal/view/KeyPress.h\"")),
+                ElementsAre(HasSubstr("is not in the row of terminal/")));
+}
+
+TEST(IncludeRules, KeepToolkitsFromTheRulesOfInteraction) {
+    const std::string_view file = "terminal/view/KeyPress.cpp";
+    EXPECT_THAT(StrayIncludes(file, Line("\"terminal/Terminal.h\"")), IsEmpty());
+    EXPECT_THAT(StrayIncludes(file, Line("\"terminal/view/Letters.h\"")), IsEmpty());
+    EXPECT_THAT(StrayIncludes(file, Line("\"common/Windows1252.h\"")), IsEmpty());
+    EXPECT_THAT(StrayIncludes(file, Line("<QKeyEvent>")),
+                ElementsAre(HasSubstr("standard library")));
+    EXPECT_THAT(StrayIncludes(file, Line("\"qt/KeyCodes.h\"")),
+                ElementsAre(HasSubstr("is not in the row of terminal/view/")));
 }
 
 TEST(IncludeRules, LetTheTransferEnginesBeUsedBySerialAndTheSimulatorAlone) {
