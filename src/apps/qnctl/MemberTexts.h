@@ -3,7 +3,7 @@
 #include "Outcome.h"
 #include "Output.h"
 
-#include "control/SurfaceMembers.h"
+#include "automation/SurfaceMembers.h"
 
 #include <optional>
 #include <string>

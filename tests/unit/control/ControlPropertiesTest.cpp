@@ -1,4 +1,4 @@
-#include "ControlFixture.h"
+#include "testing/core/ControlFixture.h"
 
 #include "common/Numbers.h"
 #include "common/Text.h"

@@ -1,7 +1,7 @@
 #include "OperationLoop.h"
 
-#include "ControlFixture.h"
 #include "common/QNError.h"
+#include "testing/core/ControlFixture.h"
 
 namespace qncomm {
 namespace {

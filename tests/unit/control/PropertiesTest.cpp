@@ -1,5 +1,5 @@
-#include "ControlFixture.h"
 #include "testing/core/CommaLocale.h"
+#include "testing/core/ControlFixture.h"
 
 namespace qncomm {
 namespace {

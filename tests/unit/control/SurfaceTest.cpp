@@ -1,7 +1,7 @@
-#include "ControlFixture.h"
 #include "common/modErrorHandling.h"
 #include "link/clsDataLink.h"
 #include "printer/clsQuorin.h"
+#include "testing/core/ControlFixture.h"
 
 namespace qncomm {
 namespace {

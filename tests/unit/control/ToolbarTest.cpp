@@ -1,7 +1,7 @@
-#include "ControlFixture.h"
 #include "common/modErrorHandling.h"
 #include "dialogs/frmCommSettings.h"
 #include "dialogs/frmFunctionKeysSetup.h"
+#include "testing/core/ControlFixture.h"
 
 namespace qncomm {
 namespace {

@@ -1,6 +1,6 @@
-#include "ControlFixture.h"
 #include "common/modErrorHandling.h"
 #include "dialogs/frmBinaryTransfer.h"
+#include "testing/core/ControlFixture.h"
 
 namespace qncomm {
 namespace {

@@ -1,5 +1,5 @@
-#include "ControlFixture.h"
 #include "common/modErrorHandling.h"
+#include "testing/core/ControlFixture.h"
 
 namespace qncomm {
 namespace {

@@ -21,6 +21,8 @@ struct Rule {
 constexpr std::array<std::string_view, 1> Common{"common"};
 constexpr std::array<std::string_view, 2> LinkCommon{"link", "common"};
 constexpr std::array<std::string_view, 4> BelowControl{"printer", "link", "dialogs", "common"};
+constexpr std::array<std::string_view, 5> BelowAutomation{"control", "printer", "link", "dialogs",
+                                                          "common"};
 constexpr std::array<std::string_view, 2> BelowTrace{"common", "platform"};
 constexpr std::array<std::string_view, 6> BelowSerial{
     "common", "platform", "link/SerialControl.h", "transfer", "terminal", "trace"};
@@ -28,10 +30,11 @@ constexpr std::array<std::string_view, 3> BelowSimulator{"transfer", "trace", "p
 constexpr std::array<std::string_view, 10> BelowAssembly{
     "control",  "printer", "link",     "dialogs", "common",
     "platform", "serial",  "terminal", "trace",   "simulator"};
-constexpr std::array<std::string_view, 7> BelowConsole{"assembly", "control", "printer", "link",
-                                                       "dialogs",  "common",  "platform"};
-constexpr std::array<std::string_view, 8> BelowQt{"assembly", "terminal", "control", "printer",
-                                                  "link",     "dialogs",  "common",  "platform"};
+constexpr std::array<std::string_view, 8> BelowConsole{
+    "automation", "assembly", "control", "printer", "link", "dialogs", "common", "platform"};
+constexpr std::array<std::string_view, 9> BelowQt{"automation", "assembly", "terminal",
+                                                  "control",    "printer",  "link",
+                                                  "dialogs",    "common",   "platform"};
 
 constexpr std::array<std::string_view, 2> TerminalCommon{"terminal", "common"};
 
@@ -41,6 +44,7 @@ constexpr std::array Rules{
     Rule{"printer", LinkCommon, true},
     Rule{"dialogs", LinkCommon, true},
     Rule{"control", BelowControl, true},
+    Rule{"automation", BelowAutomation, true},
     Rule{"platform", Common, false},
     Rule{"transfer", Common, true},
     Rule{"terminal/view", TerminalCommon, true},
@@ -54,10 +58,10 @@ constexpr std::array Rules{
 };
 
 /// The project's folders as they stand at the start of an include.
-constexpr std::array<std::string_view, 18> ProjectFolders{
-    "transfer", "terminal", "common", "link",      "printer",  "dialogs",
-    "control",  "platform", "serial", "simulator", "assembly", "faces",
-    "console",  "qt",       "apps",   "bindings",  "tests",    "trace"};
+constexpr std::array<std::string_view, 19> ProjectFolders{
+    "automation", "transfer", "terminal", "common",    "link",     "printer", "dialogs",
+    "control",    "platform", "serial",   "simulator", "assembly", "faces",   "console",
+    "qt",         "apps",     "bindings", "tests",     "trace"};
 
 const std::regex& StandardHeader() {
     // Standard headers have neither a folder nor an extension; their C forms (<stdio.h>) are not

@@ -45,6 +45,15 @@ TEST(IncludeRules, RefuseTheSystemAndToolkitsInTheCore) {
                 ElementsAre(HasSubstr("standard library")));
 }
 
+TEST(IncludeRules, LetCallersByNameSeeTheControlAndTheControlNoneOfThem) {
+    EXPECT_THAT(StrayIncludes("automation/X.cpp", Line("\"control/QNComm.h\"")), IsEmpty());
+    EXPECT_THAT(StrayIncludes("apps/qnctl/X.cpp", Line("\"automation/X.h\"")), IsEmpty());
+    EXPECT_THAT(StrayIncludes("automation/X.cpp", Line("\"console/Charset.h\"")),
+                ElementsAre(HasSubstr("is not in the row of automation/")));
+    EXPECT_THAT(StrayIncludes("control/X.cpp", Line("\"automation/X.h\"")),
+                ElementsAre(HasSubstr("is not in the row of control/")));
+}
+
 TEST(IncludeRules, LetSerialSeeOneHeaderOfTheLinkAndNothingOfTheVirtualPrinter) {
     EXPECT_THAT(StrayIncludes("serial/PDQComm.h", Line("\"link/SerialControl.h\"")), IsEmpty());
     EXPECT_THAT(StrayIncludes("serial/PDQComm.h", Line("\"link/clsDataLink.h\"")),

@@ -1,7 +1,7 @@
 #pragma once
 
+#include "automation/SurfaceMembers.h"
 #include "common/Collection.h"
-#include "control/SurfaceMembers.h"
 #include "control/TerminalFont.h"
 
 #include <cstddef>

@@ -1,6 +1,6 @@
-#include "ControlFixture.h"
 #include "SurfaceReader.h"
-#include "control/SurfaceMembers.h"
+#include "automation/SurfaceMembers.h"
+#include "testing/core/ControlFixture.h"
 
 #include <fstream>
 #include <iterator>

@@ -1,4 +1,4 @@
-#include "control/SurfaceMembers.h"
+#include "automation/SurfaceMembers.h"
 
 #include "MemberArguments.h"
 #include "common/RuntimeErrors.h"
