@@ -87,6 +87,14 @@ std::string FoundAt(ControlDesk& desk) {
     return desk.mSettings->ReadValue("Settings", "Baudrate", "") + desk.Control().PrinterType();
 }
 
+void InstallLogo(ControlDesk& desk, QNComm& control) {
+    control.InstallImage(desk.mFolder.Write("logo.pcx", qncomm::testing::TestPcx(200, 200)));
+}
+
+std::string PortIsOpen(ControlDesk& desk) {
+    return std::to_string(desk.mAssembly->Serial().PortOpen());
+}
+
 std::string OnC(ControlDesk& desk) {
     return Joined(desk.Control().Files("c:"));
 }
@@ -99,9 +107,9 @@ const std::vector<LongOperation>& LongOperations() {
          FoundAt},
         {"SearchInDialog", Nothing, SearchInDialog, FoundAt},
         {"Show", Nothing, [](ControlDesk&, QNComm& control) { control.UserControl_Show(); },
-         [](ControlDesk& desk) { return std::to_string(desk.mAssembly->Serial().PortOpen()); }},
+         PortIsOpen},
         {"Hide", FoundAndShown, [](ControlDesk&, QNComm& control) { control.UserControl_Hide(); },
-         [](ControlDesk& desk) { return std::to_string(desk.mAssembly->Serial().PortOpen()); }},
+         PortIsOpen},
         {"FirstListing", Nothing, [](ControlDesk&, QNComm& control) { control.Files("c:"); }, OnC},
         {"Listing", Found, [](ControlDesk&, QNComm& control) { control.Files("c:", true); }, OnC},
         {"Setup", Found, [](ControlDesk&, QNComm& control) { control.Setup(); },
@@ -120,11 +128,7 @@ const std::vector<LongOperation>& LongOperations() {
              UploadModule(desk, desk.Control());
          },
          LinkModule, [](ControlDesk& desk) { return desk.Listing(); }},
-        {"InstallImage", Found,
-         [](ControlDesk& desk, QNComm& control) {
-             control.InstallImage(
-                 desk.mFolder.Write("logo.pcx", qncomm::testing::TestPcx(200, 200)));
-         },
+        {"InstallImage", Found, InstallLogo,
          [](ControlDesk& desk) { return Joined(desk.Control().Images()); }},
         {"InstallFont", Found,
          [](ControlDesk& desk, QNComm& control) {

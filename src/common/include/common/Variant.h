@@ -27,8 +27,8 @@ struct VariantText {
 /// A text is given explicitly, so that a host can overload a function for texts and for variants;
 /// and no pointer turns into True.
 struct Variant {
-    using Nothing = std::monostate; ///< no result, or an argument that is left out
-    using List = std::vector<Variant>;
+    using Nothing = std::monostate;    ///< no result, or an argument that is left out
+    using List = std::vector<Variant>; ///< values in their order
     /// Fields in their order, each with its name.
     using Record = std::vector<std::pair<std::string, Variant>>;
     /// Everything that a variant can hold. A settings object is shared with whoever gave it.
@@ -37,16 +37,22 @@ struct Variant {
 
     /// Nothing.
     Variant() = default;
+    /// True or False; nothing but a bool is taken for one.
     Variant(std::same_as<bool> auto bValue) : value(bValue) {}
     /// A 16-bit number is kept as a 32-bit one and equals it.
     Variant(std::same_as<std::int16_t> auto iValue) : value(std::int32_t{iValue}) {}
+    /// A 32-bit number.
     Variant(std::same_as<std::int32_t> auto lValue) : value(lValue) {}
+    /// A number with a fraction; never equal to a whole number.
     Variant(std::same_as<double> auto dValue) : value(dValue) {}
     /// A text; one of this machine unless it is said to be of the line.
     explicit Variant(std::string_view sText, TextKind kind = TextKind::Host)
         : value(VariantText{std::string(sText), kind}) {}
+    /// A settings object, shared with the caller; a null pointer is kept as one.
     explicit Variant(std::shared_ptr<RegSettings> settings) : value(std::move(settings)) {}
+    /// Values in their order; the first has the index 0.
     explicit Variant(List list) : value(std::move(list)) {}
+    /// Named fields in their order.
     explicit Variant(Record record) : value(std::move(record)) {}
 
     /// Whether it holds nothing.

@@ -12,7 +12,7 @@ namespace qncomm {
 
 /// What a list of ports says of a port.
 enum class PortState {
-    Free,
+    Free,      ///< it opens
     Busy,      ///< another program holds it
     Missing,   ///< the device is not there
     Unusable,  ///< it is there and does not open: permission, no hardware

@@ -12,7 +12,11 @@
 namespace qncomm {
 
 /// How questions are answered without asking.
-enum class GivenAnswer { None, Yes, No };
+enum class GivenAnswer {
+    None, ///< none was given: the user is asked
+    Yes,  ///< every question is answered with Yes
+    No,   ///< every question is answered with No
+};
 
 /// The desktop of a program at a terminal: a box becomes lines on the error stream under its title;
 /// a question is asked at the terminal, or answered by what was given, and without either the

@@ -2,16 +2,26 @@
 
 #include <gmock/gmock.h>
 
+#include <algorithm>
 #include <filesystem>
 #include <fstream>
 #include <iterator>
+#include <map>
+#include <regex>
+#include <set>
 
 namespace {
 
-using layers::StrayIncludes;
+namespace fs = std::filesystem;
+
+using qncomm::testing::StrayIncludes;
 using testing::ElementsAre;
 using testing::HasSubstr;
 using testing::IsEmpty;
+using testing::Not;
+using testing::SizeIs;
+
+const fs::path Root = QN_SOURCE_DIR;
 
 std::string Line(std::string_view include) {
     return "#pragma once\n#include " + std::string(include) + "\nint x;\n";
@@ -105,26 +115,98 @@ TEST(IncludeRules, LetTheAssemblyAloneJoinTheControlToTheSerialControl) {
                 ElementsAre(HasSubstr("is not in the row of control/")));
 }
 
-TEST(IncludeRules, HoldInEveryFileOfTheHouse) {
-    namespace fs = std::filesystem;
-    const fs::path root = QN_SOURCE_DIR "/src";
+TEST(IncludeRules, RefuseFilesAndThreadsInTheCore) {
+    for (const char* header : {"<filesystem>", "<fstream>", "<thread>", "<mutex>", "<cstdio>"}) {
+        EXPECT_THAT(StrayIncludes("automation/X.cpp", Line(header)),
+                    ElementsAre(HasSubstr("which an adapter brings")));
+        EXPECT_THAT(StrayIncludes("transfer/X.cpp", Line(header)), SizeIs(1));
+        EXPECT_THAT(StrayIncludes("platform/X.cpp", Line(header)), IsEmpty());
+    }
+}
+
+TEST(IncludeRules, LetOneToolkitIntoItsOwnFaceAlone) {
+    EXPECT_THAT(StrayIncludes("faces/qt/widget/X.h", Line("<QWidget>")), IsEmpty());
+    EXPECT_THAT(StrayIncludes("apps/qnterm/files/X.h", Line("<QWidget>")), IsEmpty());
+    for (const char* file : {"faces/console/X.h", "assembly/X.h", "serial/X.h", "bindings/c/X.h"})
+        EXPECT_THAT(StrayIncludes(file, Line("<QWidget>")), ElementsAre(HasSubstr("toolkit")));
+}
+
+TEST(IncludeRules, LetNothingIncludeAProgramOrABinding) {
+    for (const char* include : {"\"qnctl/Session.h\"", "\"bindings/Handle.h\"", "\"apps/X.h\""}) {
+        EXPECT_THAT(StrayIncludes("faces/qt/X.cpp", Line(include)), SizeIs(1));
+        EXPECT_THAT(StrayIncludes("apps/qnsim/main.cpp", Line(include)), SizeIs(1));
+    }
+}
+
+TEST(IncludeRules, HoldTheRoomsOfTheVirtualPrinterToTheirOrder) {
+    EXPECT_THAT(StrayIncludes("simulator/language/X.cpp", Line("\"label/Label.h\"")), IsEmpty());
+    EXPECT_THAT(StrayIncludes("simulator/label/X.cpp", Line("\"language/Parser.h\"")),
+                ElementsAre(HasSubstr("is not in the row of simulator/label/")));
+    EXPECT_THAT(StrayIncludes("simulator/Line.cpp", Line("\"endpoints/Sleeper.h\"")),
+                ElementsAre(HasSubstr("is not in the row of simulator/")));
+    EXPECT_THAT(StrayIncludes("assembly/X.cpp", Line("\"simulator/VirtualPrinter.h\"")),
+                ElementsAre(HasSubstr("is not in the row of assembly/")));
+}
+
+/// The text of a file of the tree.
+std::string TextOf(const fs::path& path) {
+    std::ifstream in(path, std::ios::binary);
+    return {std::istreambuf_iterator<char>(in), {}};
+}
+
+/// The files below a folder of the tree that have one of the names or extensions.
+std::vector<fs::path> FilesBelow(const fs::path& folder, const std::set<std::string>& kinds) {
+    std::vector<fs::path> files;
+    for (const auto& entry : fs::recursive_directory_iterator(folder))
+        if (kinds.contains(entry.path().extension().string())
+            || kinds.contains(entry.path().filename().string()))
+            files.push_back(entry.path());
+    EXPECT_THAT(files, Not(IsEmpty())) << "nothing was found below " << folder;
+    return files;
+}
+
+TEST(TheHouse, IncludesWhatItsRowsName) {
     std::vector<std::string> stray;
-    std::size_t filesRead = 0;
-    for (const std::string_view folder : layers::RuledFolders()) {
-        if (!fs::exists(root / folder)) continue;
-        for (const auto& entry : fs::recursive_directory_iterator(root / folder)) {
-            const std::string extension = entry.path().extension().string();
-            if (extension != ".h" && extension != ".cpp") continue;
-            std::ifstream in(entry.path(), std::ios::binary);
-            const std::string text{std::istreambuf_iterator<char>(in), {}};
-            const auto found =
-                StrayIncludes(fs::relative(entry.path(), root).generic_string(), text);
-            stray.insert(stray.end(), found.begin(), found.end());
-            ++filesRead;
-        }
+    for (const fs::path& path : FilesBelow(Root / "src", {".h", ".cpp"})) {
+        const std::string file = fs::relative(path, Root / "src").generic_string();
+        EXPECT_FALSE(qncomm::testing::RuledFolderOf(file).empty()) << file << " has no row";
+        std::ranges::copy(StrayIncludes(file, TextOf(path)), std::back_inserter(stray));
     }
     EXPECT_THAT(stray, IsEmpty());
-    EXPECT_GT(filesRead, 20U) << "the sources were not found under " << root;
+}
+
+TEST(TheHouse, KeepsNoListOfDebtsThatArePaid) {
+    for (const auto& debt : qncomm::testing::Debts()) {
+        const auto includes = qncomm::testing::IncludesOf(TextOf(Root / "src" / debt.file));
+        EXPECT_TRUE(std::ranges::any_of(
+            includes, [&](const auto& include) { return include.path == debt.header; }))
+            << debt.file << " no longer includes <" << debt.header << ">";
+    }
+}
+
+/// The libraries that a program is made of, each with the program's folder.
+std::map<std::string, std::string> PartsOfPrograms() {
+    static const std::regex library(R"re(add_library\((\w+))re");
+    std::map<std::string, std::string> parts;
+    for (const fs::path& list : FilesBelow(Root / "src/apps", {"CMakeLists.txt"})) {
+        const std::string text = TextOf(list);
+        for (std::sregex_iterator match(text.begin(), text.end(), library), end; match != end;
+             ++match)
+            parts[(*match)[1]] = list.parent_path().filename().string();
+    }
+    return parts;
+}
+
+TEST(TheHouse, LinksTheLibraryOfAProgramInFoldersNamedAfterItAlone) {
+    const auto parts = PartsOfPrograms();
+    EXPECT_THAT(parts, Not(IsEmpty()));
+    for (const char* top : {"src", "tests", "bench", "fuzz", "examples"})
+        for (const fs::path& list : FilesBelow(Root / top, {"CMakeLists.txt"}))
+            for (const auto& [library, program] : parts)
+                if (TextOf(list).find(library) != std::string::npos) {
+                    EXPECT_EQ(list.parent_path().filename(), program)
+                        << list << " links " << library;
+                }
 }
 
 } // namespace
