@@ -1,55 +1,79 @@
-#include "ConformanceCases.h"
+// The terminal shows what the cases say, however their bytes arrive.
+
+#include "CaseFile.h"
 #include "Snapshot.h"
 
 #include <gmock/gmock.h>
 
+namespace qncomm::testing {
 namespace {
 
-using qncomm::Terminal;
-using terminal_testing::CaseColumns;
-using terminal_testing::CaseRows;
-using terminal_testing::ConformanceCase;
-using terminal_testing::ConformanceCases;
 using terminal_testing::Flaw;
-using terminal_testing::Rows;
 using terminal_testing::Sized;
 using terminal_testing::Snapshot;
 using terminal_testing::TakeSnapshot;
+using ::testing::IsEmpty;
 
-Terminal::Options CaseOptions() {
-    return Sized(CaseRows, CaseColumns, 100);
+const TerminalCases& AllCases() {
+    static const TerminalCases cases = ReadCaseFolder(QN_TERMINAL_CASES);
+    return cases;
 }
 
-class Conformance : public testing::TestWithParam<ConformanceCase> {};
+Terminal::Options OptionsOf(const TerminalCase& each) {
+    return Sized(each.rows, each.columns, 100);
+}
+
+/// The rows without the blanks at their ends, down to the last that holds anything.
+std::vector<std::string> ShownRows(const Terminal& terminal) {
+    std::vector<std::string> rows;
+    for (std::int16_t row = 1; row <= terminal.Rows(); ++row) {
+        std::string& text = rows.emplace_back(terminal.Row(row).text);
+        text.erase(text.find_last_not_of(' ') + 1); // npos + 1 is 0
+    }
+    while (!rows.empty() && rows.back().empty())
+        rows.pop_back();
+    return rows;
+}
+
+TEST(ConformanceCases, AreWrittenWithoutMistakes) {
+    EXPECT_THAT(AllCases().mistakes, IsEmpty());
+    EXPECT_THAT(AllCases().cases, ::testing::Not(IsEmpty()))
+        << "no case was found in " << QN_TERMINAL_CASES;
+}
+
+class Conformance : public ::testing::TestWithParam<TerminalCase> {};
 
 TEST_P(Conformance, ShowsWhatTheSequencesSay) {
-    Terminal terminal(CaseOptions());
-    terminal.Write(GetParam().bytes);
-    EXPECT_EQ(Rows(terminal), GetParam().rows);
-    EXPECT_EQ(terminal.CursorRow(), GetParam().cursorRow);
-    EXPECT_EQ(terminal.CursorColumn(), GetParam().cursorColumn);
+    const TerminalCase& given = GetParam();
+    SCOPED_TRACE(given.where);
+    Terminal terminal(OptionsOf(given));
+    terminal.Write(given.bytes);
+    EXPECT_EQ(ShownRows(terminal), given.shown);
+    EXPECT_EQ(terminal.CursorRow(), given.cursorRow);
+    EXPECT_EQ(terminal.CursorColumn(), given.cursorColumn);
     EXPECT_EQ(Flaw(terminal), "");
 }
 
 TEST_P(Conformance, IsTheSameWhereverTheBytesAreCut) {
+    SCOPED_TRACE(GetParam().where);
     const std::string_view bytes = GetParam().bytes;
-    Terminal whole(CaseOptions());
+    Terminal whole(OptionsOf(GetParam()));
     whole.Write(bytes);
     const Snapshot expected = TakeSnapshot(whole);
     for (std::size_t cut = 0; cut <= bytes.size(); ++cut) {
-        Terminal halves(CaseOptions());
+        Terminal halves(OptionsOf(GetParam()));
         halves.Write(bytes.substr(0, cut));
         halves.Write(bytes.substr(cut));
         EXPECT_EQ(TakeSnapshot(halves), expected) << "cut at " << cut;
     }
-    Terminal single(CaseOptions());
+    Terminal single(OptionsOf(GetParam()));
     for (const char byte : bytes)
         single.Write({&byte, 1});
     EXPECT_EQ(TakeSnapshot(single), expected) << "byte by byte";
 }
 
-INSTANTIATE_TEST_SUITE_P(Sequences, Conformance,
-                         testing::ValuesIn(ConformanceCases().begin(), ConformanceCases().end()),
-                         [](const auto& row) { return std::string(row.param.name); });
+INSTANTIATE_TEST_SUITE_P(Sequences, Conformance, ::testing::ValuesIn(AllCases().cases),
+                         [](const auto& each) { return each.param.name; });
 
 } // namespace
+} // namespace qncomm::testing
