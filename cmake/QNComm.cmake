@@ -27,21 +27,22 @@ target_compile_options(qn_build_flags INTERFACE -Wall -Wextra -Wpedantic -Wconve
 # GCC 12 sees an overlap in `"literal" + std::string` that is not there.
 target_compile_options(qn_build_flags INTERFACE $<$<CXX_COMPILER_ID:GNU>:-Wno-restrict>)
 
-# qn_library(NAME SOURCES … LINKS … PRIVATE_LINKS … [HIDDEN | LOCAL] [COMPONENT PART]): the library of the folder that calls it.
-# Its public headers stand under include/FOLDER/, so a target that does not link it cannot include it.
+# qn_library(NAME SOURCES … [PUBLIC_LINKS …] [LINKS …] [HIDDEN | LOCAL] [COMPONENT PART]): the library of the folder that calls
+# it. Its public headers stand under include/FOLDER/, so a target that does not link it cannot include it. LINKS stay with
+# its own sources; PUBLIC_LINKS are those that its public headers include, and reach whoever links it.
 #
 # A library with public headers is part of the installed package, as qncomm::NAME without the "qn_", and known by that name
 # in the project too. HIDDEN installs the archive without its headers, for one that only other libraries use; LOCAL installs
 # nothing, for one that only programs use. COMPONENT puts it into a part that hosts ask for by name, because it brings
 # dependencies that not every host has.
 function(qn_library name)
-  cmake_parse_arguments(ARG "HIDDEN;LOCAL" "COMPONENT" "SOURCES;LINKS;PRIVATE_LINKS" ${ARGN})
+  cmake_parse_arguments(ARG "HIDDEN;LOCAL" "COMPONENT" "SOURCES;PUBLIC_LINKS;LINKS" ${ARGN})
   add_library(${name} STATIC ${ARG_SOURCES})
   target_compile_features(${name} PUBLIC cxx_std_20)
   target_include_directories(${name} PUBLIC $<BUILD_INTERFACE:${CMAKE_CURRENT_SOURCE_DIR}/include>
                                             $<INSTALL_INTERFACE:${QN_INSTALL_HEADERS}>
                                      PRIVATE ${CMAKE_CURRENT_SOURCE_DIR})
-  target_link_libraries(${name} PUBLIC ${ARG_LINKS} PRIVATE ${ARG_PRIVATE_LINKS} $<BUILD_INTERFACE:qn_build_flags>)
+  target_link_libraries(${name} PUBLIC ${ARG_PUBLIC_LINKS} PRIVATE ${ARG_LINKS} $<BUILD_INTERFACE:qn_build_flags>)
   if(IS_DIRECTORY ${CMAKE_CURRENT_SOURCE_DIR}/include AND NOT ARG_LOCAL)
     qn_export(${name} "${ARG_COMPONENT}")
     if(NOT ARG_HIDDEN)
