@@ -89,7 +89,10 @@ IoResult TtyChannel::SetBreak(bool bOn) {
 
 IoResult TtyChannel::Apply(int fd, const LineSettings& settings) const {
     const termios wanted = AttributesFor(settings);
-    if (::tcsetattr(fd, TCSANOW, &wanted) != 0) return OpenFailure(errno);
+    // The C library answers EINVAL for a pseudo-terminal when only what such a device never takes
+    // would change; it then stands as it is wanted.
+    const bool failed = ::tcsetattr(fd, TCSANOW, &wanted) != 0;
+    if (failed && (mHasLines || errno != EINVAL)) return OpenFailure(errno);
     termios got{};
     if (::tcgetattr(fd, &got) != 0) return OpenFailure(errno);
     // The call succeeds as soon as the device took any of it.

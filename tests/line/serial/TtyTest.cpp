@@ -200,6 +200,22 @@ TEST_F(TtyTest, ASilentLineStaysOpenWhateverItsLastUserLeft) {
     EXPECT_EQ(mPort.Read(), "");
 }
 
+TEST_F(TtyTest, APtyAsAKilledHostLeftItTakesEverySetting) {
+    // Nothing puts back the settings of a host that was killed. The C library then answers a change
+    // of what a pseudo-terminal does not have, and of nothing else, with EINVAL.
+    for (const char* left : {"57600,N,8,1", "57600,E,7,1", "9600,M,8,2"})
+        for (const char* text : {"57600,E,7,1", "57600,E,8,1", "57600,O,7,1", "57600,M,8,1",
+                                 "57600,S,7,1", "9600,M,7,2", "9600,E,8,2", "57600,N,8,1"}) {
+            const Fd fd(OpenDevice(mPty.path));
+            const termios state = AttributesFor(*ParseLineSettings(left));
+            ::tcsetattr(fd.Get(), TCSANOW, &state);
+            mPort.SetPortSettings(text);
+            EXPECT_NO_THROW(mPort.SetPortOpen(true)) << text << " after " << left;
+            EXPECT_NO_THROW(mPort.SetPortSettings(text)) << "twice " << text;
+            mPort.SetPortOpen(false);
+        }
+}
+
 TEST_F(TtyTest, TheFarSideOfAPtySeesTheRate) {
     for (const int baud : {300, 57600}) {
         mPort.SetPortSettings(std::to_string(baud) + ",n,8,2");
