@@ -65,8 +65,9 @@ std::string TargetName(const std::string& source, const std::string& destination
     return name.empty() ? FileNameOf(source) : name;
 }
 
+/// Of a size that is not known, or of no bytes, the end alone is reported.
 std::int16_t Percent(std::int32_t bytes, std::int32_t size) {
-    if (size <= 0) return AllDone;
+    if (size <= 0) return 0;
     const double percent = 100.0 * bytes / size;
     return ToInt16(std::min<double>(percent, std::numeric_limits<std::int16_t>::max()));
 }
@@ -136,17 +137,22 @@ FileTransfer::Step FileTransfer::Follow(std::int16_t state) {
 }
 
 void FileTransfer::Announced() {
-    if (mJob.size == 0) mJob.size = Serial().TransferSize();
     if (mJob.nameComesFromControl) {
         const bool own = mMessage == OwnMessage();
         mJob.name = Serial().TransferFileName();
         if (own) mMessage = OwnMessage();
     }
-    mStepPercent = mJob.size < SmallFile ? 1 : 2;
     ReportProgress();
 }
 
+// Some protocols tell the size behind the announcement, or never.
+void FileTransfer::LearnSize() {
+    if (mJob.size == 0) mJob.size = Serial().TransferSize();
+    mStepPercent = mJob.size < SmallFile ? 1 : 2;
+}
+
 void FileTransfer::ReportProgress() {
+    LearnSize();
     const std::int16_t percent = Percent(Serial().TransferBytes(), mJob.size);
     if (percent % mStepPercent != 0 || percent == mReported) return;
     mReported = percent;

@@ -42,6 +42,7 @@ class FileTransfer {
     Step Follow(std::int16_t state);
     void Announced();
     std::string OwnMessage() const;
+    void LearnSize();
     void ReportProgress();
     SerialControl& Serial() const { return mState.Serial(); }
 

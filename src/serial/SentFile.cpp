@@ -10,7 +10,7 @@
 
 namespace qncomm {
 
-SentFile::SentFile(std::string path, bool resume, std::function<std::string()> nameFor)
+SentFile::SentFile(std::string path, bool resume, NameFor nameFor)
     : mPath(std::move(path)),
       mResume(resume),
       mNameFor(std::move(nameFor)),
@@ -27,8 +27,8 @@ std::optional<transfer::FileInfo> SentFile::Next() {
     struct ::stat facts {};
     if (::fstat(mFile.Get(), &facts) != 0) return std::nullopt;
     transfer::FileInfo info;
-    info.name = mNameFor();
     info.size = static_cast<std::uint64_t>(facts.st_size);
+    info.name = mNameFor(*info.size);
     info.modified = facts.st_mtim.tv_sec;
     info.mode = facts.st_mode & 0777U;
     info.resume = mResume;

@@ -3,6 +3,7 @@
 #include "platform/Fd.h"
 #include "transfer/TransferFiles.h"
 
+#include <cstdint>
 #include <functional>
 #include <string>
 
@@ -11,8 +12,11 @@ namespace qncomm {
 /// The one host file that a transfer sends.
 class SentFile final : public transfer::FileSource {
   public:
-    /// nameFor is asked, when the file is announced, what it is called on the other side.
-    SentFile(std::string path, bool resume, std::function<std::string()> nameFor);
+    /// nameFor is told the size in bytes, when the file is announced, and asked what it is called
+    /// on the other side.
+    using NameFor = std::function<std::string(std::uint64_t size)>;
+
+    SentFile(std::string path, bool resume, NameFor nameFor);
 
     std::optional<transfer::FileInfo> Next() override;
     bool Read(std::uint64_t offset, std::size_t length, std::string& data,
@@ -25,7 +29,7 @@ class SentFile final : public transfer::FileSource {
   private:
     std::string mPath;
     bool mResume;
-    std::function<std::string()> mNameFor;
+    NameFor mNameFor;
     Fd mFile;
     std::string mRefusal;
     bool mGiven = false;

@@ -37,10 +37,12 @@ TransferInProgress::TransferInProgress(TransferOrder order, Report report)
       mEngine(EngineFor(mOrder)),
       mState(TransferIdle) {
     if (mOrder.sends) {
-        auto file = std::make_unique<SentFile>(mOrder.path, mOrder.preferences.resume, [this] {
-            Enter(TransferAnnounced); // whoever follows may rename the file now
-            return mOrder.name;
-        });
+        auto file = std::make_unique<SentFile>(mOrder.path, mOrder.preferences.resume,
+                                               [this](std::uint64_t size) {
+                                                   mSize = size;
+                                                   Enter(TransferAnnounced); // may rename it
+                                                   return mOrder.name;
+                                               });
         mReason = file->Refusal();
         mSource = std::move(file);
     } else {

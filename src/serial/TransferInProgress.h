@@ -65,7 +65,6 @@ class TransferInProgress {
 
   private:
     void Serve(std::int64_t nowUs);
-    void Announce(const std::optional<std::uint64_t>& size);
     void Enter(std::int16_t state);
     void ReportProgress();
     std::string WhyNot() const;

@@ -50,6 +50,28 @@ TEST_P(StackTransfer, GoesThereAndBackByKermit) {
     EXPECT_EQ(mStack.Ask("PRINT 1").at(1), "1") << "the printer is at its prompt";
 }
 
+// A percentage between comes only where the line brings its bytes in pieces.
+TEST_P(StackTransfer, ThePercentagesRiseToTheEndInBothDirections) {
+    std::vector<int> percents;
+    const Subscription status = mStack.mLink.StatusEvent.Connect(
+        [&](std::string& text, std::int16_t& percent, bool& /*stop*/) {
+            if (text.find("loading") != std::string::npos) percents.push_back(percent);
+        });
+    const auto rise = [&](const char* direction) {
+        ASSERT_GE(percents.size(), 2U) << direction;
+        EXPECT_EQ(percents.back(), -1) << direction;
+        percents.pop_back();
+        EXPECT_EQ(percents.back(), 100) << direction;
+        EXPECT_TRUE(std::ranges::is_sorted(percents))
+            << direction << ": " << ::testing::PrintToString(percents);
+        percents.clear();
+    };
+    mQuorin.KermitUpload(mSent, "c:DATA.BIN");
+    rise("to the printer");
+    mStack.mLink.KermitDownload("c:DATA.BIN", mFolder.File("back.bin"));
+    rise("from the printer");
+}
+
 TEST_P(StackTransfer, ACancelLeavesThePrinterAtItsPromptAndNoFile) {
     const Subscription cancel =
         mStack.mLink.StatusEvent.Connect([](std::string& text, std::int16_t&, bool& stop) {

@@ -107,6 +107,24 @@ TEST_F(FileTransfer, ADownloadCountsAgainstTheSizeItIsGiven) {
     EXPECT_THAT(mMessages, Contains("Downloading D 50"));
 }
 
+TEST_F(FileTransfer, ASizeThatIsToldBehindTheAnnouncementCounts) {
+    Expect("TRANSFER K \"S\",\"D\"");
+    mSerial.mTransferSize = 0;
+    mSerial.mTransfer = {{1, TransferStarted},
+                         {1, TransferAnnounced},
+                         {1, TransferMoving, 5000},
+                         {1, TransferMoving, 10100},
+                         {1, TransferIdle}};
+    const Subscription told =
+        mLink.StatusEvent.Connect([this](std::string& /*text*/, std::int16_t& percent, bool&) {
+            if (percent == 0) mSerial.mTransferSize = 20000;
+        });
+    mLink.KermitDownload("D", mPath);
+    EXPECT_THAT(mMessages, ElementsAre("Downloading D 0", "Downloading D 50", "Downloading D 100",
+                                       "Downloading D -1"))
+        << "50.5 is 50, and of a large file";
+}
+
 TEST_F(FileTransfer, SmallFilesReportEveryPercentAndLargeOnesTheEvenOnes) {
     for (const auto& [size, odd] : {std::pair{10239, true}, std::pair{10240, false}}) {
         mMessages.clear();
@@ -149,11 +167,11 @@ TEST_F(FileTransfer, APercentageIsReportedOnce) {
     EXPECT_EQ(std::count(mMessages.begin(), mMessages.end(), "Uploading X 7"), 1);
 }
 
-TEST_F(FileTransfer, AnEmptyFileIsAllDone) {
+TEST_F(FileTransfer, AnEmptyFileIsAllDoneAtItsEnd) {
     Expect("TRANSFER K \"R\"");
     GoesWell(0, {});
     mLink.KermitUpload(mPath, "X");
-    EXPECT_THAT(mMessages, ElementsAre("Uploading X 100", "Uploading X 100", "Uploading X -1"));
+    EXPECT_THAT(mMessages, ElementsAre("Uploading X 0", "Uploading X 100", "Uploading X -1"));
 }
 
 TEST_F(FileTransfer, IdleBeforeAnyActivityIsNotTheEnd) {
