@@ -56,7 +56,7 @@ void ShowConnection(Session& session) {
 }
 
 /// The serial devices and sockets that a search may try, nearest to the configured port first. A
-/// virtual printer is never among them: who wants it names it.
+/// virtual printer is never among them: it is used only when it is named.
 std::vector<std::int16_t> SearchablePorts(Session& session) {
     std::vector<std::int16_t> numbers;
     for (const qncomm::PortBinding& port : session.Ports().Bindings().List())

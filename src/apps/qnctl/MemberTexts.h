@@ -20,8 +20,8 @@ struct MemberCall {
 };
 
 /// Understands a member's name and its arguments: in their order, or as "name:=value". Nothing,
-/// with the outcome set, for a member that there is not, for too many or too few of them, for a
-/// character that the printer lacks and for a text that is no value of its parameter's type.
+/// with the outcome set, for an unknown member, for too many or too few arguments, for a character
+/// that the printer's character set lacks and for a text that is no value of its parameter's type.
 std::optional<MemberCall> UnderstandCall(const std::string& name,
                                          const std::vector<std::string>& texts, Outcome& outcome);
 

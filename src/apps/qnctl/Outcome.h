@@ -12,7 +12,7 @@ namespace qnctl {
 enum class ExitStatus : int {
     Done = 0,
     Error = 1,           ///< the system or the printer raised an error
-    Usage = 2,           ///< the command line asks for something that there is not
+    Usage = 2,           ///< the command line is wrong
     NoPrinter = 3,       ///< the port is there and no printer answered
     PortUnavailable = 4, ///< the port is busy or cannot be opened
     Cancelled = 130,     ///< Ctrl-C
@@ -33,7 +33,7 @@ inline Outcome Refused(ExitStatus status, std::string message) {
     return {status, 0, "qnctl", std::move(message), {}};
 }
 
-/// An error of the system as the program tells it.
+/// An error of the system as the program reports it.
 inline Outcome OutcomeOf(const qncomm::QNError& error) {
     constexpr std::int32_t firstOfPort = 8000; ///< below are files, such as a capture's
     const bool port = error.Source() == "PDQComm" && error.Number() >= firstOfPort;

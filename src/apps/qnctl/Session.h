@@ -49,9 +49,9 @@ class Session {
     const qncomm::PortBook& Ports() const { return mBook; }
 
     /// Chooses the port (sNamed, or the configured one when it is empty) and makes the control on
-    /// it; that of a port that was chosen before goes away.
+    /// it; the control of a port that was chosen before is destroyed.
     Outcome ChooseThePort(const std::string& sNamed);
-    /// Makes a control that has no port to open, for what it answers alone.
+    /// Makes a control that has no port to open, for members that need none.
     Outcome ChooseNoPort();
     /// Makes the chosen port the configured one, with the settings that were found.
     void Remember();
@@ -71,13 +71,14 @@ class Session {
     void Disconnect();
     /// Whether the port is claimed for this run. Raises 91 after the control's TearDown.
     bool Connected() { return mClaim && *mClaim && Link().UseCount() > 0; }
-    /// How a search that found nothing is told: cancelled, no printer, or the port's own failure.
+    /// How a search that found nothing is reported: cancelled, no printer, or the port's failure.
     Outcome NotFound();
 
     /// Asks the user; True for yes.
     bool Ask(const std::string& title, const std::string& question);
 
-    /// Whether an operation was quietly refused for want of the port since the last call.
+    /// Whether an operation was silently refused since the last call because it could not have the
+    /// port.
     bool TakePortRefusal();
 
     /// Whether Ctrl-C was pressed.
@@ -111,7 +112,7 @@ class Session {
     std::optional<qncomm::TransferProgress> mTransfer;
     qncomm::Subscription mStatusEvent;
     std::optional<qncomm::PortClaim> mClaim;
-    std::string mNote; ///< why something was quietly refused
+    std::string mNote; ///< why something was silently refused
 };
 
 } // namespace qnctl

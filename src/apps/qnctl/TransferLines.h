@@ -12,7 +12,7 @@ class Session;
 /// elsewhere.
 qncomm::TransferProgress::Report ProgressLines(Session& session);
 
-/// The last line of a transfer that went well.
+/// The last line of a successful transfer.
 Json ResultLine(const qncomm::TransferProgress& progress);
 
 } // namespace qnctl

@@ -24,7 +24,7 @@ void ConsoleTerminal::Show(std::string_view sReceived) {
     mSilence.Restart();
     mReply += sReceived;
     if (mReply.size() > Prompt.size()) mReply.erase(0, mReply.size() - Prompt.size());
-    // A screen that has gone is told by the input that goes with it.
+    // A terminal that has gone is noticed at the input, which ends with it.
     static_cast<void>(WriteAll(mWiring.out, Utf8FromPrinter(sReceived)));
 }
 

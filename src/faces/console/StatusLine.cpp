@@ -16,7 +16,7 @@ std::string Bar(std::int32_t percent) {
            + std::to_string(percent) + " % ";
 }
 
-/// At most so many columns; no character is cut in two.
+/// The start of the text, at most so many columns; no character is cut in two.
 std::string Cut(std::string text, std::int32_t columns) {
     std::int32_t used = 0;
     for (std::size_t i = 0; i < text.size(); ++i) {

@@ -47,7 +47,7 @@ class FileActions final : public QObject {
     void Print(const DeviceListing& device, const std::string& sName);
 
   signals:
-    /// The printer's devices are not as they were.
+    /// The contents of the printer's devices have changed.
     void Changed();
 
   private:

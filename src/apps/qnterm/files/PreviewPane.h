@@ -12,8 +12,8 @@ class QLabel;
 
 namespace qnterm {
 
-/// Shows a font or an image of the printer as the file of this machine shows it that it was sent
-/// from. Of what was not sent from here it says so.
+/// Shows a font or an image of the printer from the file of this machine that it was sent from, or
+/// says that it was not sent from here.
 class PreviewPane final : public QWidget {
     Q_OBJECT
 

@@ -33,7 +33,7 @@ class ModuleBrowser final : public QWidget {
     void Upload();
 
   signals:
-    /// The printer holds another module now.
+    /// A module has been saved on the printer.
     void Uploaded();
 
   protected:

@@ -30,7 +30,7 @@ class AddressDialog final : public QDialog {
     std::string Address() const;
 
   signals:
-    /// The user has decided for an address that can be one.
+    /// The user has accepted a valid address.
     void Chosen(const std::string& sAddress);
 
   private:

@@ -12,8 +12,7 @@
 namespace qnterm {
 
 /// The printer's setup as a tree: sections within sections, the items' values in the second column.
-/// A value that the user changes is asked of the printer and stands here when it has been read
-/// from there.
+/// A value that the user changes is sent to the printer, and shown here when it has been read back.
 class SetupModel final : public QAbstractItemModel {
     Q_OBJECT
 

@@ -6,7 +6,8 @@ class QAbstractItemView;
 
 namespace qnterm {
 
-/// What a list says in its middle while it holds nothing. Belongs to the list, which has its model.
+/// The text in the middle of a list while the list is empty. Belongs to the list, which has its
+/// model.
 class EmptyHint final : public QLabel {
     Q_OBJECT
 

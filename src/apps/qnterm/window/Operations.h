@@ -14,9 +14,9 @@ class QNComm;
 
 namespace qnterm {
 
-/// Runs the control's members on behalf of actions, one at a time, and tells in one way how they
-/// fare: progress while they run, a failure when one raised an error. What is cancelled ends
-/// without a failure.
+/// Runs the control's members on behalf of actions, one at a time, and reports all of them in the
+/// same way: progress while they run, a failure when one raised an error. A cancelled operation
+/// ends without a failure.
 ///
 /// The events of the window are dispatched while an operation waits for the printer, so an action
 /// may ask for a second one meanwhile: it is refused.
@@ -33,7 +33,7 @@ class Operations : public QObject {
         std::function<void()> cancel; ///< ends those that wait, by OperationCancelled
     };
 
-    /// The control outlives this object.
+    /// The control must outlive this object.
     Operations(qncomm::QNComm& control, Waits waits, QObject* parent = nullptr);
 
     /// Runs work. sTitle names it for the user: "Delete c:LAYOUT.LBL". False when it was refused,
@@ -46,11 +46,11 @@ class Operations : public QObject {
     /// Whether Cancel was asked for since the operation began.
     bool Cancelled() const { return mCancelled; }
 
-    /// Asks what runs to end: it is told with its next report of progress, and what goes on waiting
-    /// is ended.
+    /// Asks the running operation to end: it is cancelled at its next report of progress, and a
+    /// wait at once.
     void Cancel();
 
-    /// From now on nothing starts any more.
+    /// Refuses every operation from now on.
     void Shut() { mShut = true; }
 
   signals:

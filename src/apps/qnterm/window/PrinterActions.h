@@ -31,7 +31,7 @@ class PrinterActions final : public QObject {
     /// Whether there is a port to work on.
     void SetHasPort(bool bHasPort);
 
-    /// Finds out what answers on the port; tells it by Identified.
+    /// Finds out which printer answers on the port and reports it by Identified.
     void Connect();
 
     // What the menus' entries do.
@@ -55,7 +55,7 @@ class PrinterActions final : public QObject {
     void ChoosePortWanted();
     void QuitWanted();
     void AboutWanted();
-    /// Something for the user to read.
+    /// A message for the user.
     void Said(const QString& sText);
 
   private:

@@ -53,8 +53,8 @@ class StatusView final : public QObject {
     QLabel* mPort;
     QString mSaid;    ///< stands until mSettle
     QString mFailure; ///< why the port is not open
-    QTimer* mSettle;  ///< what is said of an operation that is over goes after a while
-    QTimer* mWatch;   ///< runs while something goes on that was not started by an action
+    QTimer* mSettle;  ///< takes the message about an ended operation away after a while
+    QTimer* mWatch;   ///< runs during operations that no action has started
 };
 
 } // namespace qnterm

@@ -18,11 +18,11 @@ namespace qncomm {
 /// the form.
 class FormDialog : public QDialog {
   public:
-    /// Form and desktop outlive the window.
+    /// Form and desktop must outlive the window.
     FormDialog(FormModel& form, Desktop& desktop, QWidget* parent);
 
-    /// Shows the window until the form has closed and takes it away. Passes on what ended it before
-    /// that. The window may go with its parent meanwhile, which counts as its close box.
+    /// Shows the window until the form has closed, then removes it. Rethrows the exception that
+    /// ended it earlier. A parent that is destroyed meanwhile counts as the window's close box.
     static void RunModal(std::unique_ptr<FormDialog> window);
 
     /// Esc: presses the cancel button.

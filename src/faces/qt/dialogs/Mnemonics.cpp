@@ -53,7 +53,7 @@ QChar KeyIn(const QString& caption) {
     return mark >= 0 && mark + 1 < caption.size() ? caption[mark + 1].toUpper() : NoKey;
 }
 
-/// A digit says more than a letter where captions differ in it alone.
+/// A digit comes before letters: captions may differ in it alone.
 QChar FreeKey(const QString& caption, const QString& taken) {
     for (const bool digits : {true, false})
         for (const QChar character : caption)

@@ -34,7 +34,7 @@ class RebootDialog : public FormDialog {
     }
 };
 
-/// Takes the window away, unless its parent did.
+/// Destroys the window, unless its parent has done so.
 class ShownDialog : public ShownWindow {
   public:
     explicit ShownDialog(QDialog* window) : mWindow(window) { window->show(); }

@@ -7,7 +7,7 @@
 namespace qncomm {
 namespace {
 
-/// Whether the button itself may have the keys, whatever becomes of the bar that it is on.
+/// Whether the button by itself can take the keyboard focus, whatever the state of its bar is.
 bool MayBeStop(const QToolButton* button) {
     return button != nullptr && !button->isHidden() && !button->testAttribute(Qt::WA_ForceDisabled);
 }
@@ -71,7 +71,7 @@ void RovingFocus::MakeStop(QToolButton& button) {
     button.setFocusPolicy(Qt::TabFocus);
 }
 
-/// Has another button for the stop when the one that was it cannot be it any more.
+/// Moves the Tab stop to another button when the present one is hidden or disabled.
 void RovingFocus::FindStop() {
     if (MayBeStop(mStop)) return;
     const auto next = std::ranges::find_if(mButtons, MayBeStop);

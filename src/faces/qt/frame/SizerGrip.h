@@ -15,7 +15,7 @@ class SizerGrip final : public QWidget {
     explicit SizerGrip(QWidget* parent);
 
   signals:
-    /// How far below itself it was released; negative above.
+    /// How many pixels below its place it was released; negative above.
     void released(int lY);
 
   protected:

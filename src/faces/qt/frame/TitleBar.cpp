@@ -18,8 +18,8 @@ constexpr int TitlePadding = 2; // pixels around the bar's pieces
 constexpr int TitleIndent = 6;  // pixels before the caption
 constexpr int ClosePictureSize = 14;
 
-/// Many desktops have no colour of their own for what is inactive; a bar that cannot be told from
-/// an active one is no use, so it is grey there.
+/// Many desktops define no colour of their own for an inactive title bar. There it is grey, so that
+/// it can be told from an active one.
 QColor BackOf(const TitleModel& title, const QPalette& desktop) {
     const QColor back = ColourOf(title.BackColor(), desktop);
     const bool asActive =

@@ -57,7 +57,7 @@ QStringList TipOf(const ToolbarButton& button) {
     return lines;
 }
 
-/// Tips may be taken for markup, which a macro's "<CR>" is not.
+/// The toolkit may take a tip for markup, but a macro's "<CR>" is plain text.
 QString AsMarkup(const QStringList& lines) {
     return QStringLiteral("<p style='white-space:pre'>%1</p>")
         .arg(lines.join(u'\n').toHtmlEscaped());

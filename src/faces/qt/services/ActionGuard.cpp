@@ -10,7 +10,7 @@ ActionGuard::ActionGuard(Desktop& desktop, Stop stop)
     : mDesktop(&desktop), mStop(std::move(stop)) {}
 
 void ActionGuard::Run(const std::function<void()>& action) const {
-    // The guard may be gone when the action returns.
+    // The guard may have been destroyed when the action returns.
     Desktop& desktop = *mDesktop;
     const Stop stop = mStop;
     try {

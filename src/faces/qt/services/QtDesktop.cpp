@@ -69,7 +69,7 @@ MsgBoxResult QtDesktop::ShowMsgBox(const MsgBox& box) {
     const BusyCursor::Pause pause;
     const ButtonSet set = SetOf(box.buttons);
     const QString title = FromEither(box.title.empty() ? ProductName : box.title);
-    // On the heap: the parent may go meanwhile and take the box with it.
+    // On the heap: the parent may be destroyed meanwhile, and the box with it.
     const QPointer<QMessageBox> shown(new QMessageBox(IconOf(box.icon), title, BoxText(box.text),
                                                       set.buttons, BoxParent(mParent)));
     shown->setTextFormat(Qt::PlainText);

@@ -78,7 +78,8 @@ class QtReactor::WatchSlot final : public FdWatch {
     WatchSlot& operator=(const WatchSlot&) = delete;
 
     void Want(FdEvents events) override {
-        // A descriptor that hangs up reports so whether asked or not: it leaves instead.
+        // A descriptor that has hung up reports that whatever is asked for: it is taken out
+        // instead.
         const std::uint32_t bits = EpollBits(events);
         const std::uint32_t former = std::exchange(mBits, bits);
         if (bits == former) return;
@@ -94,7 +95,7 @@ class QtReactor::WatchSlot final : public FdWatch {
     std::uint32_t mBits = 0;
 };
 
-/// A Yield while it is on the stack.
+/// Exists while a Yield is on the stack.
 class QtReactor::YieldScope {
   public:
     explicit YieldScope(QtReactor& reactor)
@@ -176,8 +177,8 @@ void QtReactor::OnWoken() {
     if (mCame) return; // first things first: all of it stays ready
     const bool awaited = mDepth > 0 && mYieldLoopLevel == CurrentLoopLevel();
     if (awaited && mServedDepth == mDepth) return; // once in a pass is enough
-    // A line that never stops is served in bunches: a turn of the toolkit's loop costs more than a
-    // read. An operation that waits gets to see each.
+    // Data that never stops is read several times per turn, because a turn of the toolkit's loop
+    // costs more than a read. An operation that waits still sees every read.
     const std::int64_t until = awaited ? 0 : NowUs() + LongestBunchUs;
     try {
         while (Serve() && NowUs() < until) {

@@ -24,7 +24,7 @@ qreal WidestOf(const QFontMetricsF& metrics) {
     return widest;
 }
 
-/// Whether the cell is a blank, or a control character that is none of the printer's.
+/// Whether the cell shows nothing: a blank, or one of the control characters of ASCII.
 bool IsEmptyCell(char cell) {
     return cell == ' ' || cell == '\xA0' || static_cast<unsigned char>(cell) < 0x20
            || cell == '\x7F';

@@ -32,7 +32,7 @@ class CellFont {
     qreal Ascent() const { return mAscent; }
     qreal LineWidth() const { return mLineWidth; }
 
-    /// Draws bytes of the line with the painter's pen; the first cell's upper left corner is at.
+    /// Draws bytes of the line with the painter's pen; `at` is the first cell's upper left corner.
     void Draw(QPainter& painter, const QPointF& at, std::string_view cells, bool bold,
               bool italic) const;
 

@@ -1,8 +1,8 @@
 #pragma once
 
 #include "CellFont.h"
-#include "terminal/view/TerminalSelection.h"
 #include "terminal/TerminalLine.h"
+#include "terminal/view/TerminalSelection.h"
 
 #include <QColor>
 #include <QPointF>
@@ -35,8 +35,8 @@ class CellPainter {
     CellPainter(QPainter& painter, const CellFont& font, const CellColours& colours)
         : mPainter(painter), mFont(font), mColours(colours) {}
 
-    /// Paints cells of a line whose first cell's upper left corner is at. The terminal's own
-    /// background has been painted.
+    /// Paints cells of a line; `at` is the upper left corner of its first cell. The terminal's own
+    /// background has been painted before.
     void Paint(const terminal::TerminalLine& line, const QPointF& at, const Part& part);
 
     /// Paints one cell with a text colour and background of its own, as a cursor shows it.

@@ -54,7 +54,7 @@ QString SearchBar::Text() const {
 }
 
 void SearchBar::Ask() {
-    // Its picture is the desktop's, whose theme is looked through when it is first asked for.
+    // Only now: for this button's icon the toolkit looks through the desktop's theme.
     mText->setClearButtonEnabled(true);
     show();
     mText->setFocus(Qt::ShortcutFocusReason);

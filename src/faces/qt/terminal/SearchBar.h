@@ -18,7 +18,7 @@ class SearchBar final : public QWidget {
     QString Text() const;
     /// Shows the bar with its text marked, ready to type.
     void Ask();
-    /// Says that the text is nowhere, or takes that back.
+    /// Shows, or no longer shows, that the text was not found.
     void ShowFound(bool bFound);
 
   signals:

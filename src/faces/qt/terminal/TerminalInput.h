@@ -7,12 +7,12 @@
 
 namespace qncomm {
 
-/// What the user does in a terminal view goes here. Nothing of it throws.
+/// Receives what the user does in a terminal view. No member throws.
 class TerminalInput {
   public:
     virtual ~TerminalInput() = default;
 
-    /// A key goes down. False when it goes no further.
+    /// A key goes down. False when a handler has swallowed it, so that it must not be typed.
     virtual bool KeyDown(const KeyStroke& stroke) = 0;
     /// Function key 1 to 8 of the toolbar.
     virtual void FunctionKey(std::int32_t lKey) = 0;

@@ -126,7 +126,7 @@ QSize TerminalView::minimumSizeHint() const {
 bool TerminalView::event(QEvent* event) {
     switch (event->type()) {
     case QEvent::ShortcutOverride:
-        // A key that goes to the line is no shortcut of the program around.
+        // A key that goes to the line must not act as a shortcut of the program around it.
         if (auto* key = static_cast<QKeyEvent*>(event); TakesKey(*key)) key->accept();
         return true;
     case QEvent::ScreenChangeInternal:
@@ -207,7 +207,7 @@ void TerminalView::timerEvent(QTimerEvent* event) {
 void TerminalView::GridChanged() {
     Parts& p = *mParts;
     if (p.frameTimer.isActive() || !isVisible()) return;
-    // What comes faster than it can be shown has most of the time for coming.
+    // When bytes come faster than they can be painted, receiving them gets most of the time.
     const qint64 apart = std::clamp(p.frameCostNs * FrameShare / NsPerMs, FrameMs, LongestFrameMs);
     const qint64 since = p.sinceFrame.isValid() ? p.sinceFrame.elapsed() : apart;
     p.frameTimer.start(static_cast<int>(std::max<qint64>(apart - since, 0)), Qt::PreciseTimer,
@@ -241,7 +241,7 @@ std::uint64_t TerminalView::Frames() const {
     return mParts->frames;
 }
 
-/// The bell is seen: the text lights up, and a window in the background asks for attention.
+/// Shows the bell: the text lights up, and a window in the background asks for attention.
 void TerminalView::Ring() {
     if (!isActiveWindow()) QApplication::alert(this);
     if (mParts->bellTimer.isActive()) return;

@@ -34,18 +34,18 @@ class TerminalView : public QAbstractScrollArea {
     Q_OBJECT
 
   public:
-    /// Grid and input outlive the view.
+    /// Grid and input must outlive the view.
     TerminalView(Terminal& grid, TerminalInput& input, QWidget* parent = nullptr);
     ~TerminalView() override;
 
-    /// Something of the grid or its appearance differs now; it is shown soon.
+    /// To be called when the grid or its appearance has changed: the view repaints within 50 ms.
     void GridChanged();
 
     /// The height of a row of text.
     int RowHeight() const;
 
     bool HasSelection() const;
-    /// Where the selection starts and ends; twice the same place without one.
+    /// Where the selection starts and ends; two equal places when nothing is marked.
     std::pair<TextPosition, TextPosition> SelectionRange() const;
     void Select(const TextPosition& from, const TextPosition& to);
     /// What is marked, with CR LF between lines, as bytes of the line; empty without a selection.
@@ -54,7 +54,8 @@ class TerminalView : public QAbstractScrollArea {
     void ClearSelection();
 
     void ShowSearch();
-    /// Marks the next, or previous, place where the text stands and scrolls to it. False for none.
+    /// Marks the next, or previous, occurrence of the text and scrolls to it. False when it is not
+    /// found.
     bool FindNext(const QString& sText);
     bool FindPrevious(const QString& sText);
 
@@ -88,7 +89,7 @@ class TerminalView : public QAbstractScrollArea {
     QSize minimumSizeHint() const override;
 
   signals:
-    /// Something may be copied now, or nothing any more.
+    /// The selection has changed, or is gone.
     void selectionChanged();
 
   protected:

@@ -12,6 +12,7 @@ struct Damage {
     std::size_t scrolled = 0;        ///< rows, at most as many as the screen has
     std::vector<std::uint16_t> rows; ///< counted from 1, ascending, in their place after the scroll
 
+    /// Whether nothing changed.
     bool Empty() const { return scrolled == 0 && rows.empty(); }
 };
 

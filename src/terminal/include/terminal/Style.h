@@ -8,21 +8,22 @@ namespace qncomm::terminal {
 
 /// How a cell is drawn, beside its colours; a style holds any set of them.
 enum class Attribute : std::uint16_t {
-    Bold = 1 << 0,
-    Faint = 1 << 1,
-    Italic = 1 << 2,
-    Underline = 1 << 3,
-    DoubleUnderline = 1 << 4,
-    Blink = 1 << 5,
-    Inverse = 1 << 6, ///< text and background colour change places
-    Conceal = 1 << 7,
-    Strike = 1 << 8,
-    Overline = 1 << 9,
+    Bold = 1 << 0,            ///< heavier strokes
+    Faint = 1 << 1,           ///< text nearer to its background
+    Italic = 1 << 2,          ///< slanted
+    Underline = 1 << 3,       ///< one line below
+    DoubleUnderline = 1 << 4, ///< two lines below
+    Blink = 1 << 5,           ///< comes and goes, as often as the face lets its cursor
+    Inverse = 1 << 6,         ///< text and background colour change places
+    Conceal = 1 << 7,         ///< text in the colour of its background
+    Strike = 1 << 8,          ///< a line through the middle
+    Overline = 1 << 9,        ///< a line above
 };
 
 /// Attributes together, one bit each.
 using AttributeSet = std::uint16_t;
 
+/// The set of these attributes, at least one.
 template <class... Attributes>
 constexpr AttributeSet SetOf(Attributes... attributes) {
     return static_cast<AttributeSet>((static_cast<unsigned>(attributes) | ...));
@@ -32,13 +33,16 @@ constexpr AttributeSet SetOf(Attributes... attributes) {
 /// run of cells is one fill. The default one has the terminal's own colours and no attribute.
 class Style {
   public:
+    /// The terminal's own colours and no attribute.
     constexpr Style() = default;
 
     /// The text colour.
     constexpr Colour Foreground() const { return Colour::FromCode(Field(ForegroundAt)); }
     /// The background colour.
     constexpr Colour Background() const { return Colour::FromCode(Field(BackgroundAt)); }
+    /// Takes another text colour; all else stays.
     constexpr void SetForeground(Colour colour) { SetField(ForegroundAt, colour.Code()); }
+    /// Takes another background colour; all else stays.
     constexpr void SetBackground(Colour colour) { SetField(BackgroundAt, colour.Code()); }
 
     /// Whether the attribute is set.
@@ -63,14 +67,16 @@ class Style {
     /// Whether it has the terminal's own colours and no attribute.
     constexpr bool IsDefault() const { return mBits == 0; }
 
-    /// The whole style as a number, and back; 0 is the default.
+    /// The whole style as a number; 0 is the default one.
     constexpr std::uint64_t Bits() const { return mBits; }
+    /// The style that has these bits; for any other number the result is undefined.
     static constexpr Style FromBits(std::uint64_t bits) {
         Style style;
         style.mBits = bits;
         return style;
     }
 
+    /// Whether both look the same on every cell.
     constexpr bool operator==(const Style&) const = default;
 
   private:

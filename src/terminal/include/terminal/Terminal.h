@@ -30,20 +30,23 @@ class Terminal {
 
     /// What a terminal is made with.
     struct Options {
-        std::int16_t rows = 300; ///< clamped to 1 to MostRows
-        std::int16_t columns = 300;
+        std::int16_t rows = 300;              ///< clamped to 1 to MostRows
+        std::int16_t columns = 300;           ///< clamped to 1 to MostColumns
         std::size_t scrollbackLines = 10'000; ///< at least 1
+        /// How the file of a capture is opened; a test puts its own files in.
         terminal::CaptureOpener captureOpener = terminal::OpenCaptureFile;
     };
 
+    /// A terminal of 300 rows and columns.
     Terminal();
+    /// A terminal with an empty screen and the cursor in its upper left corner.
     explicit Terminal(Options options);
     ~Terminal();
     Terminal(const Terminal&) = delete;
     Terminal& operator=(const Terminal&) = delete;
 
-    /// Shows bytes from the line, and captures them while a capture runs. Call it outside of a
-    /// painter's reading; it calls nobody but the capture's failure handler, as its last act.
+    /// Shows bytes from the line, and captures them while a capture runs. Must not be called while
+    /// a painter reads. The only thing that it calls is the capture's failure handler, at its end.
     void Write(std::string_view sBytes);
 
     // -- Size and cursor
@@ -79,9 +82,11 @@ class Terminal {
 
     // -- What has scrolled off at the top
 
-    /// The lines kept are numbered Begin up to, not including, End. A line keeps its number; the
-    /// first that ever left the screen is 0. The screen's first row would become line End.
+    /// The number of the oldest line that is kept. A line keeps its number; the first that ever
+    /// left the screen is 0.
     std::uint64_t ScrollbackBegin() const;
+    /// One behind the number of the newest line that is kept: the number that the screen's first
+    /// row will have.
     std::uint64_t ScrollbackEnd() const;
     /// The line of that number; an empty one when it is not kept.
     terminal::TerminalLine ScrollbackLine(std::uint64_t number) const;
@@ -108,16 +113,19 @@ class Terminal {
     bool IsCapturing() const;
     /// The file's path, "" while no capture runs.
     std::string CapturePath() const;
-    /// A write that fails, such as on a full disk, ends the capture and is reported once, here; the
-    /// terminal goes on. The handler may use the terminal, but not destroy it.
+    /// Hears why a capture ended by itself. It may use the terminal, but not destroy it.
     using CaptureFailureHandler = std::function<void(const terminal::CaptureResult&)>;
+    /// Takes the handler in place of the one before; an empty one hears nothing. A write that
+    /// fails, such as on a full disk, ends the capture and calls it once; the terminal goes on.
     void SetCaptureFailureHandler(CaptureFailureHandler handler);
     /// What ended the last capture; nothing when it was stopped or runs.
     std::optional<terminal::CaptureResult> CaptureFailure() const;
 
     // -- Appearance
 
+    /// How a face shows the terminal. A change is no damage: the one who makes it tells the face.
     terminal::TerminalAppearance& Appearance() { return mAppearance; }
+    /// How a face shows the terminal.
     const terminal::TerminalAppearance& Appearance() const { return mAppearance; }
 
   private:

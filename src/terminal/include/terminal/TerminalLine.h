@@ -11,8 +11,9 @@ namespace qncomm::terminal {
 /// Neighbouring cells of one style.
 struct StyleRun {
     std::size_t length = 0; ///< in cells, at least 1
-    Style style;
+    Style style;            ///< of each of them
 
+    /// Whether length and style are the same.
     bool operator==(const StyleRun&) const = default;
 };
 
@@ -23,6 +24,7 @@ struct TerminalLine {
     Style fill;                 ///< how the rest of the row is drawn
     bool wrapped = false;       ///< the next line goes on where this one had no more space
 
+    /// Whether both show the same.
     bool operator==(const TerminalLine&) const = default;
 };
 

@@ -18,8 +18,8 @@
 
 namespace qncomm {
 
-/// All that a control needs of where it runs, for a program at a terminal or without one: what is
-/// said goes to a stream, what is asked is answered at the input or by answers given beforehand.
+/// All that a control needs of its surroundings, for a program with or without a terminal: messages
+/// go to a stream, questions are answered at the input or by answers given beforehand.
 class ConsoleDesk {
   public:
     /// What a program chooses.
@@ -40,7 +40,7 @@ class ConsoleDesk {
 
     /// What a ControlAssembly takes; all of it lives as long as this object.
     ControlServices Services();
-    /// A view that is shown nowhere: the control runs on it.
+    /// A view that shows nothing, for the control to run on.
     ControlView View() { return {mHost, mHost, mHost}; }
 
     /// The progress line.

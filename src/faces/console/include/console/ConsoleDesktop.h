@@ -19,7 +19,7 @@ enum class GivenAnswer {
 };
 
 /// The desktop of a program at a terminal: a box becomes lines on the error stream under its title;
-/// a question is asked at the terminal, or answered by what was given, and without either the
+/// a question is asked at the terminal, or answered as the options say, and without either the
 /// answer is No.
 class ConsoleDesktop final : public Desktop {
   public:

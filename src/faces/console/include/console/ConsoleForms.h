@@ -14,8 +14,8 @@ namespace qncomm {
 
 class frmBinaryTransfer;
 
-/// The forms at a console. There is no place for a dialog of many fields: such a form only tells
-/// what to do instead. The binary transfer asks for its file alone; the reboot wait is a status
+/// The forms at a console. There is no room for a dialog of many fields: such a form only says what
+/// to do instead. The binary transfer asks for its file alone; the reboot wait is a status
 /// line that creeps forward.
 class ConsoleForms final : public FormWindows {
   public:

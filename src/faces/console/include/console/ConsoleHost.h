@@ -14,11 +14,12 @@ namespace qncomm {
 
 class QNComm;
 
-/// Container, window and screen of a control that is shown nowhere: it runs, and what it would show
-/// goes nowhere. Its form is as large as the control.
+/// Container, window and screen of a control that runs without being shown. Its form is as large as
+/// the control.
 class ConsoleHost final : public ControlHost, public ControlWindow, public TerminalScreen {
   public:
-    /// The asker must outlive the object; it tells when a capture ends for want of space.
+    /// The asker must outlive the object; it says so when a capture ends because its file takes no
+    /// more.
     explicit ConsoleHost(ConsoleAsker& asker) : mAsker(asker) {}
 
     /// The control that sits here, so that it can be hidden; nullptr takes it away.

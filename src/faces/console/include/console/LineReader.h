@@ -12,10 +12,10 @@ namespace qncomm {
 /// alive meanwhile and a cancel is seen.
 class LineReader {
   public:
-    /// The reactor outlives the reader; the descriptor stays the caller's.
+    /// The reactor must outlive the reader; the descriptor is not closed.
     LineReader(Reactor& reactor, int fd) : mReactor(reactor), mFd(fd) {}
 
-    /// Whether a user can answer there.
+    /// Whether the descriptor is a terminal, so that a user can answer.
     bool IsTerminal() const;
 
     /// The next line without its end; nothing at the end of the input. Throws what Yield throws.

@@ -7,7 +7,7 @@
 
 namespace qncomm {
 
-/// A clipboard of this process alone.
+/// A clipboard that only this process sees.
 class MemoryClipboard final : public Clipboard {
   public:
     std::string Text() override { return mText; }

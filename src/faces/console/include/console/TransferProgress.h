@@ -34,7 +34,7 @@ class TransferProgress {
     /// known.
     void Show(const std::string& sMessage, std::int32_t lPercent);
 
-    /// How it ended: the mean rate of the whole transfer.
+    /// The reading at the end: the mean rate of the whole transfer.
     TransferReading Whole() const;
     /// Milliseconds since the object was made.
     std::int64_t ElapsedMs() const { return mLoop.NowMs() - mStart; }

@@ -16,7 +16,7 @@ class BusyCursor : public QObject {
     static BusyCursor& OfApplication();
     ~BusyCursor() override;
 
-    /// Shows the ordinary cursor while it lives, as a box does that the user is to answer.
+    /// Shows the ordinary cursor while it exists: for a box that the user has to answer.
     class Pause {
       public:
         Pause();

@@ -41,10 +41,10 @@ class QNError;
 /// form without a layout, Align docks it to an edge; in a dock window or a layout the grip changes
 /// the height that it asks for.
 ///
-/// The slots tell errors by the signal error; nobody connected to it, in a message box. The calls
-/// of control() raise QNError, and OperationCancelled when the window is closed meanwhile. The
-/// widget may be deleted from any of its signals. When its window closes, a running operation is
-/// cancelled and the port closed.
+/// The slots report errors through the signal error, or in a message box when nothing is connected
+/// to it. The calls of control() raise QNError, and OperationCancelled when the window is closed
+/// meanwhile. The widget may be deleted from any of its signals. When its window closes, a running
+/// operation is cancelled and the port closed.
 class QNCommWidget : public QWidget {
     Q_OBJECT
     // The control's properties, one line each: its type here, its name, the function that reads it.
@@ -133,9 +133,9 @@ class QNCommWidget : public QWidget {
     void showCommSettings();
     /// Empties the terminal's screen.
     void clear();
-    /// The whole screen's text, to the clipboard.
+    /// Copies the whole screen's text to the clipboard.
     void copy();
-    /// What is marked in the terminal, to the clipboard; nothing when nothing is.
+    /// Copies what is marked in the terminal to the clipboard; does nothing when nothing is.
     void copySelection();
     /// Sends the clipboard's text to the printer.
     void paste();
@@ -173,7 +173,7 @@ class QNCommWidget : public QWidget {
     void propertyChanged(const QString& sName);
     /// The capture's file takes no more.
     void captureFailed(const QString& sPath, const QString& sReason);
-    /// Something in the terminal is marked now, or nothing any more.
+    /// What is marked in the terminal has changed.
     void selectionChanged();
 
   protected:

@@ -15,8 +15,8 @@ class FormDialog;
 
 /// The system's forms as windows of the platform.
 ///
-/// An error that a form's handler raises is told in a message box and the form stays open; only
-/// what is no QNError ends the form and is passed on.
+/// An error that a form's handler raises is shown in a message box and the form stays open. Any
+/// exception that is not a QNError ends the form and is rethrown.
 class QtFormWindows : public FormWindows {
   public:
     /// The windows belong to the window that parent is in; without a parent they stand by

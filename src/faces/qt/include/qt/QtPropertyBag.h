@@ -8,10 +8,10 @@
 
 namespace qncomm {
 
-/// A property's value as the toolkit has it: numbers as int, texts as QString, fonts as QFont.
+/// A property's value as a value of the toolkit: numbers as int, texts as QString, fonts as QFont.
 QVariant QVariantOf(const Variant& value);
 /// A value of the toolkit as one of that type. Numbers beyond 16 bits become the nearest Integer;
-/// of what cannot be converted comes 0, False or an empty text.
+/// a value that cannot be converted becomes 0, False or an empty text.
 Variant VariantOf(const QVariant& value, PropertyType type);
 
 /// The font as the toolkit has it, of at least 1 point.

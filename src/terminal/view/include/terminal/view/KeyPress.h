@@ -46,7 +46,7 @@ std::string BytesOf(const KeyPress& press);
 
 /// What a key does in the view itself. A face carries it out and sends nothing to the line.
 enum class ViewCommand : std::uint8_t {
-    None,            ///< the key is none of the view's own
+    None,            ///< not a command of the view
     Search,          ///< Ctrl+F: ask for a text to look for
     ZoomIn,          ///< Ctrl with plus
     ZoomOut,         ///< Ctrl with minus
