@@ -3,6 +3,7 @@
 
 #include "PtyReader.h"
 #include "platform/PollLoop.h"
+#include "platform/SystemFiles.h"
 #include "printer/clsQuorin.h"
 #include "testing/stack/Stack.h"
 
@@ -106,7 +107,7 @@ struct Line {
     PtyReader reader;
     PollLoop loop;
     testing::Stack stack{loop, reader.Path()};
-    clsQuorin quorin{stack.mLink, stack.mDesktop};
+    clsQuorin quorin{stack.mLink, stack.mDesktop, qncomm::SystemFiles()};
 
     Line() {
         stack.mLink.SetImmediateMode(true);

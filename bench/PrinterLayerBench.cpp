@@ -4,6 +4,7 @@
 // records outgrow the processor's cache.
 
 #include "common/MemorySettings.h"
+#include "platform/SystemFiles.h"
 #include "printer/clsQuorin.h"
 #include "testing/printer/InstantPrinter.h"
 
@@ -68,8 +69,8 @@ class Core {
     InstantPrinter mPrinter{[this](const std::string& line) { return AnswerTo(line); }};
     NoDesktop mDesktop;
     NoDialogs mDialogs;
-    clsDataLink mLink{LinkHost{mPrinter, mDesktop, mDialogs}};
-    clsQuorin mQuorin{mLink, mDesktop};
+    clsDataLink mLink{LinkHost{mPrinter, mDesktop, mDialogs, qncomm::SystemFiles()}};
+    clsQuorin mQuorin{mLink, mDesktop, qncomm::SystemFiles()};
 };
 
 void CountPerEntry(benchmark::State& state, std::size_t seen, std::int64_t expected) {

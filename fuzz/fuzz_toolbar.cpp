@@ -8,6 +8,7 @@
 #include "common/Pointer.h"
 #include "common/QNError.h"
 #include "control/QNComm.h"
+#include "platform/SystemFiles.h"
 #include "testing/core/ControlStandIns.h"
 #include "testing/core/ScriptedForms.h"
 #include "testing/printer/InstantPrinter.h"
@@ -77,7 +78,7 @@ struct ShownControl {
     testing::FakeWindow window;
     std::shared_ptr<MemorySettings> settings = std::make_shared<MemorySettings>();
     QNComm control{ControlParts{printer, terminal, host, window},
-                   ControlServices{printer, desk, desk, desk, desk, desk, forms}};
+                   ControlServices{printer, desk, desk, desk, desk, desk, forms, SystemFiles()}};
 };
 
 /// What a text macro sends, worked out beside the control.

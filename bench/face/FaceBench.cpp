@@ -6,6 +6,7 @@
 #include "common/MemorySettings.h"
 #include "link/clsDataLink.h"
 #include "platform/PollLoop.h"
+#include "platform/SystemFiles.h"
 #include "qt/QNCommWidget.h"
 #include "qt/QtReactor.h"
 #include "serial/PDQComm.h"
@@ -87,7 +88,7 @@ double FacelessSeconds(const std::string& text) {
     qncomm::PDQComm serial(loop, std::move(bindings), nullptr, TalkingLines(text));
     qncomm::Terminal grid;
     serial.SetTerminalSink([&](std::string_view piece) { grid.Write(piece); });
-    qncomm::clsDataLink link(qncomm::LinkHost{loop, desktop, dialogs});
+    qncomm::clsDataLink link(qncomm::LinkHost{loop, desktop, dialogs, qncomm::SystemFiles()});
     link.SetSerialPort(&serial);
     auto settings = std::make_shared<qncomm::MemorySettings>();
     settings->WriteValue("Settings", "Commport", "1");

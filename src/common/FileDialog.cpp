@@ -4,18 +4,19 @@
 
 namespace qncomm {
 
-std::string WithDefaultExtension(const FileDialog& dialog, const std::string& sPath) {
+std::string WithDefaultExtension(const FileDialog& dialog, const std::string& sPath,
+                                 HostFiles& files) {
     const std::string& extension = dialog.defaultExtension;
     const bool has = FileNameOf(sPath).find('.') != std::string::npos;
-    if (extension.empty() || has || (dialog.kind == FileDialogKind::Open && FileExists(sPath)))
+    if (extension.empty() || has || (dialog.kind == FileDialogKind::Open && files.Exists(sPath)))
         return sPath;
     return sPath + (extension.starts_with('.') ? "" : ".") + extension;
 }
 
-FileChoice JudgeChoice(const FileDialog& dialog, const std::string& sPath) {
+FileChoice JudgeChoice(const FileDialog& dialog, const std::string& sPath, HostFiles& files) {
     using Next = FileChoice::Next;
-    const std::string path = WithDefaultExtension(dialog, sPath);
-    const bool exists = FileExists(path);
+    const std::string path = WithDefaultExtension(dialog, sPath, files);
+    const bool exists = files.Exists(path);
     if (!exists && dialog.mustExist && dialog.kind == FileDialogKind::Open)
         return {path, Next::Refuse, {}};
     if (exists && dialog.confirmOverwrite)

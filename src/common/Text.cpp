@@ -1,7 +1,6 @@
 #include "common/Text.h"
 
 #include <algorithm>
-#include <filesystem>
 
 namespace qncomm {
 namespace {
@@ -110,13 +109,12 @@ std::string Strip8thBit(std::string_view sText) {
     return Mapped(sText, [](char c) { return static_cast<char>(c & 0x7F); });
 }
 
-std::string FileNameOf(std::string_view sPath) {
-    return std::string(sPath.substr(sPath.find_last_of('/') + 1));
+std::string Quoted(std::string_view sText) {
+    return '"' + std::string(sText) + '"';
 }
 
-bool FileExists(const std::string& sPath) {
-    std::error_code ignored;
-    return std::filesystem::is_regular_file(sPath, ignored);
+std::string FileNameOf(std::string_view sPath) {
+    return std::string(sPath.substr(sPath.find_last_of('/') + 1));
 }
 
 } // namespace qncomm

@@ -19,8 +19,8 @@ struct QNComm::Members {
         : keep(std::move(kept)),
           loop(services.loop),
           dialogs(services.loop, services.forms),
-          link(LinkHost{loop, services.desktop, dialogs}),
-          quorin(link, services.desktop) {}
+          link(LinkHost{loop, services.desktop, dialogs, services.hostFiles}),
+          quorin(link, services.desktop, services.hostFiles) {}
 
     std::shared_ptr<void> keep; ///< destroyed last
     OperationLoop loop;

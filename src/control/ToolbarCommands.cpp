@@ -1,7 +1,6 @@
 // What the toolbar's buttons do.
 
 #include "Members.h"
-#include "common/HostPath.h"
 #include "common/RuntimeErrors.h"
 #include "common/Text.h"
 #include "dialogs/frmBinaryTransfer.h"
@@ -10,7 +9,6 @@
 
 #include <algorithm>
 #include <array>
-#include <fstream>
 
 namespace qncomm {
 namespace {
@@ -80,7 +78,7 @@ void QNComm::SendTextMacro(const std::string& argument) {
 }
 
 void QNComm::SendFileMacro(const std::string& path) {
-    if (FileExists(path))
+    if (mServices.hostFiles.Exists(path))
         SendFile(path);
     else
         Tell("File '" + path + "' not found.", MsgBoxIcon::Exclamation);
@@ -114,9 +112,9 @@ void QNComm::DownloadText() {
     question.text = "Selected file is not empty. Do you want to clear the file?";
     question.buttons = MsgBoxButtons::YesNo;
     question.icon = MsgBoxIcon::Question;
-    const bool stays = Outlives([&, &desktop = mServices.desktop] {
-        if (FileSize(*path) > 0 && desktop.ShowMsgBox(question) == MsgBoxResult::Yes)
-            DeleteFile(*path);
+    const bool stays = Outlives([&, &desktop = mServices.desktop, &files = mServices.hostFiles] {
+        if (files.Size(*path) > 0 && desktop.ShowMsgBox(question) == MsgBoxResult::Yes)
+            files.Delete(*path);
     });
     if (stays) SetCaptureToFile(*path);
 }
@@ -149,17 +147,12 @@ void QNComm::SendText(std::string_view text) {
 
 void QNComm::SendFile(const std::string& path) {
     if (!MaySend()) return;
-    if (!FileExists(path)) RaiseRuntimeError(RtFileNotFound);
-    std::ifstream file(path, std::ios::binary);
-    if (!file) RaiseRuntimeError(RtPathFileAccess);
+    if (!mServices.hostFiles.Exists(path)) RaiseRuntimeError(RtFileNotFound);
+    const std::unique_ptr<HostFile> file = mServices.hostFiles.Open(path);
     const Operation operation = Begin();
-    std::string block(BlockSize, '\0');
-    while (file) {
-        file.read(block.data(), BlockSize);
-        const std::string_view read(block.data(), static_cast<std::size_t>(file.gcount()));
-        if (!read.empty()) SendInPieces(operation.Link(), read);
-    }
-    if (file.bad()) RaiseRuntimeError(RtDeviceIO);
+    for (std::string block = file->ReadSome(BlockSize); !block.empty();
+         block = file->ReadSome(BlockSize))
+        SendInPieces(operation.Link(), block);
 }
 
 void QNComm::Tell(std::string text, MsgBoxIcon icon) const {

@@ -32,7 +32,8 @@ void QNComm::BinaryDownload(const std::string& sDestination, std::int16_t iProto
 /// Asks for protocol and file and runs the transfer. Nothing is transferred unless the dialog was
 /// closed by its action button.
 void QNComm::TransferFile(std::int16_t action) {
-    frmBinaryTransfer form(action, BinaryKermit, mServices.desktop, mServices.files);
+    frmBinaryTransfer form(action, BinaryKermit, mServices.desktop, mServices.files,
+                           mServices.hostFiles);
     if (!Outlives([&] { mServices.forms.ShowModal(form); }) || !form.Accepted()) return;
     if (action == PrinterReceives)
         BinaryUpload(form.Filename(), form.Protocol());

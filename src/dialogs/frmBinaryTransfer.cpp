@@ -12,8 +12,13 @@ constexpr std::string_view DestinationTitle = "Select Destination File (Printer 
 } // namespace
 
 frmBinaryTransfer::frmBinaryTransfer(std::int16_t iAction, std::int16_t iProtocol, Desktop& desktop,
-                                     FileDialogs& files)
-    : FormModel({}), mAction(iAction), mProtocol(iProtocol), mDesktop(desktop), mFiles(files) {
+                                     FileDialogs& files, HostFiles& hostFiles)
+    : FormModel({}),
+      mAction(iAction),
+      mProtocol(iProtocol),
+      mDesktop(desktop),
+      mFiles(files),
+      mHostFiles(hostFiles) {
     On(cmbProtocol.Clicked,
        [this] { mProtocol = static_cast<std::int16_t>(cmbProtocol.SelectedValue()); });
     On(cmdBrowse.Clicked, [this] { cmdBrowse_Click(); });
@@ -23,7 +28,7 @@ frmBinaryTransfer::frmBinaryTransfer(std::int16_t iAction, std::int16_t iProtoco
 }
 
 void frmBinaryTransfer::Form_Load() {
-    lblFolder.SetCaption(CurrentFolder());
+    lblFolder.SetCaption(mHostFiles.CurrentFolder());
     cmbProtocol.SetEntries({{"Kermit Protocol", BinaryKermit},
                             {"ZModem Protocol (Printer must run QN 7.0 or higher)", BinaryZModem}});
     if (!cmbProtocol.SelectValue(mProtocol)) cmbProtocol.SetListIndex(0);
@@ -39,7 +44,7 @@ void frmBinaryTransfer::Form_Load() {
 void frmBinaryTransfer::cmdBrowse_Click() {
     FileDialog dialog;
     dialog.filters = {{"All Files (*.*)", "*.*"}};
-    dialog.folder = CurrentFolder();
+    dialog.folder = mHostFiles.CurrentFolder();
     if (mAction == PrinterSends) {
         dialog.kind = FileDialogKind::Save;
         dialog.title = DestinationTitle;
@@ -64,15 +69,15 @@ bool frmBinaryTransfer::QueryUnload(UnloadMode mode) {
     if (mode != UnloadMode::FormCode || mCancel) return true;
     mFilename = PathIn(lblFolder.Caption(), txtFilename.Text());
     if (mAction == PrinterReceives)
-        mAccepted = FileExists(mFilename) || Refuse("Not a valid file for Upload!");
+        mAccepted = mHostFiles.Exists(mFilename) || Refuse("Not a valid file for Upload!");
     else
         mAccepted = IsValidDestination();
     return mAccepted;
 }
 
 bool frmBinaryTransfer::IsValidDestination() {
-    if (!FileExists(mFilename))
-        return CanCreateFile(mFilename) || Refuse("Not a valid file for Download!");
+    if (!mHostFiles.Exists(mFilename))
+        return mHostFiles.CanCreate(mFilename) || Refuse("Not a valid file for Download!");
     MsgBox question;
     question.text = "Overwrite existing file?";
     question.buttons = MsgBoxButtons::YesNo;

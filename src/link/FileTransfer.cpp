@@ -44,19 +44,15 @@ class NoReceiveEvents {
     SerialControl& mSerial;
 };
 
-std::string InQuotes(std::string_view text) {
-    return "\"" + std::string(text) + "\"";
-}
-
 std::string UploadCommand(const std::string& destination) {
-    std::string receive = "TRANSFER K " + InQuotes("R") + "\r\n";
+    std::string receive = "TRANSFER K " + Quoted("R") + "\r\n";
     const std::size_t colon = destination.find(':');
     if (colon == std::string::npos) return receive;
-    return "CHDIR" + InQuotes(destination.substr(0, colon + 1)) + ":" + receive;
+    return "CHDIR" + Quoted(destination.substr(0, colon + 1)) + ":" + receive;
 }
 
 std::string DownloadCommand(const std::string& source) {
-    return "TRANSFER K " + InQuotes("S") + "," + InQuotes(source) + "\r\n";
+    return "TRANSFER K " + Quoted("S") + "," + Quoted(source) + "\r\n";
 }
 
 /// What an uploaded file is called on the printer.
@@ -198,7 +194,8 @@ bool LinkState::RunKermit(PortClaim claim, FileTransfer& transfer, const std::st
 
 void clsDataLink::KermitUpload(const std::string& sSource, const std::string& sDestination,
                                bool bManual) {
-    if (!bManual && !FileExists(sSource)) RaiseError(ErrUploadName, "clsDataLink,Upload");
+    if (!bManual && !mState->host.files.Exists(sSource))
+        RaiseError(ErrUploadName, "clsDataLink,Upload");
     PortClaim claim = bManual ? mState->ClaimLine(false) : AcquirePort();
     if (!claim) return;
     FileTransfer transfer(*mState, {.verb = UploadVerb,
@@ -239,7 +236,7 @@ bool LinkState::RunBinary(FileTransfer& transfer, std::int16_t protocol,
 
 void clsDataLink::BinaryUpload(const std::string& sSource, std::int16_t iProtocol) {
     constexpr std::string_view source = "clsDataLink, BinaryUpload";
-    if (!FileExists(sSource)) RaiseError(ErrUploadName, source);
+    if (!mState->host.files.Exists(sSource)) RaiseError(ErrUploadName, source);
     if (!mState->Serial().PortOpen()) RaiseError(ErrPortNotOpen, source);
     if (mState->hostCalls > 0) return;
     FileTransfer transfer(*mState, {.verb = UploadVerb,

@@ -3,6 +3,7 @@
 #include "common/HostPath.h"
 #include "common/Text.h"
 #include "platform/Fd.h"
+#include "platform/SystemFiles.h"
 
 #include <cerrno>
 #include <csignal>
@@ -25,13 +26,13 @@ struct Hindrance {
 
 /// The request with paths that this system can use.
 LaunchRequest ForThisMachine(LaunchRequest request) {
-    if (request.program.find('\\') != std::string::npos && !FileExists(request.program)) {
+    if (request.program.find('\\') != std::string::npos && !SystemFiles().Exists(request.program)) {
         request.program = ReplaceAll(request.program, "\\", "/");
         request.folder = ReplaceAll(request.folder, "\\", "/");
     }
     // The folder is entered first, so a relative path would be looked for in there.
     if (request.program.find('/') != std::string::npos)
-        request.program = PathIn(CurrentFolder(), request.program);
+        request.program = PathIn(SystemFiles().CurrentFolder(), request.program);
     return request;
 }
 

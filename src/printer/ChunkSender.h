@@ -1,6 +1,6 @@
 #pragma once
 
-#include "HostFile.h"
+#include "common/HostFiles.h"
 
 #include <cstdint>
 #include <functional>

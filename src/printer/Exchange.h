@@ -1,5 +1,6 @@
 #pragma once
 
+#include "common/Text.h"
 #include "printer/clsQuorin.h"
 
 #include <cstddef>
@@ -23,11 +24,6 @@ inline constexpr std::string_view PortRefused = "port not available";
 
 /// What StatusEvent carries when there is no percentage to tell.
 inline constexpr std::int16_t NoProgress = -1;
-
-/// The text between double quotes.
-inline std::string Quoted(std::string_view text) {
-    return '"' + std::string(text) + '"';
-}
 
 /// A line of a reply; empty beyond its end.
 inline std::string LineAt(const std::vector<std::string>& reply, std::size_t index) {

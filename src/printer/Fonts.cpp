@@ -54,7 +54,7 @@ void clsQuorin::RemoveFont(std::string_view sFontName) {
 }
 
 void clsQuorin::InstallFont(const std::string& sFullFontPath, bool bPermanent) {
-    if (!FileExists(sFullFontPath)) RaiseError(ErrFontName, InstallFontSource);
+    if (!mFiles.Exists(sFullFontPath)) RaiseError(ErrFontName, InstallFontSource);
     const std::string code = PrinterType();
     if (code.empty()) { // nobody was asked: this is no model without TrueType fonts
         mDesktop.Log(PortRefused);

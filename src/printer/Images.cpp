@@ -1,7 +1,6 @@
 // Installing, removing and printing images.
 
 #include "Exchange.h"
-#include "HostFile.h"
 #include "common/Numbers.h"
 #include "common/Text.h"
 #include "common/modErrorHandling.h"
@@ -47,7 +46,7 @@ void clsQuorin::InstallImage(const std::string& sImageName, bool bPermanent) {
 
 /// Looks at the first two bytes. A file that is no image stays open until the next one or TearDown.
 bool clsQuorin::IsValidPcxImage(const std::string& path) {
-    auto file = std::make_shared<HostFile>(path);
+    std::unique_ptr<HostFile> file = mFiles.Open(path);
     const std::string head = file->Length() >= 2 ? file->Read(2) : std::string(2, '\0');
     if (head[0] == PcxMark && PcxVersions.find(head[1]) != std::string_view::npos) return true;
     mRefusedImage = std::move(file);

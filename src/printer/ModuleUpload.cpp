@@ -1,7 +1,6 @@
 // Modules: typing one into the printer, and merging several into the working program.
 
 #include "Exchange.h"
-#include "HostFile.h"
 #include "common/Numbers.h"
 #include "common/QNError.h"
 #include "common/Text.h"
@@ -29,10 +28,10 @@ std::string CleanLine(std::string_view line) {
 }
 
 /// The whole text of a module file, which must not be empty.
-std::string ModuleText(const std::string& path) {
-    HostFile file(path);
-    if (file.Length() == 0) RaiseError(ErrModuleEmpty, "clsQuorin,DownloadQNModule");
-    return file.Read(static_cast<std::size_t>(file.Length()));
+std::string ModuleText(HostFiles& files, const std::string& path) {
+    const std::unique_ptr<HostFile> file = files.Open(path);
+    if (file->Length() == 0) RaiseError(ErrModuleEmpty, "clsQuorin,DownloadQNModule");
+    return file->Read(static_cast<std::size_t>(file->Length()));
 }
 
 /// The errors of a reply as records for the module's lines.
@@ -57,11 +56,11 @@ std::shared_ptr<ModuleErrors> CollectErrors(const std::vector<std::string>& repl
 std::shared_ptr<ModuleErrors> clsQuorin::ModuleUpload(const std::string& sSourcePath,
                                                       std::string& sTargetPath,
                                                       std::string& sModuleText) {
-    if (sModuleText.empty() && !FileExists(sSourcePath))
+    if (sModuleText.empty() && !mFiles.Exists(sSourcePath))
         RaiseError(ErrModuleName, "clsQuorin, ModuleUpload");
     if (sTargetPath.empty() && sSourcePath.empty())
         RaiseError(ErrModuleName, "clsQuorin,DownloadQNModule");
-    if (sModuleText.empty()) sModuleText = ModuleText(sSourcePath);
+    if (sModuleText.empty()) sModuleText = ModuleText(mFiles, sSourcePath);
     if (sTargetPath.empty()) sTargetPath = FileNameOf(sSourcePath);
     sTargetPath = OnWorkDevice(sTargetPath);
     try {

@@ -1,7 +1,6 @@
 // The program in the printer's working memory.
 
 #include "Exchange.h"
-#include "HostFile.h"
 #include "common/Numbers.h"
 #include "common/Text.h"
 
@@ -52,7 +51,7 @@ void clsQuorin::UploadQNProgram(const std::string& sFileName) {
     std::string listing;
     for (std::size_t i = 1; i + 1 < reply->size(); ++i)
         listing.append((*reply)[i]).append(CrLf);
-    WriteHostFile(sFileName, listing);
+    mFiles.Save(sFileName, listing);
 }
 
 /// Runs body while the program has a line 1 that prints and ends. Whatever happens, the line is

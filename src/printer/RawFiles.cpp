@@ -2,7 +2,6 @@
 
 #include "ChunkSender.h"
 #include "Exchange.h"
-#include "HostFile.h"
 #include "common/Numbers.h"
 #include "common/Text.h"
 #include "common/modErrorHandling.h"
@@ -56,7 +55,7 @@ void clsQuorin::AdjustSettings() {
 }
 
 void clsQuorin::RequireImageFile(const std::string& path) {
-    if (!FileExists(path)) RaiseError(ErrImageName, InstallImageSource);
+    if (!mFiles.Exists(path)) RaiseError(ErrImageName, InstallImageSource);
 }
 
 /// Raises an error of installing an image or a file, with the port given back before.
@@ -79,13 +78,13 @@ void clsQuorin::Fileload(const std::string& sFileName, std::string_view /*sDevic
 /// printer hears of it: the printer waits for exactly as many bytes as were announced.
 void clsQuorin::SendFile(std::string_view command, const std::string& path,
                          std::string_view options) {
-    HostFile file(path);
+    const std::unique_ptr<HostFile> file = mFiles.Open(path);
     Send(std::string(command) + Quoted(FileNameOf(UpperCase(path))) + ","
-         + std::to_string(file.Length()) + std::string(options) + "\r");
+         + std::to_string(file->Length()) + std::string(options) + "\r");
     const ChunkSender sender(
         [this](std::string_view bytes) { Send(bytes); },
         [this](std::string& message, std::int16_t progress) { Report(message, progress); });
-    sender.SendFile(file);
+    sender.SendFile(*file);
 }
 
 } // namespace qncomm

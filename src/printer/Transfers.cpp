@@ -24,7 +24,7 @@ void clsQuorin::KermitUpload(const std::string& sSource, const std::string& sDes
         if (PrinterDevices()->IsEmpty()) return;
     } else {
         // Looked for first: a missing host file must not cost the printer's copy.
-        if (!FileExists(sSource)) RaiseError(ErrUploadName, "clsDataLink,Upload");
+        if (!mFiles.Exists(sSource)) RaiseError(ErrUploadName, "clsDataLink,Upload");
         ReplaceByKermit(sSource, sDestination);
     }
     SetDeviceDirty(sDestination);

@@ -7,7 +7,8 @@
 
 namespace qncomm {
 
-clsQuorin::clsQuorin(clsDataLink& link, Desktop& desktop) : mLink(&link), mDesktop(desktop) {}
+clsQuorin::clsQuorin(clsDataLink& link, Desktop& desktop, HostFiles& files)
+    : mLink(&link), mDesktop(desktop), mFiles(files) {}
 
 bool clsQuorin::DoAutoconnect() {
     return Link().AutoConnect(ToInt16(Val(Link().Commport())));

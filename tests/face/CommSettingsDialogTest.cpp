@@ -4,6 +4,7 @@
 #include "common/QNError.h"
 #include "dialogs/Dialogs.h"
 #include "dialogs/frmCommSettings.h"
+#include "platform/SystemFiles.h"
 #include "qt/QtFormWindows.h"
 #include "testing/core/ManualLoop.h"
 #include "testing/core/RecordingDesktop.h"
@@ -50,7 +51,7 @@ class CommSettingsDialog : public ::testing::Test {
     Dialogs mDialogs{mLoop, mForms};
     std::shared_ptr<MemorySettings> mSettings = std::make_shared<MemorySettings>();
     testing::ScriptedSerial mSerial{mLoop};
-    clsDataLink mLink{LinkHost{mLoop, mDesktop, mDialogs}};
+    clsDataLink mLink{LinkHost{mLoop, mDesktop, mDialogs, SystemFiles()}};
 };
 
 TEST_F(CommSettingsDialog, EveryFieldHasANameAndARole) {

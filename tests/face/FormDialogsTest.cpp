@@ -5,6 +5,7 @@
 #include "dialogs/Dialogs.h"
 #include "dialogs/frmBinaryTransfer.h"
 #include "dialogs/frmFunctionKeysSetup.h"
+#include "platform/SystemFiles.h"
 #include "qt/QtFormWindows.h"
 #include "testing/core/DeskTools.h"
 #include "testing/core/ManualLoop.h"
@@ -174,7 +175,7 @@ TEST_F(FunctionKeysDialog, IsSeenInLightAndDark) {
 using BinaryTransferDialog = FormDialogs;
 
 TEST_F(BinaryTransferDialog, EveryFieldHasANameARoleAndItsPlaceInTheRound) {
-    frmBinaryTransfer form(PrinterReceives, BinaryKermit, mDesktop, mFiles);
+    frmBinaryTransfer form(PrinterReceives, BinaryKermit, mDesktop, mFiles, SystemFiles());
     Show(form, [](QWidget& window) {
         EXPECT_EQ(window.windowTitle(), u"Select File to Send (Printer Recieves File)"_qs);
         EXPECT_EQ(Spoken(Named<QWidget>(window, "cmbProtocol")),
@@ -194,7 +195,7 @@ TEST_F(BinaryTransferDialog, EveryFieldHasANameARoleAndItsPlaceInTheRound) {
 TEST_F(BinaryTransferDialog, AFileIsNamedAndSentByKeysAlone) {
     const testing::ScratchFolder folder;
     const std::string path = folder.Write("label.prg", "10 PRINT\r\n");
-    frmBinaryTransfer form(PrinterReceives, BinaryKermit, mDesktop, mFiles);
+    frmBinaryTransfer form(PrinterReceives, BinaryKermit, mDesktop, mFiles, SystemFiles());
     Show(form, [&](QWidget& window) {
         QTest::keyClick(&window, Qt::Key_P, Alt);
         Press(Qt::Key_Down);
@@ -213,7 +214,7 @@ TEST_F(BinaryTransferDialog, AFileIsNamedAndSentByKeysAlone) {
 
 TEST_F(BinaryTransferDialog, BrowsingFillsNameAndFolder) {
     mFiles.mAnswers = {"/var/spool/labels/out.bin"};
-    frmBinaryTransfer form(PrinterSends, BinaryZModem, mDesktop, mFiles);
+    frmBinaryTransfer form(PrinterSends, BinaryZModem, mDesktop, mFiles, SystemFiles());
     Show(form, [](QWidget& window) {
         QTest::mouseClick(&Named<QWidget>(window, "cmdBrowse"), Qt::LeftButton);
         EXPECT_EQ(Named<QLineEdit>(window, "txtFilename").text(), u"out.bin"_qs);
@@ -227,7 +228,7 @@ TEST_F(BinaryTransferDialog, BrowsingFillsNameAndFolder) {
 
 TEST_F(BinaryTransferDialog, ALongFolderDoesNotWidenTheWindow) {
     mFiles.mAnswers = {"/" + std::string(400, 'd') + "/out.bin"};
-    frmBinaryTransfer form(PrinterSends, BinaryZModem, mDesktop, mFiles);
+    frmBinaryTransfer form(PrinterSends, BinaryZModem, mDesktop, mFiles, SystemFiles());
     Show(form, [](QWidget& window) {
         const int before = window.width();
         QTest::mouseClick(&Named<QWidget>(window, "cmdBrowse"), Qt::LeftButton);
@@ -238,7 +239,7 @@ TEST_F(BinaryTransferDialog, ALongFolderDoesNotWidenTheWindow) {
 }
 
 TEST_F(BinaryTransferDialog, IsSeenInLightAndDark) {
-    frmBinaryTransfer form(PrinterReceives, BinaryKermit, mDesktop, mFiles);
+    frmBinaryTransfer form(PrinterReceives, BinaryKermit, mDesktop, mFiles, SystemFiles());
     Show(form, [&](QWidget& window) {
         Type(u"shelf.prg"_qs);
         testing::SavePicture(window, u"binary-transfer"_qs);

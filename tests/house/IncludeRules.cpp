@@ -69,12 +69,6 @@ constexpr std::array<std::string_view, 17> OutsideWorld{
     "shared_mutex", "stop_token", "syncstream",         "thread",  "ctime"};
 
 constexpr std::array Known{
-    Debt{"common/Text.cpp", "filesystem", "the folder of a path"},
-    Debt{"common/HostPath.cpp", "cstdio", "looks for files of the host"},
-    Debt{"common/HostPath.cpp", "filesystem", "looks for files of the host"},
-    Debt{"printer/HostFile.h", "fstream", "reads and writes files of the host"},
-    Debt{"printer/HostFile.cpp", "filesystem", "reads and writes files of the host"},
-    Debt{"control/ToolbarCommands.cpp", "fstream", "sends a file of the host"},
     Debt{"terminal/CaptureFile.cpp", "cstdio", "writes a file of the host"},
     Debt{"terminal/CaptureFile.cpp", "filesystem", "writes a file of the host"},
 };

@@ -6,6 +6,7 @@
 #include "common/QNError.h"
 #include "console/Charset.h"
 #include "console/ConsoleTerminal.h"
+#include "platform/SystemFiles.h"
 
 #include <CLI/CLI.hpp>
 
@@ -64,7 +65,8 @@ qncomm::ConsoleTerminal::Wiring WiringOf(Session& session) {
 Outcome RunTerminal(Session& session, const std::string& capture) {
     qncomm::PDQComm& serial = session.Serial();
     if (!capture.empty())
-        session.Control().SetCaptureToFile(qncomm::PathIn(qncomm::CurrentFolder(), capture));
+        session.Control().SetCaptureToFile(
+            qncomm::PathIn(qncomm::SystemFiles().CurrentFolder(), capture));
     session.Status().Clear();
     qncomm::ConsoleTerminal terminal(session.Loop(), WiringOf(session));
     const ShownTerminal shown(session, [&](std::string_view text) { terminal.Show(text); });

@@ -6,6 +6,7 @@
 #include "common/MacroRecord.h"
 #include "common/Text.h"
 #include "console/Charset.h"
+#include "platform/SystemFiles.h"
 
 #include <CLI/CLI.hpp>
 
@@ -66,7 +67,7 @@ Outcome ListMacros(Session& session) {
 std::optional<std::string> Stored(const SetArguments& arguments, Outcome& outcome) {
     if (arguments.kind == "text") return ForPrinter(arguments.argument, outcome);
     if (arguments.kind == "run") return arguments.argument;
-    return qncomm::PathIn(qncomm::CurrentFolder(), arguments.argument);
+    return qncomm::PathIn(qncomm::SystemFiles().CurrentFolder(), arguments.argument);
 }
 
 Outcome SetMacro(Session& session, const SetArguments& arguments) {

@@ -5,12 +5,11 @@
 #include "common/RuntimeErrors.h"
 #include "common/Text.h"
 #include "console/Charset.h"
+#include "platform/SystemFiles.h"
 
 #include <CLI/CLI.hpp>
 
-#include <fstream>
 #include <iostream>
-#include <iterator>
 #include <memory>
 
 namespace qnctl {
@@ -65,16 +64,16 @@ Json DocumentOf(const qncomm::clsQNModuleError& error) {
 
 std::string ReadHostFile(const std::string& path) {
     if (path.empty()) return {};
-    if (!qncomm::FileExists(path)) qncomm::RaiseRuntimeError(qncomm::RtFileNotFound, "qnctl");
-    std::ifstream in(path, std::ios::binary);
-    if (!in) qncomm::RaiseRuntimeError(qncomm::RtPermissionDenied, "qnctl");
-    return {std::istreambuf_iterator<char>(in), {}};
+    if (!qncomm::SystemFiles().Exists(path))
+        qncomm::RaiseRuntimeError(qncomm::RtFileNotFound, "qnctl");
+    const auto file = qncomm::SystemFiles().Open(path);
+    return file->Read(static_cast<std::size_t>(file->Length()));
 }
 
 /// The module's text with the printer's line ends, which the files of this machine mostly lack.
 /// Empty for a file that is missing or empty: the printer layer then tells so.
 std::string ModuleText(const std::string& path) {
-    std::string text = qncomm::FileExists(path) ? ReadHostFile(path) : std::string();
+    std::string text = qncomm::SystemFiles().Exists(path) ? ReadHostFile(path) : std::string();
     if (text.find(qncomm::CrLf) != std::string::npos) return text;
     return qncomm::ReplaceAll(text, "\n", qncomm::CrLf);
 }

@@ -1,5 +1,7 @@
 #include "console/ConsoleDesk.h"
 
+#include "platform/SystemFiles.h"
+
 #include <utility>
 
 namespace qncomm {
@@ -17,7 +19,8 @@ ConsoleDesk::ConsoleDesk(Reactor& reactor, std::ostream& err, Options options)
       mHost(mFiles) {}
 
 ControlServices ConsoleDesk::Services() {
-    return {mReactor, mDesktop, mInputs, mClipboard, mFileDialogs, mLauncher, mForms};
+    return {mReactor,     mDesktop,  mInputs, mClipboard,
+            mFileDialogs, mLauncher, mForms,  SystemFiles()};
 }
 
 } // namespace qncomm

@@ -1,6 +1,7 @@
 #include "console/ConsoleFileDialogs.h"
 
 #include "common/HostPath.h"
+#include "platform/SystemFiles.h"
 
 namespace qncomm {
 namespace {
@@ -17,9 +18,10 @@ std::optional<std::string> ConsoleFileDialogs::ChooseFile(const FileDialog& dial
     const bool given = mAsker.HasGiven();
     const auto answer = mAsker.Ask(QuestionOf(dialog));
     if (!answer || answer->empty()) return std::nullopt;
-    const std::string folder = dialog.folder.empty() ? CurrentFolder() : dialog.folder;
-    const FileChoice choice =
-        JudgeChoice(dialog, PathIn(given ? CurrentFolder() : folder, *answer));
+    const std::string folder =
+        dialog.folder.empty() ? SystemFiles().CurrentFolder() : dialog.folder;
+    const FileChoice choice = JudgeChoice(
+        dialog, PathIn(given ? SystemFiles().CurrentFolder() : folder, *answer), SystemFiles());
     if (choice.next == FileChoice::Next::Refuse) {
         mAsker.Tell(choice.path + ": there is no such file.");
         return std::nullopt;

@@ -1,5 +1,6 @@
 // Files between a host and the virtual printer, the whole way down on a driven clock.
 
+#include "platform/SystemFiles.h"
 #include "printer/clsQuorin.h"
 #include "testing/core/ExpectRaised.h"
 #include "testing/core/ScratchFolder.h"
@@ -38,7 +39,7 @@ class StackTransfer : public ::testing::TestWithParam<LineOf> {
     const std::string mSent = mFolder.Write("sent.bin", mContent);
     ManualReactor mReactor;
     Stack mStack{mReactor, GetParam().address};
-    clsQuorin mQuorin{mStack.mLink, mStack.mDesktop};
+    clsQuorin mQuorin{mStack.mLink, mStack.mDesktop, SystemFiles()};
 };
 
 TEST_P(StackTransfer, GoesThereAndBackByKermit) {

@@ -4,6 +4,7 @@
 #include "common/Pointer.h"
 #include "common/RuntimeErrors.h"
 #include "control/QNComm.h"
+#include "platform/SystemFiles.h"
 #include "testing/core/ControlStandIns.h"
 #include "testing/core/DeskTools.h"
 #include "testing/core/ExpectRaised.h"
@@ -38,7 +39,8 @@ class ControlFixture : public ::testing::Test {
     void Create(std::shared_ptr<void> keep = {}) {
         mControl = std::make_unique<QNComm>(
             ControlParts{mSerial, mTerminal, mHost, mWindow, std::move(keep)},
-            ControlServices{mLoop, mDesktop, mInputs, mClipboard, mFiles, mLauncher, mForms});
+            ControlServices{mLoop, mDesktop, mInputs, mClipboard, mFiles, mLauncher, mForms,
+                            SystemFiles()});
         mWindow.mControl = mControl.get();
         mStatus = mControl->StatusEvent.Connect(
             [this](std::string& text, std::int16_t progress, bool& cancel) {

@@ -5,6 +5,7 @@
 #include "common/MemorySettings.h"
 #include "common/Pointer.h"
 #include "common/Text.h"
+#include "platform/SystemFiles.h"
 #include "testing/core/ControlStandIns.h"
 #include "testing/core/DeskTools.h"
 #include "testing/core/RecordingDesktop.h"
@@ -63,7 +64,8 @@ class ControlDesk {
         mAssembly.reset();
         mAssembly = std::make_unique<ControlAssembly>(
             mReactor,
-            ControlServices{mReactor, mDesktop, mInputs, mClipboard, mFiles, mLauncher, mForms},
+            ControlServices{mReactor, mDesktop, mInputs, mClipboard, mFiles, mLauncher, mForms,
+                            SystemFiles()},
             ControlView{mHost, mWindow, mScreen}, std::move(options));
         mHost.mUserMode = true;
         mWindow.mControl = &Control();

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "platform/Reactor.h"
+#include "platform/SystemFiles.h"
 #include "printer/clsQuorin.h"
 #include "testing/core/ScratchFolder.h"
 #include "testing/line/ServedPrinter.h"
@@ -51,7 +52,7 @@ class LayerBench : public ::testing::Test {
     std::unique_ptr<Reactor> mReactor;
     std::unique_ptr<ServedPrinter> mPrinter;
     Stack mStack;
-    clsQuorin mQuorin{mStack.mLink, mStack.mDesktop};
+    clsQuorin mQuorin{mStack.mLink, mStack.mDesktop, SystemFiles()};
 };
 
 /// A picture of 8 by 1 dots, run-length packed.

@@ -3,6 +3,7 @@
 #include "assembly/AllChannelKinds.h"
 #include "common/MemorySettings.h"
 #include "link/clsDataLink.h"
+#include "platform/SystemFiles.h"
 #include "serial/PDQComm.h"
 #include "testing/core/RecordingDesktop.h"
 
@@ -20,7 +21,8 @@ class Stack {
     /// settings: what the store holds before the link loads it.
     Stack(Reactor& reactor, const std::string& address,
           const std::vector<SettingValue>& settings = {})
-        : mSerial(reactor, Bound(address)), mLink(LinkHost{reactor, mDesktop, mDialogs}) {
+        : mSerial(reactor, Bound(address)),
+          mLink(LinkHost{reactor, mDesktop, mDialogs, SystemFiles()}) {
         mSettings->WriteValue("Settings", "Commport", "1");
         mSettings->WriteValues(settings);
         mLink.SetSerialPort(&mSerial);

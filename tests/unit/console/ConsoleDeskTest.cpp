@@ -8,6 +8,7 @@
 #include "dialogs/frmWaitForReboot.h"
 #include "platform/Fd.h"
 #include "platform/PollLoop.h"
+#include "platform/SystemFiles.h"
 #include "testing/core/ManualLoop.h"
 #include "testing/core/ScratchFolder.h"
 
@@ -86,8 +87,8 @@ TEST_F(Desk, AFileDialogTakesAGivenPath) {
     mDesk->Files().Give("here");
     mDesk->Files().Give("it.dat");
     EXPECT_EQ(Choose(dialog), "/somewhere/a:b.txt") << "a colon is a letter like any other";
-    EXPECT_EQ(Choose(dialog), PathIn(CurrentFolder(), "here.txt"));
-    EXPECT_EQ(Choose(dialog), PathIn(CurrentFolder(), "it.dat"));
+    EXPECT_EQ(Choose(dialog), PathIn(SystemFiles().CurrentFolder(), "here.txt"));
+    EXPECT_EQ(Choose(dialog), PathIn(SystemFiles().CurrentFolder(), "it.dat"));
     EXPECT_EQ(Choose(dialog), std::nullopt);
 }
 
@@ -96,7 +97,7 @@ TEST_F(Desk, AFileDialogAsksByItsTitle) {
     dialog.title = "Select a file.";
     APerson();
     Type("here\n\x04");
-    EXPECT_EQ(Choose(dialog), PathIn(CurrentFolder(), "here"));
+    EXPECT_EQ(Choose(dialog), PathIn(SystemFiles().CurrentFolder(), "here"));
     EXPECT_EQ(mErr.str(), "Select a file: ");
     EXPECT_EQ(Choose(dialog), std::nullopt);
     EXPECT_EQ(mErr.str(), "Select a file: Select a file: \n") << "no answer ends the line";
@@ -155,7 +156,8 @@ TEST_F(Desk, ABinaryTransferAsksForItsFileAlone) {
     const std::string path = mFolder.Write("a.bin", "x");
     Nobody().Files().Give(path);
     mDesk->Forms().SetProtocol(BinaryZModem);
-    frmBinaryTransfer form(PrinterReceives, BinaryKermit, mDesk->Boxes(), mDesk->Services().files);
+    frmBinaryTransfer form(PrinterReceives, BinaryKermit, mDesk->Boxes(), mDesk->Services().files,
+                           SystemFiles());
     mDesk->Forms().ShowModal(form);
     EXPECT_TRUE(form.Accepted());
     EXPECT_EQ(form.Filename(), path);
@@ -165,12 +167,14 @@ TEST_F(Desk, ABinaryTransferAsksForItsFileAlone) {
 
 TEST_F(Desk, ABinaryTransferWithoutAFileOrOverOneThatStaysIsNotAccepted) {
     Nobody();
-    frmBinaryTransfer none(PrinterReceives, BinaryKermit, mDesk->Boxes(), mDesk->Services().files);
+    frmBinaryTransfer none(PrinterReceives, BinaryKermit, mDesk->Boxes(), mDesk->Services().files,
+                           SystemFiles());
     mDesk->Forms().ShowModal(none);
     EXPECT_FALSE(none.Accepted());
     EXPECT_FALSE(none.IsOpen());
     mDesk->Files().Give(mFolder.Write("kept", "x"));
-    frmBinaryTransfer over(PrinterSends, BinaryKermit, mDesk->Boxes(), mDesk->Services().files);
+    frmBinaryTransfer over(PrinterSends, BinaryKermit, mDesk->Boxes(), mDesk->Services().files,
+                           SystemFiles());
     mDesk->Forms().ShowModal(over);
     EXPECT_FALSE(over.Accepted()) << "with nobody to ask the answer is no";
     EXPECT_FALSE(over.IsOpen());

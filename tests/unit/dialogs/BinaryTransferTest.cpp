@@ -1,6 +1,7 @@
 #include "dialogs/frmBinaryTransfer.h"
 
 #include "common/HostPath.h"
+#include "platform/SystemFiles.h"
 #include "testing/core/DeskTools.h"
 #include "testing/core/RecordingDesktop.h"
 #include "testing/core/ScratchFolder.h"
@@ -21,7 +22,8 @@ class BinaryTransfer : public ::testing::Test {
   protected:
     frmBinaryTransfer& Open(std::int16_t action, std::int16_t protocol = BinaryKermit) {
         mForm.reset();
-        mForm = std::make_unique<frmBinaryTransfer>(action, protocol, mDesktop, mFiles);
+        mForm =
+            std::make_unique<frmBinaryTransfer>(action, protocol, mDesktop, mFiles, SystemFiles());
         return *mForm;
     }
 
@@ -58,7 +60,7 @@ TEST_F(BinaryTransfer, TheCaptionsFollowTheAction) {
     EXPECT_EQ(mForm->lblProtocol.Caption(), "Protocol:");
     EXPECT_EQ(mForm->lblFilename.Caption(), "Filename:");
     EXPECT_EQ(mForm->lblFolderCaption.Caption(), "Folder:");
-    EXPECT_EQ(mForm->lblFolder.Caption(), CurrentFolder());
+    EXPECT_EQ(mForm->lblFolder.Caption(), SystemFiles().CurrentFolder());
 }
 
 TEST_F(BinaryTransfer, TheProtocolsAreListedInTheirOrder) {
@@ -94,7 +96,7 @@ TEST_F(BinaryTransfer, BrowsingShowsNameAndFolderApart) {
     EXPECT_EQ(dialog.title, "Select File to Send (Printer Recieves File)");
     EXPECT_TRUE(dialog.mustExist);
     EXPECT_FALSE(dialog.confirmOverwrite);
-    EXPECT_EQ(dialog.folder, CurrentFolder());
+    EXPECT_EQ(dialog.folder, SystemFiles().CurrentFolder());
     EXPECT_THAT(dialog.filters, ElementsAre(FileFilter{"All Files (*.*)", "*.*"}));
 }
 

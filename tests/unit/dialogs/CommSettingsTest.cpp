@@ -4,6 +4,7 @@
 #include "common/Pointer.h"
 #include "common/Text.h"
 #include "dialogs/Dialogs.h"
+#include "platform/SystemFiles.h"
 #include "testing/core/CommaLocale.h"
 #include "testing/core/ManualLoop.h"
 #include "testing/core/RecordingDesktop.h"
@@ -81,7 +82,7 @@ class CommSettings : public ::testing::Test {
     Dialogs mDialogs{mLoop, mForms};
     std::shared_ptr<MemorySettings> mSettings = std::make_shared<MemorySettings>();
     ScriptedSerial mSerial{mLoop};
-    clsDataLink mLink{LinkHost{mLoop, mDesktop, mDialogs}};
+    clsDataLink mLink{LinkHost{mLoop, mDesktop, mDialogs, SystemFiles()}};
 };
 
 TEST_F(CommSettings, TheCaptionsReadAsDesigned) {

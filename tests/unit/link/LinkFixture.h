@@ -4,6 +4,7 @@
 #include "common/Pointer.h"
 #include "common/QNError.h"
 #include "link/clsDataLink.h"
+#include "platform/SystemFiles.h"
 #include "testing/core/ExpectRaised.h"
 #include "testing/core/ManualLoop.h"
 #include "testing/core/RecordingDesktop.h"
@@ -76,7 +77,7 @@ class LinkFixture : public ::testing::Test {
     FakeDialogs mDialogs;
     std::shared_ptr<MemorySettings> mSettings = std::make_shared<MemorySettings>();
     ScriptedSerial mSerial{mLoop};
-    clsDataLink mLink{LinkHost{mLoop, mDesktop, mDialogs}};
+    clsDataLink mLink{LinkHost{mLoop, mDesktop, mDialogs, SystemFiles()}};
     Subscription mStatus;
     Subscription mPortState;
     Lines mMessages;

@@ -1,4 +1,5 @@
 #include "LinkFixture.h"
+#include "platform/SystemFiles.h"
 
 #include <algorithm>
 
@@ -136,7 +137,7 @@ TEST_F(PortSettings, TheOwnOpenPortIsValidWithoutAProbe) {
 
 TEST_F(PortSettings, AttachingConfiguresTheSerialControl) {
     ScriptedSerial serial(mLoop);
-    clsDataLink link(LinkHost{mLoop, mDesktop, mDialogs});
+    clsDataLink link(LinkHost{mLoop, mDesktop, mDialogs, SystemFiles()});
     link.SetSerialPort(&serial);
     EXPECT_THAT(serial.mLog, ElementsAre("Threshold 1", "Buffers 4096 4096", "Mode 0"));
     EXPECT_EQ(serial.Reserved(), 2);
@@ -146,7 +147,7 @@ TEST_F(PortSettings, AttachingConfiguresTheSerialControl) {
 TEST_F(PortSettings, AStandInIsLeftUnconfigured) {
     ScriptedSerial serial(mLoop);
     serial.mFunctional = false;
-    clsDataLink link(LinkHost{mLoop, mDesktop, mDialogs});
+    clsDataLink link(LinkHost{mLoop, mDesktop, mDialogs, SystemFiles()});
     link.SetSerialPort(&serial);
     EXPECT_THAT(serial.mLog, IsEmpty());
     EXPECT_EQ(link.FrameFormats().Count(), 4U);
@@ -196,7 +197,7 @@ TEST_F(PortSettings, SavedSettingsComeBack) {
     mLink.SetDSRDetectActive(true);
     mLink.SaveCommSettings();
     ScriptedSerial serial(mLoop);
-    clsDataLink other(LinkHost{mLoop, mDesktop, mDialogs});
+    clsDataLink other(LinkHost{mLoop, mDesktop, mDialogs, SystemFiles()});
     other.SetSerialPort(&serial);
     other.SetRegSettings(mSettings);
     EXPECT_EQ(other.SettingsText(), "57600,M,8,2");

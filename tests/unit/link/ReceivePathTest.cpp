@@ -1,4 +1,5 @@
 #include "LinkFixture.h"
+#include "platform/SystemFiles.h"
 
 namespace qncomm::testing {
 namespace {
@@ -70,7 +71,7 @@ TEST_F(ReceivePath, LineErrorsNeedNoAction) {
         void SetEventSink(EventSink sink) override { mSink = std::move(sink); }
         EventSink mSink;
     } source(mLoop);
-    clsDataLink link(LinkHost{mLoop, mDesktop, mDialogs});
+    clsDataLink link(LinkHost{mLoop, mDesktop, mDialogs, SystemFiles()});
     link.SetSerialPort(&source);
     source.mLog.clear();
     for (const auto event : {SerialEventSend, SerialEventFrame, SerialEventOverrun,

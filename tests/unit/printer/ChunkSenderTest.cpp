@@ -1,4 +1,5 @@
 #include "ChunkSender.h"
+#include "platform/SystemFiles.h"
 #include "testing/core/ExpectRaised.h"
 #include "testing/core/ScratchFolder.h"
 
@@ -16,8 +17,8 @@ using ::testing::IsEmpty;
 class Chunks : public ::testing::Test {
   protected:
     void SendFile(const std::string& bytes) {
-        HostFile file(mFolder.Write("f", bytes));
-        mSender.SendFile(file);
+        const auto file = SystemFiles().Open(mFolder.Write("f", bytes));
+        mSender.SendFile(*file);
     }
     std::string Event(int progress) const {
         return "Downloading " + mFolder.File("f") + " " + std::to_string(progress);
@@ -66,16 +67,16 @@ TEST_F(Chunks, OfATextAreTheSame) {
 }
 
 TEST_F(Chunks, AreAsManyBytesAsTheFileHeldWhenItWasOpened) {
-    HostFile file(mFolder.Write("f", "abc"));
+    const auto file = SystemFiles().Open(mFolder.Write("f", "abc"));
     std::ofstream(mFolder.File("f"), std::ios::app) << "more";
-    mSender.SendFile(file);
+    mSender.SendFile(*file);
     EXPECT_EQ(mSent, "abc");
 }
 
 TEST_F(Chunks, OfAFileThatShrankRaise) {
-    HostFile file(mFolder.Write("f", "abc"));
+    const auto file = SystemFiles().Open(mFolder.Write("f", "abc"));
     std::filesystem::resize_file(mFolder.File("f"), 1);
-    EXPECT_RAISED(mSender.SendFile(file), 62);
+    EXPECT_RAISED(mSender.SendFile(*file), 62);
 }
 
 } // namespace

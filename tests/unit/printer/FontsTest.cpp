@@ -1,4 +1,5 @@
 #include "PrinterFixture.h"
+#include "platform/SystemFiles.h"
 #include "testing/core/ScratchFolder.h"
 
 namespace qncomm::testing {
@@ -124,7 +125,7 @@ TEST_F(Fonts, AFilterWithTheSameNameTwiceOrWithoutSettingsStillFilters) {
     mQuorin.Fonts(true);
     EXPECT_THAT(Listed(), IsEmpty());
     mLink.SetRegSettings(nullptr);
-    clsQuorin withoutSettings(mLink, mDesktop);
+    clsQuorin withoutSettings(mLink, mDesktop, SystemFiles());
     Script("FONTS", ListingOf({"MS030RMN.1    SWISS"}));
     withoutSettings.Fonts(true);
     EXPECT_EQ(withoutSettings.PrinterDevices()->Item("fonts:")->Files->Count(), 1U);

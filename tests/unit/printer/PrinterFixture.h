@@ -3,6 +3,7 @@
 #include "common/MemorySettings.h"
 #include "common/Pointer.h"
 #include "common/modErrorHandling.h"
+#include "platform/SystemFiles.h"
 #include "printer/clsQuorin.h"
 #include "testing/core/ExpectRaised.h"
 #include "testing/core/ManualLoop.h"
@@ -106,8 +107,8 @@ class PrinterFixture : public ::testing::Test {
     NoDialogs mDialogs;
     std::shared_ptr<MemorySettings> mSettings = std::make_shared<MemorySettings>();
     ScriptedSerial mSerial{mLoop};
-    clsDataLink mLink{LinkHost{mLoop, mDesktop, mDialogs}};
-    clsQuorin mQuorin{mLink, mDesktop};
+    clsDataLink mLink{LinkHost{mLoop, mDesktop, mDialogs, SystemFiles()}};
+    clsQuorin mQuorin{mLink, mDesktop, SystemFiles()};
     Subscription mStatus;
     Lines mMessages;
     std::function<bool(const std::string&, std::int16_t)> mOnStatus; ///< True cancels

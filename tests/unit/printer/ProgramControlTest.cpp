@@ -1,4 +1,5 @@
 #include "PrinterFixture.h"
+#include "platform/SystemFiles.h"
 #include "testing/core/ScratchFolder.h"
 
 namespace qncomm::testing {
@@ -191,7 +192,7 @@ struct BusyDesktop : RecordingDesktop {
 
 TEST_F(ProgramControl, AnotherOperationIsRefusedThePortWhileTheBoxStands) {
     BusyDesktop desktop;
-    clsQuorin quorin(mLink, desktop);
+    clsQuorin quorin(mLink, desktop, SystemFiles());
     desktop.mQuorin = &quorin;
     mSerial.Handshake().Exchange("List 1");
     ScriptPlantAndRun("Error 19 in line 12: Syntax error\r\nOk\r\n");

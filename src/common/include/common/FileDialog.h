@@ -1,5 +1,7 @@
 #pragma once
 
+#include "common/HostFiles.h"
+
 #include <optional>
 #include <string>
 #include <vector>
@@ -48,10 +50,11 @@ struct FileChoice {
 
 /// The path with the dialog's default extension. A file name that holds a "." has one already, and
 /// so has a file to be opened that exists as it was typed.
-std::string WithDefaultExtension(const FileDialog& dialog, const std::string& sPath);
+std::string WithDefaultExtension(const FileDialog& dialog, const std::string& sPath,
+                                 HostFiles& files);
 
 /// Judges the full path that a person chose by what the dialog wants and what is on the disk.
-FileChoice JudgeChoice(const FileDialog& dialog, const std::string& sPath);
+FileChoice JudgeChoice(const FileDialog& dialog, const std::string& sPath, HostFiles& files);
 
 /// Lets the user choose a file. A face or a host implements it.
 class FileDialogs {

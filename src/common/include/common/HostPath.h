@@ -1,6 +1,5 @@
 #pragma once
 
-#include <cstdint>
 #include <string>
 #include <string_view>
 
@@ -18,18 +17,5 @@ std::string FolderOf(std::string_view sPath);
 /// sName itself when it is absolute or sFolder is empty, else sName in sFolder with exactly one "/"
 /// between them.
 std::string PathIn(std::string_view sFolder, std::string_view sName);
-
-/// The process's current folder; empty when it has gone.
-std::string CurrentFolder();
-
-/// Bytes of the regular file, 0 when there is none. Never raises.
-std::uintmax_t FileSize(const std::string& sPath);
-
-/// Whether a new file of this name could be made: makes it and removes it again. False when
-/// anything of that name exists.
-bool CanCreateFile(const std::string& sPath);
-
-/// Removes the file; raises 53 when there is none, 70 or 75 when it stays.
-void DeleteFile(const std::string& sPath);
 
 } // namespace qncomm

@@ -46,8 +46,8 @@ std::string Strip8thBit(std::string_view sText);
 /// The text after the last "/" of a path, never cut at ":".
 std::string FileNameOf(std::string_view sPath);
 
-/// Whether the path names a regular file of this machine. Never raises.
-bool FileExists(const std::string& sPath);
+/// The text between double quotes, as command lines carry names.
+std::string Quoted(std::string_view sText);
 
 /// The line end of the printer and of texts for message boxes.
 inline constexpr std::string_view CrLf = "\r\n";

@@ -3,6 +3,7 @@
 #include "common/Clipboard.h"
 #include "common/Desktop.h"
 #include "common/FileDialog.h"
+#include "common/HostFiles.h"
 #include "common/InputBox.h"
 #include "common/Launcher.h"
 #include "common/MessageLoop.h"
@@ -24,9 +25,10 @@ struct ControlServices {
     Desktop& desktop;     ///< message boxes, and the log of what was refused
     InputBoxes& inputs;   ///< what text macros ask
     Clipboard& clipboard; ///< of CopyCB and PasteCB
-    FileDialogs& files;   ///< the files that toolbar and dialogs send and receive
+    FileDialogs& files;   ///< asks which files toolbar and dialogs send and receive
     Launcher& launcher;   ///< starts the programs of function keys
     FormWindows& forms;   ///< shows the four dialogs
+    HostFiles& hostFiles; ///< the files of this machine that operations read and write
 };
 
 /// What a control is put together from. None but keep is owned; they live as long as the services.

@@ -3,6 +3,7 @@
 #include "common/ControlModels.h"
 #include "common/Desktop.h"
 #include "common/FileDialog.h"
+#include "common/HostFiles.h"
 #include "dialogs/FormModel.h"
 #include "link/SerialControl.h"
 
@@ -24,10 +25,10 @@ enum BinaryTransferAction : std::int16_t {
 class frmBinaryTransfer : public FormModel {
   public:
     /// Loads the form for a BinaryTransferAction and a BinaryProtocol; other values are kept as
-    /// they are and shown as the designed captions and as Kermit. Desktop and file dialogs must
-    /// outlive it.
+    /// they are and shown as the designed captions and as Kermit. Desktop, file dialogs and
+    /// host files must outlive it.
     frmBinaryTransfer(std::int16_t iAction, std::int16_t iProtocol, Desktop& desktop,
-                      FileDialogs& files);
+                      FileDialogs& files, HostFiles& hostFiles);
 
     /// The BinaryTransferAction that the form was made for.
     std::int16_t Action() const { return mAction; }
@@ -63,6 +64,7 @@ class frmBinaryTransfer : public FormModel {
     std::int16_t mProtocol;
     Desktop& mDesktop;
     FileDialogs& mFiles;
+    HostFiles& mHostFiles;
     std::string mFilename;
     bool mCancel = false;
     bool mAccepted = false;

@@ -1,4 +1,5 @@
 #include "qt/QtFileDialogs.h"
+#include "platform/SystemFiles.h"
 
 #include "qt/BusyCursor.h"
 #include "qt/Charset.h"
@@ -52,8 +53,8 @@ std::optional<std::string> Ask(const FileDialog& asked, QString& folder, QWidget
 /// The choice as it stands after the window, which has asked about replacing the file it returns.
 FileChoice Judge(FileDialog asked, const std::string& chosen) {
     asked.confirmOverwrite =
-        asked.confirmOverwrite && WithDefaultExtension(asked, chosen) != chosen;
-    return JudgeChoice(asked, chosen);
+        asked.confirmOverwrite && WithDefaultExtension(asked, chosen, SystemFiles()) != chosen;
+    return JudgeChoice(asked, chosen, SystemFiles());
 }
 
 } // namespace

@@ -7,6 +7,7 @@
 #include "assembly/AllChannelKinds.h"
 #include "common/QNError.h"
 #include "platform/FileSettings.h"
+#include "platform/SystemFiles.h"
 #include "qt/Charset.h"
 
 #include <QApplication>
@@ -44,7 +45,7 @@ QNCommWidget::QNCommWidget(Mode mode, QWidget* parent, ControlAssembly::Options 
     p.assembly = std::make_unique<ControlAssembly>(
         reactor,
         ControlServices{reactor, services.desktop, services.inputs, services.clipboard,
-                        services.files, services.launcher, services.forms},
+                        services.files, services.launcher, services.forms, SystemFiles()},
         ControlView{p.surroundings, p.surroundings, p.surroundings}, std::move(options));
     QNComm& control = p.assembly->Control();
     p.title = new TitleBar(control.lblCaption, control.cmdClose, p.guard, this);

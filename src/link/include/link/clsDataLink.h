@@ -3,6 +3,7 @@
 #include "common/Collection.h"
 #include "common/Desktop.h"
 #include "common/Event.h"
+#include "common/HostFiles.h"
 #include "common/MessageLoop.h"
 #include "common/RegSettings.h"
 #include "link/LinkDialogs.h"
@@ -31,6 +32,7 @@ struct LinkHost {
     MessageLoop& loop;
     Desktop& desktop;
     LinkDialogs& dialogs;
+    HostFiles& files;
 };
 
 /// Owns the one serial port through which the system talks to one printer: its settings, counted

@@ -2,6 +2,7 @@
 
 #include "common/Desktop.h"
 #include "common/Event.h"
+#include "common/HostFiles.h"
 #include "common/RegSettings.h"
 #include "link/clsDataLink.h"
 #include "printer/clsPrinterDevice.h"
@@ -19,8 +20,6 @@
 
 namespace qncomm {
 
-class HostFile;
-
 /// Everything a printer can be told: turns operations on its devices, files, programs, modules,
 /// setup, fonts and images into command lines, and its listings into records.
 ///
@@ -36,8 +35,9 @@ class HostFile;
 /// operations are refused quietly. After TearDown every member that needs the link raises 91.
 class clsQuorin {
   public:
-    /// The link and the desktop outlive this object, or TearDown is called first.
-    clsQuorin(clsDataLink& link, Desktop& desktop);
+    /// None is owned. Desktop and files must outlive this object; the link too, or TearDown is
+    /// called first.
+    clsQuorin(clsDataLink& link, Desktop& desktop, HostFiles& files);
     clsQuorin(const clsQuorin&) = delete;
     clsQuorin& operator=(const clsQuorin&) = delete;
 
@@ -265,7 +265,7 @@ class clsQuorin {
 
     /// Images.cpp, RawFiles.cpp
     bool IsValidPcxImage(const std::string& path);
-    static void RequireImageFile(const std::string& path);
+    void RequireImageFile(const std::string& path);
     [[noreturn]] static void RefuseImage(PortClaim& claim, std::int32_t number);
     bool CarriesRawBytes();
     void AdjustSettings();
@@ -273,11 +273,12 @@ class clsQuorin {
 
     clsDataLink* mLink;
     Desktop& mDesktop;
+    HostFiles& mFiles;
     std::shared_ptr<PrinterDeviceTable> mPrinterDevices;
     bool mModelMissing = false; ///< the table was built while no printer told its model
     std::shared_ptr<PrinterSetup> mPrinterSetupItems;
     Collection<std::string> mFontFilter;     ///< upper-case names, keyed by themselves
-    std::shared_ptr<HostFile> mRefusedImage; ///< last found to be no image, kept open
+    std::unique_ptr<HostFile> mRefusedImage; ///< last found to be no image, kept open
 };
 
 } // namespace qncomm
