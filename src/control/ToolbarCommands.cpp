@@ -23,7 +23,7 @@ struct QNComm::ToolbarCommand {
 };
 
 void QNComm::Dispatch(const std::string& key) {
-    static constexpr std::array Commands = {
+    static constexpr std::array commands = {
         ToolbarCommand{"CommSettings", [](QNComm& control) { control.ShowCommSettings(); }},
         ToolbarCommand{"Autoconnect", [](QNComm& control) { control.DoAutoconnect(); }},
         ToolbarCommand{"Clear", [](QNComm& control) { control.Clear(); }},
@@ -35,8 +35,8 @@ void QNComm::Dispatch(const std::string& key) {
         ToolbarCommand{"DownloadB", [](QNComm& control) { control.TransferFile(PrinterSends); }},
         ToolbarCommand{"FunctionkeysSetup", [](QNComm& control) { control.ShowFunctionKeys(); }},
     };
-    const auto command = std::ranges::find(Commands, key, &ToolbarCommand::key);
-    if (command != Commands.end())
+    const auto command = std::ranges::find(commands, key, &ToolbarCommand::key);
+    if (command != commands.end())
         command->run(*this);
     else if (std::ranges::find(FunctionKeys, key) != FunctionKeys.end())
         PressFunctionKey(key);

@@ -89,21 +89,21 @@ std::shared_ptr<clsPrinterDevice> clsQuorin::Device(std::string_view name) {
 }
 
 void clsQuorin::IsValidPrinterDevice(std::string_view name) {
-    constexpr std::string_view Source = "clsQuorin:IsValidPrinterDevice";
+    constexpr std::string_view source = "clsQuorin:IsValidPrinterDevice";
     const std::string device = DevicePart(name);
-    if (device.empty()) RaiseError(ErrDeviceName, Source);
+    if (device.empty()) RaiseError(ErrDeviceName, source);
     InitFileSystem();
-    if (!Has(device)) RaiseError(ErrDeviceName, Source);
+    if (!Has(device)) RaiseError(ErrDeviceName, source);
 }
 
 void clsQuorin::SetDeviceDirty(std::string_view path) {
-    constexpr std::string_view Source = "clsQuorin:SetDeviceDirty";
+    constexpr std::string_view source = "clsQuorin:SetDeviceDirty";
     std::string device = DevicePart(path);
     if (device.empty()) device = DevicePart(GetCurrentDevice());
-    if (device.empty()) RaiseError(ErrDeviceName, Source);
+    if (device.empty()) RaiseError(ErrDeviceName, source);
     InitFileSystem();
     const auto found = FindDevice(*PrinterDevices(), device);
-    if (!found) RaiseError(ErrDeviceName, Source);
+    if (!found) RaiseError(ErrDeviceName, source);
     found->Dirty = true;
 }
 

@@ -18,15 +18,15 @@ std::int32_t WholeNumber(std::string_view text) {
 } // namespace
 
 std::optional<clsQNModuleError> ParseModuleError(std::string_view sLine) {
-    constexpr auto Absent = std::string_view::npos;
+    constexpr auto absent = std::string_view::npos;
     const std::size_t error = sLine.find(ErrorWord);
-    if (error == Absent) return std::nullopt;
+    if (error == absent) return std::nullopt;
     const std::size_t codeAt = error + ErrorWord.size();
     const std::size_t inLine = sLine.find(InLineWords, codeAt + 1);
-    if (inLine == Absent) return std::nullopt;
+    if (inLine == absent) return std::nullopt;
     const std::size_t lineAt = inLine + InLineWords.size();
     const std::size_t colon = sLine.find(':', lineAt);
-    if (colon == Absent) return std::nullopt;
+    if (colon == absent) return std::nullopt;
 
     clsQNModuleError found;
     found.QNErrCode = WholeNumber(sLine.substr(codeAt, inLine - codeAt));

@@ -84,9 +84,9 @@ struct Screen::ControlTable {
     }
 
     static Handler Find(const ControlSequence& sequence) {
-        static constexpr std::array<Handler, 128> Plain = MakePlain();
+        static constexpr std::array<Handler, 128> plain = MakePlain();
         if (sequence.mark == 0 && sequence.intermediate == 0)
-            return Plain[static_cast<unsigned char>(sequence.final)];
+            return plain[static_cast<unsigned char>(sequence.final)];
         const auto row = std::find_if(Rows.begin(), Rows.end(), [&](const ControlRow& candidate) {
             return candidate.mark == sequence.mark && candidate.final == sequence.final
                    && candidate.intermediate == sequence.intermediate;

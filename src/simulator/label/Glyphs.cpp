@@ -10,7 +10,7 @@ constexpr unsigned char LastShape = '~';
 using Shape = std::array<std::uint8_t, GlyphHeight>;
 
 // clang-format off
-constexpr std::array<Shape, LastShape - FirstShape + 1> shapes{{
+constexpr std::array<Shape, LastShape - FirstShape + 1> Shapes{{
     {0x00, 0x00, 0x00, 0x00, 0x00, 0x00, 0x00, 0x00}, // blank
     {0x04, 0x04, 0x04, 0x04, 0x04, 0x00, 0x04, 0x00}, // !
     {0x0A, 0x0A, 0x0A, 0x00, 0x00, 0x00, 0x00, 0x00}, // "
@@ -116,7 +116,7 @@ constexpr Shape EmptyBox{0x1F, 0x11, 0x11, 0x11, 0x11, 0x11, 0x1F, 0x00};
 std::array<std::uint8_t, GlyphHeight> GlyphOf(char character) {
     const auto code = static_cast<unsigned char>(character);
     if (code < FirstShape || code > LastShape) return EmptyBox;
-    return shapes[static_cast<std::size_t>(code - FirstShape)];
+    return Shapes[static_cast<std::size_t>(code - FirstShape)];
 }
 
 } // namespace qnsim

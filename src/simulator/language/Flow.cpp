@@ -84,7 +84,7 @@ void Interpreter::For(const Statement& statement) {
 }
 
 void Interpreter::Next(const Statement& statement) {
-    if (statement.number != Variables::noSlot) {
+    if (statement.number != Variables::NoSlot) {
         while (!mLoops.empty() && mLoops.back().slot != statement.number)
             mLoops.pop_back();
     }

@@ -19,31 +19,31 @@ namespace qnsim {
 /// console.
 class SystemVariables {
   public:
-    static constexpr int count = 64;
-    static constexpr int verbosity = 18;
-    static constexpr int errorForm = 19;
+    static constexpr int Count = 64;
+    static constexpr int Verbosity = 18;
+    static constexpr int ErrorForm = 19;
 
-    static constexpr int echoBit = 1;
-    static constexpr int promptBit = 2;
-    static constexpr int errorBit = 8;
+    static constexpr int EchoBit = 1;
+    static constexpr int PromptBit = 2;
+    static constexpr int ErrorBit = 8;
 
     SystemVariables() { Reset(); }
     void Reset() {
         mValues.fill(0);
-        mValues[verbosity] = -1;
-        mValues[errorForm] = 1;
+        mValues[Verbosity] = -1;
+        mValues[ErrorForm] = 1;
     }
-    static bool Has(double number) { return number >= 0 && number < count; }
+    static bool Has(double number) { return number >= 0 && number < Count; }
     int Get(int number) const { return mValues[static_cast<std::size_t>(number)]; }
     void Set(int number, int value) { mValues[static_cast<std::size_t>(number)] = value; }
 
-    bool Echoes() const { return (Get(verbosity) & echoBit) != 0; }
-    bool Prompts() const { return (Get(verbosity) & promptBit) != 0; }
-    bool ShowsErrors() const { return (Get(verbosity) & errorBit) != 0; }
-    bool NamesErrors() const { return Get(errorForm) != 1; }
+    bool Echoes() const { return (Get(Verbosity) & EchoBit) != 0; }
+    bool Prompts() const { return (Get(Verbosity) & PromptBit) != 0; }
+    bool ShowsErrors() const { return (Get(Verbosity) & ErrorBit) != 0; }
+    bool NamesErrors() const { return Get(ErrorForm) != 1; }
 
   private:
-    std::array<int, count> mValues{};
+    std::array<int, Count> mValues{};
 };
 
 struct Machine {

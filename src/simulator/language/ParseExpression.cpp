@@ -167,7 +167,7 @@ Expr Parser::ReadCall(const FunctionRow& function) {
 }
 
 int Parser::Slot(int slot) {
-    if (slot != Variables::noSlot) return slot;
+    if (slot != Variables::NoSlot) return slot;
     Fail(Error::OutOfMemory);
     return 0;
 }

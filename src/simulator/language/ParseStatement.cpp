@@ -87,7 +87,7 @@ void Parser::ReadFor(Statement& statement) {
 }
 
 void Parser::ReadNext(Statement& statement) {
-    statement.number = Variables::noSlot;
+    statement.number = Variables::NoSlot;
     if (AtStatementEnd()) return;
     ReadVariables(statement);
     if (statement.args.size() != 1 || statement.args.front().node != Node::NumberVariable)

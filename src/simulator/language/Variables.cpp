@@ -16,7 +16,7 @@ int Variables::Slot(std::map<std::string, int, std::less<>>& names, Values& valu
                     const std::string& name) {
     const auto found = names.find(name);
     if (found != names.end()) return found->second;
-    if (values.size() >= MostNames) return noSlot;
+    if (values.size() >= MostNames) return NoSlot;
     const int slot = static_cast<int>(values.size());
     values.emplace_back();
     names.emplace(name, slot);
@@ -48,7 +48,7 @@ void Variables::SetText(int slot, std::string value) {
 template <typename Element>
 std::size_t Variables::Resolve(std::vector<Element>& array, double index) {
     if (array.empty()) {
-        array.resize(defaultLimit + 1);
+        array.resize(DefaultLimit + 1);
         mBytes += array.size() * sizeof(double);
     }
     const double whole = std::nearbyint(index);

@@ -14,10 +14,10 @@ namespace qnsim {
 
 class Variables {
   public:
-    static constexpr int noSlot = -1;
-    static constexpr int defaultLimit = 10; ///< the last index of an array that was not dimensioned
+    static constexpr int NoSlot = -1;
+    static constexpr int DefaultLimit = 10; ///< the last index of an array that was not dimensioned
 
-    /// The slot of a name (upper case); a new name gets one. noSlot when there are too many names.
+    /// The slot of a name (upper case); a new name gets one. NoSlot when there are too many names.
     int NumberSlot(const std::string& name);
     int TextSlot(const std::string& name);
     int NumberArraySlot(const std::string& name);
