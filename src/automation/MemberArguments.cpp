@@ -43,7 +43,14 @@ Variant SettingsFrom(const Variant& given) {
     RaiseRuntimeError(RtTypeMismatch);
 }
 
-Variant Convert(const Variant& given, MemberType type) {
+Variant RecordsFrom(const Variant& given) {
+    if (given.As<Variant::List>() != nullptr) return given;
+    RaiseRuntimeError(RtTypeMismatch);
+}
+
+} // namespace
+
+Variant ConvertedTo(MemberType type, const Variant& given) {
     switch (type) {
     case MemberType::Boolean:
         return AsBoolean(given);
@@ -51,6 +58,8 @@ Variant Convert(const Variant& given, MemberType type) {
         return AsInteger(given);
     case MemberType::Long:
         return AsLong(given);
+    case MemberType::Single:
+        return AsDouble(given);
     case MemberType::PrinterText:
         return TextFrom(given, TextKind::Line);
     case MemberType::HostText:
@@ -63,17 +72,22 @@ Variant Convert(const Variant& given, MemberType type) {
         return FontFrom(given);
     case MemberType::Settings:
         return SettingsFrom(given);
-    default: // no parameter takes them
-        RaiseRuntimeError(RtTypeMismatch);
+    case MemberType::Records:
+        return RecordsFrom(given);
+    case MemberType::Nothing: // no parameter takes it
+        break;
     }
+    RaiseRuntimeError(RtTypeMismatch);
 }
+
+namespace {
 
 /// Takes an argument, or what stands for one that is left out; an error names the parameter.
 Variant Take(const MemberParameter& parameter, const Variant* given) {
     try {
-        if (given != nullptr) return Convert(*given, parameter.type);
+        if (given != nullptr) return ConvertedTo(parameter.type, *given);
         if (!parameter.byDefault) RaiseRuntimeError(RtArgumentMissing);
-        return Convert(Variant(*parameter.byDefault), parameter.type);
+        return ConvertedTo(parameter.type, Variant(*parameter.byDefault));
     } catch (const QNError& error) {
         throw QNError(error.Number(), error.Source(),
                       error.Description() + ": " + std::string(parameter.name));
@@ -97,24 +111,6 @@ Variant::Record MemberArguments::WrittenBack(const SurfaceMember& member) const 
         if (member.parameters[i].writtenBack)
             record.emplace_back(member.parameters[i].name, mValues[i]);
     return record;
-}
-
-template <>
-Collection<std::string> MemberArguments::As(std::size_t at) const {
-    Collection<std::string> names;
-    for (const Variant& name : std::get<Variant::List>(mValues[at].value))
-        names.Add(std::get<VariantText>(name.value).text);
-    return names;
-}
-
-template <>
-TerminalFont MemberArguments::As(std::size_t at) const {
-    return AsFont(mValues[at]);
-}
-
-template <>
-std::shared_ptr<RegSettings> MemberArguments::As(std::size_t at) const {
-    return std::get<std::shared_ptr<RegSettings>>(mValues[at].value);
 }
 
 } // namespace qncomm

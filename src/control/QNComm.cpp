@@ -37,6 +37,10 @@ const std::shared_ptr<QNComm::Members>& QNComm::Wired() const {
     return mMembers;
 }
 
+std::shared_ptr<const void> QNComm::Hold() const {
+    return std::make_shared<const Operation>(Wired());
+}
+
 clsQuorin& QNComm::Layer() const {
     return Wired()->quorin;
 }

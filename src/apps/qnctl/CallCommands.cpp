@@ -34,24 +34,24 @@ Json DocumentOf(const SurfaceMember& member) {
     for (const MemberParameter& parameter : member.parameters)
         parameters.push_back(
             {{"name", parameter.name},
-             {"type", NameOf(parameter.type)},
+             {"type", WordFor(parameter.type)},
              {"default", parameter.byDefault ? Json(*parameter.byDefault) : Json()},
              {"writtenBack", parameter.writtenBack}});
-    const std::string result = NameOf(member.result);
+    const std::string_view result = WordFor(member.result);
     return {{"name", member.name},
-            {"kind", NameOf(member.kind)},
+            {"kind", WordFor(member.kind)},
             {"parameters", parameters},
             {"result", result.empty() ? Json() : Json(result)},
-            {"needs", NameOf(member.needs)}};
+            {"needs", WordFor(member.needs)}};
 }
 
 Outcome ListMembers(Session& session) {
     Json list = Json::array();
     std::vector<Output::Row> rows{{"KIND", "MEMBER", "RESULT", "NEEDS"}};
-    for (const SurfaceMember& member : qncomm::SurfaceMembers()) {
+    for (const SurfaceMember& member : qncomm::ControlClass().members) {
         list.push_back(DocumentOf(member));
-        rows.push_back({NameOf(member.kind), SignatureOf(member), NameOf(member.result),
-                        NameOf(member.needs)});
+        rows.push_back({std::string(WordFor(member.kind)), SignatureOf(member),
+                        std::string(WordFor(member.result)), std::string(WordFor(member.needs))});
     }
     if (session.Out().IsJson())
         session.Out().Document({{"members", list}});

@@ -6,7 +6,6 @@
 #include "console/Charset.h"
 
 #include <algorithm>
-#include <array>
 #include <utility>
 
 namespace qnctl {
@@ -133,7 +132,7 @@ std::optional<MemberCall> UnderstandCall(const std::string& name,
                                          const std::vector<std::string>& texts, Outcome& outcome) {
     MemberCall call;
     try {
-        call.member = &qncomm::FindMember(name, texts.size());
+        call.member = &FindMember(qncomm::ControlClass(), name, texts.size());
     } catch (const qncomm::QNError& error) {
         outcome = Wrong(error, ": \"" + name + "\"; \"qnctl call --list\" shows them all.");
         return std::nullopt;
@@ -189,24 +188,6 @@ void ShowValue(const Output& out, const Variant& value) {
         ShowRecords(out, *list);
     else
         out.Line(LineOf(value));
-}
-
-const char* NameOf(qncomm::MemberKind kind) {
-    static constexpr std::array<const char*, 3> names{"method", "get", "let"};
-    return names[static_cast<std::size_t>(kind)];
-}
-
-const char* NameOf(MemberType type) {
-    static constexpr std::array<const char*, 11> names{
-        "",    "boolean", "integer", "long",   "printer text", "text",
-        "key", "names",   "font",    "object", "records"};
-    return names[static_cast<std::size_t>(type)];
-}
-
-const char* NameOf(qncomm::MemberNeeds needs) {
-    static constexpr std::array<const char*, 5> names{"nothing", "printer", "fresh claim",
-                                                      "open port", "free port"};
-    return names[static_cast<std::size_t>(needs)];
 }
 
 } // namespace qnctl

@@ -3,7 +3,7 @@
 #include "Outcome.h"
 #include "Output.h"
 
-#include "automation/SurfaceMembers.h"
+#include "automation/CallMember.h"
 
 #include <optional>
 #include <string>
@@ -36,10 +36,5 @@ void ShowValue(const Output& out, const qncomm::Variant& value);
 
 /// One value in one line.
 std::string LineOf(const qncomm::Variant& value);
-
-/// What kind a member is, what a type takes and what a call needs, in one word each.
-const char* NameOf(qncomm::MemberKind kind);
-const char* NameOf(qncomm::MemberType type);
-const char* NameOf(qncomm::MemberNeeds needs);
 
 } // namespace qnctl

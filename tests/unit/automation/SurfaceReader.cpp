@@ -61,7 +61,7 @@ std::vector<DeclaredMember> DeclaredMembers(std::string_view sHeader, std::strin
                                             std::string_view sTo) {
     const std::size_t from = sHeader.find(sFrom);
     const std::string text = Plain(std::string(sHeader.substr(from, sHeader.find(sTo) - from)));
-    static const std::regex function(R"((\w+)\s*\(([^()]*)\)\s*(?:const)?\s*;)");
+    static const std::regex function(R"((\w+)\s*\(([^()]*)\)\s*(?:const)?\s*(?:= 0)?\s*;)");
     std::vector<DeclaredMember> members;
     for (std::sregex_iterator match(text.begin(), text.end(), function), end; match != end;
          ++match) {

@@ -323,6 +323,11 @@ class QNComm {
     /// Whether the connected printer can list its files, fonts and images; see clsQuorin::CanList.
     [[nodiscard]] bool CanList();
 
+    /// Counts as one of this control's operations for as long as it is held: the references below
+    /// stay valid even when the host destroys the control meanwhile, IsBusy tells it, and
+    /// CancelOperations ends its waits. For a caller that runs the command layer or the link
+    /// directly.
+    [[nodiscard]] std::shared_ptr<const void> Hold() const;
     /// The printer's command layer.
     clsQuorin& Layer() const;
     /// The link that owns the port.
