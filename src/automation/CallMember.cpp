@@ -57,6 +57,18 @@ MemberOutcome CallMember(const SurfaceObject& object, const SurfaceMember& membe
     return outcome;
 }
 
+const SurfaceEvent& FindEvent(const SurfaceClass& of, std::string_view sName) {
+    const auto found = std::ranges::find_if(
+        of.events, [&](const SurfaceEvent& event) { return EqualNoCase(event.name, sName); });
+    if (found == of.events.end()) RaiseRuntimeError(RtNoSuchMember);
+    return *found;
+}
+
+Subscription ConnectEvent(const SurfaceObject& object, const SurfaceEvent& event,
+                          EventHandler handler) {
+    return event.connect(object, event, std::move(handler));
+}
+
 const Variant& ItemOf(const Variant::List& collection, const SurfaceClass& of,
                       const Variant& index) {
     if (const auto* key = index.As<VariantText>()) {

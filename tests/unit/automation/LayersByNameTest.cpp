@@ -39,8 +39,9 @@ class LayersByName : public ControlFixture {
     MemberOutcome Link(std::string_view name, const std::vector<Variant>& arguments = {}) {
         return CallOn(*mControl, "clsDataLink", name, arguments);
     }
-    static const SurfaceEvent& EventOf(std::string_view of, std::int32_t id) {
-        return ClassNamed(of).events.at(static_cast<std::size_t>(id) - 1);
+    [[nodiscard]] Subscription Hear(std::string_view of, std::string_view name,
+                                    EventHandler handler) {
+        return ConnectEvent(*mControl, FindEvent(ClassNamed(of), name), std::move(handler));
     }
 };
 
@@ -164,10 +165,9 @@ TEST_F(LayersByName, BeforeRunTimeAndAfterTearDownThereIsNoLayer) {
 
 TEST_F(LayersByName, AnEventIsHeardAndWhatItPassesByReferenceGoesBack) {
     Run();
-    const SurfaceEvent& status = EventOf("QNComm", 2);
     Strings heard;
     const Subscription subscription =
-        status.connect(*mControl, status, [&](std::vector<Variant>& arguments) {
+        Hear("QNComm", "statusevent", [&](std::vector<Variant>& arguments) {
             heard.push_back(AsString(arguments.at(0)) + " " + AsString(arguments.at(1)));
             arguments.at(0) = Variant("changed");
             arguments.at(1) = Variant("by value");
@@ -181,13 +181,19 @@ TEST_F(LayersByName, AnEventIsHeardAndWhatItPassesByReferenceGoesBack) {
     EXPECT_TRUE(cancel);
 }
 
+TEST_F(LayersByName, AnEventThatIsNotThereIsRefused) {
+    const EventHandler handler = [](std::vector<Variant>& /*arguments*/) {};
+    EXPECT_RAISED((void)Hear("QNComm", "ConvertImage", handler), RtNoSuchMember);
+    EXPECT_RAISED((void)Hear("clsQuorin", "ConvertImage", handler), RtObjectNotSet); // design time
+    Run();
+    EXPECT_TRUE(Hear("clsQuorin", "ConvertImage", handler));
+}
+
 TEST_F(LayersByName, WhatAHandlerPutsInTheWrongPlaceIsRaisedWhereTheEventCameFrom) {
     Run();
-    const SurfaceEvent& state = EventOf("clsDataLink", 1);
     const Subscription subscription =
-        state.connect(*mControl, state, [](std::vector<Variant>& arguments) {
-            arguments.at(0) = Variant("perhaps");
-        });
+        Hear("clsDataLink", "PortStateEvent",
+             [](std::vector<Variant>& arguments) { arguments.at(0) = Variant("perhaps"); });
     bool open = true;
     EXPECT_RAISED(mControl->Link().PortStateEvent.Raise(open), RtTypeMismatch);
 }

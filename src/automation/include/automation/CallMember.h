@@ -4,6 +4,7 @@
 
 #include <cstddef>
 #include <string_view>
+#include <utility>
 #include <vector>
 
 namespace qncomm {
@@ -53,6 +54,15 @@ void CheckArguments(const SurfaceMember& member, const std::vector<Variant>& arg
 /// for an object of another class; then what the member raises.
 MemberOutcome CallMember(const SurfaceObject& object, const SurfaceMember& member,
                          const std::vector<Variant>& arguments);
+
+/// The event of that name, in any case. Raises 438 for an unknown name.
+const SurfaceEvent& FindEvent(const SurfaceClass& of, std::string_view sName);
+
+/// Connects a handler to an event for as long as the returned object lives; that may outlive the
+/// object whose event it is. Raises 91 for a link or a command layer that the control does not have
+/// (at design time and after TearDown), and 438 for an object of another class.
+[[nodiscard]] Subscription ConnectEvent(const SurfaceObject& object, const SurfaceEvent& event,
+                                        EventHandler handler);
 
 /// An item of a collection: by its position from 1, or by its key in any case. The reference is
 /// valid as long as the list. Raises 9 for a position that is not there, 5 for a key that is not

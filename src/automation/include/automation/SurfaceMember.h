@@ -96,8 +96,7 @@ struct SurfaceEvent {
     std::int32_t id = 0;   ///< names the event within its class; never changes
     std::string_view name; ///< as the class declares it
     std::vector<MemberParameter> parameters = {}; ///< none has a default
-    /// Connects a handler for as long as the returned object lives. Raises 91 for an object that is
-    /// gone, as a member does.
+    /// Connects a handler to the event of an object of its class. ConnectEvent calls this.
     Subscription (*connect)(const SurfaceObject& object, const SurfaceEvent& self,
                             EventHandler handler) = nullptr;
 };

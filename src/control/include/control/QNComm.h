@@ -357,7 +357,7 @@ class QNComm {
 
     // -- What a face shows and hands in
 
-    /// The text of the title bar, 8-bit as the label shows it.
+    /// The text of the title bar, UTF-8.
     const std::string& Caption() const { return lblCaption.Caption(); }
     /// The toolbar's buttons. A click of the user goes to ToolbarModel::Click.
     ToolbarModel Toolbar1;
