@@ -194,6 +194,7 @@ void AutoConnectSearch::Learn(const SetupReply& setup) {
                             + flowTexts[static_cast<std::size_t>(setup.flowcontrol)],
                         ProgressDone);
     mState.link.SetImmediateMode(true);
+    mState.outOfStep = false; // it has answered, and nothing else is on its way
 }
 
 void AutoConnectSearch::MoveToFront(Collection<std::string>& collection, const std::string& item) {

@@ -8,6 +8,8 @@
 #include "common/modErrorHandling.h"
 
 #include <algorithm>
+#include <limits>
+#include <utility>
 
 namespace qncomm {
 namespace {
@@ -87,6 +89,7 @@ void clsDataLink::OutputText(std::string& sText, bool bWaitForEcho) {
         if (space > 0) {
             const std::string_view piece = sent.Left().substr(0, static_cast<std::size_t>(space));
             mState->Serial().Write(piece);
+            mState->echo.Sent(piece);
             sent.Advance(piece.size());
             watch.Restart();
         } else {
@@ -106,7 +109,7 @@ void LinkState::WaitForEcho() {
     }
     // The line stays in the receive buffer: it is index 0 of the reply.
     const StopWatch watch(host.loop);
-    while (received.find(CrLf) == std::string::npos && Serial().PortOpen()) {
+    while (!BeginsWithEcho() && Serial().PortOpen()) {
         const std::int32_t left = watch.UntilExceeds(EchoTimeout);
         if (left == 0) return;
         Yield(left);
@@ -115,7 +118,7 @@ void LinkState::WaitForEcho() {
 
 std::int32_t clsDataLink::InputText(std::vector<std::string>& sInputLines, bool bNoQNErrorCheck,
                                     std::int32_t lTimeout) {
-    mState->AwaitReply(lTimeout);
+    mState->AwaitReply(lTimeout, nullptr);
     const std::int32_t count = mState->TakeReceivedLines(sInputLines);
     if (!bNoQNErrorCheck && count >= 2)
         mState->GetPrinterError(sInputLines[static_cast<std::size_t>(count - 2)]);
@@ -124,32 +127,58 @@ std::int32_t clsDataLink::InputText(std::vector<std::string>& sInputLines, bool 
 
 std::int32_t clsDataLink::InputTextUntilQuiet(std::vector<std::string>& sInputLines,
                                               std::int32_t lTimeout, std::int32_t lQuiet) {
-    mState->AwaitReply(lTimeout);
-    StopWatch watch(mState->host.loop);
-    std::size_t seen = mState->received.size();
-    while (const std::int32_t left = watch.UntilExceeds(lQuiet)) {
-        mState->Yield(left);
-        mState->RequireReadable();
-        if (mState->received.size() != seen) watch.Restart();
-        seen = mState->received.size();
-    }
+    // Such commands may have turned the echo off.
+    mState->AwaitReply(lTimeout, [](std::string_view received) {
+        return received.find(EndOfReply) != std::string_view::npos;
+    });
+    mState->AwaitQuiet(lQuiet, std::numeric_limits<std::int32_t>::max());
     return mState->TakeReceivedLines(sInputLines);
 }
 
-void LinkState::AwaitReply(std::int32_t timeout) {
+void LinkState::AwaitReply(std::int32_t timeout, UnechoedReply unechoed) {
     StopWatch watch(host.loop);
-    std::size_t seen = 0;
-    for (;;) {
-        const std::size_t searchFrom = seen - std::min(seen, EndOfReply.size() - 1);
-        if (received.find(EndOfReply, searchFrom) != std::string::npos) return;
+    std::uint64_t heard = arrivals;
+    while (!HoldsReply(unechoed)) {
         RequireReadable();
-        if (received.size() != seen) {
-            seen = received.size();
-            watch.Restart();
-        }
+        if (std::exchange(heard, arrivals) != arrivals) watch.Restart();
         const std::int32_t left = watch.UntilExceeds(timeout);
-        if (left == 0) Fail(ErrInputTimeout, InputSource);
+        if (left == 0) {
+            const bool another = received.find(EndOfReply) != std::string::npos;
+            Fail(another ? ErrProtocol : ErrInputTimeout, InputSource);
+        }
         Yield(left);
+    }
+}
+
+bool LinkState::HoldsReply(UnechoedReply unechoed) {
+    if (!BeginsWithEcho()) return unechoed != nullptr && unechoed(received);
+    const std::size_t from = judged - std::min(judged, EndOfReply.size() - 1);
+    judged = received.size();
+    return received.find(EndOfReply, from) != std::string::npos;
+}
+
+bool LinkState::BeginsWithEcho() {
+    if (echoFound || !echo.IsAwaited()) return true;
+    for (;;) {
+        const std::size_t end = received.find(CrLf, judged);
+        if (end == std::string::npos) return false;
+        const std::size_t start = std::exchange(judged, end + CrLf.size());
+        if (!echo.Is(std::string_view(received).substr(start, end - start))) continue;
+        received.erase(0, start);
+        judged -= start;
+        return echoFound = true;
+    }
+}
+
+void LinkState::AwaitQuiet(std::int32_t quiet, std::int32_t longest) {
+    const StopWatch whole(host.loop);
+    StopWatch watch(host.loop);
+    std::uint64_t heard = arrivals;
+    while (const std::int32_t left =
+               std::min(watch.UntilExceeds(quiet), whole.UntilExceeds(longest))) {
+        Yield(left);
+        RequireReadable();
+        if (std::exchange(heard, arrivals) != arrivals) watch.Restart();
     }
 }
 
@@ -202,6 +231,9 @@ void clsDataLink::PurgePort() {
 
 void LinkState::ClearReceived() {
     received.clear();
+    echo.Clear();
+    echoFound = false;
+    judged = 0;
     receiveOverflow = false;
     endedInCr = false;
 }

@@ -2,6 +2,7 @@
 
 #include "LinkState.h"
 #include "common/Numbers.h"
+#include "common/QNError.h"
 #include "common/Text.h"
 #include "common/modErrorHandling.h"
 
@@ -10,6 +11,25 @@ namespace {
 
 constexpr std::size_t VersionReplyLines = 4;
 constexpr std::string_view AlternativeModePrefix = "Tavrel Protocol ";
+
+constexpr std::int32_t HandshakeTimeout = 1000;
+/// After a failed exchange the answers to what it sent may follow: this much silence ends them.
+constexpr std::int32_t ResyncQuiet = 100;
+constexpr std::int32_t ResyncLongest = 3000;
+
+bool IsWholeNumber(std::string_view text) {
+    const std::string number = Trim(text);
+    const std::size_t sign = number.starts_with('-') ? 1 : 0;
+    return number.size() > sign
+           && number.find_first_not_of("0123456789", sign) == std::string::npos;
+}
+
+/// The handshake's reply as a printer gives it whose echo is still off.
+bool TellsTwoNumbers(std::string_view received) {
+    const std::vector<std::string> lines = SplitNonEmpty(received, CrLf);
+    return lines.size() == 3 && received.ends_with(CrLf) && IsWholeNumber(lines[0])
+           && IsWholeNumber(lines[1]) && lines[2] == "Ok";
+}
 
 std::int16_t WholeNumberOrZero(std::string_view line) {
     const double value = Val(line);
@@ -53,9 +73,15 @@ void LinkState::GetVersion() {
     if (!claim) return;
     link.OutputText("PRINT VERSION$(0):PRINT VERSION$(1)\r\n", true);
     std::vector<std::string> lines;
-    link.InputText(lines);
+    bool answered = true;
+    try {
+        link.InputText(lines);
+    } catch (const QNError& error) {
+        if (error.Number() != ErrProtocol) throw;
+        answered = false; // some other reply came, which says no more than one that is too short
+    }
     claim.Release();
-    if (lines.size() != VersionReplyLines || lines.back() != "Ok") {
+    if (!answered || lines.size() != VersionReplyLines || lines.back() != "Ok") {
         link.SetImmediateMode(false);
         RaiseError(ErrProtocol, "Datalink:GetVersion");
     }
@@ -65,8 +91,12 @@ void LinkState::GetVersion() {
 
 void LinkState::Handshake() {
     link.OutputText("PRINT SYSVAR(18):PRINT SYSVAR(19):SYSVAR(18)=-1:SYSVAR(19)=2\r\n");
+    AwaitReply(HandshakeTimeout, TellsTwoNumbers);
+    if (outOfStep) AwaitQuiet(ResyncQuiet, ResyncLongest);
+    outOfStep = false;
     std::vector<std::string> lines;
-    const auto count = static_cast<std::size_t>(link.InputText(lines));
+    const auto count = static_cast<std::size_t>(TakeReceivedLines(lines));
+    if (count >= 2) GetPrinterError(lines[count - 2]);
     // The previous values stand one line further up in the replies of today's printers, so what is
     // kept here is 0; hosts rely on these indexes.
     if (count < 3 || lines[count - 2] != "Ok") return;

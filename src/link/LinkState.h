@@ -1,5 +1,6 @@
 #pragma once
 
+#include "AwaitedEcho.h"
 #include "link/clsDataLink.h"
 
 #include <cstdint>
@@ -74,8 +75,17 @@ struct LinkState {
     // -- CommandChannel.cpp
 
     void WaitForEcho();
-    /// Waits until the received text holds "Ok" CR LF; raises what InputText raises for none.
-    void AwaitReply(std::int32_t timeout);
+    /// Whether received text without the echo is a reply all the same.
+    using UnechoedReply = bool (*)(std::string_view received);
+    /// Waits for the reply to what was sent: its echo and, behind that, "Ok" CR LF. What stands
+    /// before the echo is dropped. Raises what InputText raises for none.
+    void AwaitReply(std::int32_t timeout, UnechoedReply unechoed);
+    bool HoldsReply(UnechoedReply unechoed);
+    /// Whether the received text begins with the echo of what was sent, what stood before it being
+    /// dropped; true as well when nothing was sent.
+    bool BeginsWithEcho();
+    /// Waits until nothing has come for quiet ms, for at most longest ms.
+    void AwaitQuiet(std::int32_t quiet, std::int32_t longest);
     /// Raises 1000 after an overflow of the received text and 1024 when the port is closed.
     void RequireReadable();
     std::int32_t TakeReceivedLines(std::vector<std::string>& lines);
@@ -117,7 +127,14 @@ struct LinkState {
     std::int32_t owedReleases = 0;             ///< releases that came while another held the mark
     std::unique_ptr<RunningTimer> reopenTimer; ///< runs while the terminal's device is away
 
-    std::string received; ///< received text with CR LF line ends, in receive mode 0
+    std::string received;       ///< received text with CR LF line ends, in receive mode 0
+    std::uint64_t arrivals = 0; ///< how often something was received
+    AwaitedEcho echo;           ///< of what was sent since the last reply
+    bool echoFound = false;     ///< received begins with it
+    std::size_t judged = 0;     ///< how much of received was looked at, for the echo or for the end
+    /// An exchange has failed: what it asked for may still be answered, so that the next claim
+    /// waits for the line to fall silent.
+    bool outOfStep = false;
     bool receiveOverflow = false;
     bool endedInCr = false; ///< the text delivered last ended in a CR of its own
 

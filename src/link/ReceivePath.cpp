@@ -44,6 +44,7 @@ void LinkState::OnReceive() {
         Serial().WaitForReceive(left);
     }
     if (text.empty()) return;
+    ++arrivals;
     const bool endsInCr = text.ends_with('\r');
     if (endedInCr && text.front() == '\n') text.erase(0, 1);
     endedInCr = endsInCr;

@@ -92,6 +92,7 @@ bool LinkState::ReportStatus(std::string& message, std::int16_t progress) {
 }
 
 void LinkState::Fail(std::int32_t number, std::string_view source) {
+    outOfStep = true;
     ReleaseBeforeRaise();
     RaiseError(number, source);
 }

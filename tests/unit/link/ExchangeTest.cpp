@@ -180,6 +180,130 @@ TEST_F(Exchange, NoiseAndZerosAreDataUntilTheLimit) {
     EXPECT_THAT(ReadReply(), ElementsAre(std::string("\0\x1A\xFF", 3), "Ok"));
 }
 
+// -- A reply belongs to its command
+
+TEST_F(Exchange, WhatStandsBeforeTheEchoBelongsToNobody) {
+    mSerial.Expect("PRINT 2\r\n").Reply("ILES\r\nA.PRG  10\r\nOk\r\nPRINT 2\r\n2\r\nOk\r\n");
+    mLink.OutputText("PRINT 2\r\n");
+    EXPECT_THAT(ReadReply(), ElementsAre("PRINT 2", "2", "Ok"));
+}
+
+TEST_F(Exchange, AnOkOfAnotherReplyEndsNoWait) {
+    mSerial.Expect("PRINT 2\r\n").Reply("1\r\nOk\r\n", 100).Reply("PRINT 2\r\n", 900);
+    mSerial.Reply("2\r\nOk\r\n", 900);
+    mLink.OutputText("PRINT 2\r\n");
+    EXPECT_THAT(ReadReply(), ElementsAre("PRINT 2", "2", "Ok"));
+}
+
+TEST_F(Exchange, ACommandThatEndsInOkIsNoReply) {
+    mSerial.Expect("REM Ok\r\n").Reply("REM Ok\r\n").Reply("Error 5: x\r\nOk\r\n", 200);
+    mLink.OutputText("REM Ok\r\n");
+    EXPECT_RAISED(ReadReply(), 60005);
+}
+
+TEST_F(Exchange, AReplyWithoutTheEchoIsAProtocolErrorAtTheLimit) {
+    mSerial.Expect("PRINT 2\r\n").Reply("1\r\nOk\r\n", 300);
+    mLink.OutputText("PRINT 2\r\n");
+    const std::int64_t start = mLoop.NowMs();
+    EXPECT_RAISED_FROM(ReadReply(), "1000 Datalink:InputText");
+    EXPECT_EQ(mLoop.NowMs() - start, 300 + 1001);
+    EXPECT_EQ(mLink.UseCount(), 0);
+}
+
+TEST_F(Exchange, TheEchoIsKnownWithoutTheEighthBitAndOfALongLineByItsBeginning) {
+    mSerial.Expect("KILL \"gr\xF6\xDF\x85\"\r\n").Reply("KILL \"grv_\"\r\nOk\r\n");
+    mLink.OutputText("KILL \"gr\xF6\xDF\x85\"\r\n");
+    EXPECT_EQ(ReadReply().size(), 2U);
+    const std::string line = "PRINT \"" + std::string(500, 'x') + "\"";
+    mSerial.Expect(line + "\r\n").Reply(line.substr(0, 255) + "\r\nError 9: long\r\nOk\r\n");
+    mLink.OutputText(line + "\r\n");
+    EXPECT_RAISED(ReadReply(), 60009);
+}
+
+TEST_F(Exchange, OfALineSentInPiecesAndWhatFollowsItTheLineIsEchoed) {
+    mSerial.Expect("IMAGE LOAD \"A\",4\r").Reply("Ok\r\nIMAGE LOAD \"A\",4\r\n");
+    mSerial.Expect("a\rb\r").Reply("Ok\r\n", 50);
+    mLink.OutputText("IMAGE LOAD ");
+    mLink.OutputText("\"A\",4\r");
+    mLink.OutputText("a\rb\r");
+    EXPECT_THAT(ReadReply(), ElementsAre("IMAGE LOAD \"A\",4", "Ok"));
+}
+
+/// A printer that works through its commands one after another and takes long for the first.
+class LateReplies : public LinkFixture {
+  protected:
+    LateReplies() {
+        mLink.SetImmediateMode(true);
+        mSerial.OnSend([this](std::string& sent) {
+            for (std::size_t end = 0; (end = sent.find("\r\n")) != std::string::npos;) {
+                Obey(sent.substr(0, end));
+                sent.erase(0, end + 2);
+            }
+        });
+    }
+
+    void Obey(const std::string& line) {
+        const bool handshake = line.starts_with("PRINT SYSVAR");
+        const std::string answer = handshake ? "-1\r\n2\r\n" : "the answer to " + line + "\r\n";
+        mFreeAt = std::max(mFreeAt, mLoop.NowMs()) + (line == "SLOW" ? mSlowMs : 5);
+        const auto left = static_cast<std::int32_t>(mFreeAt - mLoop.NowMs());
+        if (mEchoesAtOnce) mSerial.Arrive(line + "\r\n");
+        mSerial.Arrive((mEchoesAtOnce ? "" : line + "\r\n") + answer + "Ok\r\n", left);
+    }
+
+    std::string Ask(const std::string& line) {
+        const PortClaim claim = mLink.AcquirePort();
+        mLink.OutputText(line + "\r\n");
+        Lines lines;
+        mLink.InputText(lines);
+        return lines.at(1);
+    }
+
+    std::int32_t mSlowMs = 1500;
+    bool mEchoesAtOnce = false;
+    std::int64_t mFreeAt = 0;
+};
+
+TEST_F(LateReplies, AreNotTakenForThoseOfTheCommandsThatFollow) {
+    mLink.SetTerminalActive(true); // keeps the port open, and with it what arrives
+    for (const bool atOnce : {false, true}) {
+        mEchoesAtOnce = atOnce;
+        EXPECT_RAISED(Ask("SLOW"), 1008);
+        for (const char* line : {"A", "B", "A", "A"})
+            EXPECT_EQ(Ask(line), std::string("the answer to ") + line) << atOnce;
+    }
+}
+
+TEST_F(LateReplies, OfAPrinterThatStaysDeafForSecondsRaiseUntilItIsBack) {
+    mLink.SetTerminalActive(true);
+    mSlowMs = 3500;
+    EXPECT_RAISED(Ask("SLOW"), 1008);
+    EXPECT_RAISED(Ask("A"), 1008);
+    EXPECT_RAISED(Ask("A"), 1008);
+    EXPECT_EQ(Ask("A"), "the answer to A");
+    EXPECT_EQ(Ask("B"), "the answer to B");
+    EXPECT_EQ(mLink.UseCount(), 1) << "the terminal's";
+}
+
+TEST_F(LateReplies, OfATimedOutCommandAreNotTheOnesOfTheSameAskedAgain) {
+    mLink.SetTerminalActive(true);
+    EXPECT_RAISED(Ask("SLOW"), 1008);
+    mSlowMs = 100;
+    const std::int64_t start = mLoop.NowMs();
+    EXPECT_EQ(Ask("SLOW"), "the answer to SLOW");
+    EXPECT_GE(mLoop.NowMs() - start, 500 + 100) << "its own reply, not the late one";
+}
+
+TEST_F(LateReplies, OfAPrinterWhoseEchoIsOffDoNotSpoilItsHandshake) {
+    mSerial.OnSend([this](std::string& sent) {
+        sent.clear();
+        mSerial.Arrive("8\r\n2\r\nOk\r\n", 5);
+    });
+    const std::int64_t start = mLoop.NowMs();
+    EXPECT_TRUE(mLink.AcquirePort());
+    EXPECT_EQ(mLoop.NowMs() - start, 5);
+}
+
 // -- Printer errors
 
 struct ErrorLine {

@@ -67,6 +67,7 @@ class AdjustSettings : public PrinterFixture {
         mHeard.push_back(line);
         if (line.starts_with("IMAGE LOAD")) {
             mRawLeft = ToInt32(Val(line.substr(line.find(',') + 1)));
+            mSerial.Arrive(line + "\r\n", 5);
             return;
         }
         std::string reply = line + "\r\n";

@@ -169,7 +169,7 @@ TEST_F(DeviceTable, ADirtyMarkForABareNameAsksForTheCurrentDevice) {
 TEST_F(DeviceTable, TheCurrentDeviceMayTakeThreeSecondsToTell) {
     KnowCleanDevices("R7G");
     Script("KILL \"X\"");
-    mSerial.Handshake().Expect("FILES \".\"\r\n").Reply("c:\r\nOk\r\n", 2900);
+    mSerial.Handshake().Expect("FILES \".\"\r\n").Reply("FILES \".\"\r\nc:\r\nOk\r\n", 2900);
     mQuorin.Kill("X");
     Script("KILL \"X\"");
     mSerial.Handshake().Expect("FILES \".\"\r\n");

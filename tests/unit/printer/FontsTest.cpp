@@ -160,7 +160,9 @@ TEST_F(Fonts, AFontFileIsAnnouncedAndSent) {
     KnowCleanDevices("R7G");
     const std::string bytes("\0\x01\r\n\x1A\xFF Ok\r\n", 11);
     const std::string path = mFolder.Write("Swiss.ttf", bytes);
-    mSerial.Handshake().Expect("IMAGE LOAD \"SWISS.TTF\",11,\"S\"\r");
+    mSerial.Handshake()
+        .Expect("IMAGE LOAD \"SWISS.TTF\",11,\"S\"\r")
+        .Reply("IMAGE LOAD \"SWISS.TTF\",11,\"S\"\r\n");
     mSerial.Expect(bytes).Reply("\r\nOk\r\n", 9999);
     mQuorin.InstallFont(path, true);
     EXPECT_THAT(DirtyDevices(), ElementsAre("fonts:"));
@@ -172,7 +174,10 @@ TEST_F(Fonts, AFontFileIsAnnouncedAndSent) {
 TEST_F(Fonts, AFontThatIsNotPermanentHasAnEmptyOption) {
     Know("R7C");
     const std::string path = mFolder.Write("a.ttf", "xy");
-    mSerial.Handshake().Expect("IMAGE LOAD \"A.TTF\",2,\"\"\r").Expect("xy").Reply("Ok\r\n");
+    mSerial.Handshake()
+        .Expect("IMAGE LOAD \"A.TTF\",2,\"\"\r")
+        .Expect("xy")
+        .Reply("IMAGE LOAD \"A.TTF\",2,\"\"\r\nOk\r\n");
     mQuorin.InstallFont(path);
     EXPECT_TRUE(Device("fonts:").Dirty);
 }
@@ -212,7 +217,10 @@ TEST_F(Fonts, SettingsThatDoNotCarryRawBytesAreRefusedWithoutAsking) {
     EXPECT_THAT(mDesktop.mBoxes, IsEmpty());
     mLink.SetFlowcontrol("2");
     Reconnect("R7G");
-    mSerial.Handshake().Expect("IMAGE LOAD \"A.TTF\",2,\"\"\r").Expect("xy").Reply("Ok\r\n");
+    mSerial.Handshake()
+        .Expect("IMAGE LOAD \"A.TTF\",2,\"\"\r")
+        .Expect("xy")
+        .Reply("IMAGE LOAD \"A.TTF\",2,\"\"\r\nOk\r\n");
     mQuorin.InstallFont(path);
 }
 
@@ -318,7 +326,7 @@ TEST_F(Fonts, APrinterErrorInASampleIsRaisedAndItMayTakeFiveSeconds) {
     const std::string statement = "CLL:PP 1,1:NORIMAGE:AN 1:DIR 1:FT\"F\",12,0,100:PT\"x\":PF";
     mSerial.Handshake().Exchange(statement, {"Error 1022 in line 0: Font not found"});
     EXPECT_RAISED(Print("F", 1), 61022);
-    mSerial.Handshake().Expect(statement + "\r\n").Reply("Ok\r\n", 4999);
+    mSerial.Handshake().Expect(statement + "\r\n").Reply(statement + "\r\nOk\r\n", 4999);
     Print("F", 1);
     mSerial.Handshake().Expect(statement + "\r\n");
     EXPECT_RAISED(Print("F", 1), ErrInputTimeout);

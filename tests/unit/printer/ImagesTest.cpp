@@ -22,7 +22,7 @@ class Images : public PrinterFixture {
     }
     /// The line of an installation and the file behind it.
     void ScriptLoad(const std::string& line, const std::string& bytes = Pcx) {
-        mSerial.Expect(line + "\r").Expect(bytes).Reply("\r\nOk\r\n", 4999);
+        mSerial.Expect(line + "\r").Reply(line + "\r\n").Expect(bytes).Reply("\r\nOk\r\n", 4999);
     }
     Lines Listed() { return PrinterFixture::Listed(*Device("images:").Files); }
 
@@ -184,8 +184,9 @@ TEST_F(Images, ASilentPrinterOrAPrinterErrorLeavesNoClaimAndNoMark) {
     EXPECT_RAISED(mQuorin.InstallImage(path), ErrInputTimeout);
     mSerial.Handshake()
         .Expect("IMAGE LOAD \"A.PCX\",8,\"\"\r")
+        .Reply("IMAGE LOAD \"A.PCX\",8,\"\"\r\n")
         .Expect(Pcx)
-        .Reply("\r\nx\r\nError 1040: Disk full\r\nOk\r\n");
+        .Reply("x\r\nError 1040: Disk full\r\nOk\r\n");
     EXPECT_RAISED(mQuorin.InstallImage(path), 61040);
     EXPECT_FALSE(Device("images:").Dirty);
 }
@@ -248,7 +249,9 @@ TEST_F(Images, AnErrorDeepInAPrintGivesBackEveryClaim) {
 TEST_F(Images, AFileIsLoadedAsItIsAndMarksNothing) {
     KnowCleanDevices("R7A");
     const std::string path = mFolder.Write("data.bin", "no image\r\n");
-    mSerial.Handshake().Expect("FILE& LOAD \"DATA.BIN\",10\r");
+    mSerial.Handshake()
+        .Expect("FILE& LOAD \"DATA.BIN\",10\r")
+        .Reply("FILE& LOAD \"DATA.BIN\",10\r\n");
     mSerial.Expect("no image\r\n").Reply("Ok\r\n", 999);
     mQuorin.Fileload(path, "card1:");
     EXPECT_THAT(DirtyDevices(), IsEmpty());
@@ -257,7 +260,9 @@ TEST_F(Images, AFileIsLoadedAsItIsAndMarksNothing) {
 TEST_F(Images, AnEmptyFileSendsNoPiece) {
     KnowCleanDevices("R7A");
     const std::string path = mFolder.Write("empty.bin", "");
-    mSerial.Handshake().Expect("FILE& LOAD \"EMPTY.BIN\",0\r").Reply("Ok\r\n");
+    mSerial.Handshake()
+        .Expect("FILE& LOAD \"EMPTY.BIN\",0\r")
+        .Reply("FILE& LOAD \"EMPTY.BIN\",0\r\nOk\r\n");
     mQuorin.Fileload(path);
     EXPECT_THAT(mMessages, ElementsAre("Downloading " + path + " -1"));
 }

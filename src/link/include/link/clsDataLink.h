@@ -145,16 +145,23 @@ class clsDataLink {
         OutputText(sText, bWaitForEcho);
     }
 
-    /// Waits for a reply that holds "Ok" CR LF and fills sInputLines with its non-empty lines: the
-    /// echo first, "Ok" last. Returns their count. Raises 1008 when nothing came for lTimeout ms,
-    /// 1000 for a reply beyond 16 MiB, 1024 (port closed), source "Datalink:InputText", and, unless
+    /// Waits for the reply to what was sent and fills sInputLines with its non-empty lines: the
+    /// echo of the first line sent since the last reply, and so on to "Ok", CR LF. What was
+    /// received before that echo belongs to no command of ours and is dropped. Returns the count of
+    /// lines.
+    ///
+    /// Raises, source "Datalink:InputText": 1008 when nothing came for lTimeout ms, 1000 when a
+    /// reply came but never the echo, or more than 16 MiB, 1024 (port closed); and, unless
     /// bNoQNErrorCheck, the printer's error in the line before the last as 60000 + n, source
-    /// "clsDatalink:GetPrinterError"; each with the innermost claim given back.
+    /// "clsDatalink:GetPrinterError"; each with the innermost claim given back. After any of the
+    /// first three the next claim waits for a silent line, so that a reply which comes late is
+    /// nobody's.
     std::int32_t InputText(std::vector<std::string>& sInputLines, bool bNoQNErrorCheck = false,
                            std::int32_t lTimeout = 1000);
 
     /// Like InputText without the error check, but goes on after the first "Ok" until nothing has
-    /// come for lQuiet ms: for commands that may be answered by more than one "Ok".
+    /// come for lQuiet ms: for commands that may be answered by more than one "Ok", or that turn
+    /// the echo off.
     std::int32_t InputTextUntilQuiet(std::vector<std::string>& sInputLines, std::int32_t lTimeout,
                                      std::int32_t lQuiet);
 
