@@ -33,8 +33,8 @@ namespace {
 
 namespace bench = qncomm::bench;
 using qncomm::Terminal;
+using qncomm::testing::PeerProcess;
 using qncomm::testing::ScratchFolder;
-using qncomm::transfer::testing::PeerProcess;
 using Words = std::vector<std::string>;
 
 constexpr int Turns = 5;

@@ -8,10 +8,10 @@
 
 namespace qncomm::bench {
 
+using qncomm::testing::LineSettings;
+using qncomm::testing::PeerProcess;
+using qncomm::testing::SimulatedLine;
 using transfer::Time;
-using transfer::testing::LineSettings;
-using transfer::testing::PeerProcess;
-using transfer::testing::SimulatedLine;
 
 namespace {
 

@@ -17,7 +17,7 @@ struct RelayResult {
 
 // Carries bytes between two programs as `line` says, in both directions, until both have ended or
 // `limit` seconds are over.
-RelayResult RunRelay(transfer::testing::PeerProcess& first, transfer::testing::PeerProcess& second,
-                     const transfer::testing::LineSettings& line, std::uint64_t seed, double limit);
+RelayResult RunRelay(qncomm::testing::PeerProcess& first, qncomm::testing::PeerProcess& second,
+                     const qncomm::testing::LineSettings& line, std::uint64_t seed, double limit);
 
 } // namespace qncomm::bench

@@ -20,8 +20,8 @@
 namespace {
 
 namespace bench = qncomm::bench;
-using qncomm::transfer::testing::LineSettings;
-using qncomm::transfer::testing::PeerProcess;
+using qncomm::testing::LineSettings;
+using qncomm::testing::PeerProcess;
 using Words = std::vector<std::string>;
 
 enum class Content {

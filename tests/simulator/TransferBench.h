@@ -15,11 +15,11 @@ namespace qncomm::testing {
 
 using namespace qnsim;
 
+using qncomm::testing::MemoryFile;
+using qncomm::testing::MemorySink;
+using qncomm::testing::MemorySource;
 using qncomm::transfer::Outcome;
 using qncomm::transfer::TransferEngine;
-using qncomm::transfer::testing::MemoryFile;
-using qncomm::transfer::testing::MemorySink;
-using qncomm::transfer::testing::MemorySource;
 
 /// One protocol: the letter of the printer's statement and the host's engines.
 struct Protocol {

@@ -4,7 +4,7 @@
 namespace qncomm::testing {
 namespace {
 
-using qncomm::transfer::testing::RandomBytes;
+using qncomm::testing::RandomBytes;
 
 std::string EveryByte() {
     std::string bytes;

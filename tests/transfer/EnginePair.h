@@ -4,7 +4,9 @@
 
 #include <utility>
 
-namespace qncomm::transfer::testing {
+namespace qncomm::testing {
+
+using namespace transfer;
 
 // A sender and a receiver of one protocol at the two ends of a simulated line.
 template <class Sender, class Receiver, class SenderOptions, class ReceiverOptions>
@@ -43,4 +45,4 @@ inline LineSettings PacedLine(double rate = 11520) {
     return settings;
 }
 
-} // namespace qncomm::transfer::testing
+} // namespace qncomm::testing

@@ -3,7 +3,7 @@
 #include <cstdint>
 #include <cstdlib>
 
-namespace qncomm::transfer::testing {
+namespace qncomm::testing {
 
 // How many faults a campaign goes through: QN_FAULTS, or what an ordinary run has time for.
 inline std::uint64_t FaultsWanted() {
@@ -28,4 +28,4 @@ inline bool EveryCombinationIsWanted() {
 // Other people's programs take their time over each, so they get one of this many.
 inline constexpr std::uint64_t FaultsForOneOfAPeer = 50;
 
-} // namespace qncomm::transfer::testing
+} // namespace qncomm::testing

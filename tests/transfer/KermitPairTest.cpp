@@ -4,7 +4,9 @@
 
 #include <gtest/gtest.h>
 
-namespace qncomm::transfer::testing {
+namespace qncomm::testing {
+
+using namespace transfer;
 
 namespace {
 
@@ -150,4 +152,4 @@ TEST(KermitPair, AMissingLastWordCostsASecondAndIsSuccess) {
     EXPECT_LE(pair.rig.Farewell(), 1100ms);
 }
 
-} // namespace qncomm::transfer::testing
+} // namespace qncomm::testing

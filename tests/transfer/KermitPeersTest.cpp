@@ -8,7 +8,9 @@
 #include <algorithm>
 #include <array>
 
-namespace qncomm::transfer::testing {
+namespace qncomm::testing {
+
+using namespace transfer;
 
 struct KermitSetting {
     std::size_t packet;
@@ -195,4 +197,4 @@ TEST_P(GKermitPeers, GKermitSendsWhatIsReceived) {
 
 INSTANTIATE_TEST_SUITE_P(Combinations, GKermitPeers, ::testing::ValuesIn(SettingsWithoutWindow()));
 
-} // namespace qncomm::transfer::testing
+} // namespace qncomm::testing

@@ -6,7 +6,9 @@
 #include <gtest/gtest.h>
 
 // The sender alone, answered packet by packet.
-namespace qncomm::transfer::testing {
+namespace qncomm::testing {
+
+using namespace transfer;
 
 namespace {
 
@@ -81,4 +83,4 @@ TEST(KermitSender, WantingThePacketBehindTheOnlyOneSaysThatItHasCome) {
     EXPECT_EQ(sender.Engine().Outcome(), Outcome::Success);
 }
 
-} // namespace qncomm::transfer::testing
+} // namespace qncomm::testing

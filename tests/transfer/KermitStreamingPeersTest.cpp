@@ -6,7 +6,9 @@
 #include <gtest/gtest.h>
 
 // Kermit that streams, against the programs that can.
-namespace qncomm::transfer::testing {
+namespace qncomm::testing {
+
+using namespace transfer;
 
 namespace {
 
@@ -143,4 +145,4 @@ TEST(KermitStreamingPeers, DamageOfWhatAProgramStreamsIsNeverTakenForTheFile) {
     }
 }
 
-} // namespace qncomm::transfer::testing
+} // namespace qncomm::testing

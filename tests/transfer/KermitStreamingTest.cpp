@@ -4,7 +4,9 @@
 
 #include <gtest/gtest.h>
 
-namespace qncomm::transfer::testing {
+namespace qncomm::testing {
+
+using namespace transfer;
 
 namespace {
 
@@ -153,4 +155,4 @@ TEST(KermitStreaming, ALongStreamIsNotTakenForSilence) {
     EXPECT_EQ(pair.receiver.Progress().repairs, 0U);
 }
 
-} // namespace qncomm::transfer::testing
+} // namespace qncomm::testing

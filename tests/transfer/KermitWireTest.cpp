@@ -9,7 +9,9 @@
 
 #include <vector>
 
-namespace qncomm::transfer::testing {
+namespace qncomm::testing {
+
+using namespace transfer;
 
 namespace {
 
@@ -218,4 +220,4 @@ TEST(KermitAttributes, PassOverWhatIsUnknownOrCutOff) {
     EXPECT_FALSE(ReadKermitResume("Y"));
 }
 
-} // namespace qncomm::transfer::testing
+} // namespace qncomm::testing

@@ -16,7 +16,9 @@
 #include <memory>
 #include <poll.h>
 
-namespace qncomm::transfer::testing {
+namespace qncomm::testing {
+
+using namespace transfer;
 
 namespace {
 
@@ -267,4 +269,4 @@ TEST(PeerFaults, NothingIsEverWrongAndNothingHangs) {
     std::cout << faults << " faults in " << seed - first << " transfers, " << good << " arrived\n";
 }
 
-} // namespace qncomm::transfer::testing
+} // namespace qncomm::testing

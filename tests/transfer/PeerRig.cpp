@@ -8,7 +8,9 @@
 #include <gtest/gtest.h>
 #include <iostream>
 
-namespace qncomm::transfer::testing {
+namespace qncomm::testing {
+
+using namespace transfer;
 
 namespace {
 
@@ -76,4 +78,4 @@ bool RunAgainst(TransferEngine& engine, FileSource* source, FileSink* sink, Peer
     return false;
 }
 
-} // namespace qncomm::transfer::testing
+} // namespace qncomm::testing

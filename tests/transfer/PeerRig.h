@@ -4,7 +4,9 @@
 #include "testing/programs/PeerProcess.h"
 #include "testing/transfer/MemoryFiles.h"
 
-namespace qncomm::transfer::testing {
+namespace qncomm::testing {
+
+using namespace transfer;
 
 using qncomm::testing::ScratchFolder;
 
@@ -25,4 +27,4 @@ bool PeersAreInstalled(const std::vector<std::string>& programs);
 bool RunAgainst(TransferEngine& engine, FileSource* source, FileSink* sink, PeerProcess& peer,
                 Time limit);
 
-} // namespace qncomm::transfer::testing
+} // namespace qncomm::testing

@@ -4,7 +4,9 @@
 #include <poll.h>
 #include <utility>
 
-namespace qncomm::transfer::testing {
+namespace qncomm::testing {
+
+using namespace transfer;
 
 PeerRun::PeerRun(TransferEngine& engine, FileSource* source, FileSink* sink, PeerProcess& peer,
                  const LineSettings& line, std::uint64_t seed)
@@ -78,4 +80,4 @@ void PeerRun::WaitFor() {
     poll(&ready, 1, static_cast<int>(std::clamp<std::int64_t>(wait, 0, moving ? 5 : 100)));
 }
 
-} // namespace qncomm::transfer::testing
+} // namespace qncomm::testing

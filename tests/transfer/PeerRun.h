@@ -4,7 +4,9 @@
 #include "testing/transfer/SimulatedLine.h"
 #include "transfer/TransferFiles.h"
 
-namespace qncomm::transfer::testing {
+namespace qncomm::testing {
+
+using namespace transfer;
 
 // One engine against one program over a line that may be bad, in steps on the machine's clock. Once
 // the program has ended and its last byte was heard, nothing can come any more: the engine's clock
@@ -47,4 +49,4 @@ class PeerRun {
     bool mStarted = false;
 };
 
-} // namespace qncomm::transfer::testing
+} // namespace qncomm::testing

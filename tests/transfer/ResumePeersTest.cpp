@@ -8,7 +8,9 @@
 
 // A transfer that broke off is continued with another program at the other end: only the rest
 // travels.
-namespace qncomm::transfer::testing {
+namespace qncomm::testing {
+
+using namespace transfer;
 
 namespace {
 
@@ -75,4 +77,4 @@ TEST(ResumePeers, CKermitGoesOnSending) {
     ReceiveTheRest(receiver, CKermit("resend part.bin"));
 }
 
-} // namespace qncomm::transfer::testing
+} // namespace qncomm::testing

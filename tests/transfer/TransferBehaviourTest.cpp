@@ -6,7 +6,9 @@
 
 #include <gtest/gtest.h>
 
-namespace qncomm::transfer::testing {
+namespace qncomm::testing {
+
+using namespace transfer;
 
 namespace {
 
@@ -241,4 +243,4 @@ TYPED_TEST(Behaviour, MemoryDoesNotGrowWithTheFile) {
     EXPECT_LT(most, 65536U);
 }
 
-} // namespace qncomm::transfer::testing
+} // namespace qncomm::testing

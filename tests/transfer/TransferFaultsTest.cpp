@@ -7,7 +7,9 @@
 
 #include <gtest/gtest.h>
 
-namespace qncomm::transfer::testing {
+namespace qncomm::testing {
+
+using namespace transfer;
 
 namespace {
 
@@ -114,4 +116,4 @@ TEST(TransferFaults, StreamingKermitSurvivesWhatLinesDo) {
     }
 }
 
-} // namespace qncomm::transfer::testing
+} // namespace qncomm::testing

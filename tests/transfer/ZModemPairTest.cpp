@@ -4,7 +4,9 @@
 
 #include <gtest/gtest.h>
 
-namespace qncomm::transfer::testing {
+namespace qncomm::testing {
+
+using namespace transfer;
 
 namespace {
 
@@ -196,4 +198,4 @@ TEST(ZModemPair, SumsUpAFileWhenTheReceiverAsks) {
         << said;
 }
 
-} // namespace qncomm::transfer::testing
+} // namespace qncomm::testing

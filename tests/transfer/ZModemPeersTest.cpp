@@ -4,7 +4,9 @@
 
 #include <gtest/gtest.h>
 
-namespace qncomm::transfer::testing {
+namespace qncomm::testing {
+
+using namespace transfer;
 
 // What the sending side is told.
 struct ZModemSetting {
@@ -87,4 +89,4 @@ TEST_P(ZModemPeers, SendWhatIsReceived) {
 
 INSTANTIATE_TEST_SUITE_P(Combinations, ZModemPeers, ::testing::ValuesIn(Settings()));
 
-} // namespace qncomm::transfer::testing
+} // namespace qncomm::testing

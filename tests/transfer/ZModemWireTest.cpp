@@ -7,7 +7,9 @@
 
 #include <vector>
 
-namespace qncomm::transfer::testing {
+namespace qncomm::testing {
+
+using namespace transfer;
 
 namespace {
 
@@ -165,4 +167,4 @@ TEST(ZModemFileInfo, TakesWhatIsThereAndNoMore) {
     EXPECT_FALSE(file.modified);
 }
 
-} // namespace qncomm::transfer::testing
+} // namespace qncomm::testing

@@ -17,7 +17,9 @@
 
 #include <algorithm>
 
-namespace qnterm::test {
+namespace qncomm::testing {
+
+using namespace qnterm;
 namespace {
 
 using ::testing::Contains;
@@ -210,4 +212,4 @@ TEST_F(DevicesTest, OfAFontThatWasThereBeforeItIsSaidSo) {
 }
 
 } // namespace
-} // namespace qnterm::test
+} // namespace qncomm::testing

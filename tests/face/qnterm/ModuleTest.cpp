@@ -10,7 +10,9 @@
 #include <QTableView>
 #include <QTest>
 
-namespace qnterm::test {
+namespace qncomm::testing {
+
+using namespace qnterm;
 namespace {
 
 using ::testing::Contains;
@@ -93,4 +95,4 @@ TEST_F(ModuleTest, AFileThatIsNotThereIsSaidSo) {
 }
 
 } // namespace
-} // namespace qnterm::test
+} // namespace qncomm::testing

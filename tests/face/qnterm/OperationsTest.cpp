@@ -2,7 +2,9 @@
 
 #include "PartsFixture.h"
 
-namespace qnterm::test {
+namespace qncomm::testing {
+
+using namespace qnterm;
 namespace {
 
 using qncomm::QNComm;
@@ -70,4 +72,4 @@ TEST_F(OperationsTest, NothingStartsOnceTheWindowIsGoing) {
 }
 
 } // namespace
-} // namespace qnterm::test
+} // namespace qncomm::testing

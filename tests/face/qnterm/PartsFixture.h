@@ -15,7 +15,9 @@
 #include <utility>
 #include <vector>
 
-namespace qnterm::test {
+namespace qncomm::testing {
+
+using namespace qnterm;
 
 /// The parts of the window over a control with a virtual printer at port 1, on a driven clock.
 class PartsFixture : public qncomm::testing::AssembledFixture {
@@ -54,4 +56,4 @@ class PartsFixture : public qncomm::testing::AssembledFixture {
     int mCancelWaits = 0;
 };
 
-} // namespace qnterm::test
+} // namespace qncomm::testing

@@ -21,7 +21,9 @@
 #include <QToolButton>
 #include <QTreeWidget>
 
-namespace qnterm::test {
+namespace qncomm::testing {
+
+using namespace qnterm;
 namespace {
 
 using qncomm::testing::ScratchFolder;
@@ -74,7 +76,7 @@ TEST(FontSamples, AFontFileShowsAndAnotherDoesNot) {
 // -- The command line
 
 TEST(StartOptions, AreReadFromTheCommandLine) {
-    const StartRequest request = ParseCommandLine(
+    const StartRequest request = qnterm::ParseCommandLine(
         {"qnterm", "--port", "sim:R7A", "--settings=s.ini", "--labels", "l", "--trace", "t"});
     ASSERT_FALSE(request.ended);
     EXPECT_EQ(request.options.port, "sim:R7A");
@@ -84,12 +86,13 @@ TEST(StartOptions, AreReadFromTheCommandLine) {
 }
 
 TEST(StartOptions, HelpAndVersionEndWellAndNonsenseDoesNot) {
-    EXPECT_EQ(ParseCommandLine({"qnterm", "--help"}).ended, 0);
-    EXPECT_THAT(ParseCommandLine({"qnterm", "--help"}).text.toStdString(), HasSubstr("--labels"));
-    EXPECT_THAT(ParseCommandLine({"qnterm", "--version"}).text.toStdString(),
+    EXPECT_EQ(qnterm::ParseCommandLine({"qnterm", "--help"}).ended, 0);
+    EXPECT_THAT(qnterm::ParseCommandLine({"qnterm", "--help"}).text.toStdString(),
+                HasSubstr("--labels"));
+    EXPECT_THAT(qnterm::ParseCommandLine({"qnterm", "--version"}).text.toStdString(),
                 HasSubstr("qnterm 0."));
-    EXPECT_EQ(ParseCommandLine({"qnterm", "--nonsense"}).ended, 2);
-    EXPECT_EQ(ParseCommandLine({"qnterm", "file.txt"}).ended, 2);
+    EXPECT_EQ(qnterm::ParseCommandLine({"qnterm", "--nonsense"}).ended, 2);
+    EXPECT_EQ(qnterm::ParseCommandLine({"qnterm", "file.txt"}).ended, 2);
 }
 
 // -- Choosing a port
@@ -241,4 +244,4 @@ TEST_F(StatusTest, OffersCancelWhileSomethingRunsAndNotAfterwards) {
 }
 
 } // namespace
-} // namespace qnterm::test
+} // namespace qncomm::testing

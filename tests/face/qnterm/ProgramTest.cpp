@@ -15,7 +15,7 @@
 
 #include <functional>
 
-namespace qnterm::test {
+namespace qncomm::testing {
 namespace {
 
 using qncomm::PortState;
@@ -91,7 +91,7 @@ TEST_F(ProgramTest, KeysGoToThePrinterAndTheProgramEndsWell) {
     Act({"key", "ctrl+shift+q"});
     EXPECT_EQ(End(), 0);
     EXPECT_THAT(mFolder.Read("settings.ini"), HasSubstr("Geometry"));
-    EXPECT_THAT(mFolder.Read("settings.ini"), testing::Not(HasSubstr("Commport")))
+    EXPECT_THAT(mFolder.Read("settings.ini"), ::testing::Not(HasSubstr("Commport")))
         << "a port for one run became the configured one";
 }
 
@@ -186,10 +186,10 @@ TEST_F(ProgramTest, HelpAndVersionNeedNoDisplay) {
     mProgram.start(QN_PROGRAMS "/qnterm", {"--help"});
     EXPECT_EQ(End(), 0);
     EXPECT_THAT(mProgram.readAllStandardOutput().toStdString(),
-                testing::StartsWith("Usage: qnterm [options]"));
+                ::testing::StartsWith("Usage: qnterm [options]"));
     mProgram.start(QN_PROGRAMS "/qnterm", {"--nonsense"});
     EXPECT_EQ(End(), 2);
 }
 
 } // namespace
-} // namespace qnterm::test
+} // namespace qncomm::testing

@@ -9,7 +9,9 @@
 #include <QTest>
 #include <QTreeView>
 
-namespace qnterm::test {
+namespace qncomm::testing {
+
+using namespace qnterm;
 namespace {
 
 using ::testing::Contains;
@@ -110,4 +112,4 @@ TEST_F(SetupTest, TheSearchIsKeptWhenTheSetupIsReadAgain) {
 }
 
 } // namespace
-} // namespace qnterm::test
+} // namespace qncomm::testing

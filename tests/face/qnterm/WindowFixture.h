@@ -25,7 +25,9 @@
 #include <string>
 #include <string_view>
 
-namespace qnterm::test {
+namespace qncomm::testing {
+
+using namespace qnterm;
 
 inline constexpr int Patience = 20000; // ms that only a hang reaches
 
@@ -126,4 +128,4 @@ class WindowTest : public ::testing::Test {
     std::unique_ptr<MainWindow> mWindow;
 };
 
-} // namespace qnterm::test
+} // namespace qncomm::testing

@@ -14,7 +14,9 @@
 #include <QTabBar>
 #include <QToolButton>
 
-namespace qnterm::test {
+namespace qncomm::testing {
+
+using namespace qnterm;
 namespace {
 
 using qncomm::testing::CutCaptions;
@@ -111,4 +113,4 @@ TEST_F(WindowTest, WithoutAPortNothingIsSentAnywhereAndEachPartSaysWhatToDo) {
 }
 
 } // namespace
-} // namespace qnterm::test
+} // namespace qncomm::testing

@@ -18,7 +18,9 @@
 #include <QToolButton>
 #include <QTreeView>
 
-namespace qnterm::test {
+namespace qncomm::testing {
+
+using namespace qnterm;
 namespace {
 
 using qncomm::testing::DarkDesktop;
@@ -225,4 +227,4 @@ TEST_F(WindowTest, ThePrintersImagesAreShownAsTheyWereSent) {
 }
 
 } // namespace
-} // namespace qnterm::test
+} // namespace qncomm::testing

@@ -11,7 +11,7 @@
 #include <termios.h>
 #include <unistd.h>
 
-namespace qncomm::transfer::testing {
+namespace qncomm::testing {
 
 namespace {
 
@@ -87,4 +87,4 @@ bool PeerProcess::IsInstalled(const std::string& sProgram) {
     return false;
 }
 
-} // namespace qncomm::transfer::testing
+} // namespace qncomm::testing

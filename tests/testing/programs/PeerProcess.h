@@ -5,7 +5,7 @@
 #include <sys/types.h>
 #include <vector>
 
-namespace qncomm::transfer::testing {
+namespace qncomm::testing {
 
 /// Another program on the far side of a pseudo-terminal in raw mode. It is ended with the object.
 class PeerProcess {
@@ -35,4 +35,4 @@ class PeerProcess {
     int mStatus = -1;
 };
 
-} // namespace qncomm::transfer::testing
+} // namespace qncomm::testing

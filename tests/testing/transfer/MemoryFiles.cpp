@@ -4,7 +4,9 @@
 #include <array>
 #include <random>
 
-namespace qncomm::transfer::testing {
+namespace qncomm::testing {
+
+using namespace transfer;
 
 std::optional<FileInfo> MemorySource::Next() {
     if (mNext >= mFiles.size()) return std::nullopt;
@@ -88,4 +90,4 @@ std::string TextBytes(std::size_t size, std::uint64_t seed) {
     return text;
 }
 
-} // namespace qncomm::transfer::testing
+} // namespace qncomm::testing

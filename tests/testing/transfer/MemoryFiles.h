@@ -6,7 +6,9 @@
 #include <utility>
 #include <vector>
 
-namespace qncomm::transfer::testing {
+namespace qncomm::testing {
+
+using namespace transfer;
 
 struct MemoryFile {
     std::string name;
@@ -68,4 +70,4 @@ std::string RandomBytes(std::size_t size, std::uint64_t seed);
 /// Lines of words with LF ends.
 std::string TextBytes(std::size_t size, std::uint64_t seed);
 
-} // namespace qncomm::transfer::testing
+} // namespace qncomm::testing

@@ -2,7 +2,9 @@
 
 #include <algorithm>
 
-namespace qncomm::transfer::testing {
+namespace qncomm::testing {
+
+using namespace transfer;
 
 namespace {
 
@@ -68,4 +70,4 @@ std::string SimulatedLine::Damage(std::string_view bytes, Time now) {
     return out;
 }
 
-} // namespace qncomm::transfer::testing
+} // namespace qncomm::testing

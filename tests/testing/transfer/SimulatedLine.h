@@ -6,7 +6,9 @@
 #include <random>
 #include <string>
 
-namespace qncomm::transfer::testing {
+namespace qncomm::testing {
+
+using namespace transfer;
 
 /// What can go wrong on a line; probabilities are per byte.
 struct LineFaults {
@@ -67,4 +69,4 @@ class SimulatedLine {
     std::string mLog;
 };
 
-} // namespace qncomm::transfer::testing
+} // namespace qncomm::testing

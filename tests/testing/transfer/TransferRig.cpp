@@ -2,7 +2,9 @@
 
 #include <algorithm>
 
-namespace qncomm::transfer::testing {
+namespace qncomm::testing {
+
+using namespace transfer;
 
 namespace {
 
@@ -86,4 +88,4 @@ void TransferRig::AdvanceClock(bool bBusy) {
     mNow = next;
 }
 
-} // namespace qncomm::transfer::testing
+} // namespace qncomm::testing

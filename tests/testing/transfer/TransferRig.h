@@ -5,7 +5,9 @@
 
 #include <functional>
 
-namespace qncomm::transfer::testing {
+namespace qncomm::testing {
+
+using namespace transfer;
 
 /// Two engines at the two ends of a simulated line, run until both are over or the limit has come.
 class TransferRig {
@@ -57,4 +59,4 @@ class TransferRig {
     Time mLastByte = StartOfClock;
 };
 
-} // namespace qncomm::transfer::testing
+} // namespace qncomm::testing

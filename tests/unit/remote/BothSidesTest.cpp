@@ -7,7 +7,7 @@
 #include <algorithm>
 #include <array>
 
-namespace remote {
+namespace qncomm::testing {
 namespace {
 
 using qncomm::ComPortClient;
@@ -103,4 +103,4 @@ TEST(BothSides, ModemLinesOfThePrinterReachTheClient) {
 }
 
 } // namespace
-} // namespace remote
+} // namespace qncomm::testing

@@ -8,13 +8,13 @@
 #include <functional>
 #include <utility>
 
-namespace remote {
+namespace qncomm::testing {
 namespace {
 
 using qncomm::ComPortClient;
 using qncomm::IoStatus;
 using qncomm::LineSettings;
-using testing::HasSubstr;
+using ::testing::HasSubstr;
 
 const std::string AllAgreed =
     Option(Do, 0) + Option(Will, 0) + Option(Do, 3) + Option(Will, 3) + Option(Do, 44);
@@ -282,4 +282,4 @@ TEST(ComPortClient, HearsTheSameHoweverTheStreamIsCut) {
 }
 
 } // namespace
-} // namespace remote
+} // namespace qncomm::testing

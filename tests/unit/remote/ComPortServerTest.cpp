@@ -6,7 +6,7 @@
 
 #include <utility>
 
-namespace remote {
+namespace qncomm::testing {
 namespace {
 
 using qnsim::ComPortServer;
@@ -112,7 +112,7 @@ TEST(ComPortServer, AnswersEveryRequestWithWhatIsInForce) {
     Server server;
     server.Agree();
     for (const auto& [request, answer] : answers)
-        EXPECT_EQ(server.Hear(request), answer) << testing::PrintToString(request);
+        EXPECT_EQ(server.Hear(request), answer) << ::testing::PrintToString(request);
 }
 
 TEST(ComPortServer, TellsWhatTheHostDidInItsOrder) {
@@ -225,4 +225,4 @@ TEST(ComPortServer, HearsTheSameHoweverTheStreamIsCut) {
 }
 
 } // namespace
-} // namespace remote
+} // namespace qncomm::testing

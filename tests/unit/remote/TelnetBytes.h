@@ -4,7 +4,7 @@
 #include <string>
 #include <string_view>
 
-namespace remote {
+namespace qncomm::testing {
 
 /// A Telnet stream, written down by its numbers.
 inline std::string Bytes(std::initializer_list<int> values) {
@@ -31,4 +31,4 @@ inline std::string Option(int verb, int option) {
     return Bytes({255, verb, option});
 }
 
-} // namespace remote
+} // namespace qncomm::testing

@@ -5,8 +5,8 @@
 namespace {
 
 using qncomm::Terminal;
-using terminal_testing::Flaw;
-using terminal_testing::Rows;
+using qncomm::testing::Flaw;
+using qncomm::testing::Rows;
 
 /// Each final byte of a control sequence with a count that no screen has.
 TEST(HugeCounts, CostNoMoreThanTheScreenIsLarge) {
@@ -45,9 +45,9 @@ TEST(Values, BeyondTheLastAreDropped) {
     Terminal terminal;
     terminal.Write(sequence + "31mx\x1B[2;3Hy");
     EXPECT_EQ(Rows(terminal), "x|  y");
-    EXPECT_FALSE(terminal_testing::StyleAt(terminal, 1, 1).Foreground()
+    EXPECT_FALSE(qncomm::testing::StyleAt(terminal, 1, 1).Foreground()
                  == qncomm::terminal::Colour::Indexed(1));
-    EXPECT_TRUE(terminal_testing::StyleAt(terminal, 1, 1).Has(qncomm::terminal::Attribute::Bold));
+    EXPECT_TRUE(qncomm::testing::StyleAt(terminal, 1, 1).Has(qncomm::terminal::Attribute::Bold));
 }
 
 TEST(Values, SaturateInsteadOfWrappingRound) {
@@ -76,7 +76,7 @@ TEST(StringsWithoutAnEnd, KeepTheirBoundWhenTheyComeInPieces) {
 }
 
 TEST(SmallestScreen, TakesEverySequence) {
-    Terminal terminal(terminal_testing::Sized(1, 1, 1));
+    Terminal terminal(qncomm::testing::Sized(1, 1, 1));
     for (char final = '@'; final <= '~'; ++final)
         for (const char* value : {"", "1", "2;2", "999"})
             terminal.Write("ab\r\n\t\b\x1B[" + std::string(value) + final

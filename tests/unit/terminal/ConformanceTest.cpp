@@ -8,10 +8,10 @@
 namespace qncomm::testing {
 namespace {
 
-using terminal_testing::Flaw;
-using terminal_testing::Sized;
-using terminal_testing::Snapshot;
-using terminal_testing::TakeSnapshot;
+using qncomm::testing::Flaw;
+using qncomm::testing::Sized;
+using qncomm::testing::Snapshot;
+using qncomm::testing::TakeSnapshot;
 using ::testing::IsEmpty;
 
 const TerminalCases& AllCases() {

@@ -9,7 +9,7 @@ namespace {
 using qncomm::Terminal;
 using qncomm::terminal::Damage;
 using qncomm::terminal::TerminalLine;
-using terminal_testing::Sized;
+using qncomm::testing::Sized;
 using testing::ElementsAre;
 using testing::IsEmpty;
 using testing::SizeIs;
@@ -98,7 +98,7 @@ TEST(TerminalDamage, KeepsAPictureUpToDate) {
         for (auto count = random() % 4; count > 0; --count)
             terminal.Write(pieces[random() % std::size(pieces)]);
         picture.Update();
-        ASSERT_EQ(picture.Rows(), terminal_testing::TakeSnapshot(terminal).rows)
+        ASSERT_EQ(picture.Rows(), qncomm::testing::TakeSnapshot(terminal).rows)
             << "after step " << step;
     }
 }

@@ -8,7 +8,7 @@ using qncomm::Terminal;
 using qncomm::terminal::Attribute;
 using qncomm::terminal::Colour;
 using qncomm::terminal::Style;
-using terminal_testing::StyleAt;
+using qncomm::testing::StyleAt;
 
 /// A style as a test writes it.
 Style Made(Colour foreground, Colour background, std::initializer_list<Attribute> attributes = {}) {

@@ -7,8 +7,8 @@
 namespace {
 
 using qncomm::Terminal;
-using terminal_testing::Flaw;
-using terminal_testing::TakeSnapshot;
+using qncomm::testing::Flaw;
+using qncomm::testing::TakeSnapshot;
 
 /// Bytes that reach deep: half of them out of what sequences are made of.
 std::string Noise(std::mt19937& random, std::size_t length) {
@@ -24,7 +24,7 @@ std::string Noise(std::mt19937& random, std::size_t length) {
 Terminal::Options SizeOf(std::mt19937& random) {
     const auto rows = static_cast<std::int16_t>(1 + random() % 30);
     const auto columns = static_cast<std::int16_t>(1 + random() % 40);
-    return terminal_testing::Sized(rows, columns, 1 + random() % 20);
+    return qncomm::testing::Sized(rows, columns, 1 + random() % 20);
 }
 
 TEST(RandomBytes, LeaveATerminalThatHangsTogether) {

@@ -10,7 +10,7 @@ using qncomm::Terminal;
 using qncomm::terminal::Colour;
 using qncomm::terminal::Style;
 using qncomm::terminal::StyleRun;
-using terminal_testing::Sized;
+using qncomm::testing::Sized;
 
 std::string Numbered(std::uint64_t number) {
     return "line " + std::to_string(number);
@@ -85,9 +85,9 @@ TEST(Scrollback, CanBeEmptied) {
 TEST(Scrollback, StaysWhenTheScreenGrowsWider) {
     Terminal terminal(Sized(2, 10, 3));
     terminal.Write("\x1B[31ma\x1B[m\r\nb\r\nc\r\nd");
-    const auto before = terminal_testing::TakeSnapshot(terminal).scrollback;
+    const auto before = qncomm::testing::TakeSnapshot(terminal).scrollback;
     terminal.Resize(2, 100);
-    EXPECT_EQ(terminal_testing::TakeSnapshot(terminal).scrollback, before);
+    EXPECT_EQ(qncomm::testing::TakeSnapshot(terminal).scrollback, before);
     terminal.Write("\r\n" + std::string(100, 'w') + "\r\n\r\n\r\n");
     EXPECT_EQ(terminal.ScrollbackLine(terminal.ScrollbackEnd() - 2).text, std::string(100, 'w'));
 }

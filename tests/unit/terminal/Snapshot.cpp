@@ -1,6 +1,6 @@
 #include "Snapshot.h"
 
-namespace terminal_testing {
+namespace qncomm::testing {
 
 using qncomm::Terminal;
 using qncomm::terminal::Style;
@@ -89,4 +89,4 @@ std::string Flaw(Terminal& terminal) {
     return {};
 }
 
-} // namespace terminal_testing
+} // namespace qncomm::testing

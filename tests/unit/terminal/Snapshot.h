@@ -6,7 +6,7 @@
 #include <string_view>
 #include <vector>
 
-namespace terminal_testing {
+namespace qncomm::testing {
 
 /// A terminal's options for a screen of that size.
 qncomm::Terminal::Options Sized(std::int16_t rows, std::int16_t columns,
@@ -34,4 +34,4 @@ qncomm::terminal::Style StyleAt(const qncomm::Terminal& terminal, std::int16_t r
 /// What is wrong with what can be seen of the terminal; "" when it hangs together.
 std::string Flaw(qncomm::Terminal& terminal);
 
-} // namespace terminal_testing
+} // namespace qncomm::testing

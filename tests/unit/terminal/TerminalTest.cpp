@@ -5,10 +5,10 @@
 namespace {
 
 using qncomm::Terminal;
-using terminal_testing::Flaw;
-using terminal_testing::Rows;
-using terminal_testing::Sized;
-using terminal_testing::StyleAt;
+using qncomm::testing::Flaw;
+using qncomm::testing::Rows;
+using qncomm::testing::Sized;
+using qncomm::testing::StyleAt;
 using testing::IsEmpty;
 
 TEST(FreshTerminal, HasThreeHundredRowsAndColumnsAndNothingOnThem) {
