@@ -209,4 +209,10 @@ TEST(TheHouse, LinksTheLibraryOfAProgramInFoldersNamedAfterItAlone) {
                 }
 }
 
+TEST(TheHouse, ReachesIntoNoOtherFolderOfTestsByPath) {
+    for (const char* top : {"tests", "bench", "fuzz"})
+        for (const fs::path& list : FilesBelow(Root / top, {"CMakeLists.txt"}))
+            EXPECT_THAT(TextOf(list), Not(HasSubstr("../"))) << list;
+}
+
 } // namespace

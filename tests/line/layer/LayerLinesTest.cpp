@@ -1,7 +1,7 @@
 // The command layer's suite over a real pseudo-terminal and a real socket, on the machine's clock.
 
 #include "platform/PollLoop.h"
-#include "testing/stack/LayerBench.h"
+#include "testing/stack/LayerFixture.h"
 
 namespace qncomm::testing {
 namespace {

@@ -1,7 +1,7 @@
 // The command layer on a driven clock: its suite, and what differs between models and settings.
 
 #include "testing/core/ExpectRaised.h"
-#include "testing/stack/LayerBench.h"
+#include "testing/stack/LayerFixture.h"
 
 #include <gmock/gmock.h>
 
@@ -14,9 +14,9 @@ using ::testing::IsEmpty;
 
 INSTANTIATE_TEST_SUITE_P(Line, Layer, ::testing::Values(LineInProcess()), NameOfLine);
 
-class LayerAfterReboot : public LayerBench {
+class LayerAfterReboot : public LayerFixture {
   protected:
-    LayerAfterReboot() : LayerBench("R7G?boot-ms=4000") {}
+    LayerAfterReboot() : LayerFixture("R7G?boot-ms=4000") {}
 };
 
 TEST_F(LayerAfterReboot, HasANewDeviceTable) {
@@ -27,9 +27,9 @@ TEST_F(LayerAfterReboot, HasANewDeviceTable) {
     EXPECT_EQ(mQuorin.PrinterDevices()->Count(), 8U);
 }
 
-class LayerOnSevenBits : public LayerBench {
+class LayerOnSevenBits : public LayerFixture {
   protected:
-    LayerOnSevenBits() : LayerBench("R7G?format=n,7,2") {}
+    LayerOnSevenBits() : LayerFixture("R7G?format=n,7,2") {}
 };
 
 TEST_F(LayerOnSevenBits, TheLineIsAdjustedForAnImage) {
@@ -43,9 +43,9 @@ TEST_F(LayerOnSevenBits, TheLineIsAdjustedForAnImage) {
     EXPECT_THAT(Names("images:"), Contains("LOGO.PCX"));
 }
 
-class LayerWithoutListing : public LayerBench {
+class LayerWithoutListing : public LayerFixture {
   protected:
-    LayerWithoutListing() : LayerBench("R7C") {}
+    LayerWithoutListing() : LayerFixture("R7C") {}
 };
 
 TEST_F(LayerWithoutListing, SaysSo) {
@@ -61,9 +61,9 @@ struct ModelRow {
     const char* device; ///< one that it has
 };
 
-class LayerOnModel : public LayerBench, public ::testing::WithParamInterface<ModelRow> {
+class LayerOnModel : public LayerFixture, public ::testing::WithParamInterface<ModelRow> {
   protected:
-    LayerOnModel() : LayerBench(GetParam().code) {}
+    LayerOnModel() : LayerFixture(GetParam().code) {}
 };
 
 TEST_P(LayerOnModel, ListsItsFilesInItsColumns) {

@@ -36,12 +36,12 @@ inline void PrintTo(const LayerLine& line, std::ostream* stream) {
 LayerLine LineInProcess();
 
 /// The command layer on the virtual printer, the whole way down.
-class LayerBench : public ::testing::Test {
+class LayerFixture : public ::testing::Test {
   protected:
     /// printer: what follows "sim:" in an address.
-    explicit LayerBench(const std::string& printer, const LayerLine& line = LineInProcess());
+    explicit LayerFixture(const std::string& printer, const LayerLine& line = LineInProcess());
     /// Every operation gave back what it claimed.
-    ~LayerBench() override;
+    ~LayerFixture() override;
 
     Lines Names(const std::string& device);
     Lines FilesOn(std::string device, bool system = false);
@@ -59,9 +59,9 @@ class LayerBench : public ::testing::Test {
 std::string SmallPcx();
 
 /// The suite that runs over each kind of line.
-class Layer : public LayerBench, public ::testing::WithParamInterface<LayerLine> {
+class Layer : public LayerFixture, public ::testing::WithParamInterface<LayerLine> {
   protected:
-    Layer() : LayerBench("R7G", GetParam()) {}
+    Layer() : LayerFixture("R7G", GetParam()) {}
 };
 
 /// The name of a suite's instance.

@@ -1,4 +1,4 @@
-#include "testing/stack/LayerBench.h"
+#include "testing/stack/LayerFixture.h"
 
 #include <utility>
 
@@ -8,34 +8,34 @@ LayerLine LineInProcess() {
     return {"InProcess", PrinterInProcess, [] { return std::make_unique<ManualReactor>(); }};
 }
 
-LayerBench::LayerBench(const std::string& printer, const LayerLine& line)
+LayerFixture::LayerFixture(const std::string& printer, const LayerLine& line)
     : mReactor(line.reactor()),
       mPrinter(line.printer(printer)),
       mStack(*mReactor, mPrinter->Address()) {}
 
-LayerBench::~LayerBench() {
+LayerFixture::~LayerFixture() {
     EXPECT_EQ(mStack.mLink.UseCount(), 0);
     EXPECT_FALSE(mStack.mSerial.PortOpen());
 }
 
-Lines LayerBench::Names(const std::string& device) {
+Lines LayerFixture::Names(const std::string& device) {
     Lines names;
     for (const auto& file : *mQuorin.PrinterDevices()->Item(device)->Files)
         names.push_back(file->Name);
     return names;
 }
 
-Lines LayerBench::FilesOn(std::string device, bool system) {
+Lines LayerFixture::FilesOn(std::string device, bool system) {
     mQuorin.Files(device, true, system);
     return Names(device);
 }
 
-std::shared_ptr<ModuleErrors> LayerBench::Upload(const std::string& target, std::string text) {
+std::shared_ptr<ModuleErrors> LayerFixture::Upload(const std::string& target, std::string text) {
     std::string path = target;
     return mQuorin.ModuleUpload("", path, text);
 }
 
-std::string LayerBench::SetupValue(const std::string& key) {
+std::string LayerFixture::SetupValue(const std::string& key) {
     mQuorin.GetSetup();
     return mQuorin.PrinterSetupItems()->Item(key)->Value;
 }

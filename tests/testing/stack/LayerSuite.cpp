@@ -3,7 +3,7 @@
 // driven.
 
 #include "testing/core/ExpectRaised.h"
-#include "testing/stack/LayerBench.h"
+#include "testing/stack/LayerFixture.h"
 
 #include <gmock/gmock.h>
 
