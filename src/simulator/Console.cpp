@@ -17,8 +17,9 @@ bool IsControl(char c) {
 
 } // namespace
 
-Console::Console(Machine& machine, const Faults& faults)
+Console::Console(Machine& machine, const Faults& faults, ConsoleMoods& moods)
     : mMachine(machine),
+      mMoods(moods),
       mInterpreter(machine),
       mEchoes(!faults.noEcho),
       mErrorOnCommand(faults.errorOnCommand) {}
@@ -26,14 +27,47 @@ Console::Console(Machine& machine, const Faults& faults)
 bool Console::Busy() const {
     using State = Interpreter::State;
     // Input that came behind a transfer's bytes is handled when the transfer has ended.
-    if (mInterpreter.Current() == State::Transfers) return false;
+    if (mInterpreter.Current() == State::Transfers || mPutOff) return false;
     return mInterpreter.Current() == State::Running || Waiting() != 0;
+}
+
+std::optional<Micros> Console::NextDue() const {
+    if (!mPutOff) return mNoiseDue;
+    return mPutOff->due;
+}
+
+void Console::Overrun(std::size_t most) {
+    if (Waiting() > most) mInput.resize(mRead + most);
+}
+
+void Console::Say(std::string_view text) {
+    (mPutOff ? mPutOff->words : mMachine.out) += text;
+}
+
+bool Console::IsPutOff() {
+    if (!mPutOff) return false;
+    if (mMachine.now < mPutOff->due) return true;
+    EndPutOff();
+    return false;
+}
+
+void Console::EndPutOff() {
+    const PutOff due = std::move(*mPutOff);
+    mPutOff.reset();
+    mMachine.out += due.words;
+    if (!due.command.empty()) CarryOut(due.command);
+}
+
+void Console::MakeNoise() {
+    mNoiseDue.reset();
+    mMachine.out += mMoods.Noise();
 }
 
 void Console::Work(int statements) {
     using State = Interpreter::State;
+    if (mNoiseDue && mMachine.now >= *mNoiseDue) MakeNoise();
     int slices = statements;
-    while (slices-- > 0) {
+    while (slices-- > 0 && !IsPutOff() && !mMachine.powerLost) {
         switch (mInterpreter.Current()) {
         case State::Running:
             mInterpreter.Run(statements);
@@ -73,9 +107,20 @@ void Console::Break() {
     mRead = 0;
     mLine.clear();
     mLineTooLong = false;
+    if (mPutOff) return BreakPutOff();
     if (mInterpreter.Current() == Interpreter::State::Idle) return;
     mInterpreter.Break();
     Settle();
+}
+
+void Console::BreakPutOff() {
+    // An error that is due is said at once; a command that was not begun ends as a running one.
+    const bool begun = mPutOff->command.empty();
+    mPutOff->command.clear();
+    EndPutOff();
+    if (begun) return;
+    mMachine.out += "Break" + std::string(NewLine);
+    Prompt();
 }
 
 void Console::DataTimedOut() {
@@ -88,6 +133,7 @@ bool Console::ReadLine() {
         const char c = mInput[mRead++];
         const bool ends = c == '\r' || (c == '\n' && !mAfterReturn);
         mAfterReturn = c == '\r';
+        if (mNoiseDue && c != '\n') MakeNoise();
         if (ends) {
             Echo(NewLine);
             return true;
@@ -167,6 +213,14 @@ bool Console::BeginsWithImmediate(std::string_view text) const {
 void Console::Type(std::string_view text) {
     const bool numbered = text.front() >= '0' && text.front() <= '9';
     if (numbered || (!mMachine.immediate && !BeginsWithImmediate(text))) return StoreLine(text);
+    if (const Micros time = mMoods.TimeFor(text); time > 0) {
+        mPutOff = {mMachine.now + time, {}, std::string(text)};
+    } else {
+        CarryOut(text);
+    }
+}
+
+void Console::CarryOut(std::string_view text) {
     const Error error = mInterpreter.Begin(text);
     if (error == Error::None) return;
     ErrorLine(error, NoLine);
@@ -184,18 +238,17 @@ void Console::StoreLine(std::string_view text) {
 
 void Console::ErrorLine(Error error, int line) {
     if (!mMachine.system.ShowsErrors()) return;
-    mMachine.out += "Error " + std::to_string(static_cast<int>(error));
-    if (mMachine.system.NamesErrors()) {
-        if (line != NoLine) mMachine.out += " in line " + std::to_string(line);
-        mMachine.out += ": " + std::string(ErrorText(error));
-    }
-    mMachine.out += NewLine;
+    std::string words = "Error " + std::to_string(static_cast<int>(error));
+    if (line != NoLine && mMachine.system.NamesLines()) words += " in line " + std::to_string(line);
+    Say(words + ": " + std::string(ErrorText(error)) + std::string(NewLine));
 }
 
 void Console::Settle() {
     // A command has ended when nothing runs and nothing is awaited.
     if (const auto report = mInterpreter.TakeReport()) {
         if (report->error != Error::None) {
+            if (const Micros late = mMoods.LateErrors(); late > 0)
+                mPutOff = {mMachine.now + late, {}, {}};
             ErrorLine(report->error, report->line);
         } else {
             mMachine.out += "Break";
@@ -209,7 +262,9 @@ void Console::Settle() {
 }
 
 void Console::Prompt() {
-    if (mMachine.system.Prompts()) mMachine.out += "Ok\r\n";
+    if (!mMachine.system.Prompts()) return;
+    Say("Ok\r\n");
+    mNoiseDue = mMoods.NoiseAfter(mPutOff ? mPutOff->due : mMachine.now);
 }
 
 } // namespace qnsim

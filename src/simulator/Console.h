@@ -3,9 +3,11 @@
 // What the printer's end of the channel does with bytes: echo, line assembly, commands, prompt and
 // error lines.
 
+#include "ConsoleMoods.h"
 #include "language/Interpreter.h"
 
 #include <cstddef>
+#include <optional>
 #include <string>
 #include <string_view>
 
@@ -13,11 +15,14 @@ namespace qnsim {
 
 class Console {
   public:
-    Console(Machine& machine, const Faults& faults);
+    /// The moods outlive the console: a restarted printer has a new one and the same moods.
+    Console(Machine& machine, const Faults& faults, ConsoleMoods& moods);
 
     /// Bytes that the channel has received.
     void Receive(std::string_view bytes) { mInput += bytes; }
     std::size_t Waiting() const { return mInput.size() - mRead; }
+    /// Loses what waits beyond so many bytes, the last ones.
+    void Overrun(std::size_t most);
 
     /// Works on what was received, at most so many statements. What it says goes to the machine's
     /// output.
@@ -25,6 +30,8 @@ class Console {
 
     /// There is something to do without further input.
     bool Busy() const;
+    /// When what was put off is due.
+    std::optional<Micros> NextDue() const;
 
     /// A load waits for bytes.
     bool AwaitsData() const { return mInterpreter.Current() == Interpreter::State::NeedsData; }
@@ -37,6 +44,18 @@ class Console {
     void Break();
 
   private:
+    /// What is said or carried out when its time has come; no further input is looked at before.
+    struct PutOff {
+        Micros due = 0;
+        std::string words;
+        std::string command;
+    };
+
+    bool IsPutOff();
+    void EndPutOff();
+    void BreakPutOff();
+    void MakeNoise();
+    void Say(std::string_view text);
     bool ReadLine();
     void ReadCharacter(char c);
     void Erase();
@@ -44,6 +63,7 @@ class Console {
     void MakeRoom();
     void Execute();
     void Type(std::string_view text);
+    void CarryOut(std::string_view text);
     void StoreLine(std::string_view text);
     bool BeginsWithImmediate(std::string_view text) const;
     void ErrorLine(Error error, int line);
@@ -52,6 +72,7 @@ class Console {
     void LookForBreak();
 
     Machine& mMachine;
+    ConsoleMoods& mMoods;
     Interpreter mInterpreter;
     bool mEchoes;
     int mErrorOnCommand;
@@ -62,6 +83,8 @@ class Console {
     std::string mLine;
     bool mLineTooLong = false;
     bool mAfterReturn = false; ///< a line feed right after it belongs to it
+    std::optional<PutOff> mPutOff;
+    std::optional<Micros> mNoiseDue; ///< or when the next line begins, if that is sooner
 };
 
 } // namespace qnsim

@@ -87,27 +87,27 @@ void Wire::Clear() {
     mFreeNs = 0;
 }
 
-bool Line::FaultDie::Strikes() {
-    if (rate <= 0) return false;
-    return std::uniform_real_distribution<double>(0, 1)(source) < rate;
-}
-
 Line::Line(const Uart& uart, const Options& options)
     : mUart(uart),
       mPaced(options.paced),
-      mLost{options.faults.lost.rate, std::mt19937_64(options.faults.lost.seed)},
-      mDoubled{options.faults.doubled.rate, std::mt19937_64(options.faults.doubled.seed)},
-      mFlipped{options.faults.flipped.rate, std::mt19937_64(options.faults.flipped.seed)},
-      mStall{options.faults.stall.rate, std::mt19937_64(options.faults.stall.seed)},
+      mLost(options.faults.lost),
+      mDoubled(options.faults.doubled),
+      mFlipped(options.faults.flipped),
+      mStall(options.faults.stall),
       mStallMs(options.faults.stallMs),
       mCutAfter(options.faults.cutAfter) {
     if (mCutAfter && *mCutAfter == 0) mCut = true;
 }
 
+void Wire::ClearOnTheWay(Micros now) {
+    std::string passed = Take(now, mSize);
+    Clear();
+    Put(passed, 0, now);
+}
+
 bool Line::TimingMatches() const {
     return mHost.baud.value_or(mUart.baud) == mUart.baud
-           && mHost.dataBits.value_or(mUart.dataBits) == mUart.dataBits
-           && mHost.stopBits.value_or(mUart.stopBits) == mUart.stopBits;
+           && mHost.dataBits.value_or(mUart.dataBits) == mUart.dataBits;
 }
 
 void Line::DropToHost() {
@@ -134,13 +134,13 @@ std::string Line::Garble(std::string_view bytes, int fromBaud, int toBaud) {
 }
 
 void Line::Damage(std::string& bytes) {
-    if (mLost.rate <= 0 && mDoubled.rate <= 0 && mFlipped.rate <= 0) return;
+    if (!mLost.IsLoaded() && !mDoubled.IsLoaded() && !mFlipped.IsLoaded()) return;
     std::string result;
     result.reserve(bytes.size());
     for (char c : bytes) {
         if (mLost.Strikes()) continue;
         if (mFlipped.Strikes()) {
-            const auto bit = mFlipped.source() % static_cast<unsigned>(mUart.dataBits);
+            const auto bit = mFlipped.Below(static_cast<unsigned>(mUart.dataBits));
             c = static_cast<char>(static_cast<unsigned char>(c) ^ (1U << bit));
         }
         result += c;
@@ -157,8 +157,14 @@ void Line::StripToSevenBits(std::string& bytes) const {
 
 std::int64_t Line::ByteTimeNs(bool fromHost) const {
     if (!mPaced) return 0;
-    const int baud = fromHost ? mHost.baud.value_or(mUart.baud) : mUart.baud;
-    return NsPerSecond * mUart.BitsPerCharacter() / std::max(baud, 1);
+    Uart sender = mUart;
+    if (fromHost) {
+        sender.baud = mHost.baud.value_or(mUart.baud);
+        sender.parity = mHost.parity.value_or(mUart.parity);
+        sender.dataBits = mHost.dataBits.value_or(mUart.dataBits);
+        sender.stopBits = mHost.stopBits.value_or(mUart.stopBits);
+    }
+    return NsPerSecond * sender.BitsPerCharacter() / std::max(sender.baud, 1);
 }
 
 void Line::HostSends(std::string_view bytes, Micros now) {
@@ -187,7 +193,7 @@ void Line::PrinterSends(std::string_view bytes, Micros now) {
     }
     StripToSevenBits(received);
     Damage(received);
-    if (mStall.rate <= 0) {
+    if (!mStall.IsLoaded()) {
         mToHost.Put(received, ByteTimeNs(false), now);
         return;
     }

@@ -2,6 +2,7 @@
 
 // The serial line between host and printer: settings on both sides, time on the wire, and faults.
 
+#include "Die.h"
 #include "Setup.h"
 #include "simulator/LineFormat.h"
 #include "simulator/Options.h"
@@ -33,6 +34,8 @@ class Wire {
     /// Nothing passes before that time.
     void HoldUntil(Micros time);
     void Clear();
+    /// Drops the bytes that have not passed by now.
+    void ClearOnTheWay(Micros now);
 
   private:
     struct Chunk {
@@ -73,15 +76,11 @@ class Line {
     bool IsPaced() const { return mPaced; }
     bool IsCut() const { return mCut; }
 
-    /// Every item that the endpoint carries is the same on both sides.
+    /// Either side understands the other. A receiver looks at the first stop bit alone, however
+    /// many it is set to: a second one only has the sender wait longer before the next byte.
     bool Matches() const { return TimingMatches() && ParityMatches(); }
 
   private:
-    struct FaultDie {
-        double rate;
-        std::mt19937_64 source;
-        bool Strikes();
-    };
     /// The same as Matches, parity left aside.
     bool TimingMatches() const;
     bool ParityMatches() const { return mHost.parity.value_or(mUart.parity) == mUart.parity; }
@@ -97,10 +96,10 @@ class Line {
     bool mPaced;
     Wire mToPrinter;
     Wire mToHost;
-    FaultDie mLost;
-    FaultDie mDoubled;
-    FaultDie mFlipped;
-    FaultDie mStall;
+    Die mLost;
+    Die mDoubled;
+    Die mFlipped;
+    Die mStall;
     int mStallMs;
     std::optional<std::size_t> mCutAfter;
     std::size_t mSentToHost = 0;

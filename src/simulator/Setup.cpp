@@ -9,6 +9,7 @@
 namespace qnsim {
 namespace {
 
+constexpr int ItemsOfASection = 16;
 constexpr std::string_view SwitchValues = "ENABLE|DISABLE";
 constexpr std::array<std::pair<char, std::string_view>, 5> ParityNames{
     {{'n', "NONE"}, {'e', "EVEN"}, {'o', "ODD"}, {'m', "MARK"}, {'s', "SPACE"}}};
@@ -34,8 +35,7 @@ bool InRange(std::string_view allowed, std::string_view value) {
 
 SetupTree::SetupTree(const Model& model, const Options& options) {
     Add("SYSTEM,MODEL", std::string(model.code), "");
-    for (int channel = 1; channel <= std::max(model.uarts, options.uart); ++channel)
-        AddChannel(channel, options);
+    if (!options.moods.longSetup) AddChannels(model, options);
     const int widthMm = 104;
     Add("LABEL,WIDTH", std::to_string(widthMm * model.dotsPerMm), "1-4096");
     Add("LABEL,LENGTH", std::to_string(60 * model.dotsPerMm), "1-8192");
@@ -44,6 +44,25 @@ SetupTree::SetupTree(const Model& model, const Options& options) {
     Add("LABEL,SPEED", "100", "50-200");
     Add("MEDIA,TYPE", "GAP", "GAP|MARK|CONTINUOUS");
     Add("MEDIA,FEED ADJUST", "0", "0-999");
+    if (!options.moods.longSetup) return;
+    AddUnknownSections();
+    AddChannels(model, options);
+}
+
+void SetupTree::AddUnknownSections() {
+    for (const std::string_view section :
+         {"PANEL", "CUTTER", "SENSOR", "BUFFER", "REMOTE", "LOG"}) {
+        for (int item = 1; item <= ItemsOfASection; ++item) {
+            const std::string path = std::string(section) + ",GROUP " + std::to_string(item) + ",";
+            Add(path + "LEVEL", std::to_string(item), "0-999");
+            Add(path + "STATE", "OK", ""); // the word, but no end of a reply
+        }
+    }
+}
+
+void SetupTree::AddChannels(const Model& model, const Options& options) {
+    for (int channel = 1; channel <= std::max(model.uarts, options.uart); ++channel)
+        AddChannel(channel, options);
 }
 
 void SetupTree::Add(std::string path, std::string value, std::string allowed) {

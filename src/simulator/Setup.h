@@ -58,6 +58,8 @@ class SetupTree {
             allowed; ///< "A|B|C", "0-9999" for a range, or empty for an item that is only shown
     };
     void Add(std::string path, std::string value, std::string allowed);
+    void AddUnknownSections();
+    void AddChannels(const Model& model, const Options& options);
     void AddChannel(int number, const Options& options);
     Item* Find(std::string_view path);
     const std::string& Value(std::string_view path) const;

@@ -140,7 +140,9 @@ void StateFolder::Keep(const Device& device, const std::string& name) {
     if (device.readOnly || device.isVolatile) return;
     const std::string folder = DeviceFolder(device) + "/";
     const auto file = device.files.find(name);
-    const bool kept = file != device.files.end() && file->second.permanent;
+    const bool there = file != device.files.end();
+    if (there && file->second.hidden) return; // the permanent file stays as it is kept
+    const bool kept = there && file->second.permanent;
     for (const bool system : {false, true}) {
         const std::string path = folder + HostName(name, system);
         std::error_code error;

@@ -66,7 +66,7 @@ void Storage::Preinstall(const Model& model) {
 
 void Storage::Install(Device& device, std::string name, StoredFile file) {
     StoredFile& place = device.files[std::move(name)];
-    device.used = device.used - place.content.size() + file.content.size();
+    device.used = device.used - place.Size() + file.Size();
     place = std::move(file);
 }
 
@@ -120,10 +120,14 @@ void Storage::Tell(const Device& device, const std::string& name) const {
 Error Storage::WriteTo(Device& device, std::string_view name, StoredFile file) {
     if (device.readOnly) return Error::WriteProtected;
     const auto old = device.files.find(name);
-    const std::uint64_t freed = old == device.files.end() ? 0 : old->second.content.size();
-    if (file.content.size() > device.Free() + freed) return Error::DeviceFull;
-    Install(device, std::string(name), std::move(file));
-    Tell(device, std::string(name));
+    const bool replaces = old != device.files.end();
+    const std::string kept = replaces ? old->first : std::string(name);
+    if (replaces && !file.permanent)
+        file.hidden =
+            old->second.permanent ? std::optional(old->second.content) : old->second.hidden;
+    if (file.Size() > device.Free() + (replaces ? old->second.Size() : 0)) return Error::DeviceFull;
+    Install(device, kept, std::move(file));
+    Tell(device, kept);
     return Error::None;
 }
 
@@ -138,7 +142,7 @@ Error Storage::KillOn(Device& device, std::string_view name) {
     const auto found = device.files.find(name);
     if (found == device.files.end()) return Error::FileNotFound;
     const std::string removed = found->first;
-    device.used -= found->second.content.size();
+    device.used -= found->second.Size();
     device.files.erase(found);
     Tell(device, removed);
     return Error::None;
@@ -167,7 +171,7 @@ void Storage::RemoveIf(Device& device, const std::function<bool(const StoredFile
             continue;
         }
         const std::string name = file->first;
-        device.used -= file->second.content.size();
+        device.used -= file->second.Size();
         file = device.files.erase(file);
         Tell(device, name);
     }
@@ -184,8 +188,11 @@ Error Storage::Format(std::string_view device, bool systemToo) {
 void Storage::Restart() {
     for (Device& device : mDevices) {
         RemoveIf(device, [&device](const StoredFile& file) {
-            return device.isVolatile || !file.permanent;
+            return device.isVolatile || !(file.permanent || file.hidden);
         });
+        for (auto& [name, file] : device.files) {
+            if (file.hidden) Install(device, name, {*file.hidden, file.system, true});
+        }
     }
     mCurrent = mDevices.front().name;
 }

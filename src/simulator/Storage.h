@@ -4,10 +4,12 @@
 
 #include "Errors.h"
 #include "Model.h"
+#include "Text.h"
 
 #include <cstdint>
 #include <functional>
 #include <map>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -18,6 +20,11 @@ struct StoredFile {
     std::string content;
     bool system = false;   ///< shown by a listing with ",A" only, survives a plain FORMAT
     bool permanent = true; ///< survives a restart
+    /// The permanent file that this one hides until a restart.
+    std::optional<std::string> hidden = std::nullopt;
+
+    /// Bytes that it takes of its device.
+    std::uint64_t Size() const { return content.size() + (hidden ? hidden->size() : 0); }
 };
 
 struct Device {
@@ -25,8 +32,8 @@ struct Device {
     std::uint64_t size = 0;
     bool readOnly = false;
     bool isVolatile = false;
-    std::map<std::string, StoredFile, std::less<>> files; ///< names are told apart by case
-
+    /// By name, whose case makes no difference and stays as it was first given.
+    std::map<std::string, StoredFile, CaselessLess> files;
     std::uint64_t used = 0; ///< kept by Storage
 
     std::uint64_t Free() const { return size - (used < size ? used : size); }
@@ -72,7 +79,8 @@ class Storage {
     Error Copy(std::string_view source, std::string_view target);
     Error Format(std::string_view device, bool systemToo);
 
-    /// What a restart takes away: volatile devices and files that are not permanent.
+    /// What a restart takes away: volatile devices and files that are not permanent; those that
+    /// such files hid come back.
     void Restart();
 
     /// Puts a file in place without any check: what the printer left the factory with, or what was

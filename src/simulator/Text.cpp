@@ -32,6 +32,20 @@ std::string_view Trim(std::string_view text) {
     return text.substr(first, text.find_last_not_of(" \t") - first + 1);
 }
 
+std::string Squeezed(std::string_view text) {
+    std::string result = Upper(text);
+    std::erase(result, ' ');
+    return result;
+}
+
+bool CaselessLess::operator()(std::string_view left, std::string_view right) const {
+    return std::lexicographical_compare(left.begin(), left.end(), right.begin(), right.end(),
+                                        [](char one, char other) {
+                                            return static_cast<unsigned char>(UpperChar(one))
+                                                   < static_cast<unsigned char>(UpperChar(other));
+                                        });
+}
+
 std::vector<std::string_view> Split(std::string_view text, char separator) {
     std::vector<std::string_view> pieces;
     for (;;) {

@@ -17,6 +17,15 @@ std::string Lower(std::string_view text);
 /// Without the blanks and tabs at both ends.
 std::string_view Trim(std::string_view text);
 
+/// In capitals and without any blank: how command lines are compared with what they may begin with.
+std::string Squeezed(std::string_view text);
+
+/// The order of names for which case makes no difference.
+struct CaselessLess {
+    using is_transparent = void;
+    bool operator()(std::string_view left, std::string_view right) const;
+};
+
 /// The pieces between the separators, empty ones included.
 std::vector<std::string_view> Split(std::string_view text, char separator);
 

@@ -14,12 +14,15 @@ constexpr Micros DataTimeout = 5'000'000; // a load waits so long for its next b
 constexpr int StatementsPerSlice = 5000;
 constexpr std::size_t BytesPerSlice = 64UL * 1024;
 constexpr std::size_t OutputLimit =
-    256UL * 1024;                        // a host that does not read stops the printer here
-constexpr std::size_t StopHostAt = 3072; // of a receive buffer of 4096 bytes
+    256UL * 1024;                           // a host that does not read stops the printer here
+constexpr std::size_t ReceiveBuffer = 4096; // of a paced printer; what comes beyond it is lost
+constexpr std::size_t StopHostAt = 3072;
 constexpr std::size_t ResumeHostAt = 1024;
 // A transfer fills the line only so far: bytes that are not on the line yet can still be dropped.
 constexpr std::size_t PacedLineTakes = 512;
 constexpr std::size_t LineTakes = 16UL * 1024;
+// What a host can hand over before the line has carried it.
+constexpr std::size_t PacedWireTakes = 128;
 constexpr char Xon = '\x11';
 constexpr char Xoff = '\x13';
 
@@ -39,22 +42,28 @@ class VirtualPrinter::Impl {
     bool Dsr() const { return !mFaults.dsrDropped && !mBootEnd && !mLine.IsCut(); }
     bool Cts() const { return Dsr() && !(mLine.CurrentUart().rtsCts && mHostStopped); }
     std::size_t Backlog() const { return mLine.ToPrinter().Size() + mConsole->Waiting(); }
+    std::size_t Room(Micros now) const;
     const std::string& Problem() const { return mProblem; }
     Line& Wire() { return mLine; }
     const Line& Wire() const { return mLine; }
 
   private:
+    void Work();
     void Receive();
     std::string Accept(std::string bytes);
     void GovernHost();
     void Send();
     void Restart();
+    void LosePower();
     void EndBoot();
+    std::string Greeting() const;
     bool OutputBlocked() const;
     std::size_t LineRoom() const;
     bool CanWork() const { return !mBootEnd && !mLine.IsCut() && !OutputBlocked(); }
 
     Faults mFaults;
+    std::optional<std::string> mGreeting;
+    ConsoleMoods mMoods;
     int mBootMs;
     std::size_t mLineTakes;
     Machine mMachine;
@@ -73,10 +82,12 @@ class VirtualPrinter::Impl {
 
 VirtualPrinter::Impl::Impl(const Options& options)
     : mFaults(options.faults),
+      mGreeting(options.moods.greeting),
+      mMoods(options.moods),
       mBootMs(options.bootMs),
       mLineTakes(options.paced ? PacedLineTakes : LineTakes),
       mMachine(options),
-      mConsole(std::make_unique<Console>(mMachine, mFaults)),
+      mConsole(std::make_unique<Console>(mMachine, mFaults, mMoods)),
       mLine(mMachine.setup.Channel(options.uart), options) {
     if (mMachine.labels && !mMachine.labels->IsUsable())
         mProblem = "labels cannot be written to " + options.labelsDir;
@@ -103,6 +114,11 @@ bool VirtualPrinter::Impl::OutputBlocked() const {
            || mLine.ToHost().Size() > OutputLimit;
 }
 
+std::size_t VirtualPrinter::Impl::Room(Micros now) const {
+    if (!mLine.IsPaced()) return std::string::npos;
+    return PacedWireTakes - std::min(PacedWireTakes, mLine.ToPrinter().OnTheWay(now));
+}
+
 std::size_t VirtualPrinter::Impl::LineRoom() const {
     return mLineTakes - std::min(mLineTakes, mLine.ToHost().Size());
 }
@@ -113,10 +129,15 @@ void VirtualPrinter::Impl::Advance(Micros now) {
     mMachine.lineRoom = LineRoom();
     if (mBootEnd && mNow >= *mBootEnd) EndBoot();
     Receive();
-    if (!CanWork()) return;
+    if (CanWork()) Work();
+    if (mLine.IsPaced()) mConsole->Overrun(ReceiveBuffer);
+}
+
+void VirtualPrinter::Impl::Work() {
     mConsole->Work(StatementsPerSlice);
     if (mConsole->AwaitsData() && mNow - mLastData >= DataTimeout) mConsole->DataTimedOut();
     Send();
+    if (mMachine.powerLost) LosePower();
     if (mMachine.restartWanted) Restart();
     GovernHost();
 }
@@ -164,6 +185,12 @@ void VirtualPrinter::Impl::Send() {
     mLine.SetUart(mMachine.setup.Channel(mMachine.wiredUart));
 }
 
+void VirtualPrinter::Impl::LosePower() {
+    mMachine.powerLost = false;
+    mLine.ToHost().ClearOnTheWay(mNow);
+    Restart();
+}
+
 void VirtualPrinter::Impl::Restart() {
     mBootEnd = mNow + mBootMs * MicrosPerMilli;
     mMachine.restartWanted = false;
@@ -171,16 +198,21 @@ void VirtualPrinter::Impl::Restart() {
     mMachine.system.Reset();
     mMachine.storage.Restart();
     mMachine.label.Clear();
-    mConsole = std::make_unique<Console>(mMachine, mFaults);
+    mConsole = std::make_unique<Console>(mMachine, mFaults, mMoods);
     mHeld = false;
     mHostStopped = false;
+}
+
+std::string VirtualPrinter::Impl::Greeting() const {
+    if (!mGreeting)
+        return "\r\n" + mMachine.version + "\r\n" + std::string(mMachine.model.code) + "\r\nOk\r\n";
+    return mGreeting->empty() ? std::string() : *mGreeting + "\r\n";
 }
 
 void VirtualPrinter::Impl::EndBoot() {
     mBootEnd.reset();
     mLine.ToPrinter().Take(mNow, static_cast<std::size_t>(-1));
-    mMachine.out =
-        "\r\n" + mMachine.version + "\r\n" + std::string(mMachine.model.code) + "\r\nOk\r\n";
+    mMachine.out = Greeting();
     Send();
 }
 
@@ -198,6 +230,7 @@ std::optional<Micros> VirtualPrinter::Impl::NextDue() const {
     sooner(mBootEnd);
     if (mConsole->Waiting() < BytesPerSlice) sooner(mLine.ToPrinter().NextDue());
     if (CanWork() && mConsole->Busy()) sooner(mNow);
+    if (CanWork()) sooner(mConsole->NextDue());
     if (CanWork() && mConsole->AwaitsData()) sooner(mLastData + DataTimeout);
     if (const FileTransfer* transfer = mConsole->Transfer(); transfer != nullptr && CanWork()) {
         sooner(transfer->NextDue());
@@ -257,6 +290,15 @@ std::size_t VirtualPrinter::PendingFromHost(Micros now) const {
 
 std::size_t VirtualPrinter::Backlog() const {
     return mImpl->Backlog();
+}
+
+std::size_t VirtualPrinter::Room(Micros now) const {
+    return mImpl->Room(now);
+}
+
+std::optional<Micros> VirtualPrinter::RoomDue() const {
+    const auto& wire = mImpl->Wire().ToPrinter();
+    return Paced() ? wire.NextDue() : std::nullopt;
 }
 
 void VirtualPrinter::DiscardFromHost(Micros /*now*/) {

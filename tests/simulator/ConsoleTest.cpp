@@ -64,10 +64,11 @@ TEST(Console, NonProgrammableModelSaysAVersionThatBeginsWithV) {
 
 TEST(Console, ErrorLineTakesItsFormFromSysvar19) {
     PrinterBench bench;
-    EXPECT_EQ(bench.Line("KILL \"nothing\""), "Error 1022");
+    bench.Ask("10 KILL \"nothing\"");
+    EXPECT_EQ(bench.Line("KILL \"nothing\""), "Error 1022: File not found");
+    EXPECT_EQ(bench.Line("RUN"), "Error 1022: File not found");
     bench.Ask("SYSVAR(19)=2");
     EXPECT_EQ(bench.Line("KILL \"nothing\""), "Error 1022: File not found");
-    bench.Ask("10 KILL \"nothing\"");
     EXPECT_EQ(bench.Line("RUN"), "Error 1022 in line 10: File not found");
 }
 

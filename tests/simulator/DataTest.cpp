@@ -92,7 +92,7 @@ TEST(Programs, EachRunReadsFromTheFirstItem) {
     EXPECT_EQ(bench.Line("RUN"), "1");
     // What is typed goes on from there, until the program is another one.
     EXPECT_EQ(bench.Line("READ B:PRINT B"), "2");
-    EXPECT_EQ(bench.Line("READ B"), "Error 4");
+    EXPECT_EQ(bench.Line("READ B"), "Error 4: Out of data");
     EXPECT_TRUE(bench.Lines("RESTORE 10").empty());
     EXPECT_EQ(bench.Line("READ B:PRINT B"), "1");
 }
@@ -104,14 +104,15 @@ TEST(Programs, AnotherProgramIsReadFromItsFirstItem) {
     bench.Ask("5 DATA 7");
     EXPECT_EQ(bench.Line("READ A:PRINT A"), "7");
     EXPECT_EQ(bench.Line("RESTORE 10:READ A:PRINT A"), "1");
-    EXPECT_EQ(bench.Line("RESTORE 11"), "Error 8");
+    EXPECT_EQ(bench.Line("RESTORE 11"), "Error 8: Undefined line number");
     bench.Ask("NEW");
-    EXPECT_EQ(bench.Line("READ A"), "Error 4");
+    EXPECT_EQ(bench.Line("READ A"), "Error 4: Out of data");
     EXPECT_TRUE(bench.Lines("DATA 5").empty());
-    EXPECT_EQ(bench.Line("READ A"), "Error 4") << "what is typed has no items";
+    EXPECT_EQ(bench.Line("READ A"), "Error 4: Out of data") << "what is typed has no items";
     bench.Ask("10 DATA 1");
     bench.Ask("20 GOTO 99");
-    EXPECT_EQ(bench.Line("READ A"), "Error 8") << "the program does not read";
+    EXPECT_EQ(bench.Line("READ A"), "Error 8: Undefined line number")
+        << "the program does not read";
 }
 
 TEST(Programs, RemarksHoldAnyCharacters) {

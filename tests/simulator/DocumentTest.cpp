@@ -1,6 +1,7 @@
 // docs/virtual-printer.md says what the printer understands; here it is held to that.
 #include "Errors.h"
 #include "language/Words.h"
+#include "simulator/Options.h"
 
 #include <gtest/gtest.h>
 
@@ -9,6 +10,7 @@
 #include <regex>
 #include <set>
 #include <string>
+#include <utility>
 
 namespace qncomm::testing {
 
@@ -41,6 +43,20 @@ TEST(PrinterDocument, ListsEveryErrorWithItsText) {
     int known = 0;
     for (int number = 1; number < 2000; ++number)
         known += ErrorText(static_cast<Error>(number)).empty() ? 0 : 1;
+    EXPECT_EQ(listed, known);
+}
+
+TEST(PrinterDocument, ListsEveryOptionWithItsFlagAndNoOther) {
+    const std::string document = Document();
+    const std::regex row(R"(\n\| ([a-z-]+) \(`(--[a-z-]+)`\) \|)");
+    std::set<std::pair<std::string, std::string>> listed;
+    for (std::sregex_iterator found(document.begin(), document.end(), row), end; found != end;
+         ++found)
+        listed.emplace((*found)[1], (*found)[2]);
+    std::set<std::pair<std::string, std::string>> known;
+    for (const OptionText& option : AllOptions()) {
+        if (option.name != "model") known.emplace(option.name, option.flag);
+    }
     EXPECT_EQ(listed, known);
 }
 

@@ -123,8 +123,8 @@ TEST_F(LabelTest, BoxesAreFramesUntilTheirSidesMeet) {
     EXPECT_EQ(frame[25].substr(10, 12), "##........##");
     EXPECT_EQ(Label("PP 10,10:PX 9,12,6")[25].substr(10, 12), "############");
     PrinterBench bench = Bench();
-    EXPECT_EQ(bench.Line("PX 5000,5000"), "Error 5");
-    EXPECT_EQ(bench.Line("PL 32767,32767"), "Error 5");
+    EXPECT_EQ(bench.Line("PX 5000,5000"), "Error 5: Illegal argument");
+    EXPECT_EQ(bench.Line("PL 32767,32767"), "Error 5: Illegal argument");
 }
 
 TEST_F(LabelTest, DrawingLeavesTheHostItsTurns) {
@@ -147,7 +147,7 @@ TEST_F(LabelTest, ImagesArePrintedDotByDot) {
                     ".#...#...#.", ".#....#..#.", ".#########.", "..........."}));
     EXPECT_TRUE(bench.Lines("CLL:PP1,1:INVIMAGE:PM\"F.PCX\":PF").empty());
     EXPECT_EQ(Printed(2)[2], "...######..");
-    EXPECT_EQ(bench.Line("PM \"NONE.PCX\""), "Error 1042");
+    EXPECT_EQ(bench.Line("PM \"NONE.PCX\""), "Error 1042: Image not found");
 }
 
 TEST_F(LabelTest, BuiltInFontsAreAsHighAsTheirNamesSay) {
@@ -175,8 +175,8 @@ TEST_F(LabelTest, ScalableFontsFollowSizeWidthAndSlant) {
     EXPECT_NEAR(extent(",12,0,200").width, 2 * plain.width, 4);
     EXPECT_EQ(extent(",12,0,200").height, plain.height);
     EXPECT_GT(extent(",12,30").width, plain.width);
-    EXPECT_EQ(bench.Line("FT \"NONE.TTF\",12"), "Error 1040");
-    EXPECT_EQ(bench.Line("FT \"SANS.TTF\",0"), "Error 5");
+    EXPECT_EQ(bench.Line("FT \"NONE.TTF\",12"), "Error 1040: Font not found");
+    EXPECT_EQ(bench.Line("FT \"SANS.TTF\",0"), "Error 5: Illegal argument");
 }
 
 TEST_F(LabelTest, FeedClearsTheLabelAndNumbersThePictures) {
@@ -197,7 +197,8 @@ TEST_F(LabelTest, FolderThatCannotBeWrittenIsNamed) {
     EXPECT_NE(printer.Problem().find("/proc/none"), std::string::npos);
     printer.HostOpened(1);
     printer.FromHost("PF\r", 1);
-    EXPECT_NE(printer.ToHost(1, 1000).find("Error 1098"), std::string::npos);
+    EXPECT_NE(printer.ToHost(1, 1000).find("Error 1098: Label could not be delivered"),
+              std::string::npos);
 }
 
 const std::vector<std::pair<std::string, std::vector<std::string>>>& ReferenceLabels() {

@@ -125,7 +125,7 @@ TEST(Programs, AreSavedLoadedAndMerged) {
     EXPECT_EQ(bench.Lines("RUN"), (std::vector<std::string>{"A", "B", "D"}));
     EXPECT_TRUE(bench.Lines("LOAD \"tmp:P\"").empty());
     EXPECT_EQ(bench.Lines("RUN"), (std::vector<std::string>{"A", "B"}));
-    EXPECT_EQ(bench.Line("MERGE\"tmp:NONE\""), "Error 1022");
+    EXPECT_EQ(bench.Line("MERGE\"tmp:NONE\""), "Error 1022: File not found");
 }
 
 TEST(Programs, TakeWorkingMemory) {

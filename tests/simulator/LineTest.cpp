@@ -35,7 +35,7 @@ const std::vector<LineFormat>& AllFormats() {
     return formats;
 }
 
-TEST(LineSettings, AnswerOnlyTheCombinationThatIsSetUp) {
+TEST(LineSettings, AnswerOnlyTheRateDataBitsAndParityThatAreSetUp) {
     for (const LineFormat& printer : AllFormats()) {
         Options options;
         options.baud = *printer.baud;
@@ -44,9 +44,9 @@ TEST(LineSettings, AnswerOnlyTheCombinationThatIsSetUp) {
         options.parity = *printer.parity;
         PrinterBench bench(options);
         for (const LineFormat& host : AllFormats()) {
-            const bool same = host.baud == printer.baud && host.dataBits == printer.dataBits
-                              && host.stopBits == printer.stopBits && host.parity == printer.parity;
-            EXPECT_EQ(Found(ProbeWith(bench, host)), same)
+            const bool understood = host.baud == printer.baud && host.dataBits == printer.dataBits
+                                    && host.parity == printer.parity;
+            EXPECT_EQ(Found(ProbeWith(bench, host)), understood)
                 << *printer.baud << *printer.parity << " and " << *host.baud << *host.parity;
         }
         // What the wrong combinations left behind is gone with the next line end.
@@ -60,8 +60,17 @@ TEST(LineSettings, ItemsThatAreNotCarriedCauseNoMismatch) {
     EXPECT_TRUE(Found(ProbeWith(bench, format)));
     format.baud = 57600;
     EXPECT_TRUE(Found(ProbeWith(bench, format)));
-    format.stopBits = 2;
+    format.dataBits = 8;
     EXPECT_FALSE(Found(ProbeWith(bench, format)));
+}
+
+TEST(LineSettings, OneStopBitAndTwoUnderstandEachOtherAndHearNoErrors) {
+    for (const int printer : {1, 2}) {
+        PrinterBench bench("R7G?format=n,8," + std::to_string(printer));
+        EXPECT_TRUE(Found(ProbeWith(bench, {9600, 8, 3 - printer, 'n'})));
+        const HostErrors errors = bench.Printer().TakeHostErrors();
+        EXPECT_FALSE(errors.frame || errors.parity);
+    }
 }
 
 TEST(LineSettings, SevenBitLineLosesTheEighthBit) {
@@ -98,6 +107,36 @@ TEST(PacedLine, TakesItsTimeInBothDirections) {
     // Each echoed character leaves as the next one arrives; the answer follows the last.
     EXPECT_GE(last - start, 8 * characterNs / 1000 + 7 * characterNs / 1000);
     EXPECT_EQ(bench.Printer().PendingFromHost(last), 0U);
+}
+
+TEST(PacedLine, CarriesAtTheSendersOwnPace) {
+    // Ten bits a byte from the host, eleven from the printer.
+    PrinterBench bench("R7G?baud=300&format=n,8,2&paced");
+    bench.Printer().SetHostFormat({300, 8, 1, 'n'}, bench.Now());
+    bench.Send(std::string(30, 'x'));
+    EXPECT_EQ(bench.Printer().PendingFromHost(bench.Now() + 999'000), 1U);
+    EXPECT_EQ(bench.Printer().PendingFromHost(bench.Now() + 1'000'001), 0U);
+}
+
+TEST(PacedLine, HoldsAFewBytesAndHasRoomAgainAsTheyPass) {
+    PrinterBench bench("R7G?baud=9600&format=n,8,2&paced");
+    const std::size_t all = bench.Printer().Room(bench.Now());
+    EXPECT_EQ(all, 128U);
+    bench.Send(std::string(all, '\n'));
+    EXPECT_EQ(bench.Printer().Room(bench.Now()), 0U);
+    const Micros due = bench.Printer().RoomDue().value_or(0);
+    EXPECT_EQ(bench.Printer().Room(due - 1), 0U);
+    EXPECT_EQ(bench.Printer().Room(due), 1U);
+    EXPECT_EQ(PrinterBench("R7G").Printer().RoomDue(), std::nullopt);
+}
+
+TEST(PacedLine, LosesWhatThePrintersReceiveBufferDoesNotHold) {
+    PrinterBench bench("R7G?baud=115200&paced&answer=60000:PRINT");
+    bench.Send("PRINT 1\r" + std::string(5000, '\0') + "PRINT 2\r");
+    EXPECT_TRUE(bench.Read(120'000'000).ends_with("1\r\nOk\r\n")) << "the second line is lost";
+    PrinterBench holds("R7G?baud=115200&paced&answer=60000:PRINT");
+    holds.Send("PRINT 1\r" + std::string(4000, '\0') + "PRINT 2\r");
+    EXPECT_TRUE(holds.Read(180'000'000).ends_with("2\r\nOk\r\n"));
 }
 
 TEST(FlowControl, XoffHoldsTheAnswerUntilXon) {
@@ -161,7 +200,7 @@ TEST(Faults, NoEchoLeavesTheAnswer) {
 TEST(Faults, CommandOfThatNumberFails) {
     PrinterBench bench("R7G?error-on=2");
     EXPECT_EQ(bench.Line("PRINT 1"), "1");
-    EXPECT_EQ(bench.Line("PRINT 2"), "Error 1099");
+    EXPECT_EQ(bench.Line("PRINT 2"), "Error 1099: Print head fault");
     EXPECT_EQ(bench.Line("PRINT 3"), "3");
 }
 
@@ -189,7 +228,9 @@ TEST(Address, NamesWhatIsWrong) {
 TEST(Address, CarriesEveryOption) {
     const Options options = PrinterBench::Parse(
         "R7FZV?baud=57600&format=M,7,1&uart=3&boot-ms=9&paced&version=Quorin 7.00&capacity=1000&"
-        "lost=0.5,seed=3&stall=0.25:40,seed=4&error-on=3&dsr=off&cut=12&no-echo=on");
+        "lost=0.5,seed=3&stall=0.25:40,seed=4&error-on=3&dsr=off&cut=12&no-echo=on&"
+        "answer=40&answer=700:files \"card&late-errors=30&long-setup&greeting=Ready.&"
+        "noise=0.5,seed=5&power-lost=0.1,seed=6&power-lost-after=7");
     EXPECT_EQ(options.model, "R7FZV");
     EXPECT_EQ(options.baud, 57600);
     EXPECT_EQ(options.parity, 'm');
@@ -208,6 +249,19 @@ TEST(Address, CarriesEveryOption) {
     EXPECT_TRUE(options.faults.dsrDropped);
     EXPECT_EQ(options.faults.cutAfter, 12U);
     EXPECT_TRUE(options.faults.noEcho);
+    ASSERT_EQ(options.moods.answers.size(), 2U);
+    EXPECT_EQ(options.moods.answers[0].ms, 40);
+    EXPECT_EQ(options.moods.answers[0].command, "");
+    EXPECT_EQ(options.moods.answers[1].ms, 700);
+    EXPECT_EQ(options.moods.answers[1].command, "FILES\"CARD");
+    EXPECT_EQ(options.moods.lateErrorsMs, 30);
+    EXPECT_TRUE(options.moods.longSetup);
+    EXPECT_EQ(options.moods.greeting, "Ready.");
+    EXPECT_EQ(options.moods.noise.rate, 0.5);
+    EXPECT_EQ(options.moods.noise.seed, 5U);
+    EXPECT_EQ(options.moods.powerLost.rate, 0.1);
+    EXPECT_EQ(options.moods.powerLost.seed, 6U);
+    EXPECT_EQ(options.moods.powerLostAfter, 7);
 }
 
 } // namespace

@@ -43,8 +43,10 @@ TEST(FileLoad, OfNoBytesMakesAnEmptyFile) {
 
 TEST(FileLoad, ThatDoesNotFitTakesItsBytesAndFails) {
     PrinterBench bench("R7A?capacity=1000");
-    EXPECT_EQ(Load(bench, "FILE& LOAD", "BIG", std::string(2000, '\r'), ""), "Error 1019");
-    EXPECT_EQ(Load(bench, "FILE& LOAD", "HUGE", std::string(8'000'000, '\r'), ""), "Error 1019");
+    EXPECT_EQ(Load(bench, "FILE& LOAD", "BIG", std::string(2000, '\r'), ""),
+              "Error 1019: Device full");
+    EXPECT_EQ(Load(bench, "FILE& LOAD", "HUGE", std::string(8'000'000, '\r'), ""),
+              "Error 1019: Device full");
     EXPECT_EQ(bench.Line("PRINT 1"), "1");
 }
 
@@ -52,7 +54,7 @@ TEST(FileLoad, WhoseBytesStopComingFails) {
     PrinterBench bench;
     bench.Send("FILE& LOAD \"X\",10\rabc");
     EXPECT_EQ(bench.Read(4'999'999), "FILE& LOAD \"X\",10\r\n");
-    EXPECT_EQ(bench.Read(1), "Error 1028\r\nOk\r\n");
+    EXPECT_EQ(bench.Read(1), "Error 1028: Time-out while receiving data\r\nOk\r\n");
     EXPECT_EQ(bench.Line("PRINT 1"), "1");
 }
 
@@ -63,7 +65,7 @@ TEST(ImageLoad, StoresAndListsAPicture) {
     EXPECT_EQ(Load(bench, "IMAGE LOAD", "LOGO.PCX", picture), "Ok");
     EXPECT_EQ(bench.Lines("IMAGES").front().substr(0, 10), "LOGO.PCX  ");
     EXPECT_TRUE(bench.Lines("REMOVE IMAGE \"LOGO.PCX\"").empty());
-    EXPECT_EQ(bench.Line("REMOVE IMAGE \"LOGO.PCX\""), "Error 1042");
+    EXPECT_EQ(bench.Line("REMOVE IMAGE \"LOGO.PCX\""), "Error 1042: Image not found");
 }
 
 TEST(ImageLoad, KeepsPermanentPicturesOverARestart) {
@@ -78,21 +80,21 @@ TEST(ImageLoad, KeepsPermanentPicturesOverARestart) {
 
 TEST(ImageLoad, RefusesWhatIsNoPicture) {
     PrinterBench bench;
-    EXPECT_EQ(Load(bench, "IMAGE LOAD", "N.PCX", "hello"), "Error 1043");
-    EXPECT_EQ(Load(bench, "IMAGE LOAD", "Z.PCX", ""), "Error 1043");
+    EXPECT_EQ(Load(bench, "IMAGE LOAD", "N.PCX", "hello"), "Error 1043: Not an image");
+    EXPECT_EQ(Load(bench, "IMAGE LOAD", "Z.PCX", ""), "Error 1043: Not an image");
     std::string cut = TestPcx(64, 64);
     cut.resize(cut.size() - 3);
-    EXPECT_EQ(Load(bench, "IMAGE LOAD", "C.PCX", cut), "Error 1043");
+    EXPECT_EQ(Load(bench, "IMAGE LOAD", "C.PCX", cut), "Error 1043: Not an image");
     std::string colour = TestPcx(8, 8);
     colour[3] = 8;
-    EXPECT_EQ(Load(bench, "IMAGE LOAD", "D.PCX", colour), "Error 1043");
+    EXPECT_EQ(Load(bench, "IMAGE LOAD", "D.PCX", colour), "Error 1043: Not an image");
     std::string vast = TestPcx(8, 8);
     vast[9] = '\x7F';
-    EXPECT_EQ(Load(bench, "IMAGE LOAD", "V.PCX", vast), "Error 1043");
+    EXPECT_EQ(Load(bench, "IMAGE LOAD", "V.PCX", vast), "Error 1043: Not an image");
     std::string endless = TestPcx(8, 8).substr(0, 128);
     for (int i = 0; i < 100'000; ++i)
         endless += std::string("\xC0\x00", 2);
-    EXPECT_EQ(Load(bench, "IMAGE LOAD", "E.PCX", endless), "Error 1043");
+    EXPECT_EQ(Load(bench, "IMAGE LOAD", "E.PCX", endless), "Error 1043: Not an image");
 }
 
 TEST(ImageLoad, StoresAScalableFontOnModelsThatHaveThem) {
@@ -101,9 +103,9 @@ TEST(ImageLoad, StoresAScalableFontOnModelsThatHaveThem) {
     EXPECT_EQ(Load(bench, "IMAGE LOAD", "SANS.TTF", font, ",\"S\""), "Ok");
     EXPECT_NE(bench.Ask("FONTS").find("SANS.TTF\r\n"), std::string::npos);
     EXPECT_TRUE(bench.Lines("REMOVE FONT \"SANS.TTF\"").empty());
-    EXPECT_EQ(bench.Line("REMOVE FONT \"SANS.TTF\""), "Error 1040");
+    EXPECT_EQ(bench.Line("REMOVE FONT \"SANS.TTF\""), "Error 1040: Font not found");
     PrinterBench older("R7A");
-    EXPECT_EQ(Load(older, "IMAGE LOAD", "SANS.TTF", font), "Error 1041");
+    EXPECT_EQ(Load(older, "IMAGE LOAD", "SANS.TTF", font), "Error 1041: Not a font");
 }
 
 TEST(Fonts, ListTheBuiltInOnesWhichStay) {
@@ -113,7 +115,7 @@ TEST(Fonts, ListTheBuiltInOnesWhichStay) {
     const auto lines = one.Lines("FONTS");
     EXPECT_EQ(lines.size(), 11U);
     EXPECT_EQ(lines.front(), "MS030RMN.1              MS030RMN.2");
-    EXPECT_EQ(one.Line("REMOVE FONT \"MS030RMN.1\""), "Error 1020");
+    EXPECT_EQ(one.Line("REMOVE FONT \"MS030RMN.1\""), "Error 1020: Device is write protected");
 }
 
 } // namespace

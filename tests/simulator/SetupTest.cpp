@@ -31,7 +31,7 @@ TEST(Setup, GoesOnlyToTheWiredChannel) {
     PrinterBench bench("R7G?uart=2");
     EXPECT_TRUE(bench.Lines("SETUP WRITE\"uart1:\"").empty());
     EXPECT_FALSE(bench.Lines("SETUP WRITE\"uart2:\"").empty());
-    EXPECT_EQ(bench.Line("SETUP WRITE\"uart9:\""), "Error 1018");
+    EXPECT_EQ(bench.Line("SETUP WRITE\"uart9:\""), "Error 1018: Device not found");
 }
 
 TEST(Setup, ChangesOneItem) {
@@ -43,11 +43,11 @@ TEST(Setup, ChangesOneItem) {
 
 TEST(Setup, RefusesUnknownItemsAndValues) {
     PrinterBench bench;
-    EXPECT_EQ(bench.Line("SETUP\"LABEL,COLOUR,RED\""), "Error 1030");
-    EXPECT_EQ(bench.Line("SETUP\"SER-COM,UART1,BAUDRATE,12345\""), "Error 1031");
-    EXPECT_EQ(bench.Line("SETUP\"LABEL,WIDTH,0\""), "Error 1031");
-    EXPECT_EQ(bench.Line("SETUP\"LABEL,WIDTH,4x\""), "Error 1031");
-    EXPECT_EQ(bench.Line("SETUP\"SYSTEM,MODEL,R7H\""), "Error 1031");
+    EXPECT_EQ(bench.Line("SETUP\"LABEL,COLOUR,RED\""), "Error 1030: Unknown setup item");
+    EXPECT_EQ(bench.Line("SETUP\"SER-COM,UART1,BAUDRATE,12345\""), "Error 1031: Bad setup value");
+    EXPECT_EQ(bench.Line("SETUP\"LABEL,WIDTH,0\""), "Error 1031: Bad setup value");
+    EXPECT_EQ(bench.Line("SETUP\"LABEL,WIDTH,4x\""), "Error 1031: Bad setup value");
+    EXPECT_EQ(bench.Line("SETUP\"SYSTEM,MODEL,R7H\""), "Error 1031: Bad setup value");
 }
 
 TEST(Setup, IsWrittenToAFileAndLoadedAgain) {
@@ -57,14 +57,14 @@ TEST(Setup, IsWrittenToAFileAndLoadedAgain) {
     EXPECT_TRUE(bench.Lines("SETUP\"c:MINE.STP\"").empty());
     EXPECT_EQ(Matching(bench.Lines("SETUP WRITE\"uart1:\""), "LABEL,WIDTH"),
               std::vector<std::string>{"LABEL,WIDTH,832"});
-    EXPECT_EQ(bench.Line("SETUP\"c:NONE.STP\""), "Error 1022");
+    EXPECT_EQ(bench.Line("SETUP\"c:NONE.STP\""), "Error 1022: File not found");
 }
 
 TEST(Setup, DamagedFileChangesNothing) {
     PrinterBench bench;
     bench.Ask(
         "OPEN \"c:BAD\" FOR OUTPUT AS 1:PRINT#1,\"LABEL,WIDTH,300\":PRINT#1,\"WRONG,1\":CLOSE");
-    EXPECT_EQ(bench.Line("SETUP\"c:BAD\""), "Error 1030");
+    EXPECT_EQ(bench.Line("SETUP\"c:BAD\""), "Error 1030: Unknown setup item");
     EXPECT_EQ(Matching(bench.Lines("SETUP WRITE\"uart1:\""), "LABEL,WIDTH"),
               std::vector<std::string>{"LABEL,WIDTH,832"});
 }

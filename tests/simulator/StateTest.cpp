@@ -1,5 +1,6 @@
 #include "PrinterBench.h"
 #include "platform/DurableFile.h"
+#include "testing/printer/TestPictures.h"
 
 #include <filesystem>
 #include <fstream>
@@ -33,8 +34,8 @@ TEST_F(StateTest, KeepsFilesAndSetupBetweenRuns) {
     PrinterBench again(mAddress);
     EXPECT_EQ(again.Printer().Problem(), "");
     EXPECT_TRUE(again.Lines("COPY \"card1:a b/c\",\"tmp:X\"").empty());
-    EXPECT_EQ(again.Line("KILL \"c:PRICES.DAT\""), "Error 1022");
-    EXPECT_EQ(again.Line("KILL \"tmp:GONE\""), "Error 1022");
+    EXPECT_EQ(again.Line("KILL \"c:PRICES.DAT\""), "Error 1022: File not found");
+    EXPECT_EQ(again.Line("KILL \"tmp:GONE\""), "Error 1022: File not found");
     EXPECT_NE(again.Ask("FILES\"c:\",A").find("CONFIG.SYS"), std::string::npos);
     EXPECT_NE(again.Ask("SETUP WRITE\"uart1:\"").find("LABEL,WIDTH,444"), std::string::npos);
 }
@@ -59,6 +60,49 @@ TEST_F(StateTest, WhatACrashLeavesIsNoFileOfThePrinter) {
     PrinterBench again(mAddress);
     EXPECT_EQ(again.Printer().Problem(), "");
     EXPECT_NE(again.Ask("FILES\"card1:\",A").find(" 0 BYTES USED"), std::string::npos);
+}
+
+void LoadImage(PrinterBench& bench, const std::string& picture, const std::string& flag) {
+    bench.Send("IMAGE LOAD \"LOGO\"," + std::to_string(picture.size()) + ",\"" + flag + "\"\r"
+               + picture);
+    EXPECT_TRUE(bench.Read().ends_with("\"\r\nOk\r\n"));
+}
+
+TEST_F(StateTest, AnImageThatIsNotKeptHidesTheKeptOneUntilARestart) {
+    const std::string kept = TestPcx(30, 20);
+    const std::string other = TestPcx(300, 200);
+    std::string listing;
+    {
+        PrinterBench bench(mAddress);
+        LoadImage(bench, kept, "S");
+        listing = bench.Ask("IMAGES");
+        LoadImage(bench, other, "");
+        LoadImage(bench, TestPcx(60, 40), "");
+        EXPECT_NE(bench.Ask("IMAGES"), listing);
+        bench.Ask("REBOOT");
+        EXPECT_EQ(bench.Ask("IMAGES"), listing) << "bytes free and used too";
+        LoadImage(bench, other, "");
+    }
+    PrinterBench again(mAddress);
+    EXPECT_EQ(again.Ask("IMAGES"), listing);
+    LoadImage(again, other, "");
+    again.Ask("REMOVE IMAGE \"LOGO\"");
+    EXPECT_EQ(again.Lines("IMAGES").size(), 1U);
+    EXPECT_EQ(PrinterBench(mAddress).Lines("IMAGES").size(), 1U);
+}
+
+TEST_F(StateTest, AnImageIsKeptUnderItsFirstNameInEitherCase) {
+    {
+        PrinterBench bench(mAddress);
+        LoadImage(bench, TestPcx(30, 20), "S");
+        bench.Ask("COPY \"c:PRICES.DAT\",\"card1:a\":COPY \"c:LAYOUT.LBL\",\"card1:A\"");
+    }
+    PrinterBench again(mAddress);
+    EXPECT_EQ(again.Lines("FILES \"card1:\"")[1], "a                           44");
+    again.Ask("KILL \"card1:A\":REMOVE IMAGE \"logo\"");
+    PrinterBench third(mAddress);
+    EXPECT_EQ(third.Lines("FILES \"card1:\"").size(), 2U);
+    EXPECT_EQ(third.Lines("IMAGES").size(), 1U);
 }
 
 TEST_F(StateTest, KeptSetupRulesTheLine) {

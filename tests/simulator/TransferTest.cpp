@@ -104,9 +104,9 @@ TEST_P(Transfer, CancelledByTheSendingHostLeavesNoFile) {
         if (engine.Progress().bytes > 20'000) engine.Cancel(std::chrono::microseconds(bench.Now()));
     };
     EXPECT_EQ(bench.Upload(Way(), {"F", RandomBytes(100'000, 5)}), Outcome::CancelledHere);
-    ExpectEnd(bench, "Error 1051\r\nOk\r\n");
+    ExpectEnd(bench, "Error 1051: File transfer cancelled\r\nOk\r\n");
     bench.Send("KILL \"F\"\r");
-    EXPECT_EQ(bench.Read(1'000'000), "KILL \"F\"\r\nError 1022\r\nOk\r\n");
+    EXPECT_EQ(bench.Read(1'000'000), "KILL \"F\"\r\nError 1022: File not found\r\nOk\r\n");
 }
 
 TEST_P(Transfer, CancelledByTheReceivingHostEndsAtThePrompt) {
@@ -118,7 +118,7 @@ TEST_P(Transfer, CancelledByTheReceivingHostEndsAtThePrompt) {
     EXPECT_EQ(bench.Download(Way(), "F"), Outcome::CancelledHere);
     // What was under way before the printer heard of it comes first; that is no more than its line
     // takes.
-    ExpectEnd(bench, "Error 1051\r\nOk\r\n");
+    ExpectEnd(bench, "Error 1051: File transfer cancelled\r\nOk\r\n");
     EXPECT_LT(bench.Tail().size(), 1000U);
     bench.Send("PRINT 6*7\r");
     EXPECT_EQ(bench.Read(1'000'000), "PRINT 6*7\r\n42\r\nOk\r\n");
@@ -129,7 +129,7 @@ TEST_P(Transfer, ThatDoesNotFitIsRefusedAndTheOldFileStays) {
     const std::string old(100, 'o');
     LoadFile(bench, "F", old);
     EXPECT_NE(bench.Upload(Way(), {"F", RandomBytes(2000, 7)}), Outcome::Success);
-    EXPECT_EQ(bench.Tail(), "Error 1019\r\nOk\r\n");
+    EXPECT_EQ(bench.Tail(), "Error 1019: Device full\r\nOk\r\n");
     EXPECT_EQ(bench.Download(Way(), "F"), Outcome::Success);
     ASSERT_EQ(bench.sink.Whole().size(), 1U);
     EXPECT_EQ(bench.sink.Whole()[0].content, old);
@@ -143,7 +143,7 @@ TEST_P(Transfer, GoesToTheCurrentDeviceUnderTheLastPartOfItsName) {
     bench.Run(*sender, &source, nullptr);
     EXPECT_EQ(bench.Tail(), "Ok\r\n");
     EXPECT_TRUE(HasFile(bench, "PRICE LIST.DAT"));
-    EXPECT_EQ(bench.Line("KILL \"c:PRICE LIST.DAT\""), "Error 1022");
+    EXPECT_EQ(bench.Line("KILL \"c:PRICE LIST.DAT\""), "Error 1022: File not found");
     EXPECT_TRUE(bench.Lines("KILL \"tmp:PRICE LIST.DAT\"").empty());
 }
 
@@ -159,25 +159,25 @@ TEST_P(Transfer, BringsSeveralFilesInOneSession) {
 TEST_P(Transfer, IsRefusedByAWriteProtectedDeviceAndForABadName) {
     TransferBench bench;
     EXPECT_NE(bench.Upload(Way(), {std::string(41, 'N'), "x"}), Outcome::Success);
-    EXPECT_EQ(bench.Tail(), "Error 1021\r\nOk\r\n");
+    EXPECT_EQ(bench.Tail(), "Error 1021: Bad file name\r\nOk\r\n");
     bench.Ask("CHDIR \"rom:\"");
     EXPECT_NE(bench.Upload(Way(), {"F", "x"}), Outcome::Success);
-    EXPECT_EQ(bench.Tail(), "Error 1020\r\nOk\r\n");
+    EXPECT_EQ(bench.Tail(), "Error 1020: Device is write protected\r\nOk\r\n");
 }
 
 TEST_P(Transfer, OfAMissingFileFailsBeforeAnythingGoesOut) {
     TransferBench bench;
-    EXPECT_EQ(bench.Line(Statement("\"S\",\"NONE\"")), "Error 1022");
-    EXPECT_EQ(bench.Line(Statement("\"S\",\"disk9:F\"")), "Error 1018");
+    EXPECT_EQ(bench.Line(Statement("\"S\",\"NONE\"")), "Error 1022: File not found");
+    EXPECT_EQ(bench.Line(Statement("\"S\",\"disk9:F\"")), "Error 1018: Device not found");
 }
 
 TEST_P(Transfer, TakesRAloneOrSAndAName) {
     TransferBench bench;
-    EXPECT_EQ(bench.Line(Statement("\"X\"")), "Error 5");
-    EXPECT_EQ(bench.Line(Statement("\"S\"")), "Error 5");
-    EXPECT_EQ(bench.Line(Statement("\"R\",\"F\"")), "Error 5");
-    EXPECT_EQ(bench.Line(Statement("")), "Error 19");
-    EXPECT_EQ(bench.Line("TRANSFER X \"R\""), "Error 19");
+    EXPECT_EQ(bench.Line(Statement("\"X\"")), "Error 5: Illegal argument");
+    EXPECT_EQ(bench.Line(Statement("\"S\"")), "Error 5: Illegal argument");
+    EXPECT_EQ(bench.Line(Statement("\"R\",\"F\"")), "Error 5: Illegal argument");
+    EXPECT_EQ(bench.Line(Statement("")), "Error 19: Syntax error");
+    EXPECT_EQ(bench.Line("TRANSFER X \"R\""), "Error 19: Syntax error");
 }
 
 TEST_P(Transfer, ToWhichNobodyAnswersFailsAndRestsInBetween) {
@@ -189,7 +189,8 @@ TEST_P(Transfer, ToWhichNobodyAnswersFailsAndRestsInBetween) {
         const auto due = bench.Printer().NextDue();
         ASSERT_TRUE(due.has_value());
         EXPECT_GT(*due, bench.Now());
-        EXPECT_TRUE(bench.Read(60'000'000).ends_with("Error 1050\r\nOk\r\n")) << arguments;
+        EXPECT_TRUE(bench.Read(60'000'000).ends_with("Error 1050: File transfer failed\r\nOk\r\n"))
+            << arguments;
         EXPECT_EQ(bench.Line("PRINT 1"), "1");
     }
 }
@@ -208,7 +209,7 @@ TEST_P(Transfer, EndsWithABreak) {
     bench.Send("\r");
     bench.Read(1'000'000);
     bench.Send("KILL \"F\"\r");
-    EXPECT_EQ(bench.Read(1'000'000), "KILL \"F\"\r\nError 1022\r\nOk\r\n");
+    EXPECT_EQ(bench.Read(1'000'000), "KILL \"F\"\r\nError 1022: File not found\r\nOk\r\n");
 }
 
 TEST_P(Transfer, LeavesWhatComesBehindItsEndToTheConsole) {
@@ -239,9 +240,9 @@ TEST(DeviceThatFills, EndsTheTransferAndWhatIsUnderWayIsNoCommand) {
     EXPECT_NE(
         bench.Upload(kermitWithoutSize, {"F", std::string(1000, '\r') + RandomBytes(50'000, 9)}),
         Outcome::Success);
-    ExpectEnd(bench, "Error 1019\r\nOk\r\n");
+    ExpectEnd(bench, "Error 1019: Device full\r\nOk\r\n");
     bench.Send("KILL \"F\"\r");
-    EXPECT_EQ(bench.Read(1'000'000), "KILL \"F\"\r\nError 1022\r\nOk\r\n");
+    EXPECT_EQ(bench.Read(1'000'000), "KILL \"F\"\r\nError 1022: File not found\r\nOk\r\n");
 }
 
 TEST(SevenBitLine, CarriesEveryByteByKermitWhetherOrNotTheHostWasTold) {
@@ -258,7 +259,7 @@ TEST(SevenBitLine, CarriesEveryByteByKermitWhetherOrNotTheHostWasTold) {
 
 TEST(SevenBitLine, IsNotForZModem) {
     TransferBench bench("R7G?format=n,7,2");
-    EXPECT_EQ(bench.Line("TRANSFER Z \"R\""), "Error 1052");
+    EXPECT_EQ(bench.Line("TRANSFER Z \"R\""), "Error 1052: Line carries seven bits only");
 }
 
 TEST(TextByKermit, IsStoredWithTheLineEndsThatTravel) {

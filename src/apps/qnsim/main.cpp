@@ -9,8 +9,12 @@
 
 #include <CLI/CLI.hpp>
 
+#include <algorithm>
+#include <cstdint>
 #include <iostream>
+#include <string>
 #include <utility>
+#include <vector>
 
 namespace qnsim {
 namespace {
@@ -22,7 +26,6 @@ constexpr int ExitNoEndpoint = 4;
 struct Arguments {
     std::vector<std::pair<std::string, std::string>> options; // name and value, as in an address
     std::vector<std::string> faults;
-    bool paced = false;
     bool pty = false;
     std::string link;
     std::optional<int> tcpPort;
@@ -32,41 +35,37 @@ struct Arguments {
     bool replayDelays = false;
 };
 
-/// The options whose names and values are those of an address.
-struct ValueOption {
-    const char* flag;
-    const char* name;
-    const char* help;
-};
-
-constexpr std::array<ValueOption, 9> ValueOptions{{
-    {"--model", "model", "R7A R7B R7C R7D R7E R7F R7EZV R7FZV R7G or R7H (default R7G)"},
-    {"--baud", "baud", "the printer's baud rate (default 9600)"},
-    {"--format", "format", "parity, data bits, stop bits (default n,8,2)"},
-    {"--uart", "uart", "the printer's channel that the host is wired to (default 1)"},
-    {"--boot-ms", "boot-ms", "how long a restart takes (default 3000)"},
-    {"--firmware", "version", "what the printer says its firmware is"},
-    {"--capacity", "capacity", "bytes of the work device"},
-    {"--state", "state", "keep storage and setup in this folder"},
-    {"--labels", "labels", "write a PNG for each printed label to this folder"},
-}};
-
-void Declare(CLI::App& app, Arguments& arguments) {
-    for (const ValueOption& option : ValueOptions) {
-        app.add_option_function<std::string>(
-            option.flag,
-            [&arguments, name = std::string(option.name)](const std::string& value) {
-                arguments.options.emplace_back(name, value);
-            },
-            option.help);
+/// Every option of an address as one of the command line.
+void DeclarePrinter(CLI::App& app, Arguments& arguments) {
+    for (const OptionText& option : AllOptions()) {
+        const auto take = [&arguments, name = std::string(option.name)](const std::string& value) {
+            arguments.options.emplace_back(name, value);
+        };
+        const std::string flag(option.flag);
+        const std::string help(option.help);
+        if (option.kind == OptionKind::Switch) {
+            app.add_flag_function(
+                flag, [take](std::int64_t) { take("on"); }, help);
+        } else {
+            app.add_option_function<std::vector<std::string>>(
+                   flag,
+                   [take](const std::vector<std::string>& values) {
+                       std::for_each(values.begin(), values.end(), take);
+                   },
+                   help)
+                ->take_all()
+                ->expected(1, 1)
+                ->delimiter('\0');
+        }
     }
-    app.add_flag("--paced", arguments.paced, "bytes take their time on the line");
-    app.add_option(
-           "--fault", arguments.faults,
-           "NAME=VALUE[,seed=N]: lost, doubled, flipped, stall, no-echo, error-on, dsr, cut")
+    app.add_option("--fault", arguments.faults, "NAME=VALUE: the same as --NAME VALUE")
         ->take_all()
         ->expected(1, 1)
         ->delimiter('\0');
+}
+
+void Declare(CLI::App& app, Arguments& arguments) {
+    DeclarePrinter(app, arguments);
     auto* pty = app.add_flag("--pty", arguments.pty, "serve on a pseudo-terminal (the default)");
     app.add_option("--link", arguments.link, "a name for the pseudo-terminal");
     auto* tcp = app.add_option("--tcp", arguments.tcpPort,
@@ -87,15 +86,10 @@ void Declare(CLI::App& app, Arguments& arguments) {
 }
 
 std::string ReadFaults(Options& options, const std::vector<std::string>& faults) {
-    constexpr std::array<std::string_view, 8> names{"lost",    "doubled",  "flipped", "stall",
-                                                    "no-echo", "error-on", "dsr",     "cut"};
     for (const std::string& fault : faults) {
         const auto equals = fault.find('=');
-        const std::string name = fault.substr(0, equals);
-        if (std::find(names.begin(), names.end(), name) == names.end())
-            return "there is no fault \"" + name + "\"";
         const std::string value = equals == std::string::npos ? "" : fault.substr(equals + 1);
-        std::string error = ApplyOption(options, name, value);
+        std::string error = ApplyOption(options, fault.substr(0, equals), value);
         if (!error.empty()) return error;
     }
     return {};
@@ -103,7 +97,6 @@ std::string ReadFaults(Options& options, const std::vector<std::string>& faults)
 
 ParseResult ReadOptions(const Arguments& arguments) {
     Options options;
-    options.paced = arguments.paced;
     for (const auto& [name, value] : arguments.options) {
         std::string error = ApplyOption(options, name, value);
         if (!error.empty()) return {std::nullopt, std::move(error)};

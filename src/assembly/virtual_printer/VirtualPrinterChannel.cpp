@@ -12,6 +12,8 @@ namespace {
 
 constexpr std::string_view VirtualScheme = "sim:";
 constexpr std::size_t InboxSize = 4096;
+constexpr char Xon = '\x11';
+constexpr char Xoff = '\x13';
 
 qnsim::LineFormat FormatOf(const LineSettings& settings) {
     return {settings.baud, settings.dataBits, settings.stopBits, settings.parity};
@@ -64,7 +66,7 @@ IoResult VirtualPrinterChannel::Open(const LineSettings& settings) {
     if (mPrinter->device.LineCut()) return {IoStatus::Missing, 0, "the line is cut"};
     const std::int64_t now = mReactor.NowUs();
     CatchUp(now);
-    mPrinter->device.SetHostFormat(FormatOf(settings), now);
+    SetFormat(settings, now);
     mPrinter->device.HostOpened(now);
     mPrinter->device.SetHostLines(true, true, now);
     mWanted = {};
@@ -84,8 +86,15 @@ void VirtualPrinterChannel::Close() {
 }
 
 IoResult VirtualPrinterChannel::Configure(const LineSettings& settings) {
-    mPrinter->device.SetHostFormat(FormatOf(settings), mReactor.NowUs());
+    SetFormat(settings, mReactor.NowUs());
     return {};
+}
+
+void VirtualPrinterChannel::SetFormat(const LineSettings& settings, std::int64_t now) {
+    mObeysXon = settings.xonXoff;
+    mObeysCts = settings.rtsCts;
+    mHeld = false;
+    mPrinter->device.SetHostFormat(FormatOf(settings), now);
 }
 
 IoResult VirtualPrinterChannel::SetBreak(bool bOn) {
@@ -106,9 +115,10 @@ IoCount VirtualPrinterChannel::Read(std::span<char> buffer) {
 
 IoCount VirtualPrinterChannel::Write(std::string_view bytes) {
     if (mPrinter->device.LineCut()) return {0, {IoStatus::Lost, 0, "the line was cut"}};
-    mPrinter->device.FromHost(bytes, mReactor.NowUs());
+    const std::size_t count = std::min(bytes.size(), Room());
+    mPrinter->device.FromHost(bytes.substr(0, count), mReactor.NowUs());
     Schedule();
-    return {bytes.size(), {}};
+    return {count, {}};
 }
 
 LineErrors VirtualPrinterChannel::TakeLineErrors() {
@@ -144,7 +154,7 @@ FdEvents VirtualPrinterChannel::Wait(FdEvents events, std::int64_t lLimitUs) {
         Run();
         const std::int64_t now = mReactor.NowUs();
         if (const FdEvents ready = Ready(events); ready.Any() || now >= until) return ready;
-        const std::int64_t due = mPrinter->device.NextDue().value_or(until);
+        const std::int64_t due = NextWork(events).value_or(until);
         if (due > now) mReactor.WaitFor(-1, {}, std::min(due, until) - now);
     }
 }
@@ -154,7 +164,31 @@ void VirtualPrinterChannel::Run() {
     mPrinter->device.Advance(now);
     // What the host does not take stays in the printer, which then waits as on a full line.
     if (mReceived.size() < InboxSize)
-        mReceived += mPrinter->device.ToHost(now, InboxSize - mReceived.size());
+        mReceived += Obeyed(mPrinter->device.ToHost(now, InboxSize - mReceived.size()));
+}
+
+/// What is left of the printer's bytes for the host; the Xon and Xoff among them are for the line.
+std::string VirtualPrinterChannel::Obeyed(std::string bytes) {
+    if (!mObeysXon) return bytes;
+    std::erase_if(bytes, [this](char c) {
+        if (c != Xon && c != Xoff) return false;
+        mHeld = c == Xoff;
+        return true;
+    });
+    return bytes;
+}
+
+std::size_t VirtualPrinterChannel::Room() const {
+    const bool stopped = mHeld || (mObeysCts && !mPrinter->device.Cts());
+    return stopped ? 0 : mPrinter->device.Room(mReactor.NowUs());
+}
+
+std::optional<std::int64_t> VirtualPrinterChannel::NextWork(FdEvents wanted) const {
+    std::optional<std::int64_t> due;
+    if (mReceived.size() < InboxSize) due = mPrinter->device.NextDue();
+    if (const auto room = mPrinter->device.RoomDue(); wanted.writable && room)
+        due = std::min(due.value_or(*room), *room);
+    return due;
 }
 
 /// Advances the printer's clock by the time since the last look at it, in steps: it may have been
@@ -172,8 +206,7 @@ void VirtualPrinterChannel::Schedule() {
     if (!mOpen) return;
     if (Ready(mWanted).Any()) {
         mAlarm->SetDue(mReactor.NowUs());
-    } else if (const auto due = mPrinter->device.NextDue();
-               due && (mWanted.readable || mReceived.size() < InboxSize)) {
+    } else if (const auto due = NextWork(mWanted)) {
         mAlarm->SetDue(*due);
     } else {
         mAlarm->Clear();
@@ -182,7 +215,7 @@ void VirtualPrinterChannel::Schedule() {
 
 FdEvents VirtualPrinterChannel::Ready(FdEvents wanted) const {
     const bool cut = mPrinter->device.LineCut();
-    return {wanted.readable && !mReceived.empty(), wanted.writable,
+    return {wanted.readable && !mReceived.empty(), wanted.writable && Room() > 0,
             cut && (wanted.readable || wanted.writable)};
 }
 

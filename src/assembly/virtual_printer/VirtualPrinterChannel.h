@@ -42,11 +42,17 @@ class VirtualPrinterChannel final : public ByteChannel {
   private:
     struct Printer;
 
+    void SetFormat(const LineSettings& settings, std::int64_t now);
     /// Lets the printer work until now and takes what has reached the host.
     void Run();
     void CatchUp(std::int64_t now);
     /// Sets the alarm to when there is something to do.
     void Schedule();
+    std::string Obeyed(std::string bytes);
+    /// How many bytes the line takes now.
+    std::size_t Room() const;
+    /// When there is something to do for a host that wants these.
+    std::optional<std::int64_t> NextWork(FdEvents wanted) const;
     /// Which of these is so now.
     FdEvents Ready(FdEvents wanted) const;
 
@@ -57,6 +63,9 @@ class VirtualPrinterChannel final : public ByteChannel {
     std::string mReceived; ///< bytes that have reached the host
     FdEvents mWanted;
     bool mOpen = false;
+    bool mObeysXon = false; ///< Xon and Xoff from the printer start and stop what is written
+    bool mObeysCts = false; ///< the same by the line CTS
+    bool mHeld = false;     ///< an Xoff came
 };
 
 } // namespace qncomm

@@ -7,7 +7,6 @@ namespace {
 
 constexpr std::size_t PieceSize = 64UL * 1024;
 constexpr std::size_t BacklogLimit = 64UL * 1024;
-constexpr std::size_t WireLimit = 128; // of a paced line
 
 } // namespace
 
@@ -65,8 +64,7 @@ std::size_t PrinterServer::Room() const {
     if (mPrinter.Backlog() >= BacklogLimit) return 0;
     // Bytes that a paced line cannot carry yet are left unread: a flush by the host still drops
     // them, as it does in the buffer of a real port.
-    if (!mPrinter.Paced()) return PieceSize;
-    return WireLimit - std::min(WireLimit, mPrinter.PendingFromHost(mNow));
+    return std::min(PieceSize, mPrinter.Room(mNow));
 }
 
 void PrinterServer::Exchange() {

@@ -42,6 +42,10 @@ void Interpreter::Run(int statements) {
             Finish();
             return;
         }
+        if (mMachine.power.Fails()) {
+            mMachine.powerLost = true;
+            return;
+        }
         const std::size_t at = mAt++;
         const Code* code = mCode;
         (this->*(*code)[at].row->run)((*code)[at]);

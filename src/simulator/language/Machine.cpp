@@ -16,7 +16,8 @@ Machine::Machine(const Options& options)
       wiredUart(options.uart),
       setup(model, options),
       storage(model, options.capacity),
-      label(model, setup, storage) {
+      label(model, setup, storage),
+      power(options.moods) {
     if (!options.labelsDir.empty()) labels.emplace(options.labelsDir);
 }
 

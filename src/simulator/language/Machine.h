@@ -2,6 +2,7 @@
 
 // What a program can reach of the printer it runs on.
 
+#include "Die.h"
 #include "Model.h"
 #include "Setup.h"
 #include "Storage.h"
@@ -10,6 +11,7 @@
 
 #include <array>
 #include <cstddef>
+#include <cstdint>
 #include <optional>
 #include <string>
 
@@ -40,10 +42,25 @@ class SystemVariables {
     bool Echoes() const { return (Get(Verbosity) & EchoBit) != 0; }
     bool Prompts() const { return (Get(Verbosity) & PromptBit) != 0; }
     bool ShowsErrors() const { return (Get(Verbosity) & ErrorBit) != 0; }
-    bool NamesErrors() const { return Get(ErrorForm) != 1; }
+    bool NamesLines() const { return Get(ErrorForm) != 1; }
 
   private:
     std::array<int, Count> mValues{};
+};
+
+/// What the printer is fed with.
+class PowerSupply {
+  public:
+    explicit PowerSupply(const Moods& moods)
+        : mChance(moods.powerLost), mLastsFor(moods.powerLostAfter) {}
+
+    /// Asked before each statement: the power fails here.
+    bool Fails() { return (mLastsFor != 0 && mServed++ == mLastsFor) || mChance.Strikes(); }
+
+  private:
+    Die mChance;
+    int mLastsFor;
+    std::int64_t mServed = 0;
 };
 
 struct Machine {
@@ -57,12 +74,14 @@ struct Machine {
     SystemVariables system;
     Label label;
     std::optional<LabelFolder> labels; ///< where printed labels go as pictures
-    Micros now = 0;                    ///< the time that the caller gave last
+    PowerSupply power;
+    Micros now = 0;           ///< the time that the caller gave last
     std::size_t lineRoom = 0; ///< bytes that the wired channel takes without letting them queue
     bool immediate = true;
     bool setupChanged = false; ///< the line's settings take effect after the reply
     bool restartWanted = false;
-    std::string out; ///< bytes for the wired channel
+    bool powerLost = false; ///< between two statements, so that nothing ends in order
+    std::string out;        ///< bytes for the wired channel
 };
 
 } // namespace qnsim

@@ -109,8 +109,9 @@ TEST_F(Peers, Ser2netCarriesTheSearchAndTheExchange) {
     ASSERT_TRUE(stack.mLink.AutoConnect(1)) << mFolder.Read("ser2net.log");
     EXPECT_EQ(stack.mLink.Baudrate(), "57600");
     EXPECT_EQ(stack.mLink.Stopbits(), "1");
-    EXPECT_EQ(stack.mMessages.at(4), "Searching... 57600,n,7,1")
-        << "the pseudo-terminal behind the server carries the stop bits";
+    EXPECT_EQ(stack.mMessages.at(1), "Searching... 57600,m,8,2")
+        << "the pseudo-terminal behind the server carries no data bits and no parity";
+    EXPECT_EQ(stack.mMessages.at(2), "Reading Printer Setup");
     EXPECT_EQ(stack.Ask("PRINT 6*7").at(1), "42");
     std::string all;
     for (int value = 33; value < 127; ++value)

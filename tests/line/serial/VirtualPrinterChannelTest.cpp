@@ -88,6 +88,87 @@ TEST_F(InProcessLine, APacedLineTakesItsTime) {
     EXPECT_GE(mReactor.NowMs() - start, 290); // 9 bytes of 10 bits, less what rounding takes
 }
 
+/// A channel to such a printer, opened with these settings.
+std::unique_ptr<ByteChannel> OpenChannel(Reactor& reactor, const std::string& printer,
+                                         const LineSettings& settings) {
+    auto channel = VirtualPrinterKind.make("sim:" + printer, reactor);
+    EXPECT_TRUE(channel->Open(settings).Ok());
+    return channel;
+}
+
+/// Writes everything and says how long that took.
+std::int64_t WriteAll(ManualReactor& reactor, ByteChannel& channel, std::string_view bytes) {
+    const std::int64_t start = reactor.NowMs();
+    while (!bytes.empty() && reactor.NowMs() - start < 100'000) {
+        bytes.remove_prefix(channel.Write(bytes).count);
+        if (!bytes.empty()) channel.Wait({.writable = true}, 1'000'000);
+    }
+    EXPECT_EQ(bytes, "") << "the line never had room again";
+    return reactor.NowMs() - start;
+}
+
+TEST(InProcessChannel, APacedLineTakesAnUploadAsItCarriesIt) {
+    ManualReactor reactor;
+    const LineSettings settings{.baud = 9600, .stopBits = 2};
+    const auto channel = OpenChannel(reactor, "R7G?paced", settings);
+    const std::string upload(5000, '\0');
+    EXPECT_EQ(channel->Write(upload).count, 128U);
+    EXPECT_EQ(channel->Write(upload).count, 0U);
+    EXPECT_FALSE(channel->Wait({.writable = true}, 0).writable);
+    EXPECT_EQ(channel->OutputPending(), 128U);
+    // 5000 bytes of 11 bits, the first 128 as yet on the line, the last 128 still so at the end.
+    EXPECT_NEAR(static_cast<double>(WriteAll(reactor, *channel, upload)), 5729, 20);
+    const auto plain = OpenChannel(reactor, "R7G", settings);
+    EXPECT_EQ(plain->Write(upload).count, upload.size());
+}
+
+TEST(InProcessChannel, TheHandlerHearsOfRoomOnAPacedLine) {
+    ManualReactor reactor;
+    const auto channel = OpenChannel(reactor, "R7G?paced", {.baud = 9600, .stopBits = 2});
+    int calls = 0;
+    channel->SetHandler([&](FdEvents events) {
+        EXPECT_TRUE(events.writable);
+        channel->Want({});
+        ++calls;
+    });
+    channel->Write(std::string(200, '\0'));
+    channel->Want({.writable = true});
+    reactor.Pass(1);
+    EXPECT_EQ(calls, 0) << "a byte takes longer";
+    reactor.Pass(2);
+    EXPECT_EQ(calls, 1);
+}
+
+/// The printer is told to let hosts wait, and then is at work for ten seconds.
+constexpr const char* Busy = "R7G?paced&baud=115200&answer=10000:PRINT";
+
+TEST(InProcessChannel, AHostWaitsForCtsOrXonWhereBothSidesAreSetUpForIt) {
+    struct FlowRow {
+        const char* item;
+        bool xonXoff;
+        bool rtsCts;
+    };
+    for (const FlowRow& row :
+         {FlowRow{"RTS/CTS", false, true}, FlowRow{"XON/XOFF,DATA FROM HOST", true, false}}) {
+        ManualReactor reactor;
+        const auto channel = OpenChannel(
+            reactor, Busy,
+            {.baud = 115200, .stopBits = 2, .xonXoff = row.xonXoff, .rtsCts = row.rtsCts});
+        WriteAll(reactor, *channel,
+                 "SETUP\"SER-COM,UART1,FLOWCONTROL," + std::string(row.item) + ",ENABLE\"\r");
+        channel->Wait({.writable = true}, 1'000'000);
+        reactor.Pass(100);
+        const std::int64_t took =
+            WriteAll(reactor, *channel, "PRINT 1\r" + std::string(6000, '\0') + "A%=5:PRINT A%\r");
+        EXPECT_GT(took, 9000) << row.item;
+        reactor.Pass(12'000);
+        std::string all(4096, '\0');
+        all.resize(channel->Read(all).count);
+        EXPECT_TRUE(all.ends_with("A%=5:PRINT A%\r\n5\r\nOk\r\n")) << all;
+        EXPECT_EQ(all.find_first_of("\x11\x13"), std::string::npos);
+    }
+}
+
 TEST_F(InProcessLine, ADroppedDsrShows) {
     Use("sim:R7G?dsr=off");
     Open();

@@ -8,6 +8,7 @@
 #include "platform/SystemFiles.h"
 #include "testing/core/ControlStandIns.h"
 #include "testing/core/DeskTools.h"
+#include "testing/core/Mood.h"
 #include "testing/core/RecordingDesktop.h"
 #include "testing/core/ScratchFolder.h"
 #include "testing/core/ScriptedForms.h"
@@ -60,7 +61,7 @@ class ControlDesk {
         options.trace = &mTrace;
         std::int16_t port = 0;
         for (const std::string& address : addresses)
-            EXPECT_EQ(options.bindings.Give(++port, address), "");
+            EXPECT_EQ(options.bindings.Give(++port, InMood(address)), "");
         mAssembly.reset();
         mAssembly = std::make_unique<ControlAssembly>(
             mReactor,

@@ -5,6 +5,7 @@
 #include "link/clsDataLink.h"
 #include "platform/SystemFiles.h"
 #include "serial/PDQComm.h"
+#include "testing/core/Mood.h"
 #include "testing/core/RecordingDesktop.h"
 
 #include <gtest/gtest.h>
@@ -59,7 +60,7 @@ class Stack {
 
     static PortBindings Bound(const std::string& address) {
         PortBindings bindings(AllChannelKinds());
-        EXPECT_EQ(bindings.Give(1, address), "");
+        EXPECT_EQ(bindings.Give(1, InMood(address)), "");
         return bindings;
     }
 

@@ -8,8 +8,10 @@
 #include <cstddef>
 #include <cstdint>
 #include <optional>
+#include <span>
 #include <string>
 #include <string_view>
+#include <vector>
 
 namespace qnsim {
 
@@ -34,6 +36,23 @@ struct Faults {
     std::optional<std::size_t> cutAfter; ///< the line is cut once so many bytes went to the host
 };
 
+/// How long command lines of one kind take.
+struct AnswerTime {
+    int ms = 0;          ///< from the end of the line to its first statement, in milliseconds
+    std::string command; ///< what such a line begins with, without blanks, in capitals; empty = all
+};
+
+/// What real printers do and an obliging one does not. None of it damages a byte of a reply.
+struct Moods {
+    std::vector<AnswerTime> answers;     ///< the last one that fits a command line counts
+    int lateErrorsMs = 0;                ///< a statement's error is said so many milliseconds later
+    bool longSetup = false;              ///< many more items, those of the channels at the end
+    std::optional<std::string> greeting; ///< the line that a start says in place of the usual ones
+    FaultRate noise;        ///< a few bytes that nobody sent come between a reply and the next echo
+    FaultRate powerLost;    ///< before this statement the power fails and returns
+    int powerLostAfter = 0; ///< the same once, after so many statements; 0 = never
+};
+
 /// One virtual printer. The defaults are a printer that a host finds with its default search.
 struct Options {
     std::string model = "R7G"; ///< one of the ten model codes
@@ -50,6 +69,7 @@ struct Options {
     std::string stateDir;       ///< keep storage and setup in this folder; empty = in memory
     std::string labelsDir;      ///< write a PNG for each printed label here; empty = none
     Faults faults;              ///< none are switched on
+    Moods moods;                ///< none either
 };
 
 /// What an address or a command line was read as.
@@ -58,11 +78,28 @@ struct ParseResult {
     std::string error;              ///< says what was wrong, for a person
 };
 
-/// Reads what follows "sim:" in an address: MODEL, or MODEL?name=value&name=value…
-/// Names: baud, format (such as n,8,2), uart, boot-ms, paced, version, capacity, state, labels, and
-/// the faults lost, doubled, flipped, stall, no-echo, error-on, dsr, cut (each value may end in
-/// ",seed=N").
+/// Reads what follows "sim:" in an address: MODEL, or MODEL?name=value&name=value… with the names
+/// of AllOptions.
 ParseResult ParseAddress(std::string_view afterSim);
+
+/// What an option wants.
+enum class OptionKind {
+    Value,  ///< a value, always
+    Switch, ///< on or off, and on without a value
+    Fault,  ///< a value that may end in ",seed=N", or on or off
+};
+
+/// An option of an address and of a command line, for those who list them.
+struct OptionText {
+    std::string_view name;   ///< in an address
+    std::string_view flag;   ///< on a command line
+    OptionKind kind;         ///< what it wants
+    std::string_view wanted; ///< the value, for a person; completes "NAME needs …"
+    std::string_view help;   ///< what it does, in a few words
+};
+
+/// Every option, in the order in which they are documented.
+std::span<const OptionText> AllOptions();
 
 /// Applies one option by its name (as in an address) to the options; returns an empty text or what
 /// was wrong.

@@ -68,6 +68,13 @@ class VirtualPrinter {
     /// program. A caller that reads from a socket stops reading while this is large.
     std::size_t Backlog() const;
 
+    /// How many bytes FromHost should be given now: as many as a real port holds before a paced
+    /// line has carried them, any number on another line.
+    std::size_t Room(Micros now) const;
+
+    /// When a line that carries bytes has room for the next one; absent when it carries none.
+    std::optional<Micros> RoomDue() const;
+
     /// Drops the bytes that are on the way to the printer, as a host's flush does.
     void DiscardFromHost(Micros now);
     /// The same with those that are on the way to the host.
