@@ -70,7 +70,7 @@ void MeasureWeight(ControlDesk& desk) {
     std::printf("\n%-52s %9ld kB resident\n", "a control with its grid of 300 by 300, fresh",
                 ResidentKilobytes() - before);
     for (int row = 0; row < 300; ++row)
-        desk.mAssembly->Grid().Write(std::string(299, 'x') + "\r\n");
+        desk.mAssembly->Viewport().Show(std::string(299, 'x') + "\r\n");
     std::printf("%-52s %9ld kB resident\n", "the same with its screen full of text",
                 ResidentKilobytes() - before);
 }

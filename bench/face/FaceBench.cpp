@@ -175,7 +175,7 @@ struct FloodResult {
 /// The port is opened to a printer that talks at once; ends when the last byte is in the grid.
 FloodResult FloodControl(const std::string& text) {
     Shown shown(text);
-    qncomm::Terminal& grid = shown.control->assembly().Grid();
+    const qncomm::Terminal& grid = shown.control->assembly().Grid();
     QEventLoop loop;
     while (grid.ScrollbackEnd() == 0)
         loop.processEvents(QEventLoop::WaitForMoreEvents);
@@ -197,7 +197,7 @@ double ViewSeconds(const std::string& text) {
     std::string_view left = text;
     std::unique_ptr<qncomm::Alarm> alarm;
     alarm = reactor.CreateAlarm([&] {
-        parts.Serial().WriteTerminal(left.substr(0, PieceBytes));
+        parts.Viewport().Show(left.substr(0, PieceBytes));
         left.remove_prefix(std::min(PieceBytes, left.size()));
         if (!left.empty()) alarm->SetDue(reactor.NowUs());
     });

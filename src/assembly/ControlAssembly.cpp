@@ -32,16 +32,36 @@ ControlAssembly::~ControlAssembly() {
     mLine->viewport.TakeScreenAway();
 }
 
-PDQComm& ControlAssembly::Serial() {
+TerminalViewport& ControlAssembly::Viewport() {
+    return mLine->viewport;
+}
+
+const PDQComm& ControlAssembly::Serial() const {
     return mLine->serial;
 }
 
-Terminal& ControlAssembly::Grid() {
+PortBindings& ControlAssembly::Bindings() {
+    return mLine->serial.Bindings();
+}
+
+void ControlAssembly::OpenPort() {
+    mLine->serial.SetPortOpen(true);
+}
+
+void ControlAssembly::SetTransferPreferences(TransferPreferences preferences) {
+    mLine->serial.SetTransferPreferences(preferences);
+}
+
+void ControlAssembly::CancelTransfer() {
+    mLine->serial.SetTransferState(TransferAborting);
+}
+
+const Terminal& ControlAssembly::Grid() const {
     return mLine->grid;
 }
 
-TerminalViewport& ControlAssembly::Viewport() {
-    return mLine->viewport;
+TerminalChanges ControlAssembly::Changes() {
+    return TerminalChanges(mLine->grid);
 }
 
 } // namespace qncomm

@@ -38,10 +38,10 @@ TerminalViewport::~TerminalViewport() {
     mGrid.SetCaptureFailureHandler({});
 }
 
-void TerminalViewport::Show(std::string_view text) {
-    mGrid.Write(text);
+void TerminalViewport::Show(std::string_view sText) {
+    mGrid.Write(sText);
     TellChange();
-    Received.Raise(text);
+    Received.Raise(sText);
 }
 
 void TerminalViewport::TellChange() {

@@ -99,7 +99,7 @@ Outcome PressKey(Session& session, const KeyArguments& arguments) {
     if (!silent)
         if (Outcome connected = session.Connect(); !connected.Ok()) return connected;
     GiveAnswers(session, arguments);
-    session.Serial().SetPortOpen(true); // says why when it cannot be opened
+    session.Assembly().OpenPort(); // says why when it cannot be opened
     Reply reply(session);
     const ShownTerminal shown(session, [&](std::string_view text) { reply.Take(text); });
     session.Disconnect(); // the terminal's own claim keeps the port open

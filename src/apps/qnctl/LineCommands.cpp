@@ -52,18 +52,19 @@ void Greet(Session& session) {
 }
 
 qncomm::ConsoleTerminal::Wiring WiringOf(Session& session) {
-    qncomm::PDQComm& serial = session.Serial();
-    return {STDIN_FILENO, STDOUT_FILENO,
-            [&serial](std::string_view bytes) { return serial.TypeKeys(bytes); },
-            [&session, &serial] {
-                if (session.Interrupted()) throw qncomm::OperationCancelled();
-                return serial.PortOpen();
-            },
-            [&session] { Greet(session); }};
+    const qncomm::PDQComm& serial = session.Serial();
+    return {
+        STDIN_FILENO, STDOUT_FILENO,
+        [&session](std::string_view bytes) { return session.Assembly().Viewport().Type(bytes); },
+        [&session, &serial] {
+            if (session.Interrupted()) throw qncomm::OperationCancelled();
+            return serial.PortOpen();
+        },
+        [&session] { Greet(session); }};
 }
 
 Outcome RunTerminal(Session& session, const std::string& capture) {
-    qncomm::PDQComm& serial = session.Serial();
+    const qncomm::PDQComm& serial = session.Serial();
     if (!capture.empty())
         session.Control().SetCaptureToFile(
             qncomm::PathIn(qncomm::SystemFiles().CurrentFolder(), capture));

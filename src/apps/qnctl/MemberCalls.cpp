@@ -21,7 +21,7 @@ Outcome CallWithPort(Session& session, const MemberCall& call, qncomm::MemberOut
         return work();
     case MemberNeeds::OpenPort: {
         session.Disconnect();
-        session.Serial().SetPortOpen(true); // says why when it cannot be opened
+        session.Assembly().OpenPort(); // says why when it cannot be opened
         const ShownTerminal shown(session, {});
         return work();
     }

@@ -130,7 +130,7 @@ std::string Session::PortName() const {
 
 Outcome Session::Connect() {
     // Opened here first: a port that cannot be opened says why, and nothing is searched on it.
-    Serial().SetPortOpen(true);
+    Assembly().OpenPort();
     mClaim.emplace(Link().AcquirePort());
     Status().Clear();
     return *mClaim ? Outcome{} : NotFound();

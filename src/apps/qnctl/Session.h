@@ -58,8 +58,8 @@ class Session {
     const qncomm::ChosenPort& Port() const { return mPort; }
     qncomm::QNComm& Control() { return mAssembly->Control(); }
     qncomm::ControlAssembly& Assembly() { return *mAssembly; }
-    /// What lies beneath the control, for what it does not offer.
-    qncomm::PDQComm& Serial() { return mAssembly->Serial(); }
+    /// The line under the control, to read.
+    const qncomm::PDQComm& Serial() const { return mAssembly->Serial(); }
     qncomm::clsDataLink& Link() { return Control().Link(); }
     qncomm::clsQuorin& Printer() { return Control().Layer(); }
     /// "COM3 (/dev/ttyUSB0)", or the address alone of a port without a number of its own.

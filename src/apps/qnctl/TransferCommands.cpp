@@ -39,7 +39,7 @@ std::int16_t ProtocolOf(const TransferArguments& arguments) {
 /// Runs the transfer and tells, when it failed, why the line's side thinks so.
 Outcome Carry(Session& session, const TransferArguments& arguments,
               const std::function<void()>& transfer) {
-    session.Serial().SetTransferPreferences({.resume = arguments.resume});
+    session.Assembly().SetTransferPreferences({.resume = arguments.resume});
     qncomm::TransferProgress& progress = session.FollowTransfer(ProgressLines(session));
     progress.Show("Waiting for the printer's side of the transfer", 0);
     const auto cancel = CancelWithTheProgram(session);
@@ -62,7 +62,7 @@ Outcome Carry(Session& session, const TransferArguments& arguments,
 /// With the port open as for a shown terminal, and nothing sent.
 Outcome OnOpenLine(Session& session, const TransferArguments& arguments,
                    const std::function<void()>& transfer) {
-    session.Serial().SetPortOpen(true); // says why when it cannot be opened
+    session.Assembly().OpenPort(); // says why when it cannot be opened
     const ShownTerminal shown(session, {});
     return Carry(session, arguments, transfer);
 }

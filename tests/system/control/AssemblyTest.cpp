@@ -83,6 +83,40 @@ TEST_F(Assembly, RefusesAGridThatCannotBe) {
     EXPECT_EQ(mAssembly->Grid().Rows(), 300);
 }
 
+TEST_F(Assembly, OpensThePortForAHostAndRaisesWhatKeepsItFromOpening) {
+    EXPECT_FALSE(mAssembly->Serial().PortOpen());
+    mAssembly->OpenPort();
+    EXPECT_TRUE(mAssembly->Serial().PortOpen());
+    EXPECT_FALSE(mAssembly->Serial().LastFailure());
+    Assemble(mFolder.File("no-device"));
+    const int number = NumberRaisedBy([&] { mAssembly->OpenPort(); });
+    ASSERT_TRUE(mAssembly->Serial().LastFailure());
+    EXPECT_EQ(mAssembly->Serial().LastFailure()->number, number);
+    EXPECT_THAT(mAssembly->Serial().LastFailure()->description, HasSubstr("no-device"));
+}
+
+TEST_F(Assembly, ShowsTextInTheGridAsIfTheLineHadBroughtIt) {
+    Show();
+    std::string received;
+    const Subscription text =
+        mAssembly->Viewport().Received.Connect([&](std::string_view bytes) { received += bytes; });
+    const int changes = mScreen.mChanges;
+    mAssembly->Viewport().Show("shown\r\n");
+    EXPECT_EQ(received, "shown\r\n");
+    EXPECT_EQ(mAssembly->Grid().Row(mAssembly->Grid().CursorRow() - 1).text, "shown");
+    EXPECT_GT(mScreen.mChanges, changes);
+}
+
+TEST_F(Assembly, HandsOutEachChangeOfTheGridOnce) {
+    TerminalChanges changes = mAssembly->Changes();
+    changes.TakeDamage();
+    mAssembly->Viewport().Show("a\a");
+    EXPECT_FALSE(changes.TakeDamage().rows.empty());
+    EXPECT_TRUE(changes.TakeDamage().Empty());
+    EXPECT_TRUE(changes.TakeBell());
+    EXPECT_FALSE(changes.TakeBell());
+}
+
 TEST_F(Assembly, MayGoInsideAnEventOfASearch) {
     const Subscription status = Control().StatusEvent.Connect(
         [&](std::string&, std::int16_t, bool&) { mAssembly.reset(); });

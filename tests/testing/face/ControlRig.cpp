@@ -59,7 +59,7 @@ void ControlRig::Press(Qt::Key key, Qt::KeyboardModifiers held) {
 }
 
 void ControlRig::Receive(std::string_view text) {
-    mWidget->assembly().Serial().WriteTerminal(text);
+    mWidget->assembly().Viewport().Show(text);
     EXPECT_TRUE(WaitUntil([this] { return !Grid().HasDamage(); }));
     QTest::qWait(0);
 }

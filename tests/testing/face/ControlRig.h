@@ -37,7 +37,7 @@ class ControlRig {
 
     QNCommWidget& Widget() { return *mWidget; }
     QWidget& View();
-    Terminal& Grid() { return mWidget->assembly().Grid(); }
+    const Terminal& Grid() { return mWidget->assembly().Grid(); }
     bool HasWidget() const { return mWidget != nullptr; }
     void DeleteWidget();
 

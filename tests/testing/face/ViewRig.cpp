@@ -1,5 +1,6 @@
 #include "testing/face/ViewRig.h"
 
+#include "terminal/TerminalChanges.h"
 #include "terminal/view/TerminalText.h"
 #include "testing/face/Windows.h"
 
@@ -8,7 +9,7 @@
 namespace qncomm::testing {
 
 ViewRig::ViewRig(Terminal::Options options, QSize size)
-    : grid(std::move(options)), view(grid, input) {
+    : grid(std::move(options)), view(grid, TerminalChanges(grid), input) {
     grid.Appearance().displayState = 1;
     view.resize(size);
     ShowActive(view);

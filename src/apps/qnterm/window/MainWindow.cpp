@@ -235,7 +235,7 @@ void MainWindow::UsePort(const qncomm::ChosenPort& port) {
     GiveLabels(port);
     mCentre->setCurrentWidget(mWelcome); // the control gives the former port back
     qncomm::QNComm& control = mControl->control();
-    mControl->assembly().Serial().Bindings() = mBook.Bindings();
+    mControl->assembly().Bindings() = mBook.Bindings();
     qncomm::MemoryPropertyBag looks;
     control.UserControl_WriteProperties(looks);
     control.UserControl_ReadProperties(looks); // forgets what was known of the former printer

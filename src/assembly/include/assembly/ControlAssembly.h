@@ -5,6 +5,7 @@
 #include "platform/Reactor.h"
 #include "serial/PDQComm.h"
 #include "terminal/Terminal.h"
+#include "terminal/TerminalChanges.h"
 
 #include <memory>
 
@@ -47,15 +48,33 @@ class ControlAssembly {
 
     /// The control; valid as long as the assembly.
     QNComm& Control() { return *mControl; }
-    /// The serial control under it, for what the control does not offer: bindings, the last
-    /// failure, how a transfer went. Its terminal and event sinks are taken; see
-    /// TerminalViewport::Received.
-    PDQComm& Serial();
-    /// The characters of the terminal, for a face that paints them. What writes to it goes through
-    /// the viewport, so that the screen hears of it.
-    Terminal& Grid();
-    /// The control's viewport on that grid.
+    /// The control's viewport: what is typed goes in there, and what the printer says comes out.
     TerminalViewport& Viewport();
+
+    // -- The line under the control. The control drives it; a host reads it, and asks for little.
+
+    /// The serial control, to read: whether the port is open, its name, why it failed, how a
+    /// transfer goes.
+    const PDQComm& Serial() const;
+    /// Which address each port number stands for. A change counts from the next opening.
+    PortBindings& Bindings();
+    /// Opens the port, unless it is open, and raises what keeps it from opening: a search of the
+    /// control would only say that it has found nothing. The control takes the open port over, and
+    /// closes it when its last claim is given back.
+    void OpenPort();
+    /// How the next transfers are done.
+    void SetTransferPreferences(TransferPreferences preferences);
+    /// Cancels a transfer that runs, and tells the other side at once; nothing happens without one.
+    /// The operation that started it ends as after any failed transfer.
+    void CancelTransfer();
+
+    // -- The characters of the terminal
+
+    /// The characters, to read. What changes them goes through the control or its viewport, so that
+    /// the screen is told.
+    const Terminal& Grid() const;
+    /// Their changes, for the one face that paints them.
+    TerminalChanges Changes();
 
   private:
     struct Line;

@@ -46,6 +46,10 @@ class TerminalViewport final : public ViewportTerminal {
     /// for the call alone. An error that a handler raises goes to the loop's turn.
     Event<std::string_view> Received;
 
+    /// Shows text in the grid as if it had come from the line: bytes of the printer's character
+    /// set.
+    void Show(std::string_view sText);
+
     /// Typed keys, as bytes for the line. Returns how many it took: none while the
     /// port is closed or an operation has it, fewer than all when the line is behind.
     std::size_t Type(std::string_view sKeys);
@@ -72,7 +76,6 @@ class TerminalViewport final : public ViewportTerminal {
     void Move(const Rectangle& place) override;
 
   private:
-    void Show(std::string_view text);
     void Resize(std::int16_t rows, std::int16_t columns);
     void TellChange();
 

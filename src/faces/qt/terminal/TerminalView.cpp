@@ -42,8 +42,9 @@ QFont FontFor(const terminal::TerminalAppearance& appearance, int zoom) {
 
 } // namespace
 
-TerminalView::TerminalView(Terminal& grid, TerminalInput& input, QWidget* parent)
-    : QAbstractScrollArea(parent), mParts(std::make_unique<Parts>(grid, input)) {
+TerminalView::TerminalView(const Terminal& grid, TerminalChanges changes, TerminalInput& input,
+                           QWidget* parent)
+    : QAbstractScrollArea(parent), mParts(std::make_unique<Parts>(grid, changes, input)) {
     InstallTerminalAccessibility();
     setFrameShape(QFrame::NoFrame);
     setFocusPolicy(Qt::StrongFocus);
@@ -69,7 +70,7 @@ TerminalView::TerminalView(Terminal& grid, TerminalInput& input, QWidget* parent
         setFocus();
     });
     UseFont();
-    p.grid.TakeDamage(); // all of it is shown with the first paint
+    p.changes.TakeDamage(); // all of it is shown with the first paint
 }
 
 TerminalView::~TerminalView() = default;
@@ -219,7 +220,7 @@ void TerminalView::ShowFrame() {
     p.sinceFrame.start();
     ++p.frames;
     if (p.shown != p.grid.Appearance()) UseFont();
-    const terminal::Damage damage = p.grid.TakeDamage();
+    const terminal::Damage damage = p.changes.TakeDamage();
     const bool renumbered = p.scroll.Update(damage);
     const bool marked = !p.selection.Empty() && !p.dragging;
     if (marked && !p.selection.Outlives(p.text, damage, renumbered)) ClearSelection();
@@ -228,7 +229,7 @@ void TerminalView::ShowFrame() {
     for (const std::uint16_t row : damage.rows)
         UpdateLine(p.text.ScreenBegin() + row - 1);
     UpdateCursorCell();
-    if (p.grid.TakeBell()) Ring();
+    if (p.changes.TakeBell()) Ring();
     p.readers.Tell(*this, p.text, p.scroll.ContentEnd());
     p.frameCostNs = p.sinceFrame.nsecsElapsed(); // painting adds its part
 }

@@ -17,6 +17,7 @@
 namespace qncomm {
 
 class Terminal;
+class TerminalChanges;
 struct ReaderScreen;
 struct TextPosition;
 enum class ViewCommand : std::uint8_t;
@@ -34,8 +35,9 @@ class TerminalView : public QAbstractScrollArea {
     Q_OBJECT
 
   public:
-    /// Grid and input must outlive the view.
-    TerminalView(Terminal& grid, TerminalInput& input, QWidget* parent = nullptr);
+    /// Grid, its changes and input must outlive the view.
+    TerminalView(const Terminal& grid, TerminalChanges changes, TerminalInput& input,
+                 QWidget* parent = nullptr);
     ~TerminalView() override;
 
     /// To be called when the grid or its appearance has changed: the view repaints within 50 ms.

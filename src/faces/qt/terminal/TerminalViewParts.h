@@ -6,16 +6,18 @@
 #include "TerminalAccessible.h"
 #include "TerminalView.h"
 #include "terminal/Terminal.h"
+#include "terminal/TerminalChanges.h"
 #include "terminal/view/TerminalScroll.h"
 #include "terminal/view/TerminalSelection.h"
 
 namespace qncomm {
 
 struct TerminalView::Parts {
-    Parts(Terminal& ownGrid, TerminalInput& ownInput)
-        : grid(ownGrid), input(ownInput), text(ownGrid), scroll(text) {}
+    Parts(const Terminal& ownGrid, TerminalChanges ownChanges, TerminalInput& ownInput)
+        : grid(ownGrid), changes(ownChanges), input(ownInput), text(ownGrid), scroll(text) {}
 
-    Terminal& grid;
+    const Terminal& grid;
+    TerminalChanges changes;
     TerminalInput& input;
     TerminalText text;
     TerminalScroll scroll;

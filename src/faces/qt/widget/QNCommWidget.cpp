@@ -50,7 +50,7 @@ QNCommWidget::QNCommWidget(Mode mode, QWidget* parent, ControlAssembly::Options 
     QNComm& control = p.assembly->Control();
     p.title = new TitleBar(control.lblCaption, control.cmdClose, p.guard, this);
     p.toolbar = new ToolbarView(control.Toolbar1, p.guard, this);
-    p.view = new TerminalView(p.assembly->Grid(), p.surroundings, this);
+    p.view = new TerminalView(p.assembly->Grid(), p.assembly->Changes(), p.surroundings, this);
     p.grip = new SizerGrip(this);
     setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Expanding);
     setFocusProxy(p.view);
@@ -108,7 +108,7 @@ void QNCommWidget::Load() {
     run([&p](QNComm& control) {
         control.UserControl_ReadProperties(p.bag);
         if (!p.settings) p.settings = std::make_shared<FileSettings>(FileSettings::DefaultPath());
-        auto& bindings = p.assembly->Serial().Bindings();
+        auto& bindings = p.assembly->Bindings();
         if (bindings.List().empty()) {
             bindings.AddSettings(*p.settings);
             bindings.AddDevices(FindSerialDevices());
@@ -137,10 +137,10 @@ QString QNCommWidget::setPortAddress(const QString& sAddress) {
     Parts& p = *mParts;
     const std::string address = ToHost(sAddress);
     if (p.loaded && p.mode == RunMode) {
-        PDQComm& serial = p.assembly->Serial();
-        return FromHost(serial.Bindings().Give(serial.PortNumber(), address));
+        const std::int16_t port = p.assembly->Serial().PortNumber();
+        return FromHost(p.assembly->Bindings().Give(port, address));
     }
-    std::string wrong = PortBindings(p.assembly->Serial().Bindings().Kinds()).Give(0, address);
+    std::string wrong = PortBindings(p.assembly->Bindings().Kinds()).Give(0, address);
     if (wrong.empty()) p.address = sAddress;
     return FromHost(wrong);
 }
