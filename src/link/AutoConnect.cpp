@@ -18,7 +18,7 @@ constexpr std::int32_t ProbeDrain = 50;
 constexpr std::int32_t ProbeSilence = 50;
 constexpr std::int32_t SetupDrain = 100;
 constexpr std::int32_t SetupSilence = 200;
-constexpr std::int32_t LongestReply = 3000; ///< a device that never stops talking is no printer
+constexpr std::int32_t LongestAnswer = 3000; ///< a device that never stops talking is no printer
 
 constexpr std::string_view Probe = "\x11\rIMMEDIATE ON:SYSVAR(18)=-1:PRINT\"HELLO\"\r";
 constexpr std::array<std::int16_t, 3> Channels = {1, 2, 3};
@@ -142,7 +142,7 @@ AutoConnectSearch::Outcome AutoConnectSearch::TryCombination(const std::string& 
     Flush();
     Serial().Write(Probe);
     WaitForDrain(ProbeDrain);
-    if (Collect(ProbeSilence, "HELLO").complete) {
+    if (CollectAnswer("HELLO").complete) {
         mRate = rate;
         mFormat = format;
         return Outcome::Answered;
@@ -156,7 +156,7 @@ bool AutoConnectSearch::FindChannel() {
     for (const std::int16_t channel : Channels) {
         Serial().Write(ChannelLine(channel));
         WaitForDrain(ProbeDrain);
-        const Reply collected = Collect(ProbeSilence, "=");
+        const Reply collected = CollectAnswer("=");
         reply += collected.text;
         if (collected.complete) break;
     }
@@ -167,12 +167,13 @@ bool AutoConnectSearch::FindChannel() {
 bool AutoConnectSearch::ReadSetup() {
     if (mState.ReportStatus("Reading Printer Setup", mProgress)) return false;
     Flush();
-    Serial().Write("SYSVAR(19)=2:SETUP WRITE \"UART" + ToText(std::int32_t{mState.link.Stdio()})
-                   + ":\"\r");
+    const std::string command =
+        "SYSVAR(19)=2:SETUP WRITE \"UART" + ToText(std::int32_t{mState.link.Stdio()}) + ":\"";
+    Serial().Write(command + "\r");
     WaitForDrain(SetupDrain);
-    const Reply reply = Collect(SetupSilence, {});
+    const std::string reply = CollectSetup(command);
     Serial().SetPortOpen(false);
-    const auto setup = ParseSetupReply(reply.text, mState.link.Stdio());
+    const auto setup = ParseSetupReply(reply, mState.link.Stdio());
     if (!setup) return false;
     Learn(*setup);
     return true;
@@ -206,23 +207,42 @@ void AutoConnectSearch::MoveToFront(Collection<std::string>& collection, const s
         collection.AddBefore(1, item, item);
 }
 
-AutoConnectSearch::Reply AutoConnectSearch::Collect(std::int32_t silence, std::string_view marker) {
-    Reply reply;
+std::string AutoConnectSearch::Collect(std::int32_t silence, const Judge& needsMore) {
+    std::string text;
     const StopWatch whole(mState.host.loop);
     StopWatch watch(mState.host.loop);
-    while (whole.ElapsedMs() <= LongestReply) {
+    for (;;) {
         const std::string chunk = Serial().Read();
         if (!chunk.empty()) {
-            reply.text += NormalizeLineEnds(Strip8thBit(chunk));
-            reply.complete = HasThen(reply.text, marker, "Ok\r\n");
-            if (reply.complete) break;
+            text += NormalizeLineEnds(Strip8thBit(chunk));
             watch.Restart();
         }
         const std::int32_t left = watch.UntilExceeds(silence);
-        if (left == 0) break;
+        if (left == 0 || !needsMore(text, whole.ElapsedMs())) return text;
         mState.Yield(left);
     }
+}
+
+AutoConnectSearch::Reply AutoConnectSearch::CollectAnswer(std::string_view marker) {
+    Reply reply;
+    reply.text = Collect(ProbeSilence, [&](const std::string& text, std::int32_t elapsed) {
+        reply.complete = HasThen(text, marker, "Ok\r\n");
+        return !reply.complete && elapsed <= LongestAnswer;
+    });
     return reply;
+}
+
+std::string AutoConnectSearch::CollectSetup(const std::string& command) {
+    return Collect(SetupSilence, [&](const std::string& text, std::int32_t elapsed) {
+        switch (ProgressOfSetup(text, command, mState.link.Stdio())) {
+        case SetupProgress::NotBegun:
+            return elapsed <= LongestAnswer;
+        case SetupProgress::Listing:
+            return true; // however long it is, on however slow a line
+        default:
+            return false;
+        }
+    });
 }
 
 void AutoConnectSearch::WaitForDrain(std::int32_t limit) {

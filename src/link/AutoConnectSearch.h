@@ -47,8 +47,13 @@ class AutoConnectSearch {
     void Learn(const SetupReply& setup);
     static void MoveToFront(Collection<std::string>& collection, const std::string& item);
 
+    /// Takes what has come, as the search reads it; whether it is to be read on.
+    using Judge = std::function<bool(const std::string& text, std::int32_t elapsed)>;
+    /// Reads until nothing came for silence ms or what has come needs no more.
+    std::string Collect(std::int32_t silence, const Judge& needsMore);
     /// Reads until the reply is complete or nothing came for silence ms.
-    Reply Collect(std::int32_t silence, std::string_view marker);
+    Reply CollectAnswer(std::string_view marker);
+    std::string CollectSetup(const std::string& command);
     void WaitForDrain(std::int32_t limit);
     void Flush();
     /// Opens the port with the given settings, with those it has when empty.

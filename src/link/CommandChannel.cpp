@@ -37,6 +37,10 @@ class SentPrefix {
     std::size_t mSent = 0;
 };
 
+bool HoldsOk(std::string_view received) {
+    return received.find(EndOfReply) != std::string_view::npos;
+}
+
 /// An error that the printer reported in a reply line.
 struct PrinterError {
     std::int32_t number = 0; ///< 0: the line reports none
@@ -118,43 +122,51 @@ void LinkState::WaitForEcho() {
 
 std::int32_t clsDataLink::InputText(std::vector<std::string>& sInputLines, bool bNoQNErrorCheck,
                                     std::int32_t lTimeout) {
-    mState->AwaitReply(lTimeout, nullptr);
-    const std::int32_t count = mState->TakeReceivedLines(sInputLines);
-    if (!bNoQNErrorCheck && count >= 2)
-        mState->GetPrinterError(sInputLines[static_cast<std::size_t>(count - 2)]);
+    mState->AwaitReply(lTimeout, {});
+    return bNoQNErrorCheck ? mState->TakeReceivedLines(sInputLines)
+                           : mState->TakeReply(sInputLines);
+}
+
+std::int32_t clsDataLink::InputListing(std::vector<std::string>& sInputLines,
+                                       std::int32_t lTimeout) {
+    mState->AwaitReply(lTimeout, {.end = "\r\nOk\r\n"});
+    return mState->TakeReply(sInputLines);
+}
+
+std::int32_t LinkState::TakeReply(std::vector<std::string>& lines) {
+    const std::int32_t count = TakeReceivedLines(lines);
+    if (count >= 2) GetPrinterError(lines[static_cast<std::size_t>(count - 2)]);
     return count;
 }
 
 std::int32_t clsDataLink::InputTextUntilQuiet(std::vector<std::string>& sInputLines,
                                               std::int32_t lTimeout, std::int32_t lQuiet) {
     // Such commands may have turned the echo off.
-    mState->AwaitReply(lTimeout, [](std::string_view received) {
-        return received.find(EndOfReply) != std::string_view::npos;
-    });
+    mState->AwaitReply(lTimeout, {.unechoed = HoldsOk});
     mState->AwaitQuiet(lQuiet, std::numeric_limits<std::int32_t>::max());
     return mState->TakeReceivedLines(sInputLines);
 }
 
-void LinkState::AwaitReply(std::int32_t timeout, UnechoedReply unechoed) {
+void LinkState::AwaitReply(std::int32_t timeout, const ReplyRule& rule) {
     StopWatch watch(host.loop);
     std::uint64_t heard = arrivals;
-    while (!HoldsReply(unechoed)) {
+    while (!HoldsReply(rule)) {
         RequireReadable();
         if (std::exchange(heard, arrivals) != arrivals) watch.Restart();
         const std::int32_t left = watch.UntilExceeds(timeout);
         if (left == 0) {
-            const bool another = received.find(EndOfReply) != std::string::npos;
+            const bool another = !BeginsWithEcho() && HoldsOk(received);
             Fail(another ? ErrProtocol : ErrInputTimeout, InputSource);
         }
         Yield(left);
     }
 }
 
-bool LinkState::HoldsReply(UnechoedReply unechoed) {
-    if (!BeginsWithEcho()) return unechoed != nullptr && unechoed(received);
-    const std::size_t from = judged - std::min(judged, EndOfReply.size() - 1);
+bool LinkState::HoldsReply(const ReplyRule& rule) {
+    if (!BeginsWithEcho()) return rule.unechoed != nullptr && rule.unechoed(received);
+    const std::size_t from = judged - std::min(judged, rule.end.size() - 1);
     judged = received.size();
-    return received.find(EndOfReply, from) != std::string::npos;
+    return received.find(rule.end, from) != std::string::npos;
 }
 
 bool LinkState::BeginsWithEcho() {

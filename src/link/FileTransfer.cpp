@@ -5,6 +5,7 @@
 
 #include "common/Numbers.h"
 #include "common/QNError.h"
+#include "common/RuntimeErrors.h"
 #include "common/StopWatch.h"
 #include "common/Text.h"
 #include "common/modErrorHandling.h"
@@ -33,15 +34,17 @@ constexpr std::string_view DownloadFailedSource = "QNComm, clsDataLink:KermitDow
 /// Received bytes stay on the port while it lives.
 class NoReceiveEvents {
   public:
-    explicit NoReceiveEvents(SerialControl& serial) : mSerial(serial) {
-        mSerial.SetReceiveThreshold(0);
+    explicit NoReceiveEvents(LinkState& state) : mState(state) {
+        mState.Serial().SetReceiveThreshold(0);
     }
-    ~NoReceiveEvents() { mSerial.SetReceiveThreshold(1); }
+    ~NoReceiveEvents() {
+        if (mState.serial != nullptr) mState.serial->SetReceiveThreshold(1);
+    }
     NoReceiveEvents(const NoReceiveEvents&) = delete;
     NoReceiveEvents& operator=(const NoReceiveEvents&) = delete;
 
   private:
-    SerialControl& mSerial;
+    LinkState& mState;
 };
 
 std::string UploadCommand(const std::string& destination) {
@@ -103,6 +106,7 @@ bool FileTransfer::Run(const std::function<void()>& start) {
         if (step == Step::Failed) mState.link.Delay(FailureDelay);
         if (step != Step::GoOn) return step == Step::Over;
         mState.Yield(WakeInterval);
+        if (mState.serial == nullptr) RaiseRuntimeError(RtObjectNotSet, "clsDataLink");
     }
 }
 
@@ -178,7 +182,7 @@ void LinkState::OnTransfer() {
 
 bool LinkState::RunKermit(PortClaim claim, FileTransfer& transfer, const std::string& command,
                           const std::function<void()>& start) {
-    const NoReceiveEvents polled(Serial());
+    const NoReceiveEvents polled(*this);
     Serial().FlushTransmit();
     Serial().FlushReceive();
     Serial().SetTransferKind(TransferKermit);
@@ -255,7 +259,7 @@ void clsDataLink::BinaryDownload(const std::string& sDestination, std::int16_t i
         FileTransfer transfer(
             *mState,
             {.verb = DownloadVerb, .name = FileNameOf(sDestination), .target = sDestination});
-        const NoReceiveEvents polled(mState->Serial());
+        const NoReceiveEvents polled(*mState);
         done = mState->RunBinary(transfer, iProtocol,
                                  [&] { mState->Serial().ReceiveFile(sDestination); });
     }

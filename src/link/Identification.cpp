@@ -91,12 +91,11 @@ void LinkState::GetVersion() {
 
 void LinkState::Handshake() {
     link.OutputText("PRINT SYSVAR(18):PRINT SYSVAR(19):SYSVAR(18)=-1:SYSVAR(19)=2\r\n");
-    AwaitReply(HandshakeTimeout, TellsTwoNumbers);
+    AwaitReply(HandshakeTimeout, {.unechoed = TellsTwoNumbers});
     if (outOfStep) AwaitQuiet(ResyncQuiet, ResyncLongest);
     outOfStep = false;
     std::vector<std::string> lines;
-    const auto count = static_cast<std::size_t>(TakeReceivedLines(lines));
-    if (count >= 2) GetPrinterError(lines[count - 2]);
+    const auto count = static_cast<std::size_t>(TakeReply(lines));
     // The previous values stand one line further up in the replies of today's printers, so what is
     // kept here is 0; hosts rely on these indexes.
     if (count < 3 || lines[count - 2] != "Ok") return;

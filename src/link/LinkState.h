@@ -75,12 +75,18 @@ struct LinkState {
     // -- CommandChannel.cpp
 
     void WaitForEcho();
-    /// Whether received text without the echo is a reply all the same.
-    using UnechoedReply = bool (*)(std::string_view received);
-    /// Waits for the reply to what was sent: its echo and, behind that, "Ok" CR LF. What stands
-    /// before the echo is dropped. Raises what InputText raises for none.
-    void AwaitReply(std::int32_t timeout, UnechoedReply unechoed);
-    bool HoldsReply(UnechoedReply unechoed);
+    /// What makes up a reply beside the echo at its beginning.
+    struct ReplyRule {
+        std::string_view end = "Ok\r\n"; ///< what it ends in
+        /// Whether received text without the echo is a reply all the same; null for never.
+        bool (*unechoed)(std::string_view received) = nullptr;
+    };
+    /// Waits for the reply to what was sent. What stands before the echo is dropped. Raises what
+    /// InputText raises for none.
+    void AwaitReply(std::int32_t timeout, const ReplyRule& rule);
+    bool HoldsReply(const ReplyRule& rule);
+    /// Takes the reply and raises the error that the printer reports in it; the count of its lines.
+    std::int32_t TakeReply(std::vector<std::string>& lines);
     /// Whether the received text begins with the echo of what was sent, what stood before it being
     /// dropped; true as well when nothing was sent.
     bool BeginsWithEcho();

@@ -52,11 +52,12 @@ void LinkState::WaitForBoot(DetachedSink& detached) {
     std::string tail; // what came last, in case the answer is split
     for (std::int32_t attempt = 1;; ++attempt) {
         link.Delay(BetweenAttempts);
-        tail += Serial().Read();
+        const std::string more = Serial().Read();
+        tail += more;
         if (tail.find("Ok") != std::string::npos) return;
         if (!tail.empty()) tail.erase(0, tail.size() - 1);
         if (attempt % AttemptsPerSearch != 0) {
-            if (tail.empty()) Serial().Write("SYSVAR(18)=-1\r\n");
+            if (more.empty()) Serial().Write("SYSVAR(18)=-1\r\n");
             continue;
         }
         if (link.AutoConnect(ToInt16(Val(commport)))) return;

@@ -4,6 +4,7 @@
 #include "common/Text.h"
 #include "link/clsDataLink.h"
 
+#include <algorithm>
 #include <array>
 #include <utility>
 
@@ -38,10 +39,32 @@ bool Names(const std::string& line, const std::string& channel, std::string_view
     return line.find(channel + std::string(item)) != std::string::npos;
 }
 
+constexpr std::size_t LongestSetup = 32UL * 1024; ///< several times what any printer lists
+constexpr std::size_t MostStrangeLines = 10;      ///< a damaged line costs no printer
+
+std::string UartName(std::int16_t channel) {
+    return "UART" + std::to_string(channel);
+}
+
 } // namespace
 
+SetupProgress ProgressOfSetup(std::string_view text, std::string_view command,
+                              std::int16_t channel) {
+    const std::size_t begin =
+        std::min(text.find(command), UpperCase(text).find(UartName(channel) + ","));
+    if (begin == std::string_view::npos) return SetupProgress::NotBegun;
+    const std::string_view listing = text.substr(begin);
+    if (listing.find("Ok\r\n") != std::string_view::npos) return SetupProgress::Complete;
+    const std::vector<std::string> lines = SplitNonEmpty(listing, CrLf);
+    const auto strange = std::ranges::count_if(
+        lines, [](const std::string& line) { return line.find(',') == std::string::npos; });
+    const bool foreign =
+        listing.size() > LongestSetup || static_cast<std::size_t>(strange) > MostStrangeLines;
+    return foreign ? SetupProgress::Foreign : SetupProgress::Listing;
+}
+
 std::optional<SetupReply> ParseSetupReply(std::string_view text, std::int16_t channel) {
-    const std::string uart = "UART" + std::to_string(channel);
+    const std::string uart = UartName(channel);
     SetupReply reply;
     std::size_t found = 0;
     for (const std::string& line : SplitNonEmpty(UpperCase(NormalizeLineEnds(text)), CrLf)) {

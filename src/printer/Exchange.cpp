@@ -26,7 +26,12 @@ std::optional<clsQuorin::Reply> clsQuorin::Run(const Exchange& exchange) {
     PortClaim claim = Claim();
     if (!claim) return std::nullopt;
     const std::string suffix = SystemLevelAllowed(exchange.systemLevel) ? ",A" : "";
-    Reply reply = Ask(exchange.line + suffix, exchange.timeout);
+    SendLine(exchange.line + suffix);
+    Reply reply;
+    if (exchange.listing)
+        Link().InputListing(reply, exchange.timeout);
+    else
+        Link().InputText(reply, false, exchange.timeout);
     claim.Release();
     for (const std::string& path : exchange.dirty)
         SetDeviceDirty(path);

@@ -15,6 +15,7 @@ namespace qncomm {
 struct clsQuorin::Exchange {
     std::string line;
     std::int32_t timeout = 1000;      ///< ms for the reply
+    bool listing = false;             ///< only a line that is "Ok" alone ends the reply
     bool systemLevel = false;         ///< ends the line in ",A" on the models that know it
     std::vector<std::string> dirty{}; ///< paths whose devices change with it
 };

@@ -46,7 +46,7 @@ std::int32_t clsQuorin::Fre() {
 }
 
 void clsQuorin::UploadQNProgram(const std::string& sFileName) {
-    const auto reply = Run({.line = "LIST"});
+    const auto reply = Run({.line = "LIST", .listing = true});
     if (!reply) return;
     std::string listing;
     for (std::size_t i = 1; i + 1 < reply->size(); ++i)

@@ -60,6 +60,26 @@ TEST_F(AutoConnect, TheThirdChannelIsFoundAndNoMarkerMeansTheFirst) {
     EXPECT_EQ(mLink.Stdio(), 1);
 }
 
+TEST_F(AutoConnect, APrinterThatTakesLongToOpenItsChannelIsFound) {
+    for (const std::int32_t ms : {50, 70, 110}) {
+        mOpenTakes = ms;
+        EXPECT_TRUE(mLink.AutoConnect(1)) << ms;
+        EXPECT_EQ(mLink.Stdio(), 1) << ms;
+    }
+}
+
+TEST_F(AutoConnect, ALongSetupOnASlowLineIsReadToItsEnd) {
+    mSetup.clear();
+    for (int item = 0; item < 97; ++item)
+        mSetup.push_back("MEDIA,ITEM " + std::to_string(item) + ",100");
+    for (const std::string& item : SetupOf("UART1"))
+        mSetup.push_back(item);
+    mItemTakes = 48;
+    const std::int64_t start = mLoop.NowMs();
+    EXPECT_TRUE(mLink.AutoConnect(1));
+    EXPECT_GE(mLoop.NowMs() - start, 104 * 48);
+}
+
 TEST_F(AutoConnect, FlowControlComesFromTheSetup) {
     struct Case {
         const char* enabled;

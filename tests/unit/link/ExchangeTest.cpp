@@ -125,6 +125,29 @@ TEST_F(Exchange, TheLimitCountsFromTheLastGrowth) {
     EXPECT_EQ(mLoop.NowMs() - last, 700 + 1001);
 }
 
+TEST_F(Exchange, ALineFeedThatComesAloneIsGrowthToo) {
+    mSerial.Expect("X\r\n");
+    for (const char c : std::string("X\r\n1\r\nOk\r\n"))
+        mSerial.Reply(std::string(1, c), 700);
+    mLink.OutputText("X\r\n");
+    EXPECT_THAT(ReadReply(1000), ElementsAre("X", "1", "Ok"));
+}
+
+TEST_F(Exchange, AListingEndsWithALineThatIsOkAlone) {
+    mSerial.Expect("LIST\r\n").Reply("LIST\r\n10 REM Ok\r\n").Reply("20 PRINT \"Ok\r\n", 900);
+    mSerial.Reply("30 END\r\n", 900).Reply("Ok\r\n", 900);
+    mLink.OutputText("LIST\r\n");
+    Lines lines;
+    EXPECT_EQ(mLink.InputListing(lines), 5);
+    EXPECT_EQ(lines[3], "30 END");
+    mSerial.Expect("LIST\r\n").Reply("LIST\r\nOk\r\n");
+    mLink.OutputText("LIST\r\n");
+    EXPECT_EQ(mLink.InputListing(lines), 2) << "of no program";
+    mSerial.Expect("LIST\r\n").Reply("LIST\r\nError 5: x\r\nOk\r\n");
+    mLink.OutputText("LIST\r\n");
+    EXPECT_RAISED(mLink.InputListing(lines), 60005);
+}
+
 TEST_F(Exchange, ACompleteReplyIsTakenHoweverLateTheLoopComesBack) {
     mSerial.Expect("X\r\n").Reply("X\r\nOk\r\n", 100);
     mLink.OutputText("X\r\n");

@@ -386,6 +386,23 @@ TEST_F(FileTransfer, ATerminalHiddenMeanwhileIsGivenBackAtTheEnd) {
     EXPECT_FALSE(mSerial.PortOpen());
 }
 
+TEST_F(FileTransfer, TearDownBeforeTheFirstPacketEndsTheWait) {
+    for (const bool binary : {false, true}) {
+        mLoop.After(5000, [this] { mLink.TearDown(); });
+        if (!binary) Expect("TRANSFER K \"R\"");
+        const auto send = [&] {
+            if (binary)
+                mLink.BinaryUpload(mPath);
+            else
+                mLink.KermitUpload(mPath, "LABEL.PRG");
+        };
+        EXPECT_RAISED(send(), 91);
+        EXPECT_EQ(mLink.UseCount(), 0);
+        mLink.SetSerialPort(&mSerial);
+        mSerial.SetPortOpen(true);
+    }
+}
+
 TEST_F(FileTransfer, TheEndOfTheProgramAbortsTheTransfer) {
     Expect("TRANSFER K \"R\"", "");
     mSerial.mTransfer = {{10, TransferStarted}};

@@ -45,6 +45,14 @@ TEST_F(Reboot, AnAnswerMayComeInPieces) {
     EXPECT_EQ(mLoop.NowMs() - mStart, 1001 + 10'001 + 2 * 2001);
 }
 
+TEST_F(Reboot, AGreetingIsNoAnswerAndThePrinterIsAskedAfterIt) {
+    mSerial.Arrive("Welcome\r\n", 1001 + 10'001 + 500);
+    mSerial.Expect("SYSVAR(18)=-1\r\n").Reply("SYSVAR(18)=-1\r\nOk\r\n", 10);
+    mLink.Reboot();
+    EXPECT_EQ(mLoop.NowMs() - mStart, 1001 + 10'001 + 3 * 2001);
+    ExpectRestored();
+}
+
 TEST_F(Reboot, WaitsForDsrWhenItIsWatched) {
     mLink.SetDSRDetectActive(true);
     mLoop.After(500, [this] { mSerial.mDsr = false; });

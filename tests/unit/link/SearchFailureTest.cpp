@@ -74,6 +74,19 @@ TEST_F(SearchFailure, ACombinationThePortRefusesIsSkipped) {
     EXPECT_EQ(mTried.size(), 7U);
 }
 
+TEST_F(SearchFailure, WhoeverBabblesInsteadOfASetupIsNoPrinter) {
+    mItemTakes = 100;
+    mSetup.assign(10'000, "label printed");
+    const std::int64_t start = mLoop.NowMs();
+    EXPECT_FALSE(mLink.AutoConnect(1));
+    EXPECT_LE(mLoop.NowMs() - start, 4000) << "ten lines that are no items are enough";
+    mSettingsThatWork = "9600,n,8,2";
+    mSetup.assign(10'000, "an item,without end");
+    EXPECT_FALSE(mLink.AutoConnect(1));
+    EXPECT_LE(mLoop.NowMs() - start, 300'000);
+    ExpectPutBack();
+}
+
 TEST_F(SearchFailure, HelloWithoutOkDoesNotCount) {
     mSaysOk = false;
     EXPECT_FALSE(mLink.AutoConnect(1));

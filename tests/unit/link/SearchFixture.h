@@ -26,7 +26,9 @@ class SearchFixture : public LinkFixture {
     int mChannel = 1;
     Lines mSetup = SetupOf("UART1");
     bool mSaysOk = true;
-    std::int32_t mAnswersAfter = 10; ///< ms
+    std::int32_t mAnswersAfter = 10; ///< ms for a line; they are answered one after another
+    std::int32_t mOpenTakes = 0;     ///< ms more for a line that opens a channel
+    std::int32_t mItemTakes = 0;     ///< ms for each line of the setup
     Lines mHeard;                    ///< command lines, without their line end
     Lines mTried;                    ///< settings under which something was sent
 
@@ -48,18 +50,30 @@ class SearchFixture : public LinkFixture {
 
     void Answer(const std::string& line) {
         mHeard.push_back(line);
+        mFreeAt = std::max(mFreeAt, mLoop.NowMs()) + mAnswersAfter;
+        if (line.starts_with("OPEN")) mFreeAt += mOpenTakes;
         std::string reply = line + "\r\n";
         if (line.find("HELLO") != std::string::npos) reply += "HELLO\r\n";
         if (line.find("UART" + std::to_string(mChannel) + ":\" FOR OUTPUT") != std::string::npos)
             reply += "=" + std::to_string(mChannel) + "\r\n";
         if (line.find("SETUP WRITE") != std::string::npos)
-            for (const std::string& item : mSetup)
+            for (const std::string& item : mSetup) {
                 reply += item + "\r\n";
+                if (mItemTakes == 0) continue;
+                Say(std::exchange(reply, {}));
+                mFreeAt += mItemTakes;
+            }
         if (line.starts_with("PRINT SYSVAR")) reply += "-1\r\n2\r\n";
         if (line.starts_with("PRINT VERSION")) reply += "1.0\r\nR7A\r\n";
         if (mSaysOk) reply += "Ok\r\n";
-        mSerial.Arrive(reply, mAnswersAfter);
+        Say(reply);
     }
+
+    void Say(const std::string& text) {
+        mSerial.Arrive(text, static_cast<std::int32_t>(mFreeAt - mLoop.NowMs()));
+    }
+
+    std::int64_t mFreeAt = 0;
 };
 
 } // namespace qncomm::testing

@@ -159,6 +159,10 @@ class clsDataLink {
     std::int32_t InputText(std::vector<std::string>& sInputLines, bool bNoQNErrorCheck = false,
                            std::int32_t lTimeout = 1000);
 
+    /// Like InputText, but only a line that is "Ok" alone ends the reply: for the listing of a
+    /// program, whose lines may end in anything.
+    std::int32_t InputListing(std::vector<std::string>& sInputLines, std::int32_t lTimeout = 1000);
+
     /// Like InputText without the error check, but goes on after the first "Ok" until nothing has
     /// come for lQuiet ms: for commands that may be answered by more than one "Ok", or that turn
     /// the echo off.
