@@ -65,6 +65,13 @@ INSTANTIATE_TEST_SUITE_P(All, StackSearch, ::testing::ValuesIn(AllCombinations()
                              return name;
                          });
 
+TEST(StackSearch, TheThirdChannelOfASlowLineIsFound) {
+    ManualReactor reactor;
+    Stack stack(reactor, "sim:R7G?baud=2400&paced=on&uart=3");
+    EXPECT_TRUE(stack.mLink.AutoConnect(1));
+    EXPECT_EQ(stack.mLink.Stdio(), 3);
+}
+
 TEST(StackSearch, APrinterAt57600N82IsTheTenthCombination) {
     ManualReactor reactor;
     Stack stack(reactor, "sim:R7G?baud=57600&format=n,8,2");
