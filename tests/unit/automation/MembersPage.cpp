@@ -112,9 +112,10 @@ What a host can call by name, written from the table in `src/automation`; what e
 class's header. `build/bin/members_page > docs/members.md` writes this page anew.
 
 **id** names a member within its class and never changes; reading and setting a property are one id. **ref** is passed
-by reference, **out** as well, and what the member made of it comes back; everything else is passed by value. What
-follows `=` is taken when the argument is left out. A collection has items in their order, found by a position from 1 or
-by their key in any case; records are values, which stay as they are when the printer is asked again.
+by reference, **out** as well, and what the member (of an event: the handler) made of it comes back; everything else is
+passed by value. What follows `=` is taken when the argument is left out. A collection has items in their order, found by
+a position from 1 or by their key in any case; records are values, which stay as they are when the printer is asked
+again.
 
 | word | what it is |
 |---|---|
