@@ -25,7 +25,7 @@ std::string Plain(std::string_view line) {
 
 bool Echoes(std::string_view line, std::string_view sent) {
     if (sent.empty()) return false;
-    return line == sent || (line.size() >= ShortestCut && sent.starts_with(line));
+    return line.ends_with(sent) || (line.size() >= ShortestCut && sent.starts_with(line));
 }
 
 } // namespace

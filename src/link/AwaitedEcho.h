@@ -17,9 +17,10 @@ class AwaitedEcho {
 
     /// Whether a whole line was sent, so that an echo is to be expected.
     bool IsAwaited() const { return !mFirst.empty(); }
-    /// Whether a received line, without its line end, is the echo. Neither the eighth bit, which
-    /// not every line carries, nor control characters count, and of a long line the printer may
-    /// have kept and echoed the beginning alone.
+    /// Whether a received line, without its line end, is the echo or ends in it: noise, or output
+    /// that ended in the middle of a line, may stand before it. Neither the eighth bit, which not
+    /// every line carries, nor control characters count, and of a long line the printer may have
+    /// kept and echoed the beginning alone.
     bool Is(std::string_view line) const;
 
   private:

@@ -211,6 +211,12 @@ TEST_F(Exchange, WhatStandsBeforeTheEchoBelongsToNobody) {
     EXPECT_THAT(ReadReply(), ElementsAre("PRINT 2", "2", "Ok"));
 }
 
+TEST_F(Exchange, NoiseBeforeTheEchoDoesNotHideIt) {
+    mSerial.Expect("PRINT 2\r\n").Reply("\xFE?\x01q").Reply("PRINT 2\r\n2\r\nOk\r\n", 5);
+    mLink.OutputText("PRINT 2\r\n");
+    EXPECT_THAT(ReadReply(), ElementsAre("\xFE?\x01qPRINT 2", "2", "Ok"));
+}
+
 TEST_F(Exchange, AnOkOfAnotherReplyEndsNoWait) {
     mSerial.Expect("PRINT 2\r\n").Reply("1\r\nOk\r\n", 100).Reply("PRINT 2\r\n", 900);
     mSerial.Reply("2\r\nOk\r\n", 900);
