@@ -1,15 +1,26 @@
 #include "assembly/ControlAssembly.h"
 
+#include "assembly/CaptureFiles.h"
+
 #include <utility>
 
 namespace qncomm {
+namespace {
+
+/// A grid whose captures are files of this machine, unless the host opens them elsewhere.
+Terminal::Options CapturingToFiles(Terminal::Options options) {
+    if (!options.captureOpener) options.captureOpener = OpenCaptureFile;
+    return options;
+}
+
+} // namespace
 
 /// What stands under the control, and stays for as long as its operations do.
 struct ControlAssembly::Line {
     Line(Reactor& reactor, TerminalScreen& screen, Options options)
         : keep(std::move(options.keep)),
           serial(reactor, std::move(options.bindings), options.trace, std::move(options.factory)),
-          grid(std::move(options.grid)),
+          grid(CapturingToFiles(std::move(options.grid))),
           viewport(grid, serial, screen) {}
 
     std::shared_ptr<void> keep;

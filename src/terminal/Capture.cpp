@@ -3,6 +3,7 @@
 namespace qncomm::terminal {
 
 CaptureResult Capture::Start(const std::string& sPath) {
+    if (!mOpener) return {CaptureStatus::Unsupported, 0, "this terminal writes no files"};
     CaptureOpening opening = mOpener(sPath);
     if (opening.file == nullptr) return opening.result;
     mFile = std::move(opening.file);

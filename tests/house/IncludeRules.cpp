@@ -68,11 +68,6 @@ constexpr std::array<std::string_view, 17> OutsideWorld{
     "fstream",      "future",     "iostream",           "latch",   "mutex",  "semaphore",
     "shared_mutex", "stop_token", "syncstream",         "thread",  "ctime"};
 
-constexpr std::array Known{
-    Debt{"terminal/CaptureFile.cpp", "cstdio", "writes a file of the host"},
-    Debt{"terminal/CaptureFile.cpp", "filesystem", "writes a file of the host"},
-};
-
 bool Lists(std::string_view words, std::string_view word) {
     while (!words.empty()) {
         const std::size_t end = std::min(words.find(' '), words.size());
@@ -124,11 +119,6 @@ std::optional<std::string> ObjectionToForeign(const Rule& rule, const std::strin
     return std::nullopt;
 }
 
-bool IsKnown(std::string_view file, std::string_view header) {
-    return std::ranges::any_of(
-        Known, [&](const Debt& debt) { return debt.file == file && debt.header == header; });
-}
-
 } // namespace
 
 std::vector<Include> IncludesOf(std::string_view sText) {
@@ -152,14 +142,10 @@ std::vector<std::string> StrayIncludes(std::string_view sFile, std::string_view 
     for (const Include& include : IncludesOf(sText)) {
         const auto objection = include.quoted ? ObjectionToOwn(*rule, include.path)
                                               : ObjectionToForeign(*rule, include.path);
-        if (objection && !IsKnown(sFile, include.path))
+        if (objection)
             stray.push_back(std::string(sFile) + ": \"" + include.path + "\" " + *objection);
     }
     return stray;
-}
-
-std::span<const Debt> Debts() {
-    return Known;
 }
 
 } // namespace qncomm::testing

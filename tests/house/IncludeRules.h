@@ -1,6 +1,5 @@
 #pragma once
 
-#include <span>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -23,16 +22,5 @@ std::string_view RuledFolderOf(std::string_view sFile);
 /// What is wrong with a file's includes, one line each. sFile is a path below src/; without a row
 /// nothing is wrong with it.
 std::vector<std::string> StrayIncludes(std::string_view sFile, std::string_view sText);
-
-/// A header of the standard library that a file of the core includes although it means the world
-/// outside.
-struct Debt {
-    std::string_view file;   ///< the file, below src/
-    std::string_view header; ///< the header
-    std::string_view reason; ///< why it is still there
-};
-
-/// The debts that are known; StrayIncludes says nothing of them.
-std::span<const Debt> Debts();
 
 } // namespace qncomm::testing

@@ -175,15 +175,6 @@ TEST(TheHouse, IncludesWhatItsRowsName) {
     EXPECT_THAT(stray, IsEmpty());
 }
 
-TEST(TheHouse, KeepsNoListOfDebtsThatArePaid) {
-    for (const auto& debt : qncomm::testing::Debts()) {
-        const auto includes = qncomm::testing::IncludesOf(TextOf(Root / "src" / debt.file));
-        EXPECT_TRUE(std::ranges::any_of(
-            includes, [&](const auto& include) { return include.path == debt.header; }))
-            << debt.file << " no longer includes <" << debt.header << ">";
-    }
-}
-
 /// The libraries that a program is made of, each with the program's folder.
 std::map<std::string, std::string> PartsOfPrograms() {
     static const std::regex library(R"re(add_library\((\w+))re");

@@ -47,8 +47,4 @@ struct CaptureOpening {
 /// How a terminal opens the file of a capture, given its path in UTF-8.
 using CaptureOpener = std::function<CaptureOpening(const std::string& sPath)>;
 
-/// Opens a file of this machine for appending and makes it when it is not there. Refuses a folder
-/// and a pipe: opening a pipe would wait for its reader.
-[[nodiscard]] CaptureOpening OpenCaptureFile(const std::string& sPath);
-
 } // namespace qncomm::terminal

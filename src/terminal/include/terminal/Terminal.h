@@ -33,8 +33,9 @@ class Terminal {
         std::int16_t rows = 300;              ///< clamped to 1 to MostRows
         std::int16_t columns = 300;           ///< clamped to 1 to MostColumns
         std::size_t scrollbackLines = 10'000; ///< at least 1
-        /// How the file of a capture is opened; a test puts its own files in.
-        terminal::CaptureOpener captureOpener = terminal::OpenCaptureFile;
+        /// How the file of a capture is opened; without it every capture is refused. The assembly
+        /// opens files of this machine.
+        terminal::CaptureOpener captureOpener = {};
     };
 
     /// A terminal of 300 rows and columns.

@@ -1,4 +1,4 @@
-#include "terminal/CaptureFile.h"
+#include "assembly/CaptureFiles.h"
 
 #include <array>
 #include <cerrno>
@@ -6,8 +6,13 @@
 #include <filesystem>
 #include <system_error>
 
-namespace qncomm::terminal {
+namespace qncomm {
 namespace {
+
+using terminal::CaptureFile;
+using terminal::CaptureOpening;
+using terminal::CaptureResult;
+using terminal::CaptureStatus;
 
 struct StatusRow {
     std::errc error;
@@ -69,4 +74,4 @@ CaptureOpening OpenCaptureFile(const std::string& sPath) {
     return {std::make_unique<DiskCaptureFile>(std::move(file)), {}};
 }
 
-} // namespace qncomm::terminal
+} // namespace qncomm
