@@ -1,6 +1,7 @@
 #pragma once
 
 #include "serial/ByteChannel.h"
+#include "serial/PortAddress.h"
 
 #include <memory>
 #include <string>

@@ -1,4 +1,4 @@
-// Each control model on its widget: the widget shows the model, the person's actions reach it.
+// Each control model on its widget: the widget shows the model, the user's actions reach it.
 
 #include "qt/Binders.h"
 #include "qt/Charset.h"

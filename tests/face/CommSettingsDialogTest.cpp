@@ -38,7 +38,7 @@ class CommSettingsDialog : public ::testing::Test {
         mLink.SetRegSettings(mSettings);
     }
 
-    /// Shows the dialog as everyone does, act being the person.
+    /// Shows the dialog as everyone does, act being the user.
     std::int16_t Show(std::function<void(QWidget&)> act) {
         OnModal(std::move(act));
         return mLink.ShowSettingsDlg();

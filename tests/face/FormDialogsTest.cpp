@@ -287,7 +287,7 @@ TEST_F(RebootWindow, StandsBesideAndCreepsForward) {
     EXPECT_EQ(bar.value(), 30);
 }
 
-TEST_F(RebootWindow, ClosedByThePersonOnlyTheWindowGoes) {
+TEST_F(RebootWindow, ClosedByTheUserOnlyTheWindowGoes) {
     testing::ManualLoop loop;
     Dialogs dialogs(loop, mForms);
     auto shown = dialogs.ShowWaitForReboot();

@@ -37,7 +37,7 @@ class Files : public HostFiles {
         QCoreApplication::setAttribute(Qt::AA_DontUseNativeDialogs);
     }
 
-    /// The person types a name and presses Enter; act looks at the dialog before.
+    /// The user types a name and presses Enter; act looks at the dialog before.
     static void Choose(const std::string& name, std::function<void(QFileDialog&)> act = {}) {
         OnModal([name, act](QWidget& window) {
             auto& dialog = dynamic_cast<QFileDialog&>(window);

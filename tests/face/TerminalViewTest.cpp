@@ -31,7 +31,7 @@ TEST(View, FollowsTheTextToItsEnd) {
     EXPECT_TRUE(rig.view.rect().contains(rig.view.CursorRect()));
 }
 
-TEST(View, StaysWhereThePersonLooksBackWhileMoreComes) {
+TEST(View, StaysWhereTheUserLooksBackWhileMoreComes) {
     ViewRig rig;
     rig.ReceiveLines(1, 400);
     TurnWheel(*rig.view.viewport(), 5);

@@ -112,7 +112,7 @@ TEST_F(Toolbar, AnErrorOfTheCommandIsToldInABox) {
     EXPECT_EQ(mDesktop.mBoxes[0].icon, MsgBoxIcon::Critical);
 }
 
-TEST_F(Toolbar, WhateverElseACommandRaisesGoesToWhoeverCanUnwind) {
+TEST_F(Toolbar, WhateverElseACommandRaisesGoesToAHandlerThatCanUnwind) {
     std::exception_ptr stopped;
     const ActionGuard guard(mDesktop, [&](std::exception_ptr error) { stopped = error; });
     ToolbarView view(mModel, guard);

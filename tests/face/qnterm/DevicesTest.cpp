@@ -144,7 +144,7 @@ TEST_F(DevicesTest, ADroppedFileIsSentToTheShownDevice) {
     EXPECT_THAT(FilesOn("tmp:"), ElementsAre("HELLO.TXT"));
 }
 
-TEST_F(DevicesTest, AFileIsDeletedOnlyWhenThePersonAgrees) {
+TEST_F(DevicesTest, AFileIsDeletedOnlyWhenTheUserAgrees) {
     SelectFile("PRICES.DAT");
     QTest::keyClick(&Files(), Qt::Key_Delete);
     auto* box = OpenDialog<QMessageBox>();

@@ -49,7 +49,7 @@ class CountedTty : public ::testing::Test {
 };
 
 TEST_F(CountedTty, WhatItCountsMoreIsAnEvent) {
-    mCounts = TtyErrorCounts{7, 7, 7, 7}; // of whoever had it before
+    mCounts = TtyErrorCounts{7, 7, 7, 7}; // of the program that had it before
     mPort.SetPortOpen(true);
     EXPECT_THAT(Arrive(), IsEmpty());
     mCounts->frame = 12;

@@ -36,7 +36,7 @@ class FileTransfers : public AssembledFixture, public ::testing::WithParamInterf
         Control().Clear();
     }
 
-    /// The person starts the printer's side.
+    /// The user starts the printer's side.
     void StartPrinter(const std::string& arguments) {
         const std::string line = "TRANSFER " + std::string(GetParam().letter) + " " + arguments;
         EXPECT_EQ(mAssembly->Viewport().Type(line + "\r"), line.size() + 1);
@@ -187,7 +187,7 @@ TEST_F(KermitFiles, AFileIsSentInPlaceOfTheOldOneAndTheCurrentDeviceStays) {
     EXPECT_TRUE(ContentOf(mFolder.File("back")) == EveryByte(500));
 }
 
-TEST_F(KermitFiles, AFileIsSentToAPrinterThatThePersonHasStarted) {
+TEST_F(KermitFiles, AFileIsSentToAPrinterThatTheUserHasStarted) {
     Show().DoAutoconnect();
     mAssembly->Viewport().Type("TRANSFER K \"R\"\r");
     mReactor.Pass(100);

@@ -42,7 +42,7 @@ void FoundAndShown(ControlDesk& desk) {
     desk.Show().DoAutoconnect();
 }
 
-/// The person has typed what starts the printer's side of a transfer.
+/// The user has typed what starts the printer's side of a transfer.
 void Started(ControlDesk& desk, const std::string& statement) {
     FoundAndShown(desk);
     desk.mAssembly->Viewport().Type(statement + "\r");

@@ -138,7 +138,7 @@ TEST_F(Printing, WhatIsNoImageIsRefusedAndNothingIsSent) {
     Control().RemoveImage("NONE.PCX");
 }
 
-TEST_F(Printing, ALineThatCarriesNoRawBytesIsAdjustedWhenThePersonAgrees) {
+TEST_F(Printing, ALineThatCarriesNoRawBytesIsAdjustedWhenTheUserAgrees) {
     Assemble("sim:R7G?format=n,7,2&" + Labels());
     mDesktop.mAnswers = {MsgBoxResult::No, MsgBoxResult::Yes};
     EXPECT_EQ(NumberRaisedBy([&] { Control().InstallImage(mPicture); }), ErrImageSettings);

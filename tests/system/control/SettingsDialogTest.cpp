@@ -1,4 +1,4 @@
-// The serial port setup dialog, opened through the control beside real ports: the person picks a
+// The serial port setup dialog, opened through the control beside real ports: the user picks a
 // port, changes the line's settings and searches.
 
 #include "testing/stack/AssembledFixture.h"

@@ -9,10 +9,10 @@
 
 namespace qncomm::testing {
 
-/// Windows that do with a form what the test says; without a word the person uses the close box.
+/// Windows that do with a form what the test says; without a word the user uses the close box.
 class ScriptedForms : public FormWindows {
   public:
-    /// What the person does with forms of that class from now on.
+    /// What the user does with forms of that class from now on.
     template <class Form>
     void On(std::function<void(Form&)> act) {
         mActs.Add<Form>([act = std::move(act)](Form& form) {

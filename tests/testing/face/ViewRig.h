@@ -12,7 +12,7 @@
 
 namespace qncomm::testing {
 
-/// Writes down what the person does in a view.
+/// Writes down what the user does in a view.
 class RecordingInput final : public TerminalInput {
   public:
     bool KeyDown(const KeyStroke& stroke) override {

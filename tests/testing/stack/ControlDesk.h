@@ -83,7 +83,7 @@ class ControlDesk {
         return Control();
     }
 
-    /// What the person types, and the printer's answer.
+    /// What the user types, and the printer's answer.
     std::string Type(const std::string& keys) {
         Control().Clear();
         Control().SetCursorRow(1);

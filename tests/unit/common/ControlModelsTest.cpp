@@ -44,7 +44,7 @@ TEST(ControlModels, AButtonIsClickedOnlyWhenEnabledAndVisible) {
     EXPECT_EQ(clicks.Taken(), 0);
 }
 
-TEST(ControlModels, ABoxIsFlippedByThePersonAndSetByTheProgramWithoutAClick) {
+TEST(ControlModels, ABoxIsFlippedByTheUserAndSetByTheProgramWithoutAClick) {
     CheckBoxModel box("x");
     Count clicks(box.Clicked);
     box.SetChecked(true);

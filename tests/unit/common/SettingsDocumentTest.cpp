@@ -78,7 +78,7 @@ constexpr std::string_view Written = "; the printer in hall 3\n"
                                      "Baudrate=9600\n"
                                      "; the end\n";
 
-TEST(SettingsDocument, AWriteLeavesEveryOtherLineAsThePersonWroteIt) {
+TEST(SettingsDocument, AWriteLeavesEveryOtherLineAsTheUserWroteIt) {
     std::string expected(Written);
     expected.replace(expected.find("None"), 4, "Even");
     EXPECT_EQ(After(Written, {}), Written);

@@ -24,7 +24,7 @@ using qncomm::MsgBoxResult;
 using qncomm::StatusLine;
 using testing::HasSubstr;
 
-/// A pseudo-terminal: the person's side and the program's.
+/// A pseudo-terminal: the user's side and the program's.
 struct Terminal {
     Terminal() {
         int person = -1;
@@ -87,7 +87,7 @@ TEST_F(ConsoleDesktopTest, WithoutATerminalTheAnswerIsNo) {
     EXPECT_EQ(Answer(Question(), GivenAnswer::None, read.Get()), MsgBoxResult::No);
 }
 
-TEST_F(ConsoleDesktopTest, AtATerminalThePersonAnswers) {
+TEST_F(ConsoleDesktopTest, AtATerminalTheUserAnswers) {
     mTerminal.Type("yes\n");
     EXPECT_EQ(Answer(Question(), GivenAnswer::None, mTerminal.mProgram.Get()), MsgBoxResult::Yes);
     mTerminal.Type("\n");

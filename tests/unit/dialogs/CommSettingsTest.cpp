@@ -234,7 +234,7 @@ TEST_F(CommSettings, OkWritesInItsOrderWithFiveAppliesAndSavesLast) {
 
 TEST_F(CommSettings, OkWritesTheDsrBoxAsItStands) {
     Show([](frmCommSettings& form) {
-        form.chkDSRDetect.SetChecked(true); // not by the person, whose click is written at once
+        form.chkDSRDetect.SetChecked(true); // not by the user, whose click is written at once
         form.cmdOK.Click();
     });
     EXPECT_TRUE(mLink.DSRDetectActive());
@@ -349,7 +349,7 @@ TEST_F(CommSettings, AFailedSearchLeavesTheFieldsTheDialogAndTheMark) {
     EXPECT_EQ(mLink.Commport(), "1");
 }
 
-TEST_F(CommSettings, DuringASearchThePersonMayLeaveButNotAccept) {
+TEST_F(CommSettings, DuringASearchTheUserMayLeaveButNotAccept) {
     int boxes = 0;
     Show([&](frmCommSettings& form) {
         mSerial.OnSend([](std::string&) {});

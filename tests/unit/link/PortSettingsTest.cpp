@@ -223,7 +223,7 @@ class BusyPort : public LinkFixture {
     int mBusyOpens = 1;
 };
 
-TEST_F(BusyPort, AsksThePersonAndNoLeavesThePortClosed) {
+TEST_F(BusyPort, AsksTheUserAndNoLeavesThePortClosed) {
     mDesktop.mAnswers = {MsgBoxResult::No};
     mLink.SetImmediateMode(true);
     mLink.SetBaudrate("9600");

@@ -173,7 +173,7 @@ TEST_F(FileSettingsTest, AWriterThatWasKilledLeavesTheOldSettingsAndNothingInThe
     EXPECT_THAT(FilesThere(), UnorderedElementsAre("settings.ini", "settings.ini.lock"));
 }
 
-TEST_F(FileSettingsTest, ADamagedFileIsMovedAsideWhenReadAndThePersonIsTold) {
+TEST_F(FileSettingsTest, ADamagedFileIsMovedAsideWhenReadAndTheUserIsTold) {
     SetText(Path(), "no section here\n");
     EXPECT_EQ(Store().ReadValue("Settings", "Key", "default"), "default");
     EXPECT_EQ(TextOf(Path() + ".damaged-1"), "no section here\n");
@@ -233,7 +233,7 @@ TEST_F(FileSettingsTest, AFolderInTheFilesPlaceIsError75) {
     EXPECT_THAT(error->Description(), HasSubstr(Path()));
 }
 
-TEST_F(FileSettingsTest, AFileThatThePersonMayNotWriteIsError70) {
+TEST_F(FileSettingsTest, AFileThatTheUserMayNotWriteIsError70) {
     fs::permissions(mFolder, fs::perms::owner_read | fs::perms::owner_exec);
     // Permissions do not stop the superuser, so the child gives that up.
     const int status = ExitOf(InChild([&] {

@@ -67,7 +67,7 @@ TEST_F(FilesOfThisMachine, AreReplacedWhole) {
     EXPECT_EQ(mFolder.Count(), 2U) << "nothing is left beside them";
 }
 
-TEST_F(FilesOfThisMachine, StayWholeForWhoeverReadsTheOldOne) {
+TEST_F(FilesOfThisMachine, StayWholeForAReaderOfTheOldOne) {
     std::ifstream reader(mFolder.Write("f", "the old text"), std::ios::binary);
     mFiles.Save(mFolder.File("f"), "new");
     const std::string read{std::istreambuf_iterator<char>(reader), {}};
