@@ -1,11 +1,12 @@
 #include "Guest.h"
 
+#include "Sockets.h"
+
 #include <algorithm>
 #include <array>
 #include <csignal>
 #include <stdexcept>
 #include <sys/socket.h>
-#include <sys/un.h>
 #include <unistd.h>
 
 namespace qncomm::testing {
@@ -53,20 +54,14 @@ std::vector<std::string> MachineIn(const ScratchFolder& folder) {
             "-mon",
             "chardev=orders,mode=control",
             "-usb",
+            "-chardev",
+            socket("usb"),
+            "-device",
+            "usb-serial,chardev=usb",
             "-trace",
             "usb_serial_*",
             "-D",
             folder.File("trace")};
-}
-
-Fd Connect(const std::string& path) {
-    sockaddr_un address{};
-    address.sun_family = AF_UNIX;
-    path.copy(address.sun_path, sizeof address.sun_path - 1);
-    Fd fd(::socket(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0));
-    if (::connect(fd.Get(), reinterpret_cast<const sockaddr*>(&address), sizeof address) != 0)
-        fd.Reset();
-    return fd;
 }
 
 } // namespace
@@ -75,8 +70,8 @@ Fd Connect(const std::string& path) {
 Guest::Guest() : mMachine(std::make_unique<Program>(MachineIn(mFolder), Program::Stdio::Terminal)) {
     const std::int64_t limit = mLoop.NowMs() + HangMs;
     for (; !mCommands || !mOrders; mLoop.WaitFor(-1, {}, LookMs * 1000)) {
-        if (!mCommands) mCommands = Connect(mFolder.File("commands"));
-        if (!mOrders) mOrders = Connect(mFolder.File("orders"));
+        if (!mCommands) mCommands = ConnectToPath(mFolder.File("commands"));
+        if (!mOrders) mOrders = ConnectToPath(mFolder.File("orders"));
         if (mLoop.NowMs() > limit) throw std::runtime_error("qemu does not start");
     }
     Order("qmp_capabilities", "{}");
@@ -106,22 +101,11 @@ void Guest::BreakUart() {
     Order("chardev-send-break", R"({"id":"line"})");
 }
 
-void Guest::PlugIn(std::uint16_t tcpPort) {
-    Order("chardev-add", R"({"id":"usb","backend":{"type":"socket","data":{"server":false,)"
-                         R"("addr":{"type":"inet","data":{"host":"127.0.0.1","port":")"
-                             + std::to_string(tcpPort) + R"("}}}}})");
-    Order("device_add", R"({"driver":"usb-serial","id":"adapter","chardev":"usb"})");
-    if (Run("until test -e /dev/ttyUSB0; do sleep 0.1; done").status != 0)
-        throw std::runtime_error("the adapter does not appear");
-}
-
-void Guest::PullOut() {
-    Order("device_del", R"({"id":"adapter"})");
-}
-
-void Guest::WaitUntilGone() {
-    Run("while test -e /dev/ttyUSB0; do sleep 0.1; done");
-    Order("chardev-remove", R"({"id":"usb"})");
+std::unique_ptr<Relay> Guest::PlugIn(const std::string& printer) {
+    Run("while test -e /dev/ttyUSB0; do sleep 0.1; done"); // the one that was pulled out before
+    auto wire = std::make_unique<Relay>(mLoop, mFolder.File("usb"), printer);
+    Run("until test -e /dev/ttyUSB0; do sleep 0.1; done");
+    return wire;
 }
 
 void Guest::Order(const std::string& command, const std::string& arguments) {

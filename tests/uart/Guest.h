@@ -1,5 +1,6 @@
 #pragma once
 
+#include "Relay.h"
 #include "platform/Fd.h"
 #include "platform/PollLoop.h"
 #include "testing/core/ScratchFolder.h"
@@ -32,18 +33,12 @@ class Guest {
     /// The other side holds the UART's line in the break condition for a moment.
     void BreakUart();
 
-    /// Puts in an adapter whose line is a TCP connection to this port, and waits for its device.
-    void PlugIn(std::uint16_t tcpPort);
-    /// Pulls it out. Returns at once: what runs in the guest finds out by itself.
-    void PullOut();
-    /// Waits until the guest has noticed.
-    void WaitUntilGone();
+    /// Plugs the adapter in, with a printer such as tcp://127.0.0.1:5000 at its other end, and
+    /// waits for its device. The wire pulls it out, at the latest when it goes.
+    std::unique_ptr<Relay> PlugIn(const std::string& printer);
 
     /// What the machine's devices were set to so far, as qemu traced it, a line each.
     std::string DeviceTrace() const { return mFolder.Read("trace"); }
-
-    /// The loop on which relays to the guest live.
-    PollLoop& Loop() { return mLoop; }
 
   private:
     void Order(const std::string& command, const std::string& arguments);

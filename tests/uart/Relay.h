@@ -3,40 +3,35 @@
 #include "platform/Fd.h"
 #include "platform/Reactor.h"
 
-#include <cstdint>
 #include <functional>
 #include <memory>
 #include <string>
 
 namespace qncomm::testing {
 
-/// A wire between an adapter and a printer, each a TCP connection, that tells how many bytes have
-/// passed. One connection after another.
+/// The wire between the guest's USB adapter and a printer. The adapter is plugged in while the wire
+/// is there: qemu attaches it when its line comes and detaches it when its line goes.
 class Relay {
   public:
-    /// printer is such as tcp://127.0.0.1:5000. The loop must outlive the relay.
-    Relay(Reactor& loop, const std::string& printer);
+    /// adapter is the path of qemu's socket, printer such as tcp://127.0.0.1:5000. The loop must
+    /// outlive the relay.
+    Relay(Reactor& loop, const std::string& adapter, const std::string& printer);
 
-    /// Where the adapter connects to.
-    std::uint16_t Port() const { return mPort; }
-    /// Called once, when as many bytes have passed in both directions together from now on.
-    void After(std::size_t bytes, std::function<void()> action);
+    /// Pulls the adapter out when as many bytes have passed in both directions together, counted
+    /// from now on.
+    void PullOutAfter(std::size_t bytes) { mLeft = bytes; }
+    /// Pulls it out now.
+    void PullOut();
+    bool IsPulledOut() const { return !mAdapter; }
 
   private:
-    void Accept();
     void Pass(const Fd& from, const Fd& to);
 
-    Reactor& mLoop;
-    std::uint16_t mPrinterPort;
-    Fd mListener;
-    std::uint16_t mPort = 0;
-    std::unique_ptr<FdWatch> mComing;
+    std::size_t mLeft = static_cast<std::size_t>(-1);
     Fd mAdapter;
     Fd mPrinter;
     std::unique_ptr<FdWatch> mFromAdapter;
     std::unique_ptr<FdWatch> mFromPrinter;
-    std::size_t mLeft = 0;
-    std::function<void()> mAction;
 };
 
 } // namespace qncomm::testing

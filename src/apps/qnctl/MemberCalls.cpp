@@ -44,7 +44,7 @@ Outcome CallOn(Session& session, const MemberCall& call, qncomm::MemberOutcome& 
     try {
         outcome = CallWithPort(session, call, result);
     } catch (const qncomm::QNError& error) {
-        return session.Interrupted() ? Cancelled() : OutcomeOf(error);
+        return session.Interrupted() ? Cancelled() : session.Failed(error);
     }
     // Some members return quietly when the port could not be had.
     if (outcome.Ok() && (session.TakePortRefusal() || session.Serial().LastFailure()))

@@ -14,7 +14,7 @@ enum class ExitStatus : int {
     Error = 1,           ///< the system or the printer raised an error
     Usage = 2,           ///< the command line is wrong
     NoPrinter = 3,       ///< the port is there and no printer answered
-    PortUnavailable = 4, ///< the port is busy or cannot be opened
+    PortUnavailable = 4, ///< the port is busy, cannot be opened, or was lost
     Cancelled = 130,     ///< Ctrl-C
 };
 

@@ -141,10 +141,19 @@ void Session::Disconnect() {
     mClaim.reset();
 }
 
+std::optional<Outcome> Session::PortFailure() const {
+    if (!mAssembly || !mAssembly->Serial().LastFailure()) return std::nullopt;
+    const auto& failure = mAssembly->Serial().LastFailure();
+    return Outcome{ExitStatus::PortUnavailable, failure->number, "PDQComm", failure->description};
+}
+
+Outcome Session::Failed(const qncomm::QNError& error) const {
+    return PortFailure().value_or(OutcomeOf(error));
+}
+
 Outcome Session::NotFound() {
     if (Interrupted()) return Cancelled();
-    if (const auto& failure = Serial().LastFailure())
-        return {ExitStatus::PortUnavailable, failure->number, "PDQComm", failure->description};
+    if (auto lost = PortFailure()) return *lost;
     std::string message = "No printer answered on " + PortName() + ".";
     if (!mNote.empty()) message += " " + mNote;
     return Refused(ExitStatus::NoPrinter, message);

@@ -73,6 +73,9 @@ class Session {
     bool Connected() { return mClaim && *mClaim && Link().UseCount() > 0; }
     /// How a search that found nothing is reported: cancelled, no printer, or the port's failure.
     Outcome NotFound();
+    /// How an operation that raised an error is reported: by the port's failure where the device
+    /// went away under it.
+    Outcome Failed(const qncomm::QNError& error) const;
 
     /// Asks the user; True for yes.
     bool Ask(const std::string& title, const std::string& question);
@@ -94,6 +97,7 @@ class Session {
   private:
     Outcome MakeTheControl();
     Outcome PassLabelsOn();
+    std::optional<Outcome> PortFailure() const;
     void Wire();
     void Unwire();
     void OnStatus(const std::string& message, std::int16_t progress, bool& cancel);

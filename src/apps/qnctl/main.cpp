@@ -21,7 +21,12 @@ Outcome Carry(const Request& request, Session& session) {
             return chosen;
     if (request.command->needs == Needs::Printer)
         if (Outcome connected = session.Connect(); !connected.Ok()) return connected;
-    Outcome outcome = request.command->run(session);
+    Outcome outcome;
+    try {
+        outcome = request.command->run(session);
+    } catch (const qncomm::QNError& error) {
+        return session.Failed(error);
+    }
     if (outcome.Ok() && session.TakePortRefusal())
         return Refused(ExitStatus::PortUnavailable, "port not available");
     return outcome;
