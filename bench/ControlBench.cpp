@@ -2,7 +2,7 @@
 // a list that it has. Beside it, in the same run, what it stands on: a serial control and a grid.
 
 #include "Memory.h"
-#include "testing/stack/ControlDesk.h"
+#include "testing/stack/AssemblyRig.h"
 
 #include <algorithm>
 #include <chrono>
@@ -17,7 +17,7 @@ using qncomm::PDQComm;
 using qncomm::PortBindings;
 using qncomm::Terminal;
 using qncomm::bench::ResidentKilobytes;
-using qncomm::testing::ControlDesk;
+using qncomm::testing::AssemblyRig;
 using Clock = std::chrono::steady_clock;
 
 constexpr int Count = 1000;
@@ -49,10 +49,10 @@ long AllocatedBytes() {
     return static_cast<long>(info.uordblks + info.hblkhd);
 }
 
-void MeasureConstruction(ControlDesk& desk) {
-    const Times control = Measure([&] { desk.Assemble("sim:R7G"); });
+void MeasureConstruction(AssemblyRig& rig) {
+    const Times control = Measure([&] { rig.Assemble("sim:R7G"); });
     const Times bare = Measure([&] {
-        const PDQComm serial(desk.mReactor, PortBindings());
+        const PDQComm serial(rig.mReactor, PortBindings());
         const Terminal grid;
     });
     std::printf("%-52s %9s %9s\n", "us, of 1000", "mean", "worst");
@@ -62,25 +62,25 @@ void MeasureConstruction(ControlDesk& desk) {
     std::printf("%-52s %9.2f\n", "ratio", control.mean / bare.mean);
 }
 
-void MeasureWeight(ControlDesk& desk) {
-    desk.mAssembly.reset();
+void MeasureWeight(AssemblyRig& rig) {
+    rig.mAssembly.reset();
     malloc_trim(0);
     const long before = ResidentKilobytes();
-    desk.Assemble("sim:R7G");
+    rig.Assemble("sim:R7G");
     std::printf("\n%-52s %9ld kB resident\n", "a control with its grid of 300 by 300, fresh",
                 ResidentKilobytes() - before);
     for (int row = 0; row < 300; ++row)
-        desk.mAssembly->Viewport().Show(std::string(299, 'x') + "\r\n");
+        rig.mAssembly->Viewport().Show(std::string(299, 'x') + "\r\n");
     std::printf("%-52s %9ld kB resident\n", "the same with its screen full of text",
                 ResidentKilobytes() - before);
 }
 
 /// What is left behind; the first ones are left out, since they fill what lasts for the process.
-void MeasureLeftovers(ControlDesk& desk) {
+void MeasureLeftovers(AssemblyRig& rig) {
     const auto makeMany = [&](int count) {
         for (int i = 0; i < count; ++i)
-            desk.Assemble("sim:R7G");
-        desk.mAssembly.reset();
+            rig.Assemble("sim:R7G");
+        rig.mAssembly.reset();
         malloc_trim(0);
     };
     makeMany(10);
@@ -93,19 +93,19 @@ void MeasureLeftovers(ControlDesk& desk) {
 }
 
 /// False when bytes have gone to the printer.
-bool MeasureCachedList(ControlDesk& desk) {
-    desk.Assemble("sim:R7G");
+bool MeasureCachedList(AssemblyRig& rig) {
+    rig.Assemble("sim:R7G");
     for (int i = 0; i < 300; ++i)
-        desk.Control().CopyFile("c:PRICES.DAT", "c:FILE" + std::to_string(i) + ".DAT");
-    const std::size_t entries = desk.Control().Files("c:")->Count();
-    desk.TakeSent();
+        rig.Control().CopyFile("c:PRICES.DAT", "c:FILE" + std::to_string(i) + ".DAT");
+    const std::size_t entries = rig.Control().Files("c:")->Count();
+    rig.TakeSent();
     std::size_t seen = 0;
-    const Times call = Measure([&] { seen += desk.Control().Files("c:")->Count(); });
+    const Times call = Measure([&] { seen += rig.Control().Files("c:")->Count(); });
     const Times walk = Measure([&] {
-        for (const auto& file : *desk.Control().Files("c:"))
+        for (const auto& file : *rig.Control().Files("c:"))
             seen += file->Name.empty() ? 0 : 1;
     });
-    const std::size_t sent = desk.TakeSent().size();
+    const std::size_t sent = rig.TakeSent().size();
     std::printf("\n%-52s %9zu entries, %zu bytes on the line\n", "Files from the list that is kept",
                 entries, sent);
     std::printf("%-52s %9.3f us a call\n", "the call alone", call.mean);
@@ -118,9 +118,9 @@ bool MeasureCachedList(ControlDesk& desk) {
 
 int main() {
     mallopt(M_MMAP_THRESHOLD, 64 * 1024);
-    ControlDesk desk;
-    MeasureWeight(desk);
-    MeasureConstruction(desk);
-    MeasureLeftovers(desk);
-    return MeasureCachedList(desk) ? 0 : 1;
+    AssemblyRig rig;
+    MeasureWeight(rig);
+    MeasureConstruction(rig);
+    MeasureLeftovers(rig);
+    return MeasureCachedList(rig) ? 0 : 1;
 }

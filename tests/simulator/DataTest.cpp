@@ -1,5 +1,5 @@
 // Values that stand in the program.
-#include "PrinterBench.h"
+#include "PrinterRig.h"
 
 namespace qncomm::testing {
 namespace {
@@ -8,11 +8,11 @@ using Lines = std::vector<std::string>;
 
 /// Types a program, numbered in tens, and returns what it prints.
 Lines Printed(const Lines& program) {
-    PrinterBench bench;
-    bench.Ask("SYSVAR(19)=2");
+    PrinterRig rig;
+    rig.Ask("SYSVAR(19)=2");
     for (std::size_t i = 0; i < program.size(); ++i)
-        bench.Ask(std::to_string(10 * (i + 1)) + " " + program[i]);
-    return bench.Lines("RUN");
+        rig.Ask(std::to_string(10 * (i + 1)) + " " + program[i]);
+    return rig.Lines("RUN");
 }
 
 struct Items {
@@ -85,34 +85,33 @@ TEST(Programs, ReadAnItemAgainThatDidNotFit) {
 }
 
 TEST(Programs, EachRunReadsFromTheFirstItem) {
-    PrinterBench bench;
-    bench.Ask("10 DATA 1,2");
-    bench.Ask("20 READ A:PRINT A");
-    EXPECT_EQ(bench.Line("RUN"), "1");
-    EXPECT_EQ(bench.Line("RUN"), "1");
+    PrinterRig rig;
+    rig.Ask("10 DATA 1,2");
+    rig.Ask("20 READ A:PRINT A");
+    EXPECT_EQ(rig.Line("RUN"), "1");
+    EXPECT_EQ(rig.Line("RUN"), "1");
     // What is typed goes on from there, until the program is another one.
-    EXPECT_EQ(bench.Line("READ B:PRINT B"), "2");
-    EXPECT_EQ(bench.Line("READ B"), "Error 4: Out of data");
-    EXPECT_TRUE(bench.Lines("RESTORE 10").empty());
-    EXPECT_EQ(bench.Line("READ B:PRINT B"), "1");
+    EXPECT_EQ(rig.Line("READ B:PRINT B"), "2");
+    EXPECT_EQ(rig.Line("READ B"), "Error 4: Out of data");
+    EXPECT_TRUE(rig.Lines("RESTORE 10").empty());
+    EXPECT_EQ(rig.Line("READ B:PRINT B"), "1");
 }
 
 TEST(Programs, AnotherProgramIsReadFromItsFirstItem) {
-    PrinterBench bench;
-    bench.Ask("10 DATA 1,2");
-    EXPECT_EQ(bench.Line("READ A,B:PRINT A;B"), "12");
-    bench.Ask("5 DATA 7");
-    EXPECT_EQ(bench.Line("READ A:PRINT A"), "7");
-    EXPECT_EQ(bench.Line("RESTORE 10:READ A:PRINT A"), "1");
-    EXPECT_EQ(bench.Line("RESTORE 11"), "Error 8: Undefined line number");
-    bench.Ask("NEW");
-    EXPECT_EQ(bench.Line("READ A"), "Error 4: Out of data");
-    EXPECT_TRUE(bench.Lines("DATA 5").empty());
-    EXPECT_EQ(bench.Line("READ A"), "Error 4: Out of data") << "what is typed has no items";
-    bench.Ask("10 DATA 1");
-    bench.Ask("20 GOTO 99");
-    EXPECT_EQ(bench.Line("READ A"), "Error 8: Undefined line number")
-        << "the program does not read";
+    PrinterRig rig;
+    rig.Ask("10 DATA 1,2");
+    EXPECT_EQ(rig.Line("READ A,B:PRINT A;B"), "12");
+    rig.Ask("5 DATA 7");
+    EXPECT_EQ(rig.Line("READ A:PRINT A"), "7");
+    EXPECT_EQ(rig.Line("RESTORE 10:READ A:PRINT A"), "1");
+    EXPECT_EQ(rig.Line("RESTORE 11"), "Error 8: Undefined line number");
+    rig.Ask("NEW");
+    EXPECT_EQ(rig.Line("READ A"), "Error 4: Out of data");
+    EXPECT_TRUE(rig.Lines("DATA 5").empty());
+    EXPECT_EQ(rig.Line("READ A"), "Error 4: Out of data") << "what is typed has no items";
+    rig.Ask("10 DATA 1");
+    rig.Ask("20 GOTO 99");
+    EXPECT_EQ(rig.Line("READ A"), "Error 8: Undefined line number") << "the program does not read";
 }
 
 TEST(Programs, RemarksHoldAnyCharacters) {

@@ -1,5 +1,5 @@
 // Labels as they would be burnt, compared dot by dot with kept pictures that were looked at.
-#include "PrinterBench.h"
+#include "PrinterRig.h"
 #include "testing/printer/TestPictures.h"
 
 #include <algorithm>
@@ -22,8 +22,8 @@ class LabelTest : public ::testing::Test {
         std::filesystem::remove_all(mFolder, error);
     }
 
-    PrinterBench Bench(const std::string& model = "R7G") const {
-        return PrinterBench(model + "?labels=" + mFolder);
+    PrinterRig Rig(const std::string& model = "R7G") const {
+        return PrinterRig(model + "?labels=" + mFolder);
     }
     Dots Printed(int number = 1) const {
         return ReadPng(mFolder + "/label-000" + std::to_string(number) + ".png");
@@ -31,15 +31,15 @@ class LabelTest : public ::testing::Test {
     /// A small label with those statements on it.
     Dots Label(const std::string& statements) const {
         std::filesystem::remove_all(mFolder);
-        PrinterBench bench = Bench();
-        bench.Ask("SETUP\"LABEL,WIDTH,60\":SETUP\"LABEL,LENGTH,40\"");
-        EXPECT_TRUE(bench.Lines("CLL:" + statements + ":PF").empty()) << statements;
+        PrinterRig rig = Rig();
+        rig.Ask("SETUP\"LABEL,WIDTH,60\":SETUP\"LABEL,LENGTH,40\"");
+        EXPECT_TRUE(rig.Lines("CLL:" + statements + ":PF").empty()) << statements;
         return Printed();
     }
-    static void Store(PrinterBench& bench, const std::string& name, const std::string& bytes) {
-        bench.Send("IMAGE LOAD \"" + name + "\"," + std::to_string(bytes.size()) + ",\"\"\r");
-        bench.Send(bytes);
-        bench.Read();
+    static void Store(PrinterRig& rig, const std::string& name, const std::string& bytes) {
+        rig.Send("IMAGE LOAD \"" + name + "\"," + std::to_string(bytes.size()) + ",\"\"\r");
+        rig.Send(bytes);
+        rig.Read();
     }
 
     std::string mFolder;
@@ -122,32 +122,32 @@ TEST_F(LabelTest, BoxesAreFramesUntilTheirSidesMeet) {
     EXPECT_EQ(Extent(frame), (Box{10, 21, 12, 9}));
     EXPECT_EQ(frame[25].substr(10, 12), "##........##");
     EXPECT_EQ(Label("PP 10,10:PX 9,12,6")[25].substr(10, 12), "############");
-    PrinterBench bench = Bench();
-    EXPECT_EQ(bench.Line("PX 5000,5000"), "Error 5: Illegal argument");
-    EXPECT_EQ(bench.Line("PL 32767,32767"), "Error 5: Illegal argument");
+    PrinterRig rig = Rig();
+    EXPECT_EQ(rig.Line("PX 5000,5000"), "Error 5: Illegal argument");
+    EXPECT_EQ(rig.Line("PL 32767,32767"), "Error 5: Illegal argument");
 }
 
 TEST_F(LabelTest, DrawingLeavesTheHostItsTurns) {
-    PrinterBench bench = Bench();
-    bench.Send("PX 4000,4000,2000:PX 4000,4000,2000:PRINT 1\r");
-    bench.Printer().Advance(bench.Now());
-    const auto due = bench.Printer().NextDue();
+    PrinterRig rig = Rig();
+    rig.Send("PX 4000,4000,2000:PX 4000,4000,2000:PRINT 1\r");
+    rig.Printer().Advance(rig.Now());
+    const auto due = rig.Printer().NextDue();
     ASSERT_TRUE(due.has_value());
-    bench.Send("\x03");
-    EXPECT_NE(bench.Read().find("Break\r\n"), std::string::npos);
+    rig.Send("\x03");
+    EXPECT_NE(rig.Read().find("Break\r\n"), std::string::npos);
 }
 
 TEST_F(LabelTest, ImagesArePrintedDotByDot) {
-    PrinterBench bench = Bench();
-    Store(bench, "F.PCX", TestPcx(9, 7));
-    bench.Ask("SETUP\"LABEL,WIDTH,11\":SETUP\"LABEL,LENGTH,9\"");
-    EXPECT_TRUE(bench.Lines("CLL:PP1,1:NORIMAGE:PM\"F.PCX\":PF").empty());
+    PrinterRig rig = Rig();
+    Store(rig, "F.PCX", TestPcx(9, 7));
+    rig.Ask("SETUP\"LABEL,WIDTH,11\":SETUP\"LABEL,LENGTH,9\"");
+    EXPECT_TRUE(rig.Lines("CLL:PP1,1:NORIMAGE:PM\"F.PCX\":PF").empty());
     EXPECT_EQ(Printed(),
               (Dots{"...........", ".#########.", ".##......#.", ".#.#.....#.", ".#..#....#.",
                     ".#...#...#.", ".#....#..#.", ".#########.", "..........."}));
-    EXPECT_TRUE(bench.Lines("CLL:PP1,1:INVIMAGE:PM\"F.PCX\":PF").empty());
+    EXPECT_TRUE(rig.Lines("CLL:PP1,1:INVIMAGE:PM\"F.PCX\":PF").empty());
     EXPECT_EQ(Printed(2)[2], "...######..");
-    EXPECT_EQ(bench.Line("PM \"NONE.PCX\""), "Error 1042: Image not found");
+    EXPECT_EQ(rig.Line("PM \"NONE.PCX\""), "Error 1042: Image not found");
 }
 
 TEST_F(LabelTest, BuiltInFontsAreAsHighAsTheirNamesSay) {
@@ -161,12 +161,11 @@ TEST_F(LabelTest, BuiltInFontsAreAsHighAsTheirNamesSay) {
 }
 
 TEST_F(LabelTest, ScalableFontsFollowSizeWidthAndSlant) {
-    PrinterBench bench = Bench();
-    Store(bench, "SANS.TTF", TestFont());
+    PrinterRig rig = Rig();
+    Store(rig, "SANS.TTF", TestFont());
     int number = 0;
     const auto extent = [&](const std::string& font) {
-        EXPECT_TRUE(
-            bench.Lines("CLL:PP 100,100:FT \"SANS.TTF\"" + font + ":PT \"HELP\":PF").empty());
+        EXPECT_TRUE(rig.Lines("CLL:PP 100,100:FT \"SANS.TTF\"" + font + ":PT \"HELP\":PF").empty());
         return Extent(Printed(++number));
     };
     const Box plain = extent("");
@@ -175,25 +174,25 @@ TEST_F(LabelTest, ScalableFontsFollowSizeWidthAndSlant) {
     EXPECT_NEAR(extent(",12,0,200").width, 2 * plain.width, 4);
     EXPECT_EQ(extent(",12,0,200").height, plain.height);
     EXPECT_GT(extent(",12,30").width, plain.width);
-    EXPECT_EQ(bench.Line("FT \"NONE.TTF\",12"), "Error 1040: Font not found");
-    EXPECT_EQ(bench.Line("FT \"SANS.TTF\",0"), "Error 5: Illegal argument");
+    EXPECT_EQ(rig.Line("FT \"NONE.TTF\",12"), "Error 1040: Font not found");
+    EXPECT_EQ(rig.Line("FT \"SANS.TTF\",0"), "Error 5: Illegal argument");
 }
 
 TEST_F(LabelTest, FeedClearsTheLabelAndNumbersThePictures) {
-    PrinterBench bench = Bench();
-    bench.Ask("SETUP\"LABEL,WIDTH,20\":SETUP\"LABEL,LENGTH,20\"");
-    bench.Ask("CLL:PP 2,2:PL 5,5:PF");
-    bench.Ask("PF");
+    PrinterRig rig = Rig();
+    rig.Ask("SETUP\"LABEL,WIDTH,20\":SETUP\"LABEL,LENGTH,20\"");
+    rig.Ask("CLL:PP 2,2:PL 5,5:PF");
+    rig.Ask("PF");
     EXPECT_EQ(Extent(Printed(1)), (Box{2, 13, 5, 5}));
     EXPECT_EQ(Extent(Printed(2)).width, 0 - (1 << 30));
-    PrinterBench next = Bench();
+    PrinterRig next = Rig();
     next.Ask("PF");
     EXPECT_EQ(Printed(3).size(), 480U);
 }
 
 TEST_F(LabelTest, FolderThatCannotBeWrittenIsNamed) {
-    const PrinterBench good = Bench();
-    VirtualPrinter printer(PrinterBench::Parse("R7G?labels=/proc/none"));
+    const PrinterRig good = Rig();
+    VirtualPrinter printer(PrinterRig::Parse("R7G?labels=/proc/none"));
     EXPECT_NE(printer.Problem().find("/proc/none"), std::string::npos);
     printer.HostOpened(1);
     printer.FromHost("PF\r", 1);
@@ -222,17 +221,17 @@ const std::vector<std::pair<std::string, std::vector<std::string>>>& ReferenceLa
 }
 
 TEST_F(LabelTest, LooksAsTheKeptPictures) {
-    PrinterBench bench = Bench();
-    bench.Ask("SETUP\"LABEL,WIDTH,600\":SETUP\"LABEL,LENGTH,340\"");
-    Store(bench, "LOGO.PCX", TestPcx(96, 96, [](int x, int y) {
+    PrinterRig rig = Rig();
+    rig.Ask("SETUP\"LABEL,WIDTH,600\":SETUP\"LABEL,LENGTH,340\"");
+    Store(rig, "LOGO.PCX", TestPcx(96, 96, [](int x, int y) {
               const int distance = (x - 48) * (x - 48) + (y - 48) * (y - 48);
               return distance < 47 * 47 && (distance > 40 * 40 || (x + y) % 16 < 6);
           }));
     int number = 0;
     for (const auto& [name, lines] : ReferenceLabels()) {
         for (const std::string& line : lines)
-            EXPECT_TRUE(bench.Lines(line).empty()) << line;
-        bench.Ask("PF");
+            EXPECT_TRUE(rig.Lines(line).empty()) << line;
+        rig.Ask("PF");
         const Dots kept = ReadPng(std::string(REFERENCE_LABELS) + "/" + name + ".png");
         EXPECT_TRUE(Printed(++number) == kept) << name;
     }

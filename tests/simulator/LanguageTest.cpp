@@ -1,4 +1,4 @@
-#include "PrinterBench.h"
+#include "PrinterRig.h"
 
 namespace qncomm::testing {
 namespace {
@@ -11,9 +11,9 @@ struct Case {
 class Expressions : public ::testing::TestWithParam<Case> {};
 
 TEST_P(Expressions, AnswerAsExpected) {
-    PrinterBench bench;
-    bench.Ask("SYSVAR(19)=2");
-    EXPECT_EQ(bench.Line(GetParam().line), GetParam().answer);
+    PrinterRig rig;
+    rig.Ask("SYSVAR(19)=2");
+    EXPECT_EQ(rig.Line(GetParam().line), GetParam().answer);
 }
 
 INSTANTIATE_TEST_SUITE_P(
@@ -69,120 +69,120 @@ INSTANTIATE_TEST_SUITE_P(
         Case{"PRINT=1", "Error 19: Syntax error"}, Case{"PRINT @", "Error 19: Syntax error"}));
 
 TEST(Programs, RunWithSubroutinesAndJumps) {
-    PrinterBench bench;
-    bench.Ask("10 GOSUB 100:GOSUB 100");
-    bench.Ask("20 ON N GOTO 30,40");
-    bench.Ask("30 PRINT \"ONE\":END");
-    bench.Ask("40 PRINT \"TWO\"");
-    bench.Ask("50 IF N>1 THEN N=0:GOTO 40");
-    bench.Ask("60 END");
-    bench.Ask("100 N=N+1:RETURN");
-    EXPECT_EQ(bench.Lines("RUN"), (std::vector<std::string>{"TWO", "TWO"}));
+    PrinterRig rig;
+    rig.Ask("10 GOSUB 100:GOSUB 100");
+    rig.Ask("20 ON N GOTO 30,40");
+    rig.Ask("30 PRINT \"ONE\":END");
+    rig.Ask("40 PRINT \"TWO\"");
+    rig.Ask("50 IF N>1 THEN N=0:GOTO 40");
+    rig.Ask("60 END");
+    rig.Ask("100 N=N+1:RETURN");
+    EXPECT_EQ(rig.Lines("RUN"), (std::vector<std::string>{"TWO", "TWO"}));
 }
 
 TEST(Programs, TrapTheirErrors) {
-    PrinterBench bench;
-    bench.Ask("10 ON ERROR GOTO 100");
-    bench.Ask("20 PRINT 1/0");
-    bench.Ask("30 PRINT \"AFTER\"");
-    bench.Ask("40 END");
-    bench.Ask("100 PRINT ERR;\" \";ERL");
-    bench.Ask("110 RESUME NEXT");
-    EXPECT_EQ(bench.Lines("RUN"), (std::vector<std::string>{"11 20", "AFTER"}));
+    PrinterRig rig;
+    rig.Ask("10 ON ERROR GOTO 100");
+    rig.Ask("20 PRINT 1/0");
+    rig.Ask("30 PRINT \"AFTER\"");
+    rig.Ask("40 END");
+    rig.Ask("100 PRINT ERR;\" \";ERL");
+    rig.Ask("110 RESUME NEXT");
+    EXPECT_EQ(rig.Lines("RUN"), (std::vector<std::string>{"11 20", "AFTER"}));
 }
 
 TEST(Programs, AskForInput) {
-    PrinterBench bench;
-    bench.Ask("10 INPUT \"NAME \";A$,N");
-    bench.Ask("20 PRINT A$;N+1");
-    EXPECT_EQ(bench.Ask("RUN"), "RUN\r\nNAME ");
-    EXPECT_EQ(bench.Ask("BOB,41"), "BOB,41\r\nBOB42\r\nOk\r\n");
+    PrinterRig rig;
+    rig.Ask("10 INPUT \"NAME \";A$,N");
+    rig.Ask("20 PRINT A$;N+1");
+    EXPECT_EQ(rig.Ask("RUN"), "RUN\r\nNAME ");
+    EXPECT_EQ(rig.Ask("BOB,41"), "BOB,41\r\nBOB42\r\nOk\r\n");
 }
 
 TEST(Programs, ListWithRanges) {
-    PrinterBench bench;
+    PrinterRig rig;
     for (const int number : {10, 20, 30})
-        bench.Ask(std::to_string(number) + " REM " + std::to_string(number));
+        rig.Ask(std::to_string(number) + " REM " + std::to_string(number));
     using Listing = std::vector<std::string>;
-    EXPECT_EQ(bench.Lines("LIST"), (Listing{"10 REM 10", "20 REM 20", "30 REM 30"}));
-    EXPECT_EQ(bench.Lines("LIST 20"), Listing{"20 REM 20"});
-    EXPECT_EQ(bench.Lines("LIST 20-"), (Listing{"20 REM 20", "30 REM 30"}));
-    EXPECT_EQ(bench.Lines("LIST -20"), (Listing{"10 REM 10", "20 REM 20"}));
-    EXPECT_EQ(bench.Lines("LIST 15-25"), Listing{"20 REM 20"});
-    bench.Ask("20");
-    EXPECT_EQ(bench.Lines("LIST"), (Listing{"10 REM 10", "30 REM 30"}));
+    EXPECT_EQ(rig.Lines("LIST"), (Listing{"10 REM 10", "20 REM 20", "30 REM 30"}));
+    EXPECT_EQ(rig.Lines("LIST 20"), Listing{"20 REM 20"});
+    EXPECT_EQ(rig.Lines("LIST 20-"), (Listing{"20 REM 20", "30 REM 30"}));
+    EXPECT_EQ(rig.Lines("LIST -20"), (Listing{"10 REM 10", "20 REM 20"}));
+    EXPECT_EQ(rig.Lines("LIST 15-25"), Listing{"20 REM 20"});
+    rig.Ask("20");
+    EXPECT_EQ(rig.Lines("LIST"), (Listing{"10 REM 10", "30 REM 30"}));
 }
 
 TEST(Programs, AreSavedLoadedAndMerged) {
-    PrinterBench bench;
-    bench.Ask("10 PRINT \"A\"");
-    bench.Ask("20 PRINT \"B\"");
-    EXPECT_TRUE(bench.Lines("SAVE\"tmp:P\",L").empty());
-    EXPECT_TRUE(bench.Lines("NEW").empty());
-    bench.Ask("20 PRINT \"C\"");
-    bench.Ask("30 PRINT \"D\"");
-    EXPECT_TRUE(bench.Lines("MERGE\"tmp:P\"").empty());
-    EXPECT_EQ(bench.Lines("RUN"), (std::vector<std::string>{"A", "B", "D"}));
-    EXPECT_TRUE(bench.Lines("LOAD \"tmp:P\"").empty());
-    EXPECT_EQ(bench.Lines("RUN"), (std::vector<std::string>{"A", "B"}));
-    EXPECT_EQ(bench.Line("MERGE\"tmp:NONE\""), "Error 1022: File not found");
+    PrinterRig rig;
+    rig.Ask("10 PRINT \"A\"");
+    rig.Ask("20 PRINT \"B\"");
+    EXPECT_TRUE(rig.Lines("SAVE\"tmp:P\",L").empty());
+    EXPECT_TRUE(rig.Lines("NEW").empty());
+    rig.Ask("20 PRINT \"C\"");
+    rig.Ask("30 PRINT \"D\"");
+    EXPECT_TRUE(rig.Lines("MERGE\"tmp:P\"").empty());
+    EXPECT_EQ(rig.Lines("RUN"), (std::vector<std::string>{"A", "B", "D"}));
+    EXPECT_TRUE(rig.Lines("LOAD \"tmp:P\"").empty());
+    EXPECT_EQ(rig.Lines("RUN"), (std::vector<std::string>{"A", "B"}));
+    EXPECT_EQ(rig.Line("MERGE\"tmp:NONE\""), "Error 1022: File not found");
 }
 
 TEST(Programs, TakeWorkingMemory) {
-    PrinterBench bench("R7C");
-    EXPECT_EQ(bench.Line("PRINT FRE(0)"), "32768");
-    PrinterBench other("R7D");
+    PrinterRig rig("R7C");
+    EXPECT_EQ(rig.Line("PRINT FRE(0)"), "32768");
+    PrinterRig other("R7D");
     const int before = std::stoi(other.Line("PRINT FRE(0)"));
     other.Ask("10 PRINT \"HELLO\"");
     EXPECT_EQ(std::stoi(other.Line("PRINT FRE(0)")), before - 17);
 }
 
 TEST(Programs, MemoryThatIsFullRefuses) {
-    PrinterBench bench("R7D");
-    bench.Ask("SYSVAR(18)=8:SYSVAR(19)=2");
+    PrinterRig rig("R7D");
+    rig.Ask("SYSVAR(18)=8:SYSVAR(19)=2");
     const std::string text = " REM " + std::string(990, 'x');
     std::string reply;
     for (int number = 1; number < 100 && reply.empty(); ++number)
-        reply = bench.Ask(std::to_string(number) + text);
+        reply = rig.Ask(std::to_string(number) + text);
     EXPECT_EQ(reply.substr(0, 16), "Error 7 in line ");
-    EXPECT_EQ(bench.Ask("DIM A(90000)"), "Error 7: Out of memory\r\n");
-    EXPECT_EQ(bench.Ask("NEW:PRINT 1"), "1\r\n");
+    EXPECT_EQ(rig.Ask("DIM A(90000)"), "Error 7: Out of memory\r\n");
+    EXPECT_EQ(rig.Ask("NEW:PRINT 1"), "1\r\n");
 }
 
 TEST(Programs, NestingHasALimit) {
-    PrinterBench bench;
-    bench.Ask("SYSVAR(19)=2");
+    PrinterRig rig;
+    rig.Ask("SYSVAR(19)=2");
     const std::string opened(500, '(');
-    EXPECT_EQ(bench.Line("PRINT " + opened), "Error 16: Nesting too deep");
-    EXPECT_EQ(bench.Line("PRINT " + std::string(500, '-') + "1"), "Error 16: Nesting too deep");
+    EXPECT_EQ(rig.Line("PRINT " + opened), "Error 16: Nesting too deep");
+    EXPECT_EQ(rig.Line("PRINT " + std::string(500, '-') + "1"), "Error 16: Nesting too deep");
     std::string ifs;
     for (int i = 0; i < 60; ++i)
         ifs += "IF 1 THEN ";
-    EXPECT_EQ(bench.Line(ifs + "PRINT 1"), "Error 16: Nesting too deep");
+    EXPECT_EQ(rig.Line(ifs + "PRINT 1"), "Error 16: Nesting too deep");
     std::string sum = "1";
     for (int i = 0; i < 450; ++i)
         sum += "+1";
-    EXPECT_EQ(bench.Line("PRINT " + sum), "Error 16: Nesting too deep");
-    bench.Ask("10 GOSUB 10");
-    EXPECT_EQ(bench.Line("RUN"), "Error 16 in line 10: Nesting too deep");
+    EXPECT_EQ(rig.Line("PRINT " + sum), "Error 16: Nesting too deep");
+    rig.Ask("10 GOSUB 10");
+    EXPECT_EQ(rig.Line("RUN"), "Error 16 in line 10: Nesting too deep");
 }
 
 TEST(Programs, EndlessOutputWaitsForTheHost) {
-    PrinterBench bench;
-    bench.Ask("10 PRINT \"0123456789\":GOTO 10");
-    bench.Send("RUN\r");
+    PrinterRig rig;
+    rig.Ask("10 PRINT \"0123456789\":GOTO 10");
+    rig.Send("RUN\r");
     for (int slice = 0; slice < 1000; ++slice)
-        bench.Printer().Advance(bench.Now());
-    const std::string taken = bench.Printer().ToHost(bench.Now(), 1 << 30);
+        rig.Printer().Advance(rig.Now());
+    const std::string taken = rig.Printer().ToHost(rig.Now(), 1 << 30);
     EXPECT_LT(taken.size(), 600'000U);
     EXPECT_GT(taken.size(), 200'000U);
 }
 
 TEST(Programs, AMillionRoundsEnd) {
-    PrinterBench bench;
-    bench.Ask("10 FOR I=1 TO 1000000:A=A+I:NEXT");
-    bench.Ask("20 PRINT A");
-    EXPECT_EQ(bench.Line("RUN"), "500000500000");
+    PrinterRig rig;
+    rig.Ask("10 FOR I=1 TO 1000000:A=A+I:NEXT");
+    rig.Ask("20 PRINT A");
+    EXPECT_EQ(rig.Line("RUN"), "500000500000");
 }
 
 } // namespace

@@ -1,4 +1,4 @@
-#include "PrinterBench.h"
+#include "PrinterRig.h"
 
 #include <algorithm>
 
@@ -7,10 +7,10 @@ namespace {
 
 constexpr std::string_view Probe = "\x11\rIMMEDIATE ON:SYSVAR(18)=-1:PRINT\"HELLO\"\r";
 
-std::string ProbeWith(PrinterBench& bench, const LineFormat& format) {
-    bench.Printer().SetHostFormat(format, bench.Now());
-    bench.Send(Probe);
-    std::string reply = bench.Read();
+std::string ProbeWith(PrinterRig& rig, const LineFormat& format) {
+    rig.Printer().SetHostFormat(format, rig.Now());
+    rig.Send(Probe);
+    std::string reply = rig.Read();
     for (char& c : reply)
         c = static_cast<char>(c & 0x7F);
     return reply;
@@ -42,63 +42,63 @@ TEST(LineSettings, AnswerOnlyTheRateDataBitsAndParityThatAreSetUp) {
         options.dataBits = *printer.dataBits;
         options.stopBits = *printer.stopBits;
         options.parity = *printer.parity;
-        PrinterBench bench(options);
+        PrinterRig rig(options);
         for (const LineFormat& host : AllFormats()) {
             const bool understood = host.baud == printer.baud && host.dataBits == printer.dataBits
                                     && host.parity == printer.parity;
-            EXPECT_EQ(Found(ProbeWith(bench, host)), understood)
+            EXPECT_EQ(Found(ProbeWith(rig, host)), understood)
                 << *printer.baud << *printer.parity << " and " << *host.baud << *host.parity;
         }
         // What the wrong combinations left behind is gone with the next line end.
-        EXPECT_TRUE(Found(ProbeWith(bench, printer)));
+        EXPECT_TRUE(Found(ProbeWith(rig, printer)));
     }
 }
 
 TEST(LineSettings, ItemsThatAreNotCarriedCauseNoMismatch) {
-    PrinterBench bench("R7G?baud=57600&format=m,7,1");
+    PrinterRig rig("R7G?baud=57600&format=m,7,1");
     LineFormat format;
-    EXPECT_TRUE(Found(ProbeWith(bench, format)));
+    EXPECT_TRUE(Found(ProbeWith(rig, format)));
     format.baud = 57600;
-    EXPECT_TRUE(Found(ProbeWith(bench, format)));
+    EXPECT_TRUE(Found(ProbeWith(rig, format)));
     format.dataBits = 8;
-    EXPECT_FALSE(Found(ProbeWith(bench, format)));
+    EXPECT_FALSE(Found(ProbeWith(rig, format)));
 }
 
 TEST(LineSettings, OneStopBitAndTwoUnderstandEachOtherAndHearNoErrors) {
     for (const int printer : {1, 2}) {
-        PrinterBench bench("R7G?format=n,8," + std::to_string(printer));
-        EXPECT_TRUE(Found(ProbeWith(bench, {9600, 8, 3 - printer, 'n'})));
-        const HostErrors errors = bench.Printer().TakeHostErrors();
+        PrinterRig rig("R7G?format=n,8," + std::to_string(printer));
+        EXPECT_TRUE(Found(ProbeWith(rig, {9600, 8, 3 - printer, 'n'})));
+        const HostErrors errors = rig.Printer().TakeHostErrors();
         EXPECT_FALSE(errors.frame || errors.parity);
     }
 }
 
 TEST(LineSettings, SevenBitLineLosesTheEighthBit) {
-    PrinterBench bench("R7G?format=n,7,2");
-    EXPECT_EQ(bench.Line("PRINT CHR$(193)"), "A");
+    PrinterRig rig("R7G?format=n,7,2");
+    EXPECT_EQ(rig.Line("PRINT CHR$(193)"), "A");
 }
 
 TEST(LineSettings, NothingIsHeardWithoutAHost) {
-    PrinterBench bench;
-    bench.Send("PRINT 1\r\n");
-    bench.Printer().HostClosed(bench.Now());
-    EXPECT_EQ(bench.Read(), "");
-    bench.Printer().HostOpened(bench.Now());
-    EXPECT_EQ(bench.Read(), "");
-    EXPECT_EQ(bench.Line("PRINT 2"), "2");
+    PrinterRig rig;
+    rig.Send("PRINT 1\r\n");
+    rig.Printer().HostClosed(rig.Now());
+    EXPECT_EQ(rig.Read(), "");
+    rig.Printer().HostOpened(rig.Now());
+    EXPECT_EQ(rig.Read(), "");
+    EXPECT_EQ(rig.Line("PRINT 2"), "2");
 }
 
 TEST(PacedLine, TakesItsTimeInBothDirections) {
-    PrinterBench bench("R7G?baud=9600&format=n,8,2&paced");
+    PrinterRig rig("R7G?baud=9600&format=n,8,2&paced");
     constexpr Micros characterNs = Micros{1'000'000'000} / 9600 * 11;
-    bench.Send("PRINT 1\r");
-    EXPECT_EQ(bench.Printer().PendingFromHost(bench.Now()), 8U);
-    EXPECT_EQ(bench.Printer().PendingFromHost(bench.Now() + 4 * characterNs / 1000 + 1), 4U);
-    const Micros start = bench.Now();
+    rig.Send("PRINT 1\r");
+    EXPECT_EQ(rig.Printer().PendingFromHost(rig.Now()), 8U);
+    EXPECT_EQ(rig.Printer().PendingFromHost(rig.Now() + 4 * characterNs / 1000 + 1), 4U);
+    const Micros start = rig.Now();
     std::string reply;
     Micros last = start;
-    while (const auto due = bench.Printer().NextDue()) {
-        const std::string piece = bench.Printer().ToHost(std::max(*due, last), 1000);
+    while (const auto due = rig.Printer().NextDue()) {
+        const std::string piece = rig.Printer().ToHost(std::max(*due, last), 1000);
         last = std::max(*due, last);
         reply += piece;
         if (reply.ends_with("Ok\r\n")) break;
@@ -106,72 +106,72 @@ TEST(PacedLine, TakesItsTimeInBothDirections) {
     EXPECT_EQ(reply, "PRINT 1\r\n1\r\nOk\r\n");
     // Each echoed character leaves as the next one arrives; the answer follows the last.
     EXPECT_GE(last - start, 8 * characterNs / 1000 + 7 * characterNs / 1000);
-    EXPECT_EQ(bench.Printer().PendingFromHost(last), 0U);
+    EXPECT_EQ(rig.Printer().PendingFromHost(last), 0U);
 }
 
 TEST(PacedLine, CarriesAtTheSendersOwnPace) {
     // Ten bits a byte from the host, eleven from the printer.
-    PrinterBench bench("R7G?baud=300&format=n,8,2&paced");
-    bench.Printer().SetHostFormat({300, 8, 1, 'n'}, bench.Now());
-    bench.Send(std::string(30, 'x'));
-    EXPECT_EQ(bench.Printer().PendingFromHost(bench.Now() + 999'000), 1U);
-    EXPECT_EQ(bench.Printer().PendingFromHost(bench.Now() + 1'000'001), 0U);
+    PrinterRig rig("R7G?baud=300&format=n,8,2&paced");
+    rig.Printer().SetHostFormat({300, 8, 1, 'n'}, rig.Now());
+    rig.Send(std::string(30, 'x'));
+    EXPECT_EQ(rig.Printer().PendingFromHost(rig.Now() + 999'000), 1U);
+    EXPECT_EQ(rig.Printer().PendingFromHost(rig.Now() + 1'000'001), 0U);
 }
 
 TEST(PacedLine, HoldsAFewBytesAndHasRoomAgainAsTheyPass) {
-    PrinterBench bench("R7G?baud=9600&format=n,8,2&paced");
-    const std::size_t all = bench.Printer().Room(bench.Now());
+    PrinterRig rig("R7G?baud=9600&format=n,8,2&paced");
+    const std::size_t all = rig.Printer().Room(rig.Now());
     EXPECT_EQ(all, 128U);
-    bench.Send(std::string(all, '\n'));
-    EXPECT_EQ(bench.Printer().Room(bench.Now()), 0U);
-    const Micros due = bench.Printer().RoomDue().value_or(0);
-    EXPECT_EQ(bench.Printer().Room(due - 1), 0U);
-    EXPECT_EQ(bench.Printer().Room(due), 1U);
-    EXPECT_EQ(PrinterBench("R7G").Printer().RoomDue(), std::nullopt);
+    rig.Send(std::string(all, '\n'));
+    EXPECT_EQ(rig.Printer().Room(rig.Now()), 0U);
+    const Micros due = rig.Printer().RoomDue().value_or(0);
+    EXPECT_EQ(rig.Printer().Room(due - 1), 0U);
+    EXPECT_EQ(rig.Printer().Room(due), 1U);
+    EXPECT_EQ(PrinterRig("R7G").Printer().RoomDue(), std::nullopt);
 }
 
 TEST(PacedLine, LosesWhatThePrintersReceiveBufferDoesNotHold) {
-    PrinterBench bench("R7G?baud=115200&paced&answer=60000:PRINT");
-    bench.Send("PRINT 1\r" + std::string(5000, '\0') + "PRINT 2\r");
-    EXPECT_TRUE(bench.Read(120'000'000).ends_with("1\r\nOk\r\n")) << "the second line is lost";
-    PrinterBench holds("R7G?baud=115200&paced&answer=60000:PRINT");
+    PrinterRig rig("R7G?baud=115200&paced&answer=60000:PRINT");
+    rig.Send("PRINT 1\r" + std::string(5000, '\0') + "PRINT 2\r");
+    EXPECT_TRUE(rig.Read(120'000'000).ends_with("1\r\nOk\r\n")) << "the second line is lost";
+    PrinterRig holds("R7G?baud=115200&paced&answer=60000:PRINT");
     holds.Send("PRINT 1\r" + std::string(4000, '\0') + "PRINT 2\r");
     EXPECT_TRUE(holds.Read(180'000'000).ends_with("2\r\nOk\r\n"));
 }
 
 TEST(FlowControl, XoffHoldsTheAnswerUntilXon) {
-    PrinterBench bench;
-    bench.Ask("SETUP\"SER-COM,UART1,FLOWCONTROL,XON/XOFF,DATA TO HOST,ENABLE\"");
-    bench.Send("\x13PRINT 1\r");
-    EXPECT_EQ(bench.Read(), "");
-    bench.Send("\x11");
-    EXPECT_EQ(bench.Read(), "PRINT 1\r\n1\r\nOk\r\n");
+    PrinterRig rig;
+    rig.Ask("SETUP\"SER-COM,UART1,FLOWCONTROL,XON/XOFF,DATA TO HOST,ENABLE\"");
+    rig.Send("\x13PRINT 1\r");
+    EXPECT_EQ(rig.Read(), "");
+    rig.Send("\x11");
+    EXPECT_EQ(rig.Read(), "PRINT 1\r\n1\r\nOk\r\n");
 }
 
 TEST(FlowControl, PrinterStopsAndResumesTheHost) {
-    PrinterBench bench;
-    bench.Ask("SETUP\"SER-COM,UART1,FLOWCONTROL,XON/XOFF,DATA FROM HOST,ENABLE\"");
-    bench.Ask("SYSVAR(18)=0");
-    bench.Ask("10 FOR I=1 TO 100000:NEXT");
-    bench.Send("RUN\r" + std::string(4000, '\r'));
-    EXPECT_EQ(bench.Read(), "\x13\x11");
+    PrinterRig rig;
+    rig.Ask("SETUP\"SER-COM,UART1,FLOWCONTROL,XON/XOFF,DATA FROM HOST,ENABLE\"");
+    rig.Ask("SYSVAR(18)=0");
+    rig.Ask("10 FOR I=1 TO 100000:NEXT");
+    rig.Send("RUN\r" + std::string(4000, '\r'));
+    EXPECT_EQ(rig.Read(), "\x13\x11");
 }
 
 TEST(FlowControl, LoweredRtsHoldsTheAnswer) {
-    PrinterBench bench;
-    bench.Ask("SETUP\"SER-COM,UART1,FLOWCONTROL,RTS/CTS,ENABLE\"");
-    bench.Printer().SetHostLines(true, false, bench.Now());
-    bench.Send("PRINT 1\r");
-    EXPECT_EQ(bench.Read(), "");
-    bench.Printer().SetHostLines(true, true, bench.Now());
-    EXPECT_EQ(bench.Read(), "PRINT 1\r\n1\r\nOk\r\n");
+    PrinterRig rig;
+    rig.Ask("SETUP\"SER-COM,UART1,FLOWCONTROL,RTS/CTS,ENABLE\"");
+    rig.Printer().SetHostLines(true, false, rig.Now());
+    rig.Send("PRINT 1\r");
+    EXPECT_EQ(rig.Read(), "");
+    rig.Printer().SetHostLines(true, true, rig.Now());
+    EXPECT_EQ(rig.Read(), "PRINT 1\r\n1\r\nOk\r\n");
 }
 
 std::string Repeated(std::string_view address) {
-    PrinterBench bench(address);
+    PrinterRig rig(address);
     std::string all;
     for (int i = 0; i < 50; ++i)
-        all += bench.Ask("PRINT \"0123456789012345678901234567890123456789\"");
+        all += rig.Ask("PRINT \"0123456789012345678901234567890123456789\"");
     return all;
 }
 
@@ -186,34 +186,34 @@ TEST(Faults, SameSeedDoesTheSameDamage) {
 }
 
 TEST(Faults, StallPausesTheAnswer) {
-    PrinterBench bench("R7G?stall=1:500");
-    bench.Send("\r");
-    EXPECT_EQ(bench.Read(499'999), "");
-    EXPECT_EQ(bench.Read(1), "\r\n");
+    PrinterRig rig("R7G?stall=1:500");
+    rig.Send("\r");
+    EXPECT_EQ(rig.Read(499'999), "");
+    EXPECT_EQ(rig.Read(1), "\r\n");
 }
 
 TEST(Faults, NoEchoLeavesTheAnswer) {
-    PrinterBench bench("R7G?no-echo");
-    EXPECT_EQ(bench.Ask("PRINT 1"), "1\r\nOk\r\n");
+    PrinterRig rig("R7G?no-echo");
+    EXPECT_EQ(rig.Ask("PRINT 1"), "1\r\nOk\r\n");
 }
 
 TEST(Faults, CommandOfThatNumberFails) {
-    PrinterBench bench("R7G?error-on=2");
-    EXPECT_EQ(bench.Line("PRINT 1"), "1");
-    EXPECT_EQ(bench.Line("PRINT 2"), "Error 1099: Print head fault");
-    EXPECT_EQ(bench.Line("PRINT 3"), "3");
+    PrinterRig rig("R7G?error-on=2");
+    EXPECT_EQ(rig.Line("PRINT 1"), "1");
+    EXPECT_EQ(rig.Line("PRINT 2"), "Error 1099: Print head fault");
+    EXPECT_EQ(rig.Line("PRINT 3"), "3");
 }
 
 TEST(Faults, DroppedDsrIsSeenByTheHost) {
-    EXPECT_TRUE(PrinterBench("R7G").Printer().Dsr());
-    EXPECT_FALSE(PrinterBench("R7G?dsr=off").Printer().Dsr());
+    EXPECT_TRUE(PrinterRig("R7G").Printer().Dsr());
+    EXPECT_FALSE(PrinterRig("R7G?dsr=off").Printer().Dsr());
 }
 
 TEST(Faults, LineIsCutAfterItsBytes) {
-    PrinterBench bench("R7G?cut=10");
-    EXPECT_EQ(bench.Ask("PRINT \"HELLO\""), "PRINT \"HEL");
-    EXPECT_TRUE(bench.Printer().LineCut());
-    EXPECT_EQ(bench.Ask("PRINT 1"), "");
+    PrinterRig rig("R7G?cut=10");
+    EXPECT_EQ(rig.Ask("PRINT \"HELLO\""), "PRINT \"HEL");
+    EXPECT_TRUE(rig.Printer().LineCut());
+    EXPECT_EQ(rig.Ask("PRINT 1"), "");
 }
 
 TEST(Address, NamesWhatIsWrong) {
@@ -226,7 +226,7 @@ TEST(Address, NamesWhatIsWrong) {
 }
 
 TEST(Address, CarriesEveryOption) {
-    const Options options = PrinterBench::Parse(
+    const Options options = PrinterRig::Parse(
         "R7FZV?baud=57600&format=M,7,1&uart=3&boot-ms=9&paced&version=Quorin 7.00&capacity=1000&"
         "lost=0.5,seed=3&stall=0.25:40,seed=4&error-on=3&dsr=off&cut=12&no-echo=on&"
         "answer=40&answer=700:files \"card&late-errors=30&long-setup&greeting=Ready.&"

@@ -1,5 +1,5 @@
 // What real printers do and an obliging one does not.
-#include "PrinterBench.h"
+#include "PrinterRig.h"
 #include "testing/printer/TestPictures.h"
 
 #include <map>
@@ -10,84 +10,84 @@ namespace {
 constexpr std::string_view Ok = "Ok\r\n";
 
 TEST(AnswerTime, ALineIsEchoedAtOnceAndCarriedOutWhenItsTimeHasCome) {
-    PrinterBench bench("R7G?answer=80:OPEN");
+    PrinterRig rig("R7G?answer=80:OPEN");
     const std::string line = "open \"UART1:\" FOR OUTPUT AS #68:CLOSE68";
-    EXPECT_EQ(bench.Ask(line), line + "\r\n");
-    EXPECT_EQ(bench.Read(79'999), "");
-    EXPECT_EQ(bench.Read(1), Ok);
-    EXPECT_EQ(bench.Line("PRINT 1"), "1") << "other commands take no time";
+    EXPECT_EQ(rig.Ask(line), line + "\r\n");
+    EXPECT_EQ(rig.Read(79'999), "");
+    EXPECT_EQ(rig.Read(1), Ok);
+    EXPECT_EQ(rig.Line("PRINT 1"), "1") << "other commands take no time";
 }
 
 TEST(AnswerTime, TheLastOneThatFitsCounts) {
-    PrinterBench bench("R7G?answer=40&answer=700:FILES \"CARD&answer=0:PRINT");
-    EXPECT_EQ(bench.Line("PRINT 1"), "1");
-    bench.Send("FILES\"card1:\"\r");
-    EXPECT_EQ(bench.Read(699'999), "FILES\"card1:\"\r\n");
-    EXPECT_NE(bench.Read(1), "");
-    bench.Send("FILES\"c:\"\r");
-    EXPECT_EQ(bench.Read(39'999), "FILES\"c:\"\r\n");
-    EXPECT_NE(bench.Read(1), "");
+    PrinterRig rig("R7G?answer=40&answer=700:FILES \"CARD&answer=0:PRINT");
+    EXPECT_EQ(rig.Line("PRINT 1"), "1");
+    rig.Send("FILES\"card1:\"\r");
+    EXPECT_EQ(rig.Read(699'999), "FILES\"card1:\"\r\n");
+    EXPECT_NE(rig.Read(1), "");
+    rig.Send("FILES\"c:\"\r");
+    EXPECT_EQ(rig.Read(39'999), "FILES\"c:\"\r\n");
+    EXPECT_NE(rig.Read(1), "");
 }
 
 TEST(AnswerTime, WhatIsTypedMeanwhileIsCarriedOutAfterwards) {
-    PrinterBench bench("R7G?answer=100:PRINT 1");
-    bench.Send("PRINT 1\rPRINT 2\r");
-    EXPECT_EQ(bench.Read(100'000), "PRINT 1\r\n1\r\nOk\r\nPRINT 2\r\n2\r\nOk\r\n");
+    PrinterRig rig("R7G?answer=100:PRINT 1");
+    rig.Send("PRINT 1\rPRINT 2\r");
+    EXPECT_EQ(rig.Read(100'000), "PRINT 1\r\n1\r\nOk\r\nPRINT 2\r\n2\r\nOk\r\n");
 }
 
 TEST(AnswerTime, LinesOfAProgramTakeNone) {
-    PrinterBench bench("R7G?answer=40");
-    bench.Send("SYSVAR(18)=8:IMMEDIATE OFF\r10 PRINT 1\rPRINT 2\rPRINT 3\rIMMEDIATE ON\rRUN\r");
-    EXPECT_EQ(bench.Read(119'999), "SYSVAR(18)=8:IMMEDIATE OFF\r\n");
-    EXPECT_EQ(bench.Read(1), "1\r\n2\r\n3\r\n");
+    PrinterRig rig("R7G?answer=40");
+    rig.Send("SYSVAR(18)=8:IMMEDIATE OFF\r10 PRINT 1\rPRINT 2\rPRINT 3\rIMMEDIATE ON\rRUN\r");
+    EXPECT_EQ(rig.Read(119'999), "SYSVAR(18)=8:IMMEDIATE OFF\r\n");
+    EXPECT_EQ(rig.Read(1), "1\r\n2\r\n3\r\n");
 }
 
 TEST(AnswerTime, ALoadTakesTheBytesThatCameMeanwhile) {
-    PrinterBench bench("R7G?answer=100:IMAGE LOAD");
+    PrinterRig rig("R7G?answer=100:IMAGE LOAD");
     const std::string picture = TestPcx(30, 20);
-    bench.Send("IMAGE LOAD \"A.PCX\"," + std::to_string(picture.size()) + ",\"\"\r" + picture);
-    EXPECT_TRUE(bench.Read(100'000).ends_with("\"\"\r\nOk\r\n"));
-    EXPECT_EQ(bench.Lines("IMAGES").size(), 2U);
+    rig.Send("IMAGE LOAD \"A.PCX\"," + std::to_string(picture.size()) + ",\"\"\r" + picture);
+    EXPECT_TRUE(rig.Read(100'000).ends_with("\"\"\r\nOk\r\n"));
+    EXPECT_EQ(rig.Lines("IMAGES").size(), 2U);
 }
 
 TEST(AnswerTime, IsCutShortByABreak) {
-    PrinterBench bench("R7G?answer=100:PRINT 1");
-    bench.Ask("PRINT 1");
-    bench.Printer().Break(bench.Now());
-    EXPECT_EQ(bench.Read(), "Break\r\nOk\r\n");
-    EXPECT_EQ(bench.Read(1'000'000), "") << "it is not carried out any more";
-    EXPECT_EQ(bench.Line("PRINT 2"), "2");
+    PrinterRig rig("R7G?answer=100:PRINT 1");
+    rig.Ask("PRINT 1");
+    rig.Printer().Break(rig.Now());
+    EXPECT_EQ(rig.Read(), "Break\r\nOk\r\n");
+    EXPECT_EQ(rig.Read(1'000'000), "") << "it is not carried out any more";
+    EXPECT_EQ(rig.Line("PRINT 2"), "2");
 }
 
 TEST(LateErrors, ComeAWhileAfterTheEchoAndThePromptWithThem) {
-    PrinterBench bench("R7G?late-errors=300");
-    EXPECT_EQ(bench.Ask("KILL \"tmp:NONE\""), "KILL \"tmp:NONE\"\r\n");
-    EXPECT_EQ(bench.Read(299'999), "");
-    EXPECT_EQ(bench.Read(1), "Error 1022: File not found\r\nOk\r\n");
-    EXPECT_EQ(bench.Line("PRINT 1"), "1") << "what goes well is said at once";
-    EXPECT_EQ(bench.Line("PRINT )"), "Error 19: Syntax error") << "so is what does not read";
+    PrinterRig rig("R7G?late-errors=300");
+    EXPECT_EQ(rig.Ask("KILL \"tmp:NONE\""), "KILL \"tmp:NONE\"\r\n");
+    EXPECT_EQ(rig.Read(299'999), "");
+    EXPECT_EQ(rig.Read(1), "Error 1022: File not found\r\nOk\r\n");
+    EXPECT_EQ(rig.Line("PRINT 1"), "1") << "what goes well is said at once";
+    EXPECT_EQ(rig.Line("PRINT )"), "Error 19: Syntax error") << "so is what does not read";
 }
 
 TEST(LateErrors, ComeBehindWhatAProgramSaidAndBeforeTheNextLine) {
-    PrinterBench bench("R7G?late-errors=300");
-    bench.Ask("10 PRINT 1:KILL \"tmp:NONE\"");
-    bench.Send("RUN\rPRINT 2\r");
-    EXPECT_EQ(bench.Read(), "RUN\r\n1\r\n");
-    EXPECT_EQ(bench.Read(300'000), "Error 1022: File not found\r\nOk\r\nPRINT 2\r\n2\r\nOk\r\n");
+    PrinterRig rig("R7G?late-errors=300");
+    rig.Ask("10 PRINT 1:KILL \"tmp:NONE\"");
+    rig.Send("RUN\rPRINT 2\r");
+    EXPECT_EQ(rig.Read(), "RUN\r\n1\r\n");
+    EXPECT_EQ(rig.Read(300'000), "Error 1022: File not found\r\nOk\r\nPRINT 2\r\n2\r\nOk\r\n");
 }
 
 TEST(LateErrors, AreSaidAtOnceByABreak) {
-    PrinterBench bench("R7G?late-errors=300");
-    bench.Ask("FT \"NONE\"");
-    bench.Printer().Break(bench.Now());
-    EXPECT_EQ(bench.Read(), "Error 1040: Font not found\r\nOk\r\n");
-    EXPECT_EQ(bench.Read(1'000'000), "");
+    PrinterRig rig("R7G?late-errors=300");
+    rig.Ask("FT \"NONE\"");
+    rig.Printer().Break(rig.Now());
+    EXPECT_EQ(rig.Read(), "Error 1040: Font not found\r\nOk\r\n");
+    EXPECT_EQ(rig.Read(1'000'000), "");
 }
 
 TEST(LongSetup, HasManyUnknownItemsAndTheChannelsAtItsEnd) {
-    PrinterBench bench("R7G?long-setup");
-    const std::vector<std::string> lines = bench.Lines("SETUP WRITE\"uart1:\"");
-    const std::size_t plain = PrinterBench("R7G").Lines("SETUP WRITE\"uart1:\"").size();
+    PrinterRig rig("R7G?long-setup");
+    const std::vector<std::string> lines = rig.Lines("SETUP WRITE\"uart1:\"");
+    const std::size_t plain = PrinterRig("R7G").Lines("SETUP WRITE\"uart1:\"").size();
     EXPECT_GT(lines.size(), 5 * plain);
     EXPECT_TRUE(lines.back().starts_with("SER-COM,UART3,"));
     std::map<std::string, int> items;
@@ -95,28 +95,28 @@ TEST(LongSetup, HasManyUnknownItemsAndTheChannelsAtItsEnd) {
         EXPECT_NE(line.find(','), std::string::npos) << line;
         EXPECT_EQ(++items[line.substr(0, line.rfind(','))], 1) << line;
     }
-    EXPECT_TRUE(bench.Lines("SETUP\"CUTTER,GROUP 3,LEVEL,77\"").empty());
-    EXPECT_NE(bench.Ask("SETUP WRITE\"uart1:\"").find("CUTTER,GROUP 3,LEVEL,77\r\n"),
+    EXPECT_TRUE(rig.Lines("SETUP\"CUTTER,GROUP 3,LEVEL,77\"").empty());
+    EXPECT_NE(rig.Ask("SETUP WRITE\"uart1:\"").find("CUTTER,GROUP 3,LEVEL,77\r\n"),
               std::string::npos);
 }
 
 TEST(Greeting, IsAllThatAStartSays) {
-    PrinterBench bench("R7G?boot-ms=100&greeting=At your service.");
-    bench.Ask("REBOOT");
-    EXPECT_EQ(bench.Read(100'000), "At your service.\r\n");
-    EXPECT_EQ(bench.Line("PRINT 1"), "1");
-    PrinterBench silent("R7G?boot-ms=100&greeting=");
+    PrinterRig rig("R7G?boot-ms=100&greeting=At your service.");
+    rig.Ask("REBOOT");
+    EXPECT_EQ(rig.Read(100'000), "At your service.\r\n");
+    EXPECT_EQ(rig.Line("PRINT 1"), "1");
+    PrinterRig silent("R7G?boot-ms=100&greeting=");
     silent.Ask("REBOOT");
     EXPECT_EQ(silent.Read(100'000), "");
     EXPECT_EQ(silent.Line("PRINT 1"), "1");
 }
 
 TEST(Noise, StandsBetweenReplyAndNextEchoAndSpoilsNeither) {
-    PrinterBench bench("R7G?noise=1,seed=3");
+    PrinterRig rig("R7G?noise=1,seed=3");
     const std::string reply = "PRINT 1\r\n1\r\nOk\r\n";
-    EXPECT_EQ(bench.Ask("PRINT 1"), reply) << "no reply has been given yet";
+    EXPECT_EQ(rig.Ask("PRINT 1"), reply) << "no reply has been given yet";
     for (int i = 0; i < 100; ++i) {
-        const std::string all = bench.Ask("PRINT 1");
+        const std::string all = rig.Ask("PRINT 1");
         EXPECT_TRUE(all.ends_with(reply));
         EXPECT_GT(all.size(), reply.size());
         EXPECT_LE(all.size(), reply.size() + 8);
@@ -125,18 +125,18 @@ TEST(Noise, StandsBetweenReplyAndNextEchoAndSpoilsNeither) {
 }
 
 TEST(Noise, ComesByItselfWhereNobodyTypes) {
-    PrinterBench bench("R7G?noise=1,seed=3");
-    bench.Ask("PRINT 1");
-    EXPECT_NE(bench.Read(100'000), "");
-    EXPECT_EQ(bench.Read(1'000'000), "") << "once for each reply";
-    EXPECT_EQ(bench.Ask("PRINT 1"), "PRINT 1\r\n1\r\nOk\r\n");
+    PrinterRig rig("R7G?noise=1,seed=3");
+    rig.Ask("PRINT 1");
+    EXPECT_NE(rig.Read(100'000), "");
+    EXPECT_EQ(rig.Read(1'000'000), "") << "once for each reply";
+    EXPECT_EQ(rig.Ask("PRINT 1"), "PRINT 1\r\n1\r\nOk\r\n");
 }
 
 std::string NoisySession(const std::string& address) {
-    PrinterBench bench(address);
+    PrinterRig rig(address);
     std::string all;
     for (int i = 0; i < 50; ++i)
-        all += bench.Ask("PRINT 1");
+        all += rig.Ask("PRINT 1");
     return all;
 }
 
@@ -148,36 +148,36 @@ TEST(Noise, IsTheSameWithTheSameSeed) {
 }
 
 TEST(Power, IsLostOnceAfterSoManyStatements) {
-    PrinterBench bench("R7G?boot-ms=1000&power-lost-after=3");
-    bench.Ask("10 OPEN \"c:HALF\" FOR OUTPUT AS 1");
-    bench.Ask("20 PRINT#1,\"written\":PRINT \"before\":PRINT \"after\"");
-    EXPECT_TRUE(bench.Printer().Dsr());
-    EXPECT_EQ(bench.Ask("RUN"), "RUN\r\n");
-    EXPECT_FALSE(bench.Printer().Dsr());
-    bench.Send("PRINT 1\r");
-    EXPECT_EQ(bench.Read(999'999), "") << "nobody is there";
-    EXPECT_TRUE(bench.Read(1).ends_with(Ok)) << "it starts again";
-    EXPECT_TRUE(bench.Printer().Dsr());
-    EXPECT_TRUE(bench.Lines("LIST").empty()) << "the program is gone";
-    EXPECT_NE(bench.Ask("FILES \"c:\"").find("HALF                         0"), std::string::npos)
+    PrinterRig rig("R7G?boot-ms=1000&power-lost-after=3");
+    rig.Ask("10 OPEN \"c:HALF\" FOR OUTPUT AS 1");
+    rig.Ask("20 PRINT#1,\"written\":PRINT \"before\":PRINT \"after\"");
+    EXPECT_TRUE(rig.Printer().Dsr());
+    EXPECT_EQ(rig.Ask("RUN"), "RUN\r\n");
+    EXPECT_FALSE(rig.Printer().Dsr());
+    rig.Send("PRINT 1\r");
+    EXPECT_EQ(rig.Read(999'999), "") << "nobody is there";
+    EXPECT_TRUE(rig.Read(1).ends_with(Ok)) << "it starts again";
+    EXPECT_TRUE(rig.Printer().Dsr());
+    EXPECT_TRUE(rig.Lines("LIST").empty()) << "the program is gone";
+    EXPECT_NE(rig.Ask("FILES \"c:\"").find("HALF                         0"), std::string::npos)
         << "the file was begun and not closed";
 }
 
 TEST(Power, TakesWhatIsStillOnTheLineWithIt) {
-    PrinterBench bench("R7G?baud=300&paced&boot-ms=60000&power-lost-after=1");
-    bench.Send("PRINT \"a long text that takes its time\":PRINT 2\r");
-    const std::string said = bench.Read(30'000'000);
+    PrinterRig rig("R7G?baud=300&paced&boot-ms=60000&power-lost-after=1");
+    rig.Send("PRINT \"a long text that takes its time\":PRINT 2\r");
+    const std::string said = rig.Read(30'000'000);
     EXPECT_TRUE(said.starts_with("PRINT \"a long")) << said;
     EXPECT_EQ(said.find("time\r\n"), std::string::npos) << said;
 }
 
 TEST(Power, FailsAtTheSameStatementsWithTheSameSeed) {
     const auto session = [](const std::string& seed) {
-        PrinterBench bench("R7G?boot-ms=1&power-lost=0.1,seed=" + seed);
+        PrinterRig rig("R7G?boot-ms=1&power-lost=0.1,seed=" + seed);
         std::string all;
         for (int i = 0; i < 50; ++i) {
-            all += bench.Ask("PRINT 1");
-            all += bench.Read(1000);
+            all += rig.Ask("PRINT 1");
+            all += rig.Read(1000);
         }
         return all;
     };

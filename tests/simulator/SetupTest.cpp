@@ -1,4 +1,4 @@
-#include "PrinterBench.h"
+#include "PrinterRig.h"
 
 #include <algorithm>
 
@@ -13,8 +13,8 @@ std::vector<std::string> Matching(const std::vector<std::string>& lines, std::st
 }
 
 TEST(Setup, WritesEveryChannelItemOnceToTheHost) {
-    PrinterBench bench("R7G?baud=57600&format=e,7,1");
-    const auto lines = bench.Lines("SYSVAR(19)=2:SETUP WRITE \"UART1:\"");
+    PrinterRig rig("R7G?baud=57600&format=e,7,1");
+    const auto lines = rig.Lines("SYSVAR(19)=2:SETUP WRITE \"UART1:\"");
     EXPECT_EQ(Matching(lines, "UART1,BAUDRATE"),
               std::vector<std::string>{"SER-COM,UART1,BAUDRATE,57600"});
     EXPECT_EQ(Matching(lines, "UART1,PARITY"),
@@ -28,59 +28,58 @@ TEST(Setup, WritesEveryChannelItemOnceToTheHost) {
 }
 
 TEST(Setup, GoesOnlyToTheWiredChannel) {
-    PrinterBench bench("R7G?uart=2");
-    EXPECT_TRUE(bench.Lines("SETUP WRITE\"uart1:\"").empty());
-    EXPECT_FALSE(bench.Lines("SETUP WRITE\"uart2:\"").empty());
-    EXPECT_EQ(bench.Line("SETUP WRITE\"uart9:\""), "Error 1018: Device not found");
+    PrinterRig rig("R7G?uart=2");
+    EXPECT_TRUE(rig.Lines("SETUP WRITE\"uart1:\"").empty());
+    EXPECT_FALSE(rig.Lines("SETUP WRITE\"uart2:\"").empty());
+    EXPECT_EQ(rig.Line("SETUP WRITE\"uart9:\""), "Error 1018: Device not found");
 }
 
 TEST(Setup, ChangesOneItem) {
-    PrinterBench bench;
-    EXPECT_TRUE(bench.Lines("SETUP\"LABEL,WIDTH,400\"").empty());
-    EXPECT_EQ(Matching(bench.Lines("SETUP WRITE\"uart1:\""), "LABEL,WIDTH"),
+    PrinterRig rig;
+    EXPECT_TRUE(rig.Lines("SETUP\"LABEL,WIDTH,400\"").empty());
+    EXPECT_EQ(Matching(rig.Lines("SETUP WRITE\"uart1:\""), "LABEL,WIDTH"),
               std::vector<std::string>{"LABEL,WIDTH,400"});
 }
 
 TEST(Setup, RefusesUnknownItemsAndValues) {
-    PrinterBench bench;
-    EXPECT_EQ(bench.Line("SETUP\"LABEL,COLOUR,RED\""), "Error 1030: Unknown setup item");
-    EXPECT_EQ(bench.Line("SETUP\"SER-COM,UART1,BAUDRATE,12345\""), "Error 1031: Bad setup value");
-    EXPECT_EQ(bench.Line("SETUP\"LABEL,WIDTH,0\""), "Error 1031: Bad setup value");
-    EXPECT_EQ(bench.Line("SETUP\"LABEL,WIDTH,4x\""), "Error 1031: Bad setup value");
-    EXPECT_EQ(bench.Line("SETUP\"SYSTEM,MODEL,R7H\""), "Error 1031: Bad setup value");
+    PrinterRig rig;
+    EXPECT_EQ(rig.Line("SETUP\"LABEL,COLOUR,RED\""), "Error 1030: Unknown setup item");
+    EXPECT_EQ(rig.Line("SETUP\"SER-COM,UART1,BAUDRATE,12345\""), "Error 1031: Bad setup value");
+    EXPECT_EQ(rig.Line("SETUP\"LABEL,WIDTH,0\""), "Error 1031: Bad setup value");
+    EXPECT_EQ(rig.Line("SETUP\"LABEL,WIDTH,4x\""), "Error 1031: Bad setup value");
+    EXPECT_EQ(rig.Line("SETUP\"SYSTEM,MODEL,R7H\""), "Error 1031: Bad setup value");
 }
 
 TEST(Setup, IsWrittenToAFileAndLoadedAgain) {
-    PrinterBench bench;
-    EXPECT_TRUE(bench.Lines("SETUP WRITE\"c:MINE.STP\"").empty());
-    bench.Ask("SETUP\"LABEL,WIDTH,400\"");
-    EXPECT_TRUE(bench.Lines("SETUP\"c:MINE.STP\"").empty());
-    EXPECT_EQ(Matching(bench.Lines("SETUP WRITE\"uart1:\""), "LABEL,WIDTH"),
+    PrinterRig rig;
+    EXPECT_TRUE(rig.Lines("SETUP WRITE\"c:MINE.STP\"").empty());
+    rig.Ask("SETUP\"LABEL,WIDTH,400\"");
+    EXPECT_TRUE(rig.Lines("SETUP\"c:MINE.STP\"").empty());
+    EXPECT_EQ(Matching(rig.Lines("SETUP WRITE\"uart1:\""), "LABEL,WIDTH"),
               std::vector<std::string>{"LABEL,WIDTH,832"});
-    EXPECT_EQ(bench.Line("SETUP\"c:NONE.STP\""), "Error 1022: File not found");
+    EXPECT_EQ(rig.Line("SETUP\"c:NONE.STP\""), "Error 1022: File not found");
 }
 
 TEST(Setup, DamagedFileChangesNothing) {
-    PrinterBench bench;
-    bench.Ask(
-        "OPEN \"c:BAD\" FOR OUTPUT AS 1:PRINT#1,\"LABEL,WIDTH,300\":PRINT#1,\"WRONG,1\":CLOSE");
-    EXPECT_EQ(bench.Line("SETUP\"c:BAD\""), "Error 1030: Unknown setup item");
-    EXPECT_EQ(Matching(bench.Lines("SETUP WRITE\"uart1:\""), "LABEL,WIDTH"),
+    PrinterRig rig;
+    rig.Ask("OPEN \"c:BAD\" FOR OUTPUT AS 1:PRINT#1,\"LABEL,WIDTH,300\":PRINT#1,\"WRONG,1\":CLOSE");
+    EXPECT_EQ(rig.Line("SETUP\"c:BAD\""), "Error 1030: Unknown setup item");
+    EXPECT_EQ(Matching(rig.Lines("SETUP WRITE\"uart1:\""), "LABEL,WIDTH"),
               std::vector<std::string>{"LABEL,WIDTH,832"});
 }
 
 TEST(Setup, ChangedRateTakesEffectAfterTheReply) {
-    PrinterBench bench("R7G?baud=9600");
+    PrinterRig rig("R7G?baud=9600");
     LineFormat format;
     format.baud = 9600;
-    bench.Printer().SetHostFormat(format, bench.Now());
-    EXPECT_TRUE(bench.Lines("SETUP\"SER-COM,UART1,BAUDRATE,19200\"").empty());
-    EXPECT_EQ(bench.Ask("PRINT 1").find("Ok"), std::string::npos);
+    rig.Printer().SetHostFormat(format, rig.Now());
+    EXPECT_TRUE(rig.Lines("SETUP\"SER-COM,UART1,BAUDRATE,19200\"").empty());
+    EXPECT_EQ(rig.Ask("PRINT 1").find("Ok"), std::string::npos);
     format.baud = 19200;
-    bench.Printer().SetHostFormat(format, bench.Now());
-    bench.Send("\r");
-    bench.Read();
-    EXPECT_EQ(bench.Line("PRINT 1"), "1");
+    rig.Printer().SetHostFormat(format, rig.Now());
+    rig.Send("\r");
+    rig.Read();
+    EXPECT_EQ(rig.Line("PRINT 1"), "1");
 }
 
 } // namespace

@@ -1,4 +1,4 @@
-#include "PrinterBench.h"
+#include "PrinterRig.h"
 #include "platform/DurableFile.h"
 #include "testing/printer/TestPictures.h"
 
@@ -25,13 +25,13 @@ class StateTest : public ::testing::Test {
 
 TEST_F(StateTest, KeepsFilesAndSetupBetweenRuns) {
     {
-        PrinterBench bench(mAddress);
-        EXPECT_EQ(bench.Printer().Problem(), "");
-        bench.Ask("COPY \"c:PRICES.DAT\",\"card1:a b/c\":KILL \"c:PRICES.DAT\"");
-        bench.Ask("COPY \"c:LAYOUT.LBL\",\"tmp:GONE\"");
-        bench.Ask("SETUP\"LABEL,WIDTH,444\"");
+        PrinterRig rig(mAddress);
+        EXPECT_EQ(rig.Printer().Problem(), "");
+        rig.Ask("COPY \"c:PRICES.DAT\",\"card1:a b/c\":KILL \"c:PRICES.DAT\"");
+        rig.Ask("COPY \"c:LAYOUT.LBL\",\"tmp:GONE\"");
+        rig.Ask("SETUP\"LABEL,WIDTH,444\"");
     }
-    PrinterBench again(mAddress);
+    PrinterRig again(mAddress);
     EXPECT_EQ(again.Printer().Problem(), "");
     EXPECT_TRUE(again.Lines("COPY \"card1:a b/c\",\"tmp:X\"").empty());
     EXPECT_EQ(again.Line("KILL \"c:PRICES.DAT\""), "Error 1022: File not found");
@@ -42,30 +42,30 @@ TEST_F(StateTest, KeepsFilesAndSetupBetweenRuns) {
 
 TEST_F(StateTest, SavingAFileTouchesNoOther) {
     {
-        PrinterBench bench(mAddress);
-        bench.Ask("COPY \"c:PRICES.DAT\",\"card1:A.new\"");
-        bench.Ask("COPY \"c:LAYOUT.LBL\",\"card1:A\"");
+        PrinterRig rig(mAddress);
+        rig.Ask("COPY \"c:PRICES.DAT\",\"card1:A.new\"");
+        rig.Ask("COPY \"c:LAYOUT.LBL\",\"card1:A\"");
     }
-    PrinterBench again(mAddress);
+    PrinterRig again(mAddress);
     EXPECT_TRUE(again.Lines("COPY \"card1:A.new\",\"tmp:X\"").empty());
     EXPECT_TRUE(again.Lines("COPY \"card1:A\",\"tmp:Y\"").empty());
 }
 
 TEST_F(StateTest, WhatACrashLeavesIsNoFileOfThePrinter) {
-    { const PrinterBench bench(mAddress); }
+    { const PrinterRig rig(mAddress); }
     qncomm::DurableFile unfinished;
     ASSERT_TRUE(unfinished.Create(mFolder + "/card1/f-A").Ok());
     ASSERT_TRUE(unfinished.Append("half").Ok());
     unfinished.Keep();
-    PrinterBench again(mAddress);
+    PrinterRig again(mAddress);
     EXPECT_EQ(again.Printer().Problem(), "");
     EXPECT_NE(again.Ask("FILES\"card1:\",A").find(" 0 BYTES USED"), std::string::npos);
 }
 
-void LoadImage(PrinterBench& bench, const std::string& picture, const std::string& flag) {
-    bench.Send("IMAGE LOAD \"LOGO\"," + std::to_string(picture.size()) + ",\"" + flag + "\"\r"
-               + picture);
-    EXPECT_TRUE(bench.Read().ends_with("\"\r\nOk\r\n"));
+void LoadImage(PrinterRig& rig, const std::string& picture, const std::string& flag) {
+    rig.Send("IMAGE LOAD \"LOGO\"," + std::to_string(picture.size()) + ",\"" + flag + "\"\r"
+             + picture);
+    EXPECT_TRUE(rig.Read().ends_with("\"\r\nOk\r\n"));
 }
 
 TEST_F(StateTest, AnImageThatIsNotKeptHidesTheKeptOneUntilARestart) {
@@ -73,44 +73,44 @@ TEST_F(StateTest, AnImageThatIsNotKeptHidesTheKeptOneUntilARestart) {
     const std::string other = TestPcx(300, 200);
     std::string listing;
     {
-        PrinterBench bench(mAddress);
-        LoadImage(bench, kept, "S");
-        listing = bench.Ask("IMAGES");
-        LoadImage(bench, other, "");
-        LoadImage(bench, TestPcx(60, 40), "");
-        EXPECT_NE(bench.Ask("IMAGES"), listing);
-        bench.Ask("REBOOT");
-        EXPECT_EQ(bench.Ask("IMAGES"), listing) << "bytes free and used too";
-        LoadImage(bench, other, "");
+        PrinterRig rig(mAddress);
+        LoadImage(rig, kept, "S");
+        listing = rig.Ask("IMAGES");
+        LoadImage(rig, other, "");
+        LoadImage(rig, TestPcx(60, 40), "");
+        EXPECT_NE(rig.Ask("IMAGES"), listing);
+        rig.Ask("REBOOT");
+        EXPECT_EQ(rig.Ask("IMAGES"), listing) << "bytes free and used too";
+        LoadImage(rig, other, "");
     }
-    PrinterBench again(mAddress);
+    PrinterRig again(mAddress);
     EXPECT_EQ(again.Ask("IMAGES"), listing);
     LoadImage(again, other, "");
     again.Ask("REMOVE IMAGE \"LOGO\"");
     EXPECT_EQ(again.Lines("IMAGES").size(), 1U);
-    EXPECT_EQ(PrinterBench(mAddress).Lines("IMAGES").size(), 1U);
+    EXPECT_EQ(PrinterRig(mAddress).Lines("IMAGES").size(), 1U);
 }
 
 TEST_F(StateTest, AnImageIsKeptUnderItsFirstNameInEitherCase) {
     {
-        PrinterBench bench(mAddress);
-        LoadImage(bench, TestPcx(30, 20), "S");
-        bench.Ask("COPY \"c:PRICES.DAT\",\"card1:a\":COPY \"c:LAYOUT.LBL\",\"card1:A\"");
+        PrinterRig rig(mAddress);
+        LoadImage(rig, TestPcx(30, 20), "S");
+        rig.Ask("COPY \"c:PRICES.DAT\",\"card1:a\":COPY \"c:LAYOUT.LBL\",\"card1:A\"");
     }
-    PrinterBench again(mAddress);
+    PrinterRig again(mAddress);
     EXPECT_EQ(again.Lines("FILES \"card1:\"")[1], "a                           44");
     again.Ask("KILL \"card1:A\":REMOVE IMAGE \"logo\"");
-    PrinterBench third(mAddress);
+    PrinterRig third(mAddress);
     EXPECT_EQ(third.Lines("FILES \"card1:\"").size(), 2U);
     EXPECT_EQ(third.Lines("IMAGES").size(), 1U);
 }
 
 TEST_F(StateTest, KeptSetupRulesTheLine) {
     {
-        PrinterBench bench(mAddress);
-        bench.Ask("SETUP\"SER-COM,UART1,BAUDRATE,57600\"");
+        PrinterRig rig(mAddress);
+        rig.Ask("SETUP\"SER-COM,UART1,BAUDRATE,57600\"");
     }
-    PrinterBench again(mAddress + "&baud=9600");
+    PrinterRig again(mAddress + "&baud=9600");
     LineFormat format;
     format.baud = 9600;
     again.Printer().SetHostFormat(format, again.Now());
@@ -123,20 +123,20 @@ TEST_F(StateTest, KeptSetupRulesTheLine) {
 
 TEST_F(StateTest, FormatReachesTheFolder) {
     {
-        PrinterBench bench(mAddress);
-        bench.Ask("FORMAT\"c:\",A");
+        PrinterRig rig(mAddress);
+        rig.Ask("FORMAT\"c:\",A");
     }
-    PrinterBench again(mAddress);
+    PrinterRig again(mAddress);
     EXPECT_NE(again.Ask("FILES\"c:\",A").find(" 0 BYTES USED"), std::string::npos);
 }
 
 TEST_F(StateTest, DamagedFolderIsNamedAndThePrinterWorks) {
-    { const PrinterBench bench(mAddress); }
+    { const PrinterRig rig(mAddress); }
     std::ofstream(mFolder + "/setup.txt") << "nonsense";
-    PrinterBench again(mAddress);
+    PrinterRig again(mAddress);
     EXPECT_NE(again.Printer().Problem().find(mFolder), std::string::npos);
     EXPECT_EQ(again.Line("PRINT 1"), "1");
-    PrinterBench nowhere("R7G?state=/proc/none");
+    PrinterRig nowhere("R7G?state=/proc/none");
     EXPECT_NE(nowhere.Printer().Problem().find("/proc/none"), std::string::npos);
 }
 

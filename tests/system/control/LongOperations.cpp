@@ -15,7 +15,7 @@ std::string Joined(const Strings& lines) {
 }
 
 std::string Joined(const std::shared_ptr<PrinterFiles>& files) {
-    return files ? Joined(ControlDesk::NamesOf(files)) : "none";
+    return files ? Joined(AssemblyRig::NamesOf(files)) : "none";
 }
 
 std::string Payload() {
@@ -32,127 +32,127 @@ std::string Module() {
     return text;
 }
 
-void Nothing(ControlDesk& /*desk*/) {}
+void Nothing(AssemblyRig& /*rig*/) {}
 
-void Found(ControlDesk& desk) {
-    desk.Control().DoAutoconnect();
+void Found(AssemblyRig& rig) {
+    rig.Control().DoAutoconnect();
 }
 
-void FoundAndShown(ControlDesk& desk) {
-    desk.Show().DoAutoconnect();
+void FoundAndShown(AssemblyRig& rig) {
+    rig.Show().DoAutoconnect();
 }
 
 /// The user has typed what starts the printer's side of a transfer.
-void Started(ControlDesk& desk, const std::string& statement) {
-    FoundAndShown(desk);
-    desk.mAssembly->Viewport().Type(statement + "\r");
-    desk.mReactor.Pass(100);
+void Started(AssemblyRig& rig, const std::string& statement) {
+    FoundAndShown(rig);
+    rig.mAssembly->Viewport().Type(statement + "\r");
+    rig.mReactor.Pass(100);
 }
 
 template <std::int16_t protocol>
-void Upload(ControlDesk& desk, QNComm& control) {
-    control.BinaryUpload(desk.mFolder.Write("DATA.BIN", Payload()), protocol);
+void Upload(AssemblyRig& rig, QNComm& control) {
+    control.BinaryUpload(rig.mFolder.Write("DATA.BIN", Payload()), protocol);
 }
 
-std::string Uploaded(ControlDesk& desk) {
-    desk.mReactor.Pass(1000);
-    const std::string files = Joined(desk.Control().Files("c:", true));
-    return files + desk.Control().DeviceUsedMem("c:");
+std::string Uploaded(AssemblyRig& rig) {
+    rig.mReactor.Pass(1000);
+    const std::string files = Joined(rig.Control().Files("c:", true));
+    return files + rig.Control().DeviceUsedMem("c:");
 }
 
-std::string Downloaded(ControlDesk& desk) {
-    return ContentOf(desk.mFolder.File("back"));
+std::string Downloaded(AssemblyRig& rig) {
+    return ContentOf(rig.mFolder.File("back"));
 }
 
-void UploadModule(ControlDesk& /*desk*/, QNComm& control) {
+void UploadModule(AssemblyRig& /*rig*/, QNComm& control) {
     ModuleUploadArgs args{.sSourcePath = {}, .sTargetPath = "M.PRG", .sModuleText = Module()};
     control.ModuleUpload(args);
 }
 
-void LinkModule(ControlDesk& /*desk*/, QNComm& control) {
+void LinkModule(AssemblyRig& /*rig*/, QNComm& control) {
     Collection<std::string> modules;
     modules.Add("M.PRG");
     control.ProgramLink(modules, "5 REM head");
 }
 
-void SearchInDialog(ControlDesk& desk, QNComm& control) {
-    desk.mForms.On<frmCommSettings>([](frmCommSettings& form) {
+void SearchInDialog(AssemblyRig& rig, QNComm& control) {
+    rig.mForms.On<frmCommSettings>([](frmCommSettings& form) {
         form.cmdAutoConnect.Click();
         form.cmdOK.Click();
     });
     control.ShowCommSettings();
 }
 
-std::string FoundAt(ControlDesk& desk) {
-    return desk.mSettings->ReadValue("Settings", "Baudrate", "") + desk.Control().PrinterType();
+std::string FoundAt(AssemblyRig& rig) {
+    return rig.mSettings->ReadValue("Settings", "Baudrate", "") + rig.Control().PrinterType();
 }
 
-void InstallLogo(ControlDesk& desk, QNComm& control) {
-    control.InstallImage(desk.mFolder.Write("logo.pcx", qncomm::testing::TestPcx(200, 200)));
+void InstallLogo(AssemblyRig& rig, QNComm& control) {
+    control.InstallImage(rig.mFolder.Write("logo.pcx", qncomm::testing::TestPcx(200, 200)));
 }
 
-std::string PortIsOpen(ControlDesk& desk) {
-    return std::to_string(desk.mAssembly->Serial().PortOpen());
+std::string PortIsOpen(AssemblyRig& rig) {
+    return std::to_string(rig.mAssembly->Serial().PortOpen());
 }
 
-std::string OnC(ControlDesk& desk) {
-    return Joined(desk.Control().Files("c:"));
+std::string OnC(AssemblyRig& rig) {
+    return Joined(rig.Control().Files("c:"));
 }
 
 } // namespace
 
 const std::vector<LongOperation>& LongOperations() {
     static const std::vector<LongOperation> operations = {
-        {"Search", Nothing, [](ControlDesk&, QNComm& control) { control.DoAutoconnect(); },
+        {"Search", Nothing, [](AssemblyRig&, QNComm& control) { control.DoAutoconnect(); },
          FoundAt},
         {"SearchInDialog", Nothing, SearchInDialog, FoundAt},
-        {"Show", Nothing, [](ControlDesk&, QNComm& control) { control.UserControl_Show(); },
+        {"Show", Nothing, [](AssemblyRig&, QNComm& control) { control.UserControl_Show(); },
          PortIsOpen},
-        {"Hide", FoundAndShown, [](ControlDesk&, QNComm& control) { control.UserControl_Hide(); },
+        {"Hide", FoundAndShown, [](AssemblyRig&, QNComm& control) { control.UserControl_Hide(); },
          PortIsOpen},
-        {"FirstListing", Nothing, [](ControlDesk&, QNComm& control) { control.Files("c:"); }, OnC},
-        {"Listing", Found, [](ControlDesk&, QNComm& control) { control.Files("c:", true); }, OnC},
-        {"Setup", Found, [](ControlDesk&, QNComm& control) { control.Setup(); },
-         [](ControlDesk& desk) { return std::to_string(desk.Control().Setup()->Count()); }},
+        {"FirstListing", Nothing, [](AssemblyRig&, QNComm& control) { control.Files("c:"); }, OnC},
+        {"Listing", Found, [](AssemblyRig&, QNComm& control) { control.Files("c:", true); }, OnC},
+        {"Setup", Found, [](AssemblyRig&, QNComm& control) { control.Setup(); },
+         [](AssemblyRig& rig) { return std::to_string(rig.Control().Setup()->Count()); }},
         {"Reboot",
-         [](ControlDesk& desk) {
-             FoundAndShown(desk);
-             desk.Control().CopyFile("c:PRICES.DAT", "tmp:GONE");
+         [](AssemblyRig& rig) {
+             FoundAndShown(rig);
+             rig.Control().CopyFile("c:PRICES.DAT", "tmp:GONE");
          },
-         [](ControlDesk&, QNComm& control) { control.Reboot(); },
-         [](ControlDesk& desk) { return Joined(desk.Control().Files("tmp:")); }},
-        {"ModuleUpload", Found, UploadModule, [](ControlDesk& desk) { return desk.Listing(); }},
+         [](AssemblyRig&, QNComm& control) { control.Reboot(); },
+         [](AssemblyRig& rig) { return Joined(rig.Control().Files("tmp:")); }},
+        {"ModuleUpload", Found, UploadModule, [](AssemblyRig& rig) { return rig.Listing(); }},
         {"ProgramLink",
-         [](ControlDesk& desk) {
-             Found(desk);
-             UploadModule(desk, desk.Control());
+         [](AssemblyRig& rig) {
+             Found(rig);
+             UploadModule(rig, rig.Control());
          },
-         LinkModule, [](ControlDesk& desk) { return desk.Listing(); }},
+         LinkModule, [](AssemblyRig& rig) { return rig.Listing(); }},
         {"InstallImage", Found, InstallLogo,
-         [](ControlDesk& desk) { return Joined(desk.Control().Images()); }},
+         [](AssemblyRig& rig) { return Joined(rig.Control().Images()); }},
         {"InstallFont", Found,
-         [](ControlDesk& desk, QNComm& control) {
-             control.InstallFont(desk.mFolder.Write("mine.ttf", qncomm::testing::TestFont()));
+         [](AssemblyRig& rig, QNComm& control) {
+             control.InstallFont(rig.mFolder.Write("mine.ttf", qncomm::testing::TestFont()));
          },
-         [](ControlDesk& desk) { return Joined(desk.Control().Fonts()); }},
+         [](AssemblyRig& rig) { return Joined(rig.Control().Fonts()); }},
         {"KermitUpload", Found,
-         [](ControlDesk& desk, QNComm& control) {
-             control.KermitUpload(desk.mFolder.Write("DATA.BIN", Payload()), "c:DATA.BIN");
+         [](AssemblyRig& rig, QNComm& control) {
+             control.KermitUpload(rig.mFolder.Write("DATA.BIN", Payload()), "c:DATA.BIN");
          },
          Uploaded},
         {"KermitDownload", Found,
-         [](ControlDesk& desk, QNComm& control) {
-             control.KermitDownload("c:STARTUP.PRG", desk.mFolder.File("back"));
+         [](AssemblyRig& rig, QNComm& control) {
+             control.KermitDownload("c:STARTUP.PRG", rig.mFolder.File("back"));
          },
          Downloaded},
-        {"BinaryUploadByKermit", [](ControlDesk& desk) { Started(desk, "TRANSFER K \"R\""); },
+        {"BinaryUploadByKermit", [](AssemblyRig& rig) { Started(rig, "TRANSFER K \"R\""); },
          Upload<BinaryKermit>, Uploaded},
-        {"BinaryUploadByZModem", [](ControlDesk& desk) { Started(desk, "TRANSFER Z \"R\""); },
+        {"BinaryUploadByZModem", [](AssemblyRig& rig) { Started(rig, "TRANSFER Z \"R\""); },
          Upload<BinaryZModem>, Uploaded},
         {"BinaryDownload",
-         [](ControlDesk& desk) { Started(desk, "TRANSFER Z \"S\",\"c:STARTUP.PRG\""); },
-         [](ControlDesk& desk, QNComm& control) {
-             control.BinaryDownload(desk.mFolder.File("back"), BinaryZModem);
+         [](AssemblyRig& rig) { Started(rig, "TRANSFER Z \"S\",\"c:STARTUP.PRG\""); },
+         [](AssemblyRig& rig, QNComm& control) {
+             control.BinaryDownload(rig.mFolder.File("back"), BinaryZModem);
          },
          Downloaded},
     };

@@ -13,11 +13,11 @@ namespace qncomm::testing {
 struct LongOperation {
     const char* name;
     /// Brings a fresh control and its printer to where the operation makes sense.
-    void (*prepare)(ControlDesk& desk);
+    void (*prepare)(AssemblyRig& rig);
     /// Runs it. The control may have gone when it returns.
-    void (*run)(ControlDesk& desk, QNComm& control);
+    void (*run)(AssemblyRig& rig, QNComm& control);
     /// What came of it, so that two runs can be compared; the control is still there.
-    std::string (*outcome)(ControlDesk& desk);
+    std::string (*outcome)(AssemblyRig& rig);
 };
 
 inline std::ostream& operator<<(std::ostream& out, const LongOperation& operation) {

@@ -1,4 +1,4 @@
-// A virtual printer on a test's bench: a driven clock, and one call per exchange.
+// A virtual printer on a driven clock, and one call per exchange.
 #pragma once
 
 #include "simulator/VirtualPrinter.h"
@@ -13,10 +13,10 @@ namespace qncomm::testing {
 
 using namespace qnsim;
 
-class PrinterBench {
+class PrinterRig {
   public:
-    explicit PrinterBench(std::string_view address = "R7G") : PrinterBench(Parse(address)) {}
-    explicit PrinterBench(const Options& options) : mPrinter(options) { mPrinter.HostOpened(mNow); }
+    explicit PrinterRig(std::string_view address = "R7G") : PrinterRig(Parse(address)) {}
+    explicit PrinterRig(const Options& options) : mPrinter(options) { mPrinter.HostOpened(mNow); }
 
     static Options Parse(std::string_view address) {
         const ParseResult result = ParseAddress(address);

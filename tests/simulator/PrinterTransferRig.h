@@ -1,7 +1,7 @@
 // A virtual printer and a host's transfer engine at the two ends of its line, on one driven clock.
 #pragma once
 
-#include "PrinterBench.h"
+#include "PrinterRig.h"
 #include "testing/transfer/MemoryFiles.h"
 
 #include "transfer/TransferEngine.h"
@@ -33,9 +33,9 @@ extern const Protocol kermitOfSevenBits;
 extern const Protocol kermitWithoutSize; // the printer learns the size as the file comes
 extern const Protocol zmodem;
 
-class TransferBench : public PrinterBench {
+class PrinterTransferRig : public PrinterRig {
   public:
-    using PrinterBench::PrinterBench;
+    using PrinterRig::PrinterRig;
 
     /// Gives the printer a command and takes its echo, which must be all that it says before the
     /// transfer's own bytes.

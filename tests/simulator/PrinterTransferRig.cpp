@@ -1,4 +1,4 @@
-#include "TransferBench.h"
+#include "PrinterTransferRig.h"
 
 #include "transfer/KermitReceiver.h"
 #include "transfer/KermitSender.h"
@@ -51,7 +51,7 @@ const Protocol kermitWithoutSize{'K', MakeWithoutSize<qncomm::transfer::KermitSe
 const Protocol zmodem{'Z', Make<qncomm::transfer::ZModemSender>,
                       Make<qncomm::transfer::ZModemReceiver>};
 
-void TransferBench::Begin(const std::string& command) {
+void PrinterTransferRig::Begin(const std::string& command) {
     mTail.clear();
     Send(command + "\r\n");
     std::string echo;
@@ -62,19 +62,19 @@ void TransferBench::Begin(const std::string& command) {
     EXPECT_EQ(echo, command + "\r\n");
 }
 
-Outcome TransferBench::Upload(const Protocol& protocol, const MemoryFile& file) {
+Outcome PrinterTransferRig::Upload(const Protocol& protocol, const MemoryFile& file) {
     MemorySource source({file});
     return Upload(protocol, source);
 }
 
-Outcome TransferBench::Upload(const Protocol& protocol, MemorySource& source) {
+Outcome PrinterTransferRig::Upload(const Protocol& protocol, MemorySource& source) {
     Begin(std::string("TRANSFER ") + protocol.letter + " \"R\"");
     const auto engine = protocol.sender();
     Run(*engine, &source, nullptr);
     return engine->Outcome();
 }
 
-Outcome TransferBench::Download(const Protocol& protocol, const std::string& name) {
+Outcome PrinterTransferRig::Download(const Protocol& protocol, const std::string& name) {
     Begin(std::string("TRANSFER ") + protocol.letter + " \"S\",\"" + name + "\"");
     const auto engine = protocol.receiver();
     sink = MemorySink();
@@ -82,7 +82,7 @@ Outcome TransferBench::Download(const Protocol& protocol, const std::string& nam
     return engine->Outcome();
 }
 
-void TransferBench::Run(TransferEngine& engine, MemorySource* source, MemorySink* into) {
+void PrinterTransferRig::Run(TransferEngine& engine, MemorySource* source, MemorySink* into) {
     engine.Start(Time(Now()));
     const Micros end = Now() + Longest;
     while (!engine.IsOver() && Now() < end) {
@@ -100,7 +100,7 @@ void TransferBench::Run(TransferEngine& engine, MemorySource* source, MemorySink
 }
 
 /// The engine is given what may belong to it and no byte more.
-void TransferBench::Hear(TransferEngine& engine, MemorySource* source, MemorySink* into) {
+void PrinterTransferRig::Hear(TransferEngine& engine, MemorySource* source, MemorySink* into) {
     const std::string said = Printer().ToHost(Now(), 1 << 20);
     std::size_t heard = 0;
     while (heard < said.size() && engine.Outcome() == Outcome::Running) {
@@ -112,7 +112,7 @@ void TransferBench::Hear(TransferEngine& engine, MemorySource* source, MemorySin
     if (heard < said.size()) mTail += said.substr(heard);
 }
 
-void TransferBench::Speak(TransferEngine& engine, MemorySource* source, MemorySink* into) {
+void PrinterTransferRig::Speak(TransferEngine& engine, MemorySource* source, MemorySink* into) {
     for (;;) {
         const std::size_t room =
             HostBuffer - std::min(HostBuffer, Printer().PendingFromHost(Now()));
@@ -124,7 +124,7 @@ void TransferBench::Speak(TransferEngine& engine, MemorySource* source, MemorySi
     }
 }
 
-bool TransferBench::PassTime(const TransferEngine& engine) {
+bool PrinterTransferRig::PassTime(const TransferEngine& engine) {
     auto next = Printer().NextDue();
     if (const auto due = engine.NextDeadline(); due && (!next || due->count() < *next))
         next = due->count();

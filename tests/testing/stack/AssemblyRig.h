@@ -39,17 +39,16 @@ struct RecordingScreen : TerminalScreen {
     Strings mFailures;
 };
 
-/// A desk with a control on it: the real serial control with a virtual printer at port 1, on a
-/// driven clock.
-class ControlDesk {
+/// A control on the real serial control with a virtual printer at port 1, on a driven clock.
+class AssemblyRig {
   public:
-    ControlDesk() { Assemble("sim:R7G"); }
-    ~ControlDesk() {
+    AssemblyRig() { Assemble("sim:R7G"); }
+    ~AssemblyRig() {
         mAssembly.reset();
         Pointer::Screen().Set(PointerDefault);
     }
-    ControlDesk(const ControlDesk&) = delete;
-    ControlDesk& operator=(const ControlDesk&) = delete;
+    AssemblyRig(const AssemblyRig&) = delete;
+    AssemblyRig& operator=(const AssemblyRig&) = delete;
 
     /// A new control in the place of the one that was.
     void Assemble(const std::string& address) { AssembleOn({address}); }
