@@ -230,8 +230,8 @@ std::int16_t clsDataLink::ShowSettingsDlg() {
 }
 
 void LinkState::LoadCommSettings() {
-    using Let = std::function<void(const std::string&)>;
-    const std::pair<std::string_view, Let> lets[] = {
+    using Set = std::function<void(const std::string&)>;
+    const std::pair<std::string_view, Set> setters[] = {
         {"Commport", [this](const std::string& text) { link.SetCommport(text); }},
         {"Baudrate", [this](const std::string& text) { link.SetBaudrate(text); }},
         {"Parity", [this](const std::string& text) { link.SetParity(text); }},
@@ -241,8 +241,8 @@ void LinkState::LoadCommSettings() {
         {"DSRDetectActive",
          [this](const std::string& text) { link.SetDSRDetectActive(ToBoolean(text)); }},
     };
-    for (const auto& [key, let] : lets)
-        IgnoringErrors([&, &name = key, &set = let] {
+    for (const auto& [key, setter] : setters)
+        IgnoringErrors([&, &name = key, &set = setter] {
             set(settings->ReadValue(SettingsSection, name, NotStored));
         });
     for (std::size_t i = 0; i < DefaultBaudrates.size(); ++i) {

@@ -6,7 +6,7 @@
 
 namespace qncomm {
 
-// What a settings let stores for a text, nothing when the setting does not accept it.
+// What the setter of a setting stores for a text; nothing when the setting does not accept it.
 
 std::optional<std::string> NormalBaudrate(std::string_view value);
 std::optional<std::string> NormalParity(std::string_view value);

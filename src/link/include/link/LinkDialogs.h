@@ -18,7 +18,7 @@ class LinkDialogs {
   public:
     virtual ~LinkDialogs() = default;
 
-    /// Shows the serial port setup dialog for the link, modally. 1 when the person accepted the
+    /// Shows the serial port setup dialog for the link, modally. 1 when the user accepted the
     /// settings, 2 otherwise.
     virtual std::int16_t ShowCommSettings(clsDataLink& link) = 0;
 

@@ -14,6 +14,7 @@ class PortClaim {
   public:
     /// A refused claim.
     PortClaim() = default;
+    /// Takes the claim over; other is then a refused one.
     PortClaim(PortClaim&& other) noexcept;
     PortClaim& operator=(PortClaim&& other) = delete;
 
@@ -28,7 +29,8 @@ class PortClaim {
     /// raises.
     void Release();
 
-    /// Leaves the port claimed beyond this object's life; someone calls clsDataLink::ReleasePort.
+    /// Leaves the port claimed beyond this object's life. clsDataLink::ReleasePort must be called
+    /// for it later.
     void Detach();
 
     /// A granted claim: the one that made the use count depth. Only the link makes one.

@@ -190,7 +190,7 @@ class SerialControl {
     /// Writes text to the control's terminal.
     virtual void WriteTerminal(std::string_view sText) = 0;
 
-    /// Free text of whoever uses the control; the link's mark for exclusive use stands here.
+    /// Free text for the user of the control; the link keeps its mark of exclusive use here.
     virtual const std::string& Tag() const = 0;
     /// Replaces the text.
     virtual void SetTag(std::string_view sTag) = 0;

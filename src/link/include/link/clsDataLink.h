@@ -20,33 +20,36 @@ namespace qncomm {
 
 struct LinkState;
 
+/// How sender and receiver tell each other to wait; the two kinds are bits and may be combined.
 enum enumFlowControl : std::int16_t {
-    No_Flowcontrol = 0,
-    Software_Flowcontrol = 1,
-    Hardware_Flowcontrol = 2,
-    SW_And_HW_Flowcontrol = 3,
+    No_Flowcontrol = 0,        ///< nobody waits
+    Software_Flowcontrol = 1,  ///< by the characters Xon and Xoff, which then cannot be data
+    Hardware_Flowcontrol = 2,  ///< by the lines RTS and CTS
+    SW_And_HW_Flowcontrol = 3, ///< by both
 };
 
-/// What a link needs of where it runs; all outlive it.
+/// What a link needs of where it runs. None is owned; all must outlive the link.
 struct LinkHost {
-    MessageLoop& loop;
-    Desktop& desktop;
-    LinkDialogs& dialogs;
-    HostFiles& files;
+    MessageLoop& loop;    ///< every wait yields to it, and its clock measures the time-outs
+    Desktop& desktop;     ///< asks about a busy port, and logs what was refused or given up
+    LinkDialogs& dialogs; ///< shows the settings dialog and the reboot window
+    HostFiles& files;     ///< says whether a file that is to be sent exists
 };
 
 /// Owns the one serial port through which the system talks to one printer: its settings, counted
 /// use, the exchange of command lines for replies, the search for the printer, its identity and its
 /// reboot.
 ///
-/// Single-threaded. All waits yield to the host's message loop, WaitForOk and WaitForEchoLine
-/// excepted. While the link is inside such a wait or inside one of its events, a new claim or
-/// search from there is refused quietly.
+/// Single-threaded. All waits yield to the host's message loop, except WaitForOk and
+/// WaitForEchoLine. While the link is inside such a wait or inside one of its events, a new claim
+/// or search from there is refused quietly.
 ///
 /// Any member that needs the serial control raises 91 before SerialPort is set and after TearDown.
 class clsDataLink {
   public:
+    /// A link without a serial control and without settings.
     explicit clsDataLink(const LinkHost& host);
+    /// Does what TearDown does; its errors are dropped.
     ~clsDataLink();
     clsDataLink(const clsDataLink&) = delete;
     clsDataLink& operator=(const clsDataLink&) = delete;
@@ -65,35 +68,51 @@ class clsDataLink {
     /// configures it, connects to its events and fills FrameFormats.
     void SetSerialPort(SerialControl* serial);
 
+    /// The store of the settings; null when there is none. Shared with its other users.
     const std::shared_ptr<qncomm::RegSettings>& RegSettings() const;
-    /// Setting an object loads the settings from it at once; setting none keeps them.
+    /// Loads the settings from the store at once; a stored value that is not accepted is skipped.
+    /// A null store keeps the settings, which then cannot be saved.
     void SetRegSettings(std::shared_ptr<qncomm::RegSettings> settings);
 
-    /// Closes the port without an event and lets go of the serial control, the settings object's
-    /// lists and the events. Harmless when repeated.
+    /// Closes the port without an event, takes the link off the serial control and its events and
+    /// empties the two lists of the search. Harmless when repeated.
     void TearDown();
 
-    // -- Settings, as texts, exactly as they are stored and given to the port. A let normalises its
-    // text, validates it
-    //    (raising 1001 to 1005 with source "DataLink:Let …"), stores it and applies all settings to
-    //    the port.
+    // -- Settings, as texts, exactly as they are stored and given to the port; empty before a store
+    //    was loaded. Each setter normalises and validates its text, stores it and applies all
+    //    settings to the port (see ApplyCommSettings).
 
+    /// Bits per second: "300" to "115200".
     const std::string& Baudrate() const;
+    /// Takes the number at the text's beginning; 0 or none means "19200". Raises 1001, source
+    /// "DataLink:Let Baudrate", for another rate than the ten from 300 to 115200.
     void SetBaudrate(std::string_view sValue);
+    /// "None", "Even", "Odd", "Space" or "Mark".
     const std::string& Parity() const;
+    /// Looks at the first letter, in either case; an empty text or "0" means "None". Raises 1002,
+    /// source "DataLink:Let Parity", for any other letter.
     void SetParity(std::string_view sValue);
+    /// "7" or "8".
     const std::string& Databits() const;
+    /// 0 or no number means "8". Raises 1003, source "DataLink:Let Databits".
     void SetDatabits(std::string_view sValue);
+    /// "1" or "2".
     const std::string& Stopbits() const;
+    /// 0 or no number means "2". Raises 1004, source "DataLink:Let Stopbits".
     void SetStopbits(std::string_view sValue);
-    /// "0" to "3", an enumFlowControl; of any number the two low bits are taken.
+    /// "0" to "3": an enumFlowControl.
     const std::string& Flowcontrol() const;
+    /// Takes the two low bits of any number. Raises 6 for one beyond 32 bits.
     void SetFlowcontrol(std::string_view sValue);
-    /// The port number as text. A number below 1 becomes the first valid port of 0 to 16. Not
-    /// applied to the port before ApplyCommSettings. Raises 6 for a number that is no 16-bit one.
+    /// The port number, such as "1".
     const std::string& Commport() const;
+    /// A number below 1 becomes the first valid port of 0 to 16, itself when there is none. Not
+    /// applied to the port before ApplyCommSettings. Raises 6 for a number beyond 16 bits.
     void SetCommport(std::string_view sValue);
+    /// Whether a port without DSR counts as a port without a printer: claims and searches of it are
+    /// then refused, with nothing sent.
     bool DSRDetectActive() const;
+    /// Takes effect with the next claim or search.
     void SetDSRDetectActive(bool bValue);
 
     /// Such as "9600,N,8,1".
@@ -103,8 +122,9 @@ class clsDataLink {
     /// Whether port iPortNumber could be used: it is this link's own open port, or it opens.
     bool IsValidPort(std::int16_t iPortNumber);
 
-    /// Gives the settings to the port, reopening it when it is open, and drops ImmediateMode. A
-    /// busy port asks the person; other errors skip their step.
+    /// Gives the settings to the port, reopening it when it is open, and sets ImmediateMode False.
+    /// When the port is busy the user is asked whether to change the settings; after any other
+    /// error of the serial control the next setting is applied.
     void ApplyCommSettings();
     /// Writes the settings and the order of baud rates to the store; raises 91 without one.
     void SaveCommSettings();
@@ -121,17 +141,22 @@ class clsDataLink {
 
     /// Claims the port: opens it on the first claim, finds the printer while ImmediateMode is False
     /// and puts it into the mode that the exchange relies on. A refused claim tests False; the port
-    /// is then as it was. Raises what the handshake raises (1007, 1008, 1024, printer errors), with
-    /// the claim given back.
+    /// is then as it was. Raises what the handshake raises (1000, 1007, 1008, 1024, printer
+    /// errors), with the claim given back. After an exchange that failed it first waits, up to 3 s,
+    /// for 100 ms of silence behind the handshake's reply. With bExclusive all others are refused
+    /// meanwhile.
     [[nodiscard]] PortClaim AcquirePort(bool bExclusive = false);
-    /// Gives one claim back. For claims that were detached; all others give themselves back.
+    /// Gives one claim back. For claims that were detached; all others give themselves back. With
+    /// bClearTag the mark of exclusive use goes first; with bForce every claim is given back but
+    /// the terminal's. While an exclusive operation runs, the release takes effect at its end.
     void ReleasePort(bool bClearTag = false, bool bForce = false);
+    /// How many claims hold the port open, the terminal's included; 0 when it is closed.
     std::int32_t UseCount() const;
 
     /// Whether the terminal is shown: True keeps the port open for it and routes received text
-    /// there, sending nothing. A change during an exclusive operation or an exchange takes effect
-    /// when that ends.
+    /// there, sending nothing.
     bool TerminalActive() const;
+    /// A change during an exclusive operation or an exchange takes effect when that ends.
     void SetTerminalActive(bool bValue);
 
     // -- The exchange
@@ -141,14 +166,15 @@ class clsDataLink {
     /// ms, not drained in 10000 ms) and 1024 (port closed), source "Datalink:OutputText", with the
     /// innermost claim given back.
     void OutputText(std::string& sText, bool bWaitForEcho = false);
+    /// The same for a text that nobody needs back.
     void OutputText(std::string&& sText, bool bWaitForEcho = false) {
         OutputText(sText, bWaitForEcho);
     }
 
     /// Waits for the reply to what was sent and fills sInputLines with its non-empty lines: the
     /// echo of the first line sent since the last reply, and so on to "Ok", CR LF. What was
-    /// received before that echo belongs to no command of ours and is dropped. Returns the count of
-    /// lines.
+    /// received before that echo belongs to no command of this link and is dropped. Without a line
+    /// sent the reply is what comes. Returns the count of lines.
     ///
     /// Raises, source "Datalink:InputText": 1008 when nothing came for lTimeout ms, 1000 when a
     /// reply came but never the echo, or more than 16 MiB, 1024 (port closed); and, unless
@@ -180,9 +206,10 @@ class clsDataLink {
     /// Yields until lMilliseconds have passed.
     void Delay(std::int32_t lMilliseconds);
 
-    /// True once the printer was found and switched to immediate mode. Setting it False forgets the
-    /// printer's identity.
+    /// True once the printer was found and switched to immediate mode. While it is False the next
+    /// claim searches.
     bool ImmediateMode() const;
+    /// False forgets the printer's model and version; True claims that the printer is found.
     void SetImmediateMode(bool bValue);
     /// The printer's serial channel that the host is wired to, 1 until found.
     std::int16_t Stdio() const;
@@ -194,13 +221,17 @@ class clsDataLink {
     /// runs, unless bExclusive. Raises nothing.
     bool AutoConnect(std::int16_t iPort, bool bExclusive = false);
 
-    /// The model code and the firmware version, asked of the printer when not known: empty when the
-    /// port is refused. Raise 1000, source "Datalink:GetVersion", for a reply that is none, and
-    /// what the exchange raises.
+    /// The text that holds the model code, such as "R7G", asked of the printer when it is not
+    /// known; empty when the port is refused. Raises 1000, source "Datalink:GetVersion", for a
+    /// reply of another form, with ImmediateMode set False, and what claim and exchange raise.
     const std::string& ModelText();
+    /// The firmware version, as ModelText is asked for. "Tavrel Protocol " stands before it for a
+    /// printer that runs its alternative command mode.
     const std::string& VersionText();
-    /// What the last handshake read before it set the two variables.
+    /// SYSVAR(18) as the last handshake read it before it set it. Always 0 with today's printers,
+    /// whose reply holds the value one line further up; hosts rely on that.
     std::int16_t PreviousSysvar18() const;
+    /// SYSVAR(19) in the same way.
     std::int16_t PreviousSysvar19() const;
 
     /// Restarts the printer and waits, without limit, until it answers again. Does nothing when the
@@ -208,14 +239,13 @@ class clsDataLink {
     void Reboot();
 
     // -- File transfers. Progress comes as StatusEvent ("Uploading NAME" or "Downloading NAME",
-    // percent); a handler that
-    //    cancels aborts the transfer. Raise 1023 (uploads) or 1022 (downloads) when the transfer
-    //    failed, after the port was given back. The source texts of the binary ones are those of
-    //    the Kermit ones.
+    //    percent); a handler that cancels aborts the transfer. Raise 1023 (uploads) or 1022
+    //    (downloads) when the transfer failed, after the port was given back. The source texts of
+    //    the binary ones are those of the Kermit ones. TearDown from a handler ends them with 91.
 
     /// Sends host file sSource by Kermit, with the command that makes the printer receive it;
     /// sDestination names it on the printer ("ram:NAME" makes that device current). With bManual
-    /// the person has started the printer's side: nothing is sent and the file is not looked for
+    /// the user has started the printer's side: nothing is sent and the file is not looked for
     /// first. Raises 1011, source "clsDataLink,Upload", for a file that is not there. Does nothing
     /// when the port is refused.
     void KermitUpload(const std::string& sSource, const std::string& sDestination,

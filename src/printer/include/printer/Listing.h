@@ -22,8 +22,8 @@ std::optional<std::vector<clsPrinterFile>> ParseFontRow(std::string_view sLine);
 
 /// The numbers before "BYTES FREE" and before "BYTES USED".
 struct ByteCounts {
-    std::optional<std::int32_t> free;
-    std::optional<std::int32_t> used;
+    std::optional<std::int32_t> free; ///< none when the line does not tell
+    std::optional<std::int32_t> used; ///< none when the line does not tell
 };
 
 /// Each count whose words are there, in any case. Raises 6 for a number that leaves 32 bits.

@@ -10,7 +10,7 @@ namespace qncomm {
 
 /// A file, an image or a font as the printer lists it.
 struct clsPrinterFile {
-    std::string Name;
+    std::string Name;      ///< as the printer lists it, without a device
     std::int32_t Size = 0; ///< bytes; 0 for a font
 };
 

@@ -57,15 +57,21 @@ class clsQuorin {
     std::int16_t ShowSettingsDlg();
     /// Claims the port until PortClose; False when refused. Operations in between nest.
     bool PortOpen();
+    /// Gives back one claim of PortOpen.
     void PortClose();
-    /// The model code, such as "R7G"; empty when the port is refused.
+    /// The text that holds the model code, such as "R7G", asked of the printer when it is not
+    /// known; empty when the port is refused. Raises 1000, source "Datalink:GetVersion", for a
+    /// reply of another form.
     std::string PrinterType();
+    /// The firmware version, asked for and refused as PrinterType is.
     std::string FirmwareVersion();
     /// The first number of the firmware version with its dots, empty when it has none.
     std::string FirmwareVersionNumber();
     /// Sends text as it is and empties sText; the port is open already.
     void OutputText(std::string& sText, bool bWaitForEcho = false);
+    /// The link's store of settings; null when there is none.
     const std::shared_ptr<qncomm::RegSettings>& RegSettings() const;
+    /// Hands the link a store, from which it loads its settings at once.
     void SetRegSettings(std::shared_ptr<qncomm::RegSettings> settings);
     /// Lets go of the link, the collections and a kept image file. Harmless when repeated.
     void TearDown();
@@ -73,8 +79,9 @@ class clsQuorin {
     // -- Storage
 
     /// The eight devices, each with its last listing; empty before the first operation that needs
-    /// them. Never null; may be replaced, nothing stands for none.
+    /// them. Never null.
     const std::shared_ptr<PrinterDeviceTable>& PrinterDevices();
+    /// Puts another table in its place; with null the next operation that needs one makes it anew.
     void SetPrinterDevices(std::shared_ptr<PrinterDeviceTable> devices);
 
     /// The storage devices that the connected model has, such as "c:": what is built in and can be
@@ -101,14 +108,16 @@ class clsQuorin {
 
     /// Deletes a file.
     void Kill(std::string_view sFullName);
-    /// Makes a device current; ChDir checks first that the model has it.
+    /// Makes a device current: names without a device mean files on it.
     void SetCurrentPrinterDir(std::string_view sDevice);
+    /// The same, after checking that the model has the device (1010).
     void ChDir(std::string_view sDevName);
     /// Erases a device, its system files too on the models that have them.
     void FormatPrinterDevice(std::string_view sDevName, bool bSystemLevel = false);
     /// Erases the devices of the table one after another, but for "rom:", "fonts:" and "images:".
     /// Ends with 1010 at the first that the model does not have. An empty table formats nothing.
     void FormatAll(bool bSystemLevel = false);
+    /// Copies a file of the printer to another name or device of its.
     void CopyFile(std::string_view sSource, std::string_view sDestination);
     /// Copies and then deletes the old file, so that it works across devices.
     void RenameFile(std::string_view sOldName, std::string_view sNewName);
@@ -117,6 +126,7 @@ class clsQuorin {
 
     /// Restarts the printer, waits until it answers, and forgets the device table and the model.
     void Reboot();
+    /// Clears the program from working memory.
     void NewProgram();
     /// Starts the program, planting a line 1 for the moment of the start when it has none.
     void RunProgram();
@@ -124,6 +134,7 @@ class clsQuorin {
     /// runs that. An error that the printer reports is shown in a box. False for a program that has
     /// a line 1 of its own.
     bool IsProgramRunable();
+    /// Saves the program as text in a file on the printer.
     void SaveProgram(std::string_view sFileName);
     /// Free bytes of working memory.
     std::int32_t Fre();
@@ -149,14 +160,16 @@ class clsQuorin {
 
     /// The items that GetSetup read last; never null.
     const std::shared_ptr<PrinterSetup>& PrinterSetupItems();
+    /// Puts other items in their place, null for none. Sends nothing.
     void SetPrinterSetupItems(std::shared_ptr<PrinterSetup> items);
     /// Reads the whole setup. Raises 5 for a line without a comma and 457 for a key that comes
     /// twice; the items before it stay.
     void GetSetup();
     /// Changes one item on the printer, not in PrinterSetupItems. The key is sent in upper case.
     void ChangePrinterSetupItem(std::string_view sSetupKey, std::string_view sValue);
-    /// Writes the setup to a file on the printer, or reads it from one.
+    /// Makes the printer write its setup to a file in its own storage.
     void SetupWriteFile(std::string_view sFullName);
+    /// Makes the printer take its setup from such a file. PrinterSetupItems stays as it was.
     void SetupLoadFile(std::string_view sFullName);
 
     // -- Fonts
@@ -164,6 +177,7 @@ class clsQuorin {
     /// Lists the fonts into device "fonts:"; bFilterBitmaps leaves out the built-in bitmap fonts on
     /// the models that can tell them.
     void Fonts(bool bFilterBitmaps = false);
+    /// Removes a font by its name.
     void RemoveFont(std::string_view sFontName);
     /// Sends a TrueType font file of this machine. Raises 1016 (no such file), 1017 (model without
     /// TrueType fonts) and 1014 (settings that do not carry raw bytes).
@@ -198,13 +212,17 @@ class clsQuorin {
     // -- Files by a transfer protocol; what they raise is told in clsDataLink.h
 
     /// Sends a host file by Kermit in place of the printer's file of that name. The device that was
-    /// current stays so. With bManual the person has started the printer's side and nothing is sent
-    /// before the protocol. Also raises what SetDeviceDirty does: 1010 for a device that is none.
+    /// current stays so. With bManual the user has started the printer's side and nothing is sent
+    /// before the protocol. Also raises 1010 for a destination whose device the model does not
+    /// have.
     void KermitUpload(const std::string& sSource, const std::string& sDestination,
                       bool bManual = false);
+    /// Receives a printer's file by Kermit into a host file.
     void KermitDownload(const std::string& sSource, const std::string& sDestination,
                         std::int32_t lFileSize = 0);
+    /// Sends a host file over the open port to a printer that waits for it.
     void BinaryUpload(const std::string& sSource, std::int16_t iProtocol = BinaryZModem);
+    /// Receives into a host file from a printer that is sending.
     void BinaryDownload(const std::string& sDestination, std::int16_t iProtocol = BinaryZModem);
 
   private:
