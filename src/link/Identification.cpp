@@ -24,11 +24,13 @@ bool IsWholeNumber(std::string_view text) {
            && number.find_first_not_of("0123456789", sign) == std::string::npos;
 }
 
-/// The handshake's reply as a printer gives it whose echo is still off.
-bool TellsTwoNumbers(std::string_view received) {
+/// The handshake's reply without its echo, or with one that the line has damaged: the printer may
+/// have its echo off still, and no other command is answered so.
+bool EndsInTwoNumbers(std::string_view received) {
     const std::vector<std::string> lines = SplitNonEmpty(received, CrLf);
-    return lines.size() == 3 && received.ends_with(CrLf) && IsWholeNumber(lines[0])
-           && IsWholeNumber(lines[1]) && lines[2] == "Ok";
+    const std::size_t count = lines.size();
+    return count >= 3 && received.ends_with(CrLf) && IsWholeNumber(lines[count - 3])
+           && IsWholeNumber(lines[count - 2]) && lines[count - 1] == "Ok";
 }
 
 std::int16_t WholeNumberOrZero(std::string_view line) {
@@ -91,7 +93,7 @@ void LinkState::GetVersion() {
 
 void LinkState::Handshake() {
     link.OutputText("PRINT SYSVAR(18):PRINT SYSVAR(19):SYSVAR(18)=-1:SYSVAR(19)=2\r\n");
-    AwaitReply(HandshakeTimeout, {.unechoed = TellsTwoNumbers});
+    AwaitReply(HandshakeTimeout, {.unechoed = EndsInTwoNumbers});
     if (outOfStep) AwaitQuiet(ResyncQuiet, ResyncLongest);
     outOfStep = false;
     std::vector<std::string> lines;

@@ -101,8 +101,8 @@ TEST_P(CalledBack, OtherSettingsEndTheOperationAtMostWithItsOwnError) {
             SCOPED_TRACE(at);
             Prepare();
             Run(at, [&] { Make(call); });
-            EXPECT_THAT(mRaised,
-                        AnyOf(0, ErrInputTimeout, ErrDownloadTimeout, ErrUploadTimeout, Gt(60000)));
+            EXPECT_THAT(mRaised, AnyOf(0, ErrProtocol, ErrInputTimeout, ErrDownloadTimeout,
+                                       ErrUploadTimeout, Gt(60000)));
             mReactor.Pass(6000);
             ExpectUsable();
         }

@@ -323,6 +323,16 @@ TEST_F(LateReplies, OfATimedOutCommandAreNotTheOnesOfTheSameAskedAgain) {
     EXPECT_GE(mLoop.NowMs() - start, 500 + 100) << "its own reply, not the late one";
 }
 
+TEST_F(LateReplies, ADamagedEchoDoesNotSpoilTheHandshake) {
+    mSerial.OnSend([this](std::string& sent) {
+        sent[5] = '?';
+        mSerial.Arrive(std::exchange(sent, {}) + "-1\r\n2\r\nOk\r\n", 5);
+    });
+    const std::int64_t start = mLoop.NowMs();
+    EXPECT_TRUE(mLink.AcquirePort());
+    EXPECT_EQ(mLoop.NowMs() - start, 5);
+}
+
 TEST_F(LateReplies, OfAPrinterWhoseEchoIsOffDoNotSpoilItsHandshake) {
     mSerial.OnSend([this](std::string& sent) {
         sent.clear();
