@@ -73,6 +73,7 @@ const std::vector<Held>& All() {
           "ReleasePort",
           "UseCount",
           "TerminalActive",
+          "InputListing",
           "InputTextUntilQuiet",
           "PurgePort",
           "Delay",
