@@ -41,7 +41,7 @@ void LinkState::OnReceive() {
         // A CR alone: its line feed may be on its way, and the pair should not be taken apart.
         const std::int32_t left = watch.UntilExceeds(HoldForLineFeed);
         if (left == 0 || !text.ends_with('\r')) break;
-        Serial().WaitForReceive(left);
+        if (!Serial().WaitForReceive(left)) break; // a lost port waits for nothing
     }
     if (text.empty()) return;
     ++arrivals;

@@ -20,6 +20,11 @@ class Programs : public AssembledFixture {
     /// On a printer that leaves its labels in a folder.
     Programs() { Assemble("sim:R7G?labels=" + mFolder.File("labels")); }
 
+    /// Starts the program, which nobody waits for, and gives it its time.
+    void Run() {
+        Control().RunProgram();
+        mReactor.Pass(1000);
+    }
     bool Printed() const { return mFolder.Has("labels/label-0001.png"); }
 };
 
@@ -31,7 +36,7 @@ TEST_F(Programs, AProgramIsTypedInRunAndFetched) {
     EXPECT_LT(Control().Fre(), before);
     EXPECT_THAT(FilesOn("tmp:"), Contains("L.PRG"));
     EXPECT_FALSE(Printed());
-    Control().RunProgram();
+    Run();
     EXPECT_TRUE(Printed());
     EXPECT_EQ(Listing(), std::string(PrintsALabel) + "\r\n");
     EXPECT_THAT(mDesktop.mBoxes, IsEmpty());
@@ -50,7 +55,7 @@ TEST_F(Programs, ANewProgramIsEmpty) {
     Program("L.PRG", PrintsALabel);
     Control().NewProgram();
     EXPECT_EQ(Listing(), "");
-    Control().RunProgram();
+    Run();
     EXPECT_FALSE(Printed());
     EXPECT_THAT(FilesOn("tmp:"), Contains("L.PRG")) << "the module is still stored";
 }
@@ -112,7 +117,7 @@ TEST_F(Programs, ModulesAreLinkedBehindAHeader) {
     modules.Add("B.PRG");
     EXPECT_TRUE(Control().ProgramLink(modules, "5 REM head"));
     EXPECT_EQ(Listing(), "5 REM head\r\n100 PP 10,10\r\n200 PX 100,100,5\r\n210 PF\r\n");
-    Control().RunProgram();
+    Run();
     EXPECT_TRUE(Printed());
     modules.Add("NONE.PRG");
     EXPECT_FALSE(Control().ProgramLink(modules));

@@ -71,7 +71,7 @@ TEST_F(StackSession, ARebootWaitsForDsr) {
 }
 
 TEST_F(StackSession, ACutLineIsReportedAndNothingHangs) {
-    Stack cut(mReactor, "sim:R7G?cut=2000");
+    Stack cut(mReactor, "sim:R7G?cut=20000");
     const auto untilCut = [&] {
         for (int i = 0; i < 1000; ++i)
             cut.Ask("PRINT " + std::to_string(i));
