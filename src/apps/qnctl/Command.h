@@ -37,6 +37,7 @@ using CommandTable = std::vector<Command>;
 CommandTable PortCommands();
 CommandTable ConnectionCommands();
 CommandTable LineCommands();
+CommandTable WatchCommands();
 CommandTable FileCommands();
 CommandTable ProgramCommands();
 CommandTable SetupCommands();

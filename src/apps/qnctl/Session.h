@@ -62,6 +62,8 @@ class Session {
     const qncomm::PDQComm& Serial() const { return mAssembly->Serial(); }
     qncomm::clsDataLink& Link() { return Control().Link(); }
     qncomm::clsQuorin& Printer() { return Control().Layer(); }
+    /// Where what travels is recorded; null when nothing is.
+    qncomm::TraceSink* Trace() { return mTrace.get(); }
     /// "COM3 (/dev/ttyUSB0)", or the address alone of a port without a number of its own.
     std::string PortName() const;
 

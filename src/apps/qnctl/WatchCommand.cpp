@@ -1,0 +1,184 @@
+#include "Command.h"
+#include "Session.h"
+
+#include "common/StopWatch.h"
+#include "console/Charset.h"
+#include "serial/LineSettings.h"
+#include "serial/PDQComm.h"
+#include "trace/TraceReader.h"
+#include "trace/TraceRows.h"
+
+#include <CLI/CLI.hpp>
+
+#include <algorithm>
+#include <array>
+#include <cstdio>
+#include <iostream>
+#include <memory>
+#include <optional>
+
+namespace qnctl {
+namespace {
+
+using qncomm::TraceKind;
+using qncomm::TraceRows;
+
+constexpr std::int32_t BufferBytes = 65'536;
+constexpr std::int32_t LongSleepMs = 60'000;
+/// How long a line that has not ended waits for its rest before it is shown.
+constexpr std::int64_t QuietUs = 200'000;
+
+struct WatchArguments {
+    std::string as;
+    std::int32_t forMs = 0; ///< 0 = without end
+    std::string until;      ///< UTF-8
+    bool hex = false;
+};
+
+/// Looks for a text in what comes piece by piece, and keeps no more than the text's length of it.
+class AwaitedText {
+  public:
+    /// The text in bytes of the line; an empty one never comes.
+    explicit AwaitedText(std::string text) : mText(std::move(text)) {}
+
+    void Feed(std::string_view bytes) {
+        if (mText.empty() || mSeen) return;
+        mTail += bytes;
+        mSeen = mTail.find(mText) != std::string::npos;
+        mTail.erase(0, mTail.size() - std::min(mTail.size(), mText.size() - 1));
+    }
+    bool Seen() const { return mSeen; }
+
+  private:
+    std::string mText;
+    std::string mTail;
+    bool mSeen = false;
+};
+
+/// "    1.204  <  " in front of what came at that time.
+std::string MarginOf(const qncomm::TraceRow& row) {
+    static constexpr std::array marks{'>', '<', '*'};
+    std::array<char, 48> margin{};
+    const int size = std::snprintf(
+        margin.data(), margin.size(), "%6lld.%03d  %c  ", static_cast<long long>(row.ms / 1000),
+        static_cast<int>(row.ms % 1000), marks[static_cast<std::size_t>(row.kind)]);
+    return {margin.data(), static_cast<std::size_t>(size)};
+}
+
+/// The port of the session, opened to listen: a serial control of its own, to which nothing writes,
+/// so that neither a search nor a terminal can.
+class WatchedPort final : public qncomm::TraceSink {
+  public:
+    WatchedPort(Session& session, const WatchArguments& arguments, AwaitedText awaited)
+        : mSession(session),
+          mArguments(arguments),
+          mAwaited(std::move(awaited)),
+          mRows(arguments.hex ? TraceRows::Form::Hex : TraceRows::Form::Text,
+                [this](const qncomm::TraceRow& row) { Show(row); }),
+          mQuiet(session.Loop().CreateAlarm([this] { mRows.Flush(); })),
+          mSerial(session.Loop(), session.Ports().Bindings(), this) {
+        mSerial.SetPortNumber(session.Port().number);
+        mSerial.SetPortSettings(arguments.as.empty() ? session.Link().SettingsText()
+                                                     : arguments.as);
+        mSerial.SetHandshaking(0); // a full buffer would otherwise send an Xoff
+        mSerial.SetBufferSizes(BufferBytes, 1);
+        mSerial.SetReceiveThreshold(1);
+        // What is read here was recorded as it came.
+        mSerial.SetEventSink([this](qncomm::SerialEvent) { mSerial.Read(); });
+    }
+
+    Outcome Run() {
+        mSerial.SetPortOpen(true);
+        const Outcome end = Watch();
+        mRows.Flush();
+        std::cout.flush();
+        return end;
+    }
+
+    void Record(std::int64_t lMs, TraceKind kind, std::string_view sBytes) override {
+        if (auto* trace = mSession.Trace()) trace->Record(lMs, kind, sBytes);
+        if (!mSerial.PortOpen()) return; // why it did not open is told as the command's error
+        if (!mStart) mStart = lMs;
+        const std::int64_t ms = lMs - *mStart;
+        if (kind == TraceKind::Received) mAwaited.Feed(sBytes);
+        if (mSession.Out().IsJson()) {
+            mSession.Out().Line(
+                qncomm::TraceLineOf({.ms = ms, .kind = kind, .bytes = std::string(sBytes)}));
+            return;
+        }
+        mRows.Add(ms, kind, sBytes);
+        mQuiet->SetDue(mSession.Loop().NowUs() + QuietUs);
+    }
+
+  private:
+    Outcome Watch() {
+        const qncomm::StopWatch since(mSession.Loop());
+        const std::int32_t limit = mArguments.forMs;
+        while (mSerial.PortOpen()) {
+            if (mSession.Interrupted()) return Cancelled();
+            if (mAwaited.Seen()) return {};
+            if (!std::cout.flush()) return Refused(ExitStatus::Error, "The output takes no more.");
+            const std::int32_t left = limit > 0 ? since.UntilExceeds(limit) : LongSleepMs;
+            if (left == 0) return TimeIsOver();
+            mSession.Loop().Yield(left);
+        }
+        const auto& lost = mSerial.LastFailure();
+        return {ExitStatus::PortUnavailable, lost ? lost->number : 0, "PDQComm",
+                lost ? lost->description : mSession.PortName() + " was closed."};
+    }
+
+    Outcome TimeIsOver() const {
+        if (mArguments.until.empty()) return {};
+        return Refused(ExitStatus::NoPrinter, "\"" + mArguments.until + "\" did not come within "
+                                                  + std::to_string(mArguments.forMs) + " ms.");
+    }
+
+    void Show(const qncomm::TraceRow& row) {
+        const bool event = row.kind == TraceKind::Event;
+        mSession.Out().Line(MarginOf(row) + (event ? row.text : qncomm::Utf8FromPrinter(row.text)));
+    }
+
+    Session& mSession;
+    const WatchArguments& mArguments;
+    AwaitedText mAwaited;
+    std::optional<std::int64_t> mStart;
+    TraceRows mRows;
+    std::unique_ptr<qncomm::Alarm> mQuiet;
+    qncomm::PDQComm mSerial; // the last one: its closing is recorded, too
+};
+
+Outcome Watch(Session& session, const WatchArguments& arguments) {
+    if (!arguments.as.empty() && !qncomm::ParseLineSettings(arguments.as))
+        return Refused(ExitStatus::Usage, "--as " + arguments.as
+                                              + ": write rate, parity, data bits and stop bits, "
+                                                "such as 9600,n,8,2.");
+    auto until = qncomm::PrinterFromUtf8(arguments.until);
+    if (!until)
+        return Refused(ExitStatus::Usage,
+                       "--until holds a character that the printer's Windows-1252 lacks.");
+    return WatchedPort(session, arguments, AwaitedText(std::move(*until))).Run();
+}
+
+} // namespace
+
+CommandTable WatchCommands() {
+    const auto arguments = std::make_shared<WatchArguments>();
+    return {{"watch", "Show what comes on the line without sending a byte; Ctrl-C ends",
+             Needs::Port,
+             [arguments](CLI::App& app) {
+                 app.add_option("--as", arguments->as,
+                                "Rate, parity, data bits and stop bits, such as 9600,n,8,2, "
+                                "instead of the configured ones")
+                     ->type_name("SETTINGS");
+                 app.add_option("--for", arguments->forMs, "End after that time")
+                     ->type_name("MS")
+                     ->check(CLI::Range(1, 86'400'000));
+                 app.add_option("--until", arguments->until,
+                                "End when that text has come; status 3 when --for ends first")
+                     ->type_name("TEXT");
+                 app.add_flag("--hex", arguments->hex, "Show the bytes as hex digits");
+             },
+             [arguments](Session& session) { return Watch(session, *arguments); }}};
+}
+
+} // namespace qnctl

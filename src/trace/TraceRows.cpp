@@ -1,0 +1,76 @@
+#include "trace/TraceRows.h"
+
+#include "common/ControlNames.h"
+#include "common/Windows1252.h"
+
+#include <cstddef>
+#include <utility>
+
+namespace qncomm {
+namespace {
+
+constexpr std::size_t LongestText = 120; ///< bytes of a row
+constexpr std::size_t HexBytes = 16;
+
+std::string HexOf(char byte) {
+    constexpr std::string_view digits = "0123456789ABCDEF";
+    const auto value = static_cast<unsigned char>(byte);
+    return {digits[value >> 4], digits[value & 15]};
+}
+
+std::string Named(char byte) {
+    const auto value = static_cast<unsigned char>(byte);
+    if (value < ControlCharacterNames.size())
+        return "<" + std::string(ControlCharacterNames[value]) + ">";
+    const char16_t character = CharacterOf(byte);
+    const bool control = character >= 0x7F && character < 0xA0;
+    return control ? "<" + HexOf(byte) + ">" : std::string(1, byte);
+}
+
+std::string HexRow(std::string_view bytes) {
+    std::string digits;
+    std::string text;
+    for (const char byte : bytes) {
+        digits += HexOf(byte) + " ";
+        text += byte >= ' ' && byte < '\x7F' ? byte : '.';
+    }
+    digits.resize(HexBytes * 3, ' ');
+    return digits + " " + text;
+}
+
+} // namespace
+
+TraceRows::TraceRows(Form form, Show show) : mForm(form), mShow(std::move(show)) {}
+
+void TraceRows::Add(std::int64_t lMs, TraceKind kind, std::string_view sBytes) {
+    if (kind != mRow.kind) Flush();
+    mRow.kind = kind;
+    if (kind == TraceKind::Event) return mShow({lMs, kind, std::string(sBytes)});
+    for (const char byte : sBytes) {
+        if (mRow.text.empty()) mRow.ms = lMs;
+        mRow.text += byte;
+        if (IsWhole()) Flush();
+    }
+}
+
+void TraceRows::Flush() {
+    if (mRow.text.empty()) return;
+    const TraceRow row{mRow.ms, mRow.kind, Text()};
+    mRow.text.clear();
+    mShow(row);
+}
+
+bool TraceRows::IsWhole() const {
+    if (mForm == Form::Hex) return mRow.text.size() == HexBytes;
+    return mRow.text.back() == '\n' || mRow.text.size() == LongestText;
+}
+
+std::string TraceRows::Text() const {
+    if (mForm == Form::Hex) return HexRow(mRow.text);
+    std::string text;
+    for (const char byte : mRow.text)
+        text += Named(byte);
+    return text;
+}
+
+} // namespace qncomm
