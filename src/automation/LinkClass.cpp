@@ -39,7 +39,10 @@ const SurfaceClass& LinkClass() {
          Method<&Link::BinaryUpload>(14, "BinaryUpload", Needs::OpenPort, Path("sSource"),
                                      In("iProtocol").Or("5")),
          Method<&Link::BinaryDownload>(15, "BinaryDownload", Needs::OpenPort, Path("sDestination"),
-                                       In("iProtocol").Or("5"))},
+                                       In("iProtocol").Or("5")),
+         Method<&Link::SendBreak>(16, "SendBreak", Needs::OpenPort, In("lMilliseconds").Or("300")),
+         Method<&Link::SendCtrlC>(17, "SendCtrlC", Needs::OpenPort),
+         Method<&Link::StopProgram>(18, "StopProgram", Needs::FreePort)},
         {EventRow<&Link::PortStateEvent>(1, "PortStateEvent", MemberType::HostText, "bPortOpen"),
          EventRow<&Link::StatusEvent>(2, "StatusEvent", MemberType::HostText, "sStatusMsg",
                                       "iProgressPerc", "bCancel")}};

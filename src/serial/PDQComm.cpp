@@ -5,6 +5,7 @@
 #include "ReceivePath.h"
 #include "TransferInProgress.h"
 #include "TransmitQueue.h"
+#include "common/QNError.h"
 #include "common/RuntimeErrors.h"
 
 #include <algorithm>
@@ -138,6 +139,12 @@ IoResult PDQComm::SetBreak(bool bOn) {
     IoResult result = mOpen->SetBreak(bOn);
     if (result.Ok()) Trace(TraceKind::Event, bOn ? "break on" : "break off");
     return result;
+}
+
+void PDQComm::HoldBreak(bool bOn) {
+    if (mOpen == nullptr) return;
+    const IoResult result = SetBreak(bOn);
+    if (!result.Ok()) throw QNError(SerialErrDevice, "PDQComm", FailureFor(result).description);
 }
 
 void PDQComm::WriteTerminal(std::string_view sText) {

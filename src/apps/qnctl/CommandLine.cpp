@@ -35,7 +35,7 @@ struct Group {
 };
 
 constexpr std::array Groups{
-    Group{"program", "The printer's program: new, run, check, save, list"},
+    Group{"program", "The printer's program: new, run, stop, check, save, list"},
     Group{"module", "Program modules: upload, link"},
     Group{"setup", "The printer's setup: list, set, write, load"},
     Group{"font", "One font: install, remove, print"},

@@ -1,9 +1,11 @@
 #include "Command.h"
+#include "GivenSettings.h"
 #include "PlainCommand.h"
 #include "Session.h"
 
 #include "common/RuntimeErrors.h"
 #include "common/Text.h"
+#include "common/modErrorHandling.h"
 #include "console/Charset.h"
 #include "platform/SystemFiles.h"
 
@@ -113,6 +115,50 @@ Outcome LinkProgram(Session& session, const LinkArguments& arguments) {
     return Done(session);
 }
 
+struct StopTexts {
+    const char* line;
+    Json by;
+};
+
+StopTexts TextsFor(std::int16_t stopped) {
+    if (stopped == qncomm::Stop_ByCtrlC) return {"The program was stopped by Ctrl-C", "ctrl-c"};
+    if (stopped == qncomm::Stop_ByBreak) return {"The program was stopped by a break", "break"};
+    return {"No program was running", nullptr};
+}
+
+Outcome NotStopped(const qncomm::QNError& error) {
+    return {ExitStatus::NoPrinter, error.Number(), error.Source(),
+            "The printer did not come back to its prompt: neither Ctrl-C nor a break helps, or the "
+            "settings of the line are other ones."};
+}
+
+Outcome StopProgram(Session& session, const std::string& as) {
+    if (Outcome given = UseGivenSettings(session.Link(), as); !given.Ok()) return given;
+    session.Assembly().OpenPort(); // a port that cannot be opened says why
+    std::int16_t stopped = qncomm::Stop_Refused;
+    try {
+        stopped = session.Link().StopProgram();
+    } catch (const qncomm::QNError& error) {
+        if (error.Number() != qncomm::ErrInputTimeout) throw;
+        return NotStopped(error);
+    }
+    if (stopped == qncomm::Stop_Refused)
+        return Refused(ExitStatus::PortUnavailable, "port not available");
+    const auto [line, by] = TextsFor(stopped);
+    if (session.Out().IsJson())
+        session.Out().Document({{"running", !by.is_null()}, {"stoppedBy", by}, {"prompt", true}});
+    else
+        session.Out().Line(std::string(line) + "; the printer is at its prompt.");
+    return {};
+}
+
+Command StopCommand() {
+    const auto as = std::make_shared<std::string>();
+    return {"program stop", "End a running program; searches nothing and types nothing into it",
+            Needs::Port, [as](CLI::App& app) { DeclareGivenSettings(app, *as); },
+            [as](Session& session) { return StopProgram(session, *as); }};
+}
+
 Command UploadCommand() {
     const auto arguments = std::make_shared<UploadArguments>();
     return {"module upload", "Type a module into the printer and save it when it has no errors",
@@ -145,6 +191,7 @@ CommandTable ProgramCommands() {
                      [](QNComm& control, const Texts&) { control.NewProgram(); }),
         PlainCommand("program run", "Start the printer's program", {},
                      [](QNComm& control, const Texts&) { control.RunProgram(); }),
+        StopCommand(),
         {"program check", "Tell whether the program can be run", Needs::Printer, {}, Check},
         PlainCommand("program save", "Save the program on the printer",
                      {{"NAME", "Such as ram:LABEL.PRG"}},

@@ -1,9 +1,9 @@
 #include "Command.h"
+#include "GivenSettings.h"
 #include "Session.h"
 
 #include "common/StopWatch.h"
 #include "console/Charset.h"
-#include "serial/LineSettings.h"
 #include "serial/PDQComm.h"
 #include "trace/TraceReader.h"
 #include "trace/TraceRows.h"
@@ -78,8 +78,7 @@ class WatchedPort final : public qncomm::TraceSink {
           mQuiet(session.Loop().CreateAlarm([this] { mRows.Flush(); })),
           mSerial(session.Loop(), session.Ports().Bindings(), this) {
         mSerial.SetPortNumber(session.Port().number);
-        mSerial.SetPortSettings(arguments.as.empty() ? session.Link().SettingsText()
-                                                     : arguments.as);
+        mSerial.SetPortSettings(session.Link().SettingsText());
         mSerial.SetHandshaking(0); // a full buffer would otherwise send an Xoff
         mSerial.SetBufferSizes(BufferBytes, 1);
         mSerial.SetReceiveThreshold(1);
@@ -148,10 +147,7 @@ class WatchedPort final : public qncomm::TraceSink {
 };
 
 Outcome Watch(Session& session, const WatchArguments& arguments) {
-    if (!arguments.as.empty() && !qncomm::ParseLineSettings(arguments.as))
-        return Refused(ExitStatus::Usage, "--as " + arguments.as
-                                              + ": write rate, parity, data bits and stop bits, "
-                                                "such as 9600,n,8,2.");
+    if (Outcome given = UseGivenSettings(session.Link(), arguments.as); !given.Ok()) return given;
     auto until = qncomm::PrinterFromUtf8(arguments.until);
     if (!until)
         return Refused(ExitStatus::Usage,
@@ -166,10 +162,7 @@ CommandTable WatchCommands() {
     return {{"watch", "Show what comes on the line without sending a byte; Ctrl-C ends",
              Needs::Port,
              [arguments](CLI::App& app) {
-                 app.add_option("--as", arguments->as,
-                                "Rate, parity, data bits and stop bits, such as 9600,n,8,2, "
-                                "instead of the configured ones")
-                     ->type_name("SETTINGS");
+                 DeclareGivenSettings(app, arguments->as);
                  app.add_option("--for", arguments->forMs, "End after that time")
                      ->type_name("MS")
                      ->check(CLI::Range(1, 86'400'000));

@@ -79,6 +79,11 @@ bool ScriptedSerial::ProbePort(std::int16_t iPort) {
     return mValidPorts.contains(iPort);
 }
 
+void ScriptedSerial::HoldBreak(bool bOn) {
+    mLog.emplace_back(bOn ? "Break on" : "Break off");
+    if (mOnBreak) mOnBreak(bOn);
+}
+
 void ScriptedSerial::SetReceiveThreshold(std::int16_t iBytes) {
     mThreshold = iBytes;
     if (mOnThreshold) mOnThreshold(iBytes);

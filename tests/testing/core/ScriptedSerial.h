@@ -45,6 +45,8 @@ class ScriptedSerial : public SerialControl, private ManualLoop::Source {
     std::optional<std::int32_t> mDrainPerMs;
     /// Called before the port opens; may raise.
     std::function<void()> mOnOpen;
+    /// Called with each beginning and end of a break; may raise.
+    std::function<void(bool)> mOnBreak;
     /// Called with each new receive threshold.
     std::function<void(std::int16_t)> mOnThreshold;
     std::set<std::int16_t> mValidPorts;
@@ -103,6 +105,7 @@ class ScriptedSerial : public SerialControl, private ManualLoop::Source {
     std::string Read() override;
     std::string ReadLine(std::int32_t lTimeout) override;
     bool WaitForReceive(std::int32_t lTimeout) override;
+    void HoldBreak(bool bOn) override;
     void Write(std::string_view sBytes) override;
     void SetTransferKind(std::int16_t iKind) override;
     void SetBinaryProtocol(std::int16_t iProtocol) override;

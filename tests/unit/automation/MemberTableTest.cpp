@@ -271,7 +271,7 @@ const std::map<std::string_view, std::string_view>& PinnedIds() {
         {"clsDataLink",
          "IsValidPort SaveCommSettings ShowSettingsDlg RegSettings TearDown OutputText "
          "InputText WaitForEchoLine WaitForOk ImmediateMode Stdio KermitUpload "
-         "KermitDownload BinaryUpload BinaryDownload"},
+         "KermitDownload BinaryUpload BinaryDownload SendBreak SendCtrlC StopProgram"},
         {"RegSettings", "ReadValue WriteValue"},
         {"TerminalFont", "Name Size"},
         {"clsPrinterFile", "Name Size"},

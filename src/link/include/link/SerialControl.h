@@ -145,6 +145,10 @@ class SerialControl {
     /// whether bytes wait.
     virtual bool WaitForReceive(std::int32_t lTimeout) = 0;
 
+    /// Holds the open line in the break condition, which stops a printer's running program, or ends
+    /// it. Raises SerialErrDevice for a port that has no line which could break.
+    virtual void HoldBreak(bool bOn) = 0;
+
     /// Queues bytes for the line. The caller keeps to the free space (TransmitBufferSize less
     /// TransmitCount).
     virtual void Write(std::string_view sBytes) = 0;

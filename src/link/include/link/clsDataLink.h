@@ -28,6 +28,14 @@ enum enumFlowControl : std::int16_t {
     SW_And_HW_Flowcontrol = 3, ///< by both
 };
 
+/// What StopProgram has found and done.
+enum enumProgramStop : std::int16_t {
+    Stop_Refused = 0,    ///< the port is in use: nothing was sent
+    Stop_NothingRan = 1, ///< the printer was at its prompt
+    Stop_ByCtrlC = 2,    ///< a program ran and Ctrl-C has ended it
+    Stop_ByBreak = 3,    ///< a program ran that took no Ctrl-C, and a break has ended it
+};
+
 /// What a link needs of where it runs. None is owned; all must outlive the link.
 struct LinkHost {
     MessageLoop& loop;    ///< every wait yields to it, and its clock measures the time-outs
@@ -201,6 +209,22 @@ class clsDataLink {
     /// Whether "Ok" CR LF arrives before lTimeout ms pass without received text. Takes it off the
     /// port; does not yield.
     bool WaitForOk(std::int32_t lTimeout = 500);
+    /// Holds the line in the break condition for lMilliseconds, yielding meanwhile; that condition
+    /// ends with the call also when an error ends it. Claims nothing. Raises 1024 (port closed),
+    /// source "Datalink:SendBreak", and 8012, source "PDQComm", for a port without a line that
+    /// could break, such as a socket.
+    void SendBreak(std::int32_t lMilliseconds = 300);
+    /// Sends the character 0x03, which ends a printer's running program. It belongs to no exchange
+    /// and is not waited for. Claims nothing. Raises 1024 (port closed), source
+    /// "Datalink:SendCtrlC".
+    void SendCtrlC();
+    /// Ends the printer's running program: by Ctrl-C, and by a break of 300 ms where that does not
+    /// help. Opens the port for it at the present settings if need be, and searches nothing; a
+    /// command line goes out only once the printer has been silent for 200 ms. That line proves
+    /// that the printer is at its prompt, and leaves it in immediate mode with the modes of a
+    /// claim. Returns an enumProgramStop. Raises, source "Datalink:StopProgram", 1008 when the
+    /// printer does not come back, and 1024 (port closed).
+    std::int16_t StopProgram();
     /// Empties the port's two buffers and the link's receive buffer.
     void PurgePort();
     /// Yields until lMilliseconds have passed.

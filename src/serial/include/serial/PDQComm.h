@@ -69,6 +69,7 @@ class PDQComm final : public SerialControl {
     std::string Read() override;
     std::string ReadLine(std::int32_t lTimeout) override;
     bool WaitForReceive(std::int32_t lTimeout) override;
+    void HoldBreak(bool bOn) override;
     void Write(std::string_view sBytes) override;
     void SetTransferKind(std::int16_t iKind) override { mTransferKind = iKind; }
     void SetBinaryProtocol(std::int16_t iProtocol) override { mBinaryProtocol = iProtocol; }
