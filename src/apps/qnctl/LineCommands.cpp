@@ -48,19 +48,33 @@ Outcome Send(Session& session, const SendArguments& arguments) {
 
 void Greet(Session& session) {
     if (!session.Options().quiet)
-        std::cerr << "Connected to " << session.PortName() << ". Ctrl-] ends.\r\n" << std::flush;
+        std::cerr << "Connected to " << session.PortName()
+                  << ". Ctrl-] ends. Ctrl-T ? shows more keys.\r\n"
+                  << std::flush;
+}
+
+/// Why there was no break; empty when there was one.
+std::string BreakOn(qncomm::clsDataLink& link) {
+    try {
+        link.SendBreak();
+        return {};
+    } catch (const qncomm::QNError& error) {
+        return error.Description();
+    }
 }
 
 qncomm::ConsoleTerminal::Wiring WiringOf(Session& session) {
     const qncomm::PDQComm& serial = session.Serial();
     return {
-        STDIN_FILENO, STDOUT_FILENO,
+        STDIN_FILENO,
+        STDOUT_FILENO,
         [&session](std::string_view bytes) { return session.Assembly().Viewport().Type(bytes); },
         [&session, &serial] {
             if (session.Interrupted()) throw qncomm::OperationCancelled();
             return serial.PortOpen();
         },
-        [&session] { Greet(session); }};
+        [&session] { Greet(session); },
+        [&session] { return BreakOn(session.Link()); }};
 }
 
 Outcome RunTerminal(Session& session, const std::string& capture) {

@@ -13,6 +13,8 @@ namespace qncomm {
 namespace {
 
 constexpr std::string_view Prompt = "Ok\r\n";
+constexpr char CtrlC = '\x03';
+constexpr const char* NoBreak = "there is no line that could break";
 constexpr std::int32_t LongWaitMs = 60'000; // keys, replies and signals end it
 
 } // namespace
@@ -88,10 +90,43 @@ bool ConsoleTerminal::Flush() {
 }
 
 void ConsoleTerminal::OnKeys() {
-    const std::string keys = ReadInput();
-    const std::size_t end = keys.find(EndKey);
-    mToSend += mTyped.Feed(std::string_view(keys).substr(0, end));
-    if (end != std::string::npos) mEnded = true;
+    for (const char key : ReadInput()) {
+        if (mEnded) return;
+        if (std::exchange(mCommand, false))
+            OnCommand(key);
+        else if (key == EndKey)
+            mEnded = true;
+        else if (key == MenuKey)
+            mCommand = true;
+        else
+            mToSend += mTyped.Feed(std::string_view(&key, 1));
+    }
+}
+
+void ConsoleTerminal::OnCommand(char key) {
+    switch (key) {
+    case 'b':
+        if (const std::string why = mWiring.sendBreak ? mWiring.sendBreak() : NoBreak; !why.empty())
+            Tell(why);
+        break;
+    case 'c':
+        mToSend += CtrlC;
+        break;
+    case 't':
+    case MenuKey:
+        mToSend += MenuKey;
+        break;
+    case 'q':
+    case EndKey:
+        mEnded = true;
+        break;
+    default:
+        Tell("Ctrl-T and then: b break, c Ctrl-C, t Ctrl-T, q end");
+    }
+}
+
+void ConsoleTerminal::Tell(std::string_view text) const {
+    static_cast<void>(WriteAll(mWiring.out, "\r\n[" + std::string(text) + "]\r\n"));
 }
 
 void ConsoleTerminal::OnText() {

@@ -71,6 +71,18 @@ TEST_F(Terminal, CtrlCGoesToThePrinter) {
     EXPECT_EQ(program->Wait(), 0);
 }
 
+TEST_F(Terminal, AKeySendsABreakThatStopsAProgram) {
+    const auto program = Start({"terminal", "--port", "sim:R7G"}, Program::Stdio::Terminal);
+    ASSERT_TRUE(program->WaitForOut("Ctrl-] ends."));
+    program->Type("10 GOTO 10\rRUN\r");
+    ASSERT_TRUE(program->WaitForOut("RUN\r\n"));
+    program->Type("\x14"
+                  "b");
+    EXPECT_TRUE(program->WaitForOut("Break in line 10\r\nOk")) << program->Out();
+    program->Type("\x1D");
+    EXPECT_EQ(program->Wait(), 0);
+}
+
 TEST_F(Terminal, WithoutATerminalSendsLinesAndShowsReplies) {
     const Ended ended = Run({"terminal", "--port", Printer()}, "PRINT 1+1\nPRINT \"two\"\n");
     EXPECT_EQ(ended.status, 0) << ended.err;

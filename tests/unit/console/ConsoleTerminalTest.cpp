@@ -6,6 +6,7 @@
 #include <gmock/gmock.h>
 
 #include <array>
+#include <utility>
 #include <vector>
 
 #include <pty.h>
@@ -42,7 +43,8 @@ struct Pipe {
 class ConsoleTerminalTest : public testing::Test {
   protected:
     bool Run(int in) {
-        ConsoleTerminal terminal(mLoop, {in, mOutput.mWrite.Get(),
+        ConsoleTerminal terminal(mLoop, {in,
+                                         mOutput.mWrite.Get(),
                                          [&](std::string_view bytes) {
                                              const std::size_t taken =
                                                  std::min(bytes.size(), mSpace);
@@ -51,7 +53,12 @@ class ConsoleTerminalTest : public testing::Test {
                                                  mShow(reply);
                                              return taken;
                                          },
-                                         [&] { return mAlive(); }});
+                                         [&] { return mAlive(); },
+                                         {},
+                                         [&] {
+                                             ++mBreaks;
+                                             return mWhyNoBreak;
+                                         }});
         mShow = [&](const std::string& text) { terminal.Show(text); };
         return terminal.Run();
     }
@@ -63,6 +70,8 @@ class ConsoleTerminalTest : public testing::Test {
     std::function<std::vector<std::string>(const std::string&)> mAnswer = [](const std::string&) {
         return std::vector<std::string>{"Ok\r\n"};
     };
+    int mBreaks = 0;
+    std::string mWhyNoBreak;
     std::function<bool()> mAlive = [] { return true; };
     std::function<void(const std::string&)> mShow;
 };
@@ -106,22 +115,61 @@ TEST_F(ConsoleTerminalTest, EndsWhenTheLineIsGone) {
     EXPECT_FALSE(Run(input.mRead.Get()));
 }
 
-TEST_F(ConsoleTerminalTest, AtATerminalSendsKeysAsTheyAreTypedUntilTheEndKey) {
-    int person = -1;
-    int program = -1;
-    ASSERT_EQ(::openpty(&person, &program, nullptr, nullptr, nullptr), 0);
-    const Fd first(person);
-    const Fd second(program);
-    mAlive = [&, typed = false]() mutable {
-        // The first round comes after the terminal has become raw.
-        if (!typed) {
-            EXPECT_EQ(::write(person, "AB\x03\r\x1Dlost", 9), 9);
-            typed = true;
-        }
-        return true;
-    };
-    EXPECT_TRUE(Run(program));
+/// A terminal at which keys are typed once it has become raw.
+class ConsoleKeys : public ConsoleTerminalTest {
+  protected:
+    ConsoleKeys() {
+        int user = -1;
+        int program = -1;
+        if (::openpty(&user, &program, nullptr, nullptr, nullptr) != 0) throw 0;
+        mUser = Fd(user);
+        mProgram = Fd(program);
+    }
+
+    bool Type(std::string_view keys) {
+        mAlive = [this, keys, typed = false]() mutable {
+            // The first round comes after the terminal has become raw.
+            if (!std::exchange(typed, true)) {
+                EXPECT_EQ(::write(mUser.Get(), keys.data(), keys.size()),
+                          static_cast<ssize_t>(keys.size()));
+            }
+            return true;
+        };
+        return Run(mProgram.Get());
+    }
+
+    Fd mUser;
+    Fd mProgram;
+};
+
+TEST_F(ConsoleKeys, GoToThePrinterAsTheyAreTypedUntilTheEndKey) {
+    EXPECT_TRUE(Type("AB\x03\r\x1Dlost"));
     EXPECT_THAT(mSent, ElementsAre("AB\x03\r"));
+}
+
+TEST_F(ConsoleKeys, TheMenuKeyMakesTheNextOneACommand) {
+    EXPECT_TRUE(Type("A\x14"
+                     "c\x14t\x14\x14"
+                     "B\x14qlost"));
+    EXPECT_THAT(mSent, ElementsAre("A\x03\x14\x14"
+                                   "B"));
+    EXPECT_EQ(mBreaks, 0);
+}
+
+TEST_F(ConsoleKeys, ABreakIsSentOrToldWhyNot) {
+    EXPECT_TRUE(Type("\x14"
+                     "b\x1D"));
+    EXPECT_EQ(mBreaks, 1);
+    mWhyNoBreak = "no line";
+    EXPECT_TRUE(Type("\x14"
+                     "b\x1D"));
+    EXPECT_EQ(mOutput.Take(), "\r\n[no line]\r\n");
+    EXPECT_THAT(mSent, ElementsAre());
+}
+
+TEST_F(ConsoleKeys, AnyOtherCommandShowsThem) {
+    EXPECT_TRUE(Type("\x14?\x1D"));
+    EXPECT_EQ(mOutput.Take(), "\r\n[Ctrl-T and then: b break, c Ctrl-C, t Ctrl-T, q end]\r\n");
 }
 
 } // namespace

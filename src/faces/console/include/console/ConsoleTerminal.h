@@ -12,11 +12,13 @@
 namespace qncomm {
 
 /// A printer's terminal at a console. With a terminal as input, keys go to the printer as they are
-/// typed until Ctrl-]; any other input is sent line by line, each when the one before was answered.
-/// Replies go to the output as UTF-8.
+/// typed until Ctrl-]; Ctrl-T makes the next key a command: b sends a break, c Ctrl-C, t Ctrl-T, q
+/// ends, any other key shows these. Any other input is sent line by line, each when the one before
+/// was answered. Replies go to the output as UTF-8.
 class ConsoleTerminal {
   public:
-    static constexpr char EndKey = 0x1D; ///< Ctrl-]
+    static constexpr char EndKey = 0x1D;  ///< Ctrl-]
+    static constexpr char MenuKey = 0x14; ///< Ctrl-T
 
     /// How long silence is taken for the end of a reply that has no "Ok", in ms.
     static constexpr std::int32_t SilenceMs = 1000;
@@ -32,6 +34,9 @@ class ConsoleTerminal {
         /// Called when keys have begun to go to the printer; may be empty. The terminal is raw: a
         /// line ends in CR LF.
         std::function<void()> ready = {};
+        /// Sends a break and returns why it could not, as a text to show; empty when it was sent.
+        /// May yield. Without it there is none.
+        std::function<std::string()> sendBreak = {};
     };
 
     /// The reactor must outlive the terminal.
@@ -48,6 +53,8 @@ class ConsoleTerminal {
     bool RunKeys();
     bool RunLines();
     void OnKeys();
+    void OnCommand(char key);
+    void Tell(std::string_view text) const;
     void OnText();
     bool SendLine();
     bool LineAnswered() const;
@@ -59,8 +66,9 @@ class ConsoleTerminal {
     TypedText mTyped;
     StopWatch mSilence;
     std::string mToSend;
-    std::string mLines; ///< input that has not been sent, in the printer's bytes
-    std::string mReply; ///< the end of what came since the last line was sent
+    std::string mLines;    ///< input that has not been sent, in the printer's bytes
+    std::string mReply;    ///< the end of what came since the last line was sent
+    bool mCommand = false; ///< the next key is one
     bool mWaiting = false;
     bool mEnded = false;
 };
