@@ -41,11 +41,13 @@ void FlowWindow::Acknowledged(std::uint64_t position, Time now, bool bTimed) {
     }
     const std::uint64_t before = mAcknowledged;
     mAcknowledged = position;
+    std::erase_if(mFormer, [&](std::uint64_t former) { return former <= position; });
     if (bTimed && found && mark.position == position && position > before) TakeSample(mark, now);
     mAcknowledgedAt = now;
 }
 
 void FlowWindow::TakeSample(const Mark& mark, Time now) {
+    mSampled = true;
     mRoundTrip.Saw(now - mark.at);
     if (mShortest == Time{0} || now - mark.at < mShortest)
         mShortest = std::max(now - mark.at, Time{1});
@@ -70,10 +72,30 @@ void FlowWindow::Grow() {
 }
 
 void FlowWindow::Restart(std::uint64_t position) {
+    if (!mMarks.empty() && !mSampled) Narrow();
+    mSampled = false;
+    std::erase_if(mFormer, [&](std::uint64_t former) { return former <= position; });
+    for (const Mark& mark : mMarks) {
+        if (mark.position > position) mFormer.push_back(mark.position);
+    }
     mMarks.clear();
     mAcknowledged = position;
     mAcknowledgedAt = Time{0};
     mRoundEnd = 0;
+}
+
+// No mark came through since the last restart: the window is too wide for this damage. What it was
+// taken from may have been a burst of the line, which nothing contradicts while no mark comes
+// through.
+void FlowWindow::Narrow() {
+    for (double& sample : mSamples) {
+        sample /= 2;
+    }
+    mOpening /= 2;
+}
+
+bool FlowWindow::MayAnswerFormer(std::uint64_t position) const {
+    return std::ranges::find(mFormer, position) != mFormer.end();
 }
 
 double FlowWindow::Rate() const {
@@ -86,15 +108,24 @@ double FlowWindow::Rate() const {
 
 std::uint64_t FlowWindow::Size(std::uint64_t piece) const {
     if (mSamples.empty()) return std::max(mOpening, piece * 2);
-    double slack = Rate() * Slack;
-    if (mErrorRate > 0) slack = std::min(slack, mTolerance / mErrorRate);
-    const double held = Rate() * Seconds(mShortest + Jitter) + slack;
+    const double slack = Spare(Rate() * Slack);
+    const double jitter = Rate() * Seconds(Jitter);
+    const bool losesAll = mErrorRate > 0 && mDamage == Damage::LosesAll;
+    const double held =
+        Rate() * Seconds(mShortest) + (losesAll ? Spare(jitter + slack) : jitter + slack);
     // Twice what the line is known to hold shows whether it holds more; beyond that a slow line
     // with a deep buffer would only be filled for seconds, and a cancel would wait behind it.
     const double twice = std::max(First, 2 * Rate() * Seconds(mShortest) + slack);
     const double open =
         mRounds < RoundsToSettle ? std::min(static_cast<double>(mOpening), twice) : 0;
-    return std::min(Largest, static_cast<std::uint64_t>(std::max(held, open)) + 2 * piece);
+    const auto size = static_cast<std::uint64_t>(std::max(held, open));
+    // A piece that begins inside the window may reach beyond it: where that costs most, it is all
+    // that is added.
+    return std::min(Largest, losesAll ? std::max(size, piece) : size + 2 * piece);
+}
+
+double FlowWindow::Spare(double bytes) const {
+    return mErrorRate > 0 ? std::min(bytes, mTolerance / mErrorRate) : bytes;
 }
 
 Time FlowWindow::RetryAfter(std::uint64_t piece) const {

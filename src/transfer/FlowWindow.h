@@ -3,6 +3,7 @@
 #include "RoundTrip.h"
 
 #include <deque>
+#include <vector>
 
 namespace qncomm::transfer {
 
@@ -11,17 +12,26 @@ namespace qncomm::transfer {
 /// line and has to be sent again after damage.
 class FlowWindow {
   public:
+    /// What one damage costs of the bytes that are under way.
+    enum class Damage {
+        LosesPiece, ///< the piece alone is sent again
+        LosesAll,   ///< everything behind it as well
+    };
+
     /// `tolerance`: which part of the line may be lost because bytes that stand queued have to be
     /// sent again after damage.
-    explicit FlowWindow(double tolerance) : mTolerance(tolerance) {}
+    FlowWindow(double tolerance, Damage damage) : mTolerance(tolerance), mDamage(damage) {}
 
     /// A mark was put on the line: `position` counts all bytes of the stream so far.
     void Marked(std::uint64_t position, Time now);
     /// Everything up to `position` has left the line. `bTimed`: the answer is to this mark and to
     /// no earlier try, so that rate and round trip can be told from it.
     void Acknowledged(std::uint64_t position, Time now, bool bTimed = true);
-    /// Marks under way will not be acknowledged: the stream goes on from `position`.
+    /// Marks under way need not be acknowledged any more: the stream goes on from `position`.
     void Restart(std::uint64_t position);
+    /// Whether a mark that a restart gave up stood at `position`: its acknowledgement may still
+    /// come and would be taken for the answer to a new mark there, as if the line were much faster.
+    [[nodiscard]] bool MayAnswerFormer(std::uint64_t position) const;
 
     /// Bytes allowed beyond what is acknowledged, for pieces of `piece` bytes.
     [[nodiscard]] std::uint64_t Size(std::uint64_t piece) const;
@@ -50,18 +60,19 @@ class FlowWindow {
         std::uint64_t acknowledged; ///< when it was put
         Time acknowledgedAt;
     };
-    struct Sample {
-        double rate;
-        Time roundTrip;
-    };
 
     void TakeSample(const Mark& mark, Time now);
     void Grow();
+    void Narrow();
+    [[nodiscard]] double Spare(double bytes) const;
 
     double mTolerance;
+    Damage mDamage;
     double mErrorRate = 0;
     std::deque<Mark> mMarks;
-    std::deque<double> mSamples; ///< rates, bytes per second
+    bool mSampled = false;              ///< since the last restart
+    std::vector<std::uint64_t> mFormer; ///< positions of marks that restarts gave up
+    std::deque<double> mSamples;        ///< rates, bytes per second
     Time mShortest{0};
     std::uint64_t mAcknowledged = 0;
     Time mAcknowledgedAt{0};

@@ -43,7 +43,7 @@ struct KermitSender::Machine {
     KermitReader reader;
     KermitTerms terms;
     KermitCoding coding{terms, KermitPrefixing::All};
-    FlowWindow flow{0.2};
+    FlowWindow flow{0.2, FlowWindow::Damage::LosesPiece};
     PieceLength piece{{80, 20, 80, 10, 8, 1.2}};
     State state = State::Init;
     std::deque<Slot> slots;

@@ -6,7 +6,7 @@ namespace qncomm::transfer {
 
 namespace {
 
-constexpr Time ShortestRetry = std::chrono::milliseconds(300);
+constexpr Time ShortestRetry = std::chrono::milliseconds(200);
 constexpr Time LongestRetry = std::chrono::seconds(10);
 
 } // namespace

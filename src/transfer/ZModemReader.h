@@ -29,6 +29,10 @@ class ZModemReader {
     void ExpectData();
     /// What follows is looked through for headers.
     void ExpectHeader();
+    /// Whether a subpacket has begun and not ended.
+    [[nodiscard]] bool IsInsideData() const {
+        return mState == State::ContentSum || (mState == State::Content && !mContent.empty());
+    }
     /// Control characters that arrive bare are noise: the sender escapes them all.
     void IgnoreControls(bool bIgnore) { mIgnoreControls = bIgnore; }
 

@@ -15,6 +15,8 @@ constexpr Time NextFileEvery = Wait(1000);
 constexpr int NextFileTries = 10;
 constexpr Time FarewellEvery = Wait(330); // three of these are the second that a farewell may take
 constexpr int FarewellTries = 3;
+// A sender that speaks again behind this long begins with a header.
+constexpr Time Pause = Wait(100);
 
 } // namespace
 
@@ -41,7 +43,11 @@ void ZModemReceiver::OnSilence(Time) {
 }
 
 bool ZModemReceiver::OnInput(Time now) {
-    m->lastByte = now;
+    // The end of a subpacket was damaged, or the sender has given it up: what follows would be
+    // taken for content as long as the sender says it again.
+    const bool paused = now - std::exchange(m->lastByte, now) >= Pause;
+    if (paused && m->reader.IsInsideData() && Input().starts_with(zm::PadByte))
+        m->reader.ExpectHeader();
     switch (m->reader.Next(Input())) {
     case ZModemReader::Item::None:
         return false;

@@ -121,8 +121,9 @@ void ZModemSender::OnOther(std::uint8_t type, Time now) {
 
 void ZModemSender::OnReceiverReady(Time now) {
     const ZModemHeader& header = m->reader.Header();
-    if (m->state == State::Eof) {
-        mProgress.bytes = m->position;
+    // Also when a late request has made it start again behind the end that the receiver has taken.
+    if (m->state == State::Eof || (m->state == State::Data && m->endSaid)) {
+        mProgress.bytes = m->furthest;
         FileDone(true);
         return;
     }
@@ -256,8 +257,12 @@ void ZModemSender::OnTimer(Time now) {
     } else if (HasOutput()) {
         Arm(m->flow.RetryAfter(m->piece.Current()), now);
     } else {
-        // The window stayed full: an acknowledgement was lost, or what it should acknowledge.
+        // The window stayed full: an acknowledgement was lost, or what it should acknowledge. Or
+        // all of it still stands before a slow line: so one piece asks, and a window follows only
+        // when it was answered. A window each time would pile up, each copy with damage of its own
+        // that the receiver asks for again.
         StartData(m->flow.AcknowledgedTo(), now);
+        m->probing = true;
     }
 }
 

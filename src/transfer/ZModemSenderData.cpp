@@ -13,6 +13,7 @@ void ZModemSender::OnReposition(std::uint64_t position, Time now) {
     if (m->state == State::FileSent || m->state == State::Checksum) {
         if (m->askedAt > Time{0}) m->flow.SawRoundTrip(now - m->askedAt);
         m->furthest = position;
+        m->endSaid = false;
         m->restarts = 0;
         mProgress.bytes = position;
         m->flow.Restart(position);
@@ -50,6 +51,7 @@ void ZModemSender::StartData(std::uint64_t position, Time now) {
     m->marked = position;
     m->frameOpen = false;
     m->frameAwaited = false;
+    m->probing = false;
     m->atEnd = false;
     m->restartedAt = now;
     m->restartedTo = position;
@@ -66,6 +68,7 @@ void ZModemSender::OnAcknowledge(std::uint64_t position, Time now) {
         return;
     }
     if (position > m->flow.AcknowledgedTo()) m->restarts = 0;
+    m->probing = false;
     m->piece.Travelled(static_cast<std::size_t>(position - m->flow.AcknowledgedTo()));
     m->flow.Acknowledged(position, now);
     // A piece should not occupy a slow line for long: what is behind it waits for it.
@@ -133,6 +136,9 @@ void ZModemSender::SendPiece(Time now) {
         const auto left = m->segment - static_cast<std::size_t>(m->position - m->frameStart);
         length = std::min(length, left);
     }
+    while (length > 1 && m->flow.MayAnswerFormer(m->position + length)) {
+        --length;
+    }
     if (m->position + length >= Positions) {
         Fail("the file is too long for ZModem");
         return;
@@ -143,7 +149,8 @@ void ZModemSender::SendPiece(Time now) {
 
     char end = zm::EndGo;
     const std::uint64_t room = Room();
-    if (m->segment != 0 && m->position - m->frameStart >= m->segment) {
+    const bool segmentFull = m->segment != 0 && m->position - m->frameStart >= m->segment;
+    if (m->probing || segmentFull) {
         end = zm::EndWait;
         m->frameOpen = false;
         m->frameAwaited = true;
@@ -163,6 +170,7 @@ void ZModemSender::SendPiece(Time now) {
 
 void ZModemSender::SendEof(Time now) {
     m->state = State::Eof;
+    m->endSaid = true;
     Enter(Phase::Closing);
     m->writer.Hex(OutputBuffer(),
                   ZModemHeader::At(zm::Eof, static_cast<std::uint32_t>(m->position)));

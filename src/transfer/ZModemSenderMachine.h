@@ -37,7 +37,7 @@ struct ZModemSender::Machine {
     ZModemSenderOptions options;
     ZModemReader reader;
     ZModemWriter writer;
-    FlowWindow flow{0.02};
+    FlowWindow flow{0.03, FlowWindow::Damage::LosesAll};
     PieceLength piece;
     State state = State::Hello;
     int finishTries = 0;
@@ -47,8 +47,10 @@ struct ZModemSender::Machine {
     std::uint64_t position = 0; ///< of the next byte to send
     std::uint64_t furthest = 0; ///< that was ever sent
     std::uint64_t marked = 0;   ///< last position that an acknowledgement was asked for
+    bool endSaid = false;       ///< of this file
     bool frameOpen = false;
     bool frameAwaited = false; ///< the frame ended with a wait for its acknowledgement
+    bool probing = false;      ///< one piece at a time, until the receiver is heard again
     std::size_t segment = 0;   ///< bytes that the receiver takes at once, 0: any number
     std::uint64_t frameStart = 0;
     Time restartedAt{0};

@@ -11,6 +11,12 @@ inline std::uint64_t FaultsWanted() {
     return wanted != nullptr ? std::strtoull(wanted, nullptr, 10) : 10000;
 }
 
+// Of how many transfers the tail is looked at: QN_RUNS, or what an ordinary run has time for.
+inline std::uint64_t RunsWanted() {
+    const char* wanted = std::getenv("QN_RUNS"); // NOLINT(concurrency-mt-unsafe): as above
+    return wanted != nullptr ? std::strtoull(wanted, nullptr, 10) : 100;
+}
+
 // The number of a campaign's first transfer: what goes wrong in each follows from its number, so
 // that shares of a campaign that begin far apart repeat nothing, and one that failed is repeated
 // alone.

@@ -14,12 +14,6 @@ using namespace std::chrono_literals;
 
 using ZPair = EnginePair<ZModemSender, ZModemReceiver, ZModemSenderOptions, ZModemReceiverOptions>;
 
-LineSettings Damaged(double flips) {
-    LineSettings line = PacedLine();
-    line.faults.flip = flips;
-    return line;
-}
-
 // The most bytes that were ever sent and not yet known to have arrived, while `content` travels.
 std::uint64_t MostUnderWay(const LineSettings& line, const std::string& content) {
     ZPair pair({{"a.bin", content}}, line);
@@ -59,26 +53,6 @@ TEST(ZModemPair, LongSubpacketsWasteLess) {
     ASSERT_TRUE(pair.rig.Run(600s));
     EXPECT_TRUE(pair.Carried(content));
     EXPECT_GT(pair.Share(content.size(), 11520), 0.970);
-}
-
-TEST(ZModemPair, KeepsMostOfALineThatDamagesOneByteInTenThousand) {
-    for (std::uint64_t seed = 1; seed <= 5; ++seed) {
-        const std::string content = RandomBytes(1 << 18, seed);
-        ZPair pair({{"random.bin", content}}, Damaged(1e-4), seed);
-        ASSERT_TRUE(pair.rig.Run(900s));
-        EXPECT_TRUE(pair.Carried(content));
-        EXPECT_GT(pair.Share(content.size(), 11520), 0.75);
-    }
-}
-
-TEST(ZModemPair, GetsThroughALineThatDamagesOneByteInAThousand) {
-    for (std::uint64_t seed = 1; seed <= 5; ++seed) {
-        const std::string content = RandomBytes(1 << 18, seed);
-        ZPair pair({{"random.bin", content}}, Damaged(1e-3), seed);
-        ASSERT_TRUE(pair.rig.Run(900s));
-        EXPECT_TRUE(pair.Carried(content));
-        EXPECT_GT(pair.Share(content.size(), 11520), 0.25);
-    }
 }
 
 TEST(ZModemPair, FillsALineWithALongRoundTrip) {

@@ -28,7 +28,9 @@ void SimulatedLine::Advance(Time now) {
     if (mSettings.rate > 0) {
         mCredit += mSettings.rate * static_cast<double>(passed.count()) * 1e-6;
         count = std::min(count, static_cast<std::size_t>(mCredit));
-        mCredit = mWaiting.size() == count ? 0 : mCredit - static_cast<double>(count);
+        mCredit -= static_cast<double>(count);
+        const double saved = mSettings.rate * static_cast<double>(mSettings.burst.count()) * 1e-6;
+        if (mWaiting.size() == count) mCredit = std::min(mCredit, saved);
     }
     if (count == 0) return;
     std::string bytes = Damage(std::string_view(mWaiting).substr(0, count), now);

@@ -26,6 +26,9 @@ struct LineSettings {
     double rate = 0; ///< bytes per second, 0: at once
     Time latency{0};
     std::size_t buffer = 4096; ///< bytes that the line takes before they have left
+    /// So much of a pause the line makes up for at once, as a relay does that keeps to its rate
+    /// only on average.
+    Time burst{0};
     LineFaults faults;
     bool sevenBits = false; ///< the top bit does not survive
 };

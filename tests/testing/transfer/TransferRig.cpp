@@ -65,6 +65,7 @@ bool TransferRig::Step(End& end, SimulatedLine& out, SimulatedLine& in) {
         end.engine.Tick(mNow);
         moved = true;
     }
+    out.Advance(mNow); // what is written now has no share in the time that has passed
     for (;;) {
         const std::string_view output = ServedOutput(end.engine, end.source, end.sink, mNow);
         const std::size_t taken = out.Write(output);
