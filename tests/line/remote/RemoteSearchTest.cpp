@@ -36,7 +36,7 @@ TEST_P(RemoteSearch, FindsThePrinterWhereItIsUnderstoodAndNowhereBefore) {
     const auto printer = PrinterOnRfc2217("R7G?baud=" + rate + "&format=" + format);
     // Its rate is tried first; the formats before it are ones at which it must not be understood,
     // but for the one that differs in the stop bits alone.
-    const std::string_view understood = format == "n,7,1" ? "n,7,2" : format;
+    const std::string understood = format == "n,7,1" ? "n,7,2" : format;
     Stack stack(loop, printer->Address(), {{"AutoConnctSettings", "Baud1", rate}});
     ASSERT_TRUE(stack.mLink.AutoConnect(1));
     std::vector<std::string> expected;
