@@ -60,13 +60,14 @@ double Median(const std::vector<double>& sorted) {
     return sorted[sorted.size() / 2];
 }
 
-// No transfer takes so many times as long as the one in the middle.
+// No transfer, and where more are run no more than one of a thousand, takes so many times as long as
+// the one in the middle.
 void ExpectAShortTail(const char* name, const LineSettings& line, double times) {
     const std::vector<double> shares = Shares(line, RunsWanted());
     std::cout << "figure: ZModem over " << name << ", one byte in 1,000 damaged, " << shares.size()
               << " transfers: share of the line " << Median(shares) << ", the worst of a hundred "
               << shares[shares.size() / 100] << ", the worst " << shares.front() << '\n';
-    EXPECT_GE(shares.front() * times, Median(shares));
+    EXPECT_GE(shares[(shares.size() - 1) / 1000] * times, Median(shares));
 }
 
 } // namespace
