@@ -60,8 +60,8 @@ double Median(const std::vector<double>& sorted) {
     return sorted[sorted.size() / 2];
 }
 
-// No transfer, and where more are run no more than one of a thousand, takes so many times as long as
-// the one in the middle.
+// No transfer, and where more are run no more than one of a thousand, takes so many times as long
+// as the one in the middle.
 void ExpectAShortTail(const char* name, const LineSettings& line, double times) {
     const std::vector<double> shares = Shares(line, RunsWanted());
     std::cout << "figure: ZModem over " << name << ", one byte in 1,000 damaged, " << shares.size()
