@@ -105,8 +105,8 @@ struct Means {
 };
 
 constexpr std::array AllMeans{
-    Means{Stop_ByCtrlC, [](clsDataLink& link) { link.SendCtrlC(); }},
-    Means{Stop_ByBreak, [](clsDataLink& link) { link.SendBreak(BreakMs); }},
+    Means{StopByCtrlC, [](clsDataLink& link) { link.SendCtrlC(); }},
+    Means{StopByBreak, [](clsDataLink& link) { link.SendBreak(BreakMs); }},
 };
 
 /// False on a line that has no such means, as a socket has no break.
@@ -136,7 +136,7 @@ void clsDataLink::SendCtrlC() {
 std::int16_t clsDataLink::StopProgram() {
     LinkState& state = *mState;
     const PortClaim claim = state.ClaimLine(true);
-    if (!claim) return Stop_Refused;
+    if (!claim) return StopRefused;
     RequireOpen(state, StopSource);
     PurgePort();
     bool ran = false;
@@ -146,7 +146,7 @@ std::int16_t clsDataLink::StopProgram() {
         ran |= reaction.spoke;
         // A command line would be a running program's input: it goes to a silent printer alone.
         if (reaction.silent && IsAtPrompt(state))
-            return static_cast<std::int16_t>(ran ? means.how : Stop_NothingRan);
+            return static_cast<std::int16_t>(ran ? means.how : StopNothingRan);
     }
     state.Fail(ErrInputTimeout, StopSource);
 }

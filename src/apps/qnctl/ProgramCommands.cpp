@@ -121,8 +121,8 @@ struct StopTexts {
 };
 
 StopTexts TextsFor(std::int16_t stopped) {
-    if (stopped == qncomm::Stop_ByCtrlC) return {"The program was stopped by Ctrl-C", "ctrl-c"};
-    if (stopped == qncomm::Stop_ByBreak) return {"The program was stopped by a break", "break"};
+    if (stopped == qncomm::StopByCtrlC) return {"The program was stopped by Ctrl-C", "ctrl-c"};
+    if (stopped == qncomm::StopByBreak) return {"The program was stopped by a break", "break"};
     return {"No program was running", nullptr};
 }
 
@@ -135,14 +135,14 @@ Outcome NotStopped(const qncomm::QNError& error) {
 Outcome StopProgram(Session& session, const std::string& as) {
     if (Outcome given = UseGivenSettings(session.Link(), as); !given.Ok()) return given;
     session.Assembly().OpenPort(); // a port that cannot be opened says why
-    std::int16_t stopped = qncomm::Stop_Refused;
+    std::int16_t stopped = qncomm::StopRefused;
     try {
         stopped = session.Link().StopProgram();
     } catch (const qncomm::QNError& error) {
         if (error.Number() != qncomm::ErrInputTimeout) throw;
         return NotStopped(error);
     }
-    if (stopped == qncomm::Stop_Refused)
+    if (stopped == qncomm::StopRefused)
         return Refused(ExitStatus::PortUnavailable, "port not available");
     const auto [line, by] = TextsFor(stopped);
     if (session.Out().IsJson())

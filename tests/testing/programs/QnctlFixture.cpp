@@ -1,5 +1,6 @@
 #include "testing/programs/QnctlFixture.h"
 
+#include <csignal>
 #include <stdexcept>
 
 namespace qncomm::testing {
@@ -56,6 +57,14 @@ void QnctlFixture::StartSimulator(const Arguments& options) {
     command.insert(command.end(), options.begin(), options.end());
     mSimulator = std::make_unique<Program>(command);
     if (!mSimulator->WaitForOut("\n")) throw std::runtime_error("qnsim: " + mSimulator->Err());
+}
+
+void QnctlFixture::StartTalking() const {
+    const auto typing = Start({"terminal", "--port", Printer()});
+    typing->Type("10 PRINT 42:GOTO 10\nRUN\n");
+    if (!typing->WaitForOut("42\r\n42\r\n")) throw std::runtime_error("qnctl: " + typing->Err());
+    typing->Signal(SIGKILL);
+    typing->Wait();
 }
 
 } // namespace qncomm::testing

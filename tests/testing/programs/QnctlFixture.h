@@ -43,6 +43,8 @@ class QnctlFixture : public ::testing::Test {
 
     /// Starts a virtual printer on a pseudo-terminal; its path is Printer().
     void StartSimulator(const Arguments& options = {});
+    /// Runs a program on it that prints 42 and never ends; nobody listens any more.
+    void StartTalking() const;
     /// The virtual printer's program.
     Program& Simulator() { return *mSimulator; }
     void StopSimulator() { mSimulator.reset(); }

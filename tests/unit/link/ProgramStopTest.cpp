@@ -26,7 +26,7 @@ class ProgramStop : public LinkFixture {
 TEST_F(ProgramStop, CtrlCEndsAProgramAndOneExchangeProvesThePrompt) {
     mSerial.Expect("\x03").Reply("42\r\nBreak in line 10\r\nOk\r\n", 20);
     mSerial.Expect(Asked).Reply(Answered, 5);
-    EXPECT_EQ(mLink.StopProgram(), Stop_ByCtrlC);
+    EXPECT_EQ(mLink.StopProgram(), StopByCtrlC);
     EXPECT_THAT(Breaks(), IsEmpty());
     EXPECT_TRUE(mSerial.ScriptDone());
     EXPECT_EQ(mLink.UseCount(), 0);
@@ -36,7 +36,7 @@ TEST_F(ProgramStop, CtrlCEndsAProgramAndOneExchangeProvesThePrompt) {
 TEST_F(ProgramStop, APrinterAtItsPromptIsLeftThere) {
     mSerial.Expect("\x03");
     mSerial.Expect(Asked).Reply(Answered, 5);
-    EXPECT_EQ(mLink.StopProgram(), Stop_NothingRan);
+    EXPECT_EQ(mLink.StopProgram(), StopNothingRan);
 }
 
 TEST_F(ProgramStop, NothingIsTypedIntoAProgramThatTalksOnAndABreakEndsIt) {
@@ -47,7 +47,7 @@ TEST_F(ProgramStop, NothingIsTypedIntoAProgramThatTalksOnAndABreakEndsIt) {
         if (!on) mSerial.Arrive("Break in line 10\r\nOk\r\n", 120);
     };
     mSerial.Expect(Asked).Reply(Answered, 5);
-    EXPECT_EQ(mLink.StopProgram(), Stop_ByBreak);
+    EXPECT_EQ(mLink.StopProgram(), StopByBreak);
     EXPECT_THAT(Breaks(), ElementsAre("Break on", "Break off"));
 }
 
@@ -70,7 +70,7 @@ TEST_F(ProgramStop, ALineWithoutABreakHasCtrlCAlone) {
 
 TEST_F(ProgramStop, APortInUseIsRefusedWithNothingSent) {
     mSerial.SetTag("EXCLUSIVE_USE");
-    EXPECT_EQ(mLink.StopProgram(), Stop_Refused);
+    EXPECT_EQ(mLink.StopProgram(), StopRefused);
     EXPECT_EQ(mSerial.mSent, "");
 }
 

@@ -30,10 +30,10 @@ enum enumFlowControl : std::int16_t {
 
 /// What StopProgram has found and done.
 enum enumProgramStop : std::int16_t {
-    Stop_Refused = 0,    ///< the port is in use: nothing was sent
-    Stop_NothingRan = 1, ///< the printer was at its prompt
-    Stop_ByCtrlC = 2,    ///< a program ran and Ctrl-C has ended it
-    Stop_ByBreak = 3,    ///< a program ran that took no Ctrl-C, and a break has ended it
+    StopRefused = 0,    ///< the port is in use: nothing was sent
+    StopNothingRan = 1, ///< the printer was at its prompt
+    StopByCtrlC = 2,    ///< a program ran and Ctrl-C has ended it
+    StopByBreak = 3,    ///< a program ran that took no Ctrl-C, and a break has ended it
 };
 
 /// What a link needs of where it runs. None is owned; all must outlive the link.
