@@ -47,6 +47,7 @@ class InstantPrinter : public qncomm::SerialControl, public qncomm::MessageLoop 
     std::string Read() override;
     std::string ReadLine(std::int32_t /*lTimeout*/) override { return {}; }
     bool WaitForReceive(std::int32_t /*lTimeout*/) override { return !mWaiting.empty(); }
+    void HoldBreak(bool /*bOn*/) override {}
     void Write(std::string_view sBytes) override;
     void SetTransferKind(std::int16_t /*iKind*/) override {}
     void SetBinaryProtocol(std::int16_t /*iProtocol*/) override {}
