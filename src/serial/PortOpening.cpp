@@ -105,7 +105,8 @@ void PDQComm::Apply(const LineSettings& settings) {
 }
 
 void PDQComm::Lose(const IoResult& reason) {
-    mLastFailure = FailureFor(reason);
+    mLastLoss = FailureFor(reason);
+    mLastFailure = mLastLoss;
     Trace(TraceKind::Event, std::string(LostLineEvent) + mLastFailure->description);
     if (mTransfer) mTransfer->Break(mLastFailure->description);
     Close();

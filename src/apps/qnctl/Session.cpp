@@ -142,8 +142,11 @@ void Session::Disconnect() {
 }
 
 std::optional<Outcome> Session::PortFailure() const {
-    if (!mAssembly || !mAssembly->Serial().LastFailure()) return std::nullopt;
-    const auto& failure = mAssembly->Serial().LastFailure();
+    if (!mAssembly) return std::nullopt;
+    // A device that comes back, or goes slowly, is open again before what lost it has ended.
+    const auto& now = Serial().LastFailure();
+    const auto& failure = now ? now : Serial().LastLoss();
+    if (!failure) return std::nullopt;
     return Outcome{ExitStatus::PortUnavailable, failure->number, "PDQComm", failure->description};
 }
 

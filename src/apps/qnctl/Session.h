@@ -76,7 +76,7 @@ class Session {
     /// How a search that found nothing is reported: cancelled, no printer, or the port's failure.
     Outcome NotFound();
     /// How an operation that raised an error is reported: by the port's failure where the device
-    /// went away under it.
+    /// went away under it, even if it is open again.
     Outcome Failed(const qncomm::QNError& error) const;
 
     /// Asks the user; True for yes.

@@ -159,6 +159,10 @@ TEST_F(TcpTest, AnOrderlyEndOfTheOtherSideIsALoss) {
     EXPECT_FALSE(mPort.PortOpen());
     ASSERT_TRUE(mPort.LastFailure());
     EXPECT_THAT(mPort.LastFailure()->description, HasSubstr("the other side closed"));
+    mPort.SetPortOpen(true);
+    EXPECT_FALSE(mPort.LastFailure());
+    ASSERT_TRUE(mPort.LastLoss()) << "open again, and lost before all the same";
+    EXPECT_THAT(mPort.LastLoss()->description, HasSubstr("the other side closed"));
 }
 
 } // namespace

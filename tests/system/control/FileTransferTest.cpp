@@ -96,13 +96,14 @@ TEST_P(FileTransfers, ProgressIsToldAndACancelEndsBothSides) {
             messages.push_back(text);
             progress.push_back(percent);
             cancel = percent >= stopAt;
-            if (percent > 0 && percent < 100) typed += mAssembly->Viewport().Type("x");
+            if (percent == 0) typed += mAssembly->Viewport().Type("x");
         });
     const std::string sent = mFolder.Write("DATA.BIN", mContent);
     StartPrinter("\"R\"");
     Control().BinaryUpload(sent, GetParam().protocol);
     EXPECT_THAT(messages, Contains("Uploading DATA.BIN"));
     EXPECT_EQ(progress.back(), -1);
+    EXPECT_THAT(progress, Contains(0)); // where it tried to type
     EXPECT_THAT(progress, Contains(100));
     EXPECT_EQ(typed, 0U) << "the line is the transfer's";
     mReactor.Pass(1000);

@@ -99,6 +99,9 @@ class PDQComm final : public SerialControl {
     /// Why the last opening failed, or why the open port went away; nothing after an opening that
     /// went well. It stays readable after the link has dropped the error.
     const std::optional<PortFailure>& LastFailure() const { return mLastFailure; }
+    /// How an open port was lost the last time, also after it was opened again; empty when none
+    /// was.
+    const std::optional<PortFailure>& LastLoss() const { return mLastLoss; }
 
     /// Such as "COM3 (/dev/ttyUSB0)".
     std::string PortName() const;
@@ -204,6 +207,7 @@ class PDQComm final : public SerialControl {
     LineErrors mLineErrors;  ///< that are still to be reported
     bool mLossWaits = false; ///< the loss of the port is still to be reported
     std::optional<PortFailure> mLastFailure;
+    std::optional<PortFailure> mLastLoss;
 };
 
 } // namespace qncomm
