@@ -88,7 +88,7 @@ class WatchedPort final : public qncomm::TraceSink {
 
     Outcome Run() {
         mSerial.SetPortOpen(true);
-        const Outcome end = Watch();
+        Outcome end = Watch();
         mRows.Flush();
         std::cout.flush();
         return end;

@@ -3,7 +3,7 @@
 namespace qncomm::testing {
 
 IoCount EchoChannel::Write(std::string_view bytes) {
-    const IoCount taken = ScriptedChannel::Write(bytes);
+    IoCount taken = ScriptedChannel::Write(bytes);
     Arrive(bytes.substr(0, taken.count));
     return taken;
 }
