@@ -23,7 +23,7 @@ class Conversation {
                 const std::size_t taken = std::min<std::uint64_t>(mPayload, bytes.size());
                 mPayload -= taken;
                 bytes.remove_prefix(taken);
-                if (mPayload == 0) answer += "\r\nOk\r\n";
+                if (mPayload == 0) answer += "Ok\r\n";
                 continue;
             }
             const char c = bytes.front();
@@ -40,7 +40,7 @@ class Conversation {
     std::string Answer(const std::string& line) {
         if (line.find(" LOAD ") != std::string::npos) {
             mPayload = std::stoull(line.substr(line.find(',') + 1));
-            return mPayload == 0 ? "\r\nOk\r\n" : "";
+            return line + "\r\n" + (mPayload == 0 ? "Ok\r\n" : "");
         }
         std::string body;
         if (line.starts_with("PRINT SYSVAR")) body = "-1\r\n2\r\n";
