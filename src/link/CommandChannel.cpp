@@ -75,35 +75,51 @@ PrinterError ParsePrinterError(std::string_view line) {
 } // namespace
 
 void clsDataLink::OutputText(std::string& sText, bool bWaitForEcho) {
-    SentPrefix sent(sText);
-    StopWatch watch(mState->host.loop);
-    const auto requireOpen = [this] {
-        if (!mState->Serial().PortOpen()) mState->Fail(ErrPortNotOpen, OutputSource);
-    };
-    const auto wait = [&](std::int32_t limit) {
-        const std::int32_t left = watch.UntilExceeds(limit);
-        if (left == 0) mState->Fail(ErrOutputTimeout, OutputSource);
-        mState->Yield(left);
-        requireOpen();
-    };
-    requireOpen();
-    while (!sent.Left().empty()) {
-        const std::int32_t space =
-            mState->Serial().TransmitBufferSize() - mState->Serial().TransmitCount();
-        if (space > 0) {
-            const std::string_view piece = sent.Left().substr(0, static_cast<std::size_t>(space));
-            mState->Serial().Write(piece);
-            mState->echo.Sent(piece);
-            sent.Advance(piece.size());
-            watch.Restart();
-        } else {
-            wait(SendTimeout);
-        }
-    }
-    watch.Restart();
+    mState->Queue(sText);
+    const StopWatch watch(mState->host.loop);
     while (mState->Serial().TransmitCount() > 0)
-        wait(DrainTimeout);
+        mState->AwaitOutput(watch, DrainTimeout);
     if (bWaitForEcho) mState->WaitForEcho();
+}
+
+void LinkState::Queue(std::string& text) {
+    SentPrefix sent(text);
+    StopWatch watch(host.loop);
+    RequireWritable();
+    while (!sent.Left().empty()) {
+        const std::int32_t space = Serial().TransmitBufferSize() - Serial().TransmitCount();
+        if (space <= 0) {
+            AwaitOutput(watch, SendTimeout);
+            continue;
+        }
+        const std::string_view piece = sent.Left().substr(0, static_cast<std::size_t>(space));
+        Serial().Write(piece);
+        echo.Sent(piece);
+        sent.Advance(piece.size());
+        watch.Restart();
+    }
+}
+
+void LinkState::OutputPart(std::string_view text) {
+    std::string part(text);
+    Queue(part);
+    StopWatch watch(host.loop);
+    for (std::int32_t waiting = Serial().TransmitCount(); waiting > 0;) {
+        AwaitOutput(watch, SendTimeout);
+        if (Serial().TransmitCount() < std::exchange(waiting, Serial().TransmitCount()))
+            watch.Restart();
+    }
+}
+
+void LinkState::AwaitOutput(const StopWatch& watch, std::int32_t limit) {
+    const std::int32_t left = watch.UntilExceeds(limit);
+    if (left == 0) Fail(ErrOutputTimeout, OutputSource);
+    Yield(left);
+    RequireWritable();
+}
+
+void LinkState::RequireWritable() {
+    if (!Serial().PortOpen()) Fail(ErrPortNotOpen, OutputSource);
 }
 
 void LinkState::WaitForEcho() {

@@ -8,6 +8,7 @@
 #include "common/RuntimeErrors.h"
 #include "common/StopWatch.h"
 #include "common/Text.h"
+#include "common/Utf8.h"
 #include "common/modErrorHandling.h"
 
 #include <algorithm>
@@ -61,7 +62,7 @@ std::string DownloadCommand(const std::string& source) {
 /// What an uploaded file is called on the printer.
 std::string TargetName(const std::string& source, const std::string& destination) {
     const std::string name = destination.substr(destination.find(':') + 1);
-    return name.empty() ? FileNameOf(source) : name;
+    return name.empty() ? PrinterNameOf(source) : name;
 }
 
 /// Of a size that is not known, or of no bytes, the end alone is reported.
@@ -139,7 +140,7 @@ FileTransfer::Step FileTransfer::Follow(std::int16_t state) {
 void FileTransfer::Announced() {
     if (mJob.nameComesFromControl) {
         const bool own = mMessage == OwnMessage();
-        mJob.name = Serial().TransferFileName();
+        mJob.name = Utf8FromPrinter(Serial().TransferFileName());
         if (own) mMessage = OwnMessage();
     }
     ReportProgress();
@@ -216,9 +217,10 @@ void clsDataLink::KermitDownload(const std::string& sSource, const std::string& 
                                  std::int32_t lFileSize) {
     PortClaim claim = AcquirePort();
     if (!claim) return;
-    FileTransfer transfer(
-        *mState,
-        {.verb = DownloadVerb, .name = sSource, .target = sDestination, .size = lFileSize});
+    FileTransfer transfer(*mState, {.verb = DownloadVerb,
+                                    .name = Utf8FromPrinter(sSource),
+                                    .target = sDestination,
+                                    .size = lFileSize});
     const bool done = mState->RunKermit(std::move(claim), transfer, DownloadCommand(sSource),
                                         [&] { mState->Serial().ReceiveFile(sDestination); });
     RaiseUnless(done, ErrDownloadTimeout, DownloadFailedSource);
@@ -245,7 +247,7 @@ void clsDataLink::BinaryUpload(const std::string& sSource, std::int16_t iProtoco
     if (mState->hostCalls > 0) return;
     FileTransfer transfer(*mState, {.verb = UploadVerb,
                                     .name = FileNameOf(sSource),
-                                    .target = FileNameOf(sSource),
+                                    .target = PrinterNameOf(sSource),
                                     .nameComesFromControl = true});
     const bool done =
         mState->RunBinary(transfer, iProtocol, [&] { mState->Serial().SendFile(sSource); });

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "AwaitedEcho.h"
+#include "common/StopWatch.h"
 #include "link/clsDataLink.h"
 
 #include <cstdint>
@@ -74,6 +75,16 @@ struct LinkState {
 
     // -- CommandChannel.cpp
 
+    /// Gives the port a text as it has space for it; what it took is erased from the text. Raises
+    /// what OutputText raises when there is none for 5000 ms.
+    void Queue(std::string& text);
+    /// Sends what stands before the end of a longer text, and waits until it has left: for at most
+    /// 5000 ms without progress, as for a longer text there is to be space.
+    void OutputPart(std::string_view text);
+    /// Yields while output waits; raises 1007 when the watch exceeds limit ms.
+    void AwaitOutput(const StopWatch& watch, std::int32_t limit);
+    /// Raises 1024 when the port is closed.
+    void RequireWritable();
     void WaitForEcho();
     /// What makes up a reply beside the echo at its beginning.
     struct ReplyRule {

@@ -13,6 +13,7 @@
 
 #include <algorithm>
 #include <array>
+#include <cmath>
 #include <functional>
 #include <utility>
 
@@ -46,10 +47,13 @@ std::optional<std::string> OneOf(const std::array<std::string_view, N>& accepted
     return text;
 }
 
-void IgnoringErrors(const std::function<void()>& step) {
+/// False when the step has failed, which is then skipped.
+bool Succeeds(const std::function<void()>& step) {
     try {
         step();
-    } catch (const QNError&) { // NOLINT(bugprone-empty-catch): a step that fails is skipped
+        return true;
+    } catch (const QNError&) {
+        return false;
     }
 }
 
@@ -140,7 +144,10 @@ void clsDataLink::SetStopbits(std::string_view sValue) {
 }
 
 void clsDataLink::SetFlowcontrol(std::string_view sValue) {
-    mState->flowcontrol = ToText(ToInt32(Val(sValue)) & SW_And_HW_Flowcontrol);
+    // The remainder of a number of any size, below 0 too, is what its two low bits are.
+    constexpr double values = SW_And_HW_Flowcontrol + 1;
+    const double rest = std::fmod(std::nearbyint(Val(sValue)), values);
+    mState->flowcontrol = ToText(ToInt32(rest < 0 ? rest + values : rest));
     ApplyCommSettings();
 }
 
@@ -242,11 +249,13 @@ void LinkState::LoadCommSettings() {
          [this](const std::string& text) { link.SetDSRDetectActive(ToBoolean(text)); }},
     };
     for (const auto& [key, setter] : setters)
-        IgnoringErrors([&, &name = key, &set = setter] {
-            set(settings->ReadValue(SettingsSection, name, NotStored));
-        });
+        if (!Succeeds([&, &name = key, &set = setter] {
+                set(settings->ReadValue(SettingsSection, name, NotStored));
+            }))
+            Succeeds(
+                [&set = setter] { set(std::string(NotStored)); }); // a bad value is as good as none
     for (std::size_t i = 0; i < DefaultBaudrates.size(); ++i) {
-        IgnoringErrors([&] {
+        Succeeds([&] {
             const std::string key = "Baud" + std::to_string(i + 1);
             const std::string rate =
                 settings->ReadValue(AutoConnectSection, key, DefaultBaudrates[i]);

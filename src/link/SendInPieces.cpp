@@ -1,6 +1,6 @@
 #include "link/SendInPieces.h"
 
-#include "link/clsDataLink.h"
+#include "LinkState.h"
 
 #include <cstddef>
 #include <string>
@@ -13,11 +13,9 @@ constexpr std::size_t PieceSize = 1024;
 } // namespace
 
 void SendInPieces(clsDataLink& link, std::string_view bytes) {
-    do {
-        const std::string_view piece = bytes.substr(0, PieceSize);
-        link.OutputText(std::string(piece));
-        bytes.remove_prefix(piece.size());
-    } while (!bytes.empty());
+    for (; bytes.size() > PieceSize; bytes.remove_prefix(PieceSize))
+        link.State().OutputPart(bytes.substr(0, PieceSize));
+    link.OutputText(std::string(bytes));
 }
 
 } // namespace qncomm

@@ -3,6 +3,7 @@
 #include "Exchange.h"
 #include "common/Numbers.h"
 #include "common/Text.h"
+#include "common/Utf8.h"
 #include "common/modErrorHandling.h"
 #include "printer/StorageDevices.h"
 
@@ -19,7 +20,7 @@ constexpr std::string_view PcxVersions = "\5\3";
 
 /// The name under which the printer keeps an image.
 std::string ImageName(std::string_view path) {
-    return FileNameOf(UpperCase(path));
+    return UpperCase(PrinterNameOf(path));
 }
 
 } // namespace

@@ -4,7 +4,9 @@
 #include "common/QNError.h"
 #include "common/Text.h"
 
+#include <algorithm>
 #include <cstddef>
+#include <limits>
 
 namespace qncomm {
 namespace {
@@ -26,6 +28,12 @@ std::optional<std::int32_t> SizeOf(std::string_view field) {
     } catch (const QNError&) {
         return std::nullopt;
     }
+}
+
+/// A count of bytes; one beyond 32 bits, as a large card has it, is the largest of them.
+std::int32_t CountOf(std::string_view text) {
+    constexpr std::numeric_limits<std::int32_t> whole;
+    return ToInt32(std::clamp<double>(Val(Trim(text)), whole.min(), whole.max()));
 }
 
 } // namespace
@@ -53,11 +61,11 @@ ByteCounts ParseByteCounts(std::string_view sLine) {
     const std::string line = UpperCase(sLine);
     ByteCounts counts;
     const std::size_t free = line.find("BYTES FREE");
-    if (free != std::string::npos) counts.free = ToInt32(Val(Trim(line.substr(0, free))));
+    if (free != std::string::npos) counts.free = CountOf(std::string_view(line).substr(0, free));
     const std::size_t blank = line.find(' ', line.find("FREE"));
     const std::size_t used = line.find("BYTES USED");
     if (blank < used && used != std::string::npos)
-        counts.used = ToInt32(Val(Trim(line.substr(blank, used - blank))));
+        counts.used = CountOf(std::string_view(line).substr(blank, used - blank));
     return counts;
 }
 

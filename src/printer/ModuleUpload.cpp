@@ -4,6 +4,7 @@
 #include "common/Numbers.h"
 #include "common/QNError.h"
 #include "common/Text.h"
+#include "common/Utf8.h"
 #include "common/modErrorHandling.h"
 #include "printer/ModuleReply.h"
 
@@ -61,7 +62,7 @@ std::shared_ptr<ModuleErrors> clsQuorin::ModuleUpload(const std::string& sSource
     if (sTargetPath.empty() && sSourcePath.empty())
         RaiseError(ErrModuleName, "clsQuorin,DownloadQNModule");
     if (sModuleText.empty()) sModuleText = ModuleText(mFiles, sSourcePath);
-    if (sTargetPath.empty()) sTargetPath = FileNameOf(sSourcePath);
+    if (sTargetPath.empty()) sTargetPath = PrinterNameOf(sSourcePath);
     sTargetPath = OnWorkDevice(sTargetPath);
     try {
         Kill(sTargetPath);

@@ -4,6 +4,7 @@
 #include "Exchange.h"
 #include "common/Numbers.h"
 #include "common/Text.h"
+#include "common/Utf8.h"
 #include "common/modErrorHandling.h"
 
 namespace qncomm {
@@ -79,7 +80,7 @@ void clsQuorin::Fileload(const std::string& sFileName, std::string_view /*sDevic
 void clsQuorin::SendFile(std::string_view command, const std::string& path,
                          std::string_view options) {
     const std::unique_ptr<HostFile> file = mFiles.Open(path);
-    Send(std::string(command) + Quoted(FileNameOf(UpperCase(path))) + ","
+    Send(std::string(command) + Quoted(UpperCase(PrinterNameOf(path))) + ","
          + std::to_string(file->Length()) + std::string(options) + "\r");
     const ChunkSender sender(
         [this](std::string_view bytes) { Send(bytes); },

@@ -4,6 +4,7 @@
 #include "Exchange.h"
 #include "common/QNError.h"
 #include "common/Text.h"
+#include "common/Utf8.h"
 #include "common/modErrorHandling.h"
 
 namespace qncomm {
@@ -35,7 +36,7 @@ void clsQuorin::KermitUpload(const std::string& sSource, const std::string& sDes
 void clsQuorin::ReplaceByKermit(const std::string& source, const std::string& destination) {
     const std::string current = LowerCase(GetCurrentDevice());
     try {
-        Kill(destination.empty() ? FileNameOf(source) : destination);
+        Kill(destination.empty() ? PrinterNameOf(source) : destination);
     } catch (const QNError&) { // NOLINT(bugprone-empty-catch): there need be no old file
     }
     try {

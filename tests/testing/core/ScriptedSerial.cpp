@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <cmath>
 
 namespace qncomm::testing {
 
@@ -102,8 +103,8 @@ std::int32_t ScriptedSerial::ReceiveCount() const {
 
 std::int32_t ScriptedSerial::TransmitCount() const {
     if (!mDrainPerMs) return 0;
-    const std::int64_t drained = (mLoop.NowMs() - mDrainedAt) * *mDrainPerMs;
-    return static_cast<std::int32_t>(std::max<std::int64_t>(0, mQueued - drained));
+    const double drained = static_cast<double>(mLoop.NowMs() - mDrainedAt) * *mDrainPerMs;
+    return static_cast<std::int32_t>(std::max(0.0, mQueued - std::floor(drained)));
 }
 
 void ScriptedSerial::FlushReceive() {

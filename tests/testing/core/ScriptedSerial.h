@@ -42,7 +42,7 @@ class ScriptedSerial : public SerialControl, private ManualLoop::Source {
     bool mFunctional = true;
     bool mDsr = true;
     /// Bytes that leave the transmit queue per ms; nothing leaves at 0; all at once when not set.
-    std::optional<std::int32_t> mDrainPerMs;
+    std::optional<double> mDrainPerMs;
     /// Called before the port opens; may raise.
     std::function<void()> mOnOpen;
     /// Called with each beginning and end of a break; may raise.

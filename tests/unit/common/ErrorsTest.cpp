@@ -83,6 +83,14 @@ TEST(Errors, RuntimeDescriptionsExistForEveryNumberTheSystemRaises) {
         EXPECT_NE(RuntimeErrorText(number), RuntimeErrorText(-1)) << number;
 }
 
+TEST(Errors, RuntimeDescriptionsExistForWhatAHostMayRaiseInAHandler) {
+    for (const int number :
+         {20, 35, 47, 48, 49, 92, 93, 97, 298, 321, 380, 381, 424, 429, 448, 481})
+        EXPECT_NE(RuntimeErrorText(number), RuntimeErrorText(-1)) << number;
+    EXPECT_EQ(RuntimeErrorText(380), "Invalid property value");
+    EXPECT_EQ(RuntimeErrorText(424), "Object required");
+}
+
 TEST(Errors, PrinterErrorsLieAbove60000) {
     const QNError error =
         Raised([] { RaisePrinterError(1022, "clsDatalink:GetPrinterError", "as it is "); });

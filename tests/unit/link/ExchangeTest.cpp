@@ -1,4 +1,5 @@
 #include "LinkFixture.h"
+#include "link/SendInPieces.h"
 
 namespace qncomm::testing {
 namespace {
@@ -64,6 +65,22 @@ TEST_F(Exchange, ALineThatDoesNotDrainTimesOutAfterTenSeconds) {
     EXPECT_EQ(mLoop.NowMs() - start, 10'001);
     EXPECT_EQ(text, "");
     EXPECT_EQ(mLink.UseCount(), 0);
+}
+
+TEST_F(Exchange, ABlockedLineEndsALongTextAfterFiveSecondsInPiecesToo) {
+    mSerial.mDrainPerMs = 0;
+    mSerial.Expect(std::string(1024, 'x'));
+    const std::int64_t start = mLoop.NowMs();
+    EXPECT_RAISED_FROM(SendInPieces(mLink, std::string(3000, 'x')), "1007 Datalink:OutputText");
+    EXPECT_EQ(mLoop.NowMs() - start, 5001);
+    EXPECT_EQ(mLink.UseCount(), 0);
+}
+
+TEST_F(Exchange, ASlowLineTakesALongTextForAsLongAsItMoves) {
+    mSerial.mDrainPerMs = 0.05; // 20 s for a piece
+    mSerial.Expect(std::string(1024, 'x')).Expect("y");
+    SendInPieces(mLink, std::string(1024, 'x') + "y");
+    EXPECT_TRUE(mSerial.ScriptDone());
 }
 
 TEST_F(Exchange, AClosedPortRaises1024AndReleases) {

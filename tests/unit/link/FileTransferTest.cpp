@@ -69,6 +69,15 @@ TEST_F(FileTransfer, WithoutADestinationTheHostFilesNameTravels) {
     EXPECT_EQ(mSerial.mTransferName, "label.prg");
 }
 
+TEST_F(FileTransfer, AHostNameTravelsInThePrintersCharacterSetAndIsToldInUtf8) {
+    Expect("TRANSFER K \"R\"");
+    GoesWell(1000, {});
+    mLink.KermitUpload(mFolder.Write("gr\u00F6\u00DFe.prg", "10 PRINT 1"), "");
+    EXPECT_EQ(mSerial.mTransferName, "gr\xF6\xDF"
+                                     "e.prg");
+    EXPECT_THAT(mMessages, Contains("Uploading gr\u00F6\u00DFe.prg 0"));
+}
+
 TEST_F(FileTransfer, KermitUploadOfAMissingFileSendsNothing) {
     EXPECT_RAISED_FROM(mLink.KermitUpload("/no/such/file", "ram:X"), "1011 clsDataLink,Upload");
     EXPECT_EQ(mSerial.mSent, "");

@@ -57,6 +57,7 @@ TEST_F(PortSettings, LetsNormaliseTheirText) {
         stop("", "2"),           stop("0", "2"),           stop("Nada", "2"),
         flow("5", "1"),          flow("1.5", "2"),         flow("2.5", "2"),
         flow("-1", "3"),         flow("Nada", "0"),        flow("3", "3"),
+        flow("4294967299", "3"), flow("-9E9", "0"),        flow("1E300", "0"),
     };
     for (const Case& c : cases) {
         (mLink.*c.let)(c.given);
@@ -164,6 +165,26 @@ TEST_F(PortSettings, OneBadStoredValueDoesNotStopTheRest) {
     EXPECT_EQ(mLink.SettingsText(), "19200,E,8,2");
     EXPECT_EQ(mLink.Flowcontrol(), "2");
     EXPECT_FALSE(mLink.DSRDetectActive());
+}
+
+TEST_F(PortSettings, ABadStoredValueIsAsGoodAsNone) {
+    auto store = std::make_shared<MemorySettings>();
+    for (const auto& [key, value] : {std::pair{"Commport", "99999"},
+                                     {"Baudrate", "7200"},
+                                     {"Parity", "x"},
+                                     {"Databits", "9"},
+                                     {"Stopbits", "9"},
+                                     {"Flowcontrol", "1E999"}})
+        store->WriteValue("Settings", key, value);
+    clsDataLink link(LinkHost{mLoop, mDesktop, mDialogs, SystemFiles()});
+    link.SetSerialPort(&mSerial);
+    link.SetRegSettings(store);
+    EXPECT_EQ(link.SettingsText(), "19200,N,8,2");
+    EXPECT_EQ(link.Commport(), "1") << "the first valid port";
+    EXPECT_EQ(link.Flowcontrol(), "0");
+    link.SaveCommSettings();
+    EXPECT_EQ(store->ReadValue("Settings", "Stopbits", {}), "2");
+    link.TearDown();
 }
 
 TEST_F(PortSettings, LoadingTwiceKeepsSevenRatesInTheirFirstOrder) {

@@ -96,6 +96,19 @@ TEST_F(Images, ARemovalSendsTheNameAsItWasGiven) {
     EXPECT_TRUE(Device("images:").Dirty);
 }
 
+TEST_F(Images, AHostNameTravelsInThePrintersCharacterSetAndIsRemovedByIt) {
+    const std::string name = "GR\xF6\xDF"
+                             "E.PCX";
+    KnowImages({});
+    mSerial.Handshake();
+    ScriptLoad("IMAGE LOAD \"" + name + "\",8,\"\"");
+    mQuorin.InstallImage(mFolder.Write("gr\u00F6\u00DFe.pcx", Pcx));
+    ScriptListing({name + "  8"});
+    Script("REMOVE IMAGE \"" + name + "\"");
+    mQuorin.RemoveImage(name);
+    EXPECT_TRUE(mSerial.ScriptDone());
+}
+
 TEST_F(Images, ARemovalOfAnUnknownNameSendsNothing) {
     KnowImages({"LOGO.PCX  120"});
     mQuorin.RemoveImage("OTHER.PCX");

@@ -78,8 +78,8 @@ class clsDataLink {
 
     /// The store of the settings; null when there is none. Shared with its other users.
     const std::shared_ptr<qncomm::RegSettings>& RegSettings() const;
-    /// Loads the settings from the store at once; a stored value that is not accepted is skipped.
-    /// A null store keeps the settings, which then cannot be saved.
+    /// Loads the settings from the store at once; of a stored value that is not accepted the
+    /// default is taken. A null store keeps the settings, which then cannot be saved.
     void SetRegSettings(std::shared_ptr<qncomm::RegSettings> settings);
 
     /// Closes the port without an event, takes the link off the serial control and its events and
@@ -110,7 +110,7 @@ class clsDataLink {
     void SetStopbits(std::string_view sValue);
     /// "0" to "3": an enumFlowControl.
     const std::string& Flowcontrol() const;
-    /// Takes the two low bits of any number. Raises 6 for one beyond 32 bits.
+    /// Takes the two low bits of any number. Raises 6 for one that leaves a double.
     void SetFlowcontrol(std::string_view sValue);
     /// The port number, such as "1".
     const std::string& Commport() const;

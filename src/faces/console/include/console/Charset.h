@@ -1,20 +1,11 @@
 #pragma once
 
-#include <optional>
+#include "common/Utf8.h"
+
 #include <string>
 #include <string_view>
 
 namespace qncomm {
-
-// The printer speaks Windows-1252; a console speaks UTF-8. The five bytes that Windows-1252 leaves
-// undefined stand for the control characters of the same number, so every byte survives the way
-// there and back.
-
-/// Bytes of the printer as UTF-8.
-std::string Utf8FromPrinter(std::string_view sBytes);
-
-/// UTF-8 as bytes of the printer; nothing when a character has no byte or the text is no UTF-8.
-std::optional<std::string> PrinterFromUtf8(std::string_view sText);
 
 /// A text of unknown origin for a UTF-8 console: kept when it is UTF-8, else taken as the
 /// printer's.
