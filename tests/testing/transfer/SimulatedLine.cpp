@@ -56,6 +56,10 @@ bool SimulatedLine::Chance(double probability) {
 
 std::string SimulatedLine::Damage(std::string_view bytes, Time now) {
     const LineFaults& faults = mSettings.faults;
+    if (faults == LineFaults{} && !mSettings.sevenBits) { // nothing to decide for each byte
+        mCarried += bytes.size();
+        return std::string(bytes);
+    }
     std::string out;
     for (const char c : bytes) {
         if (++mCarried > faults.cutAfter || Chance(faults.drop)) continue;

@@ -20,6 +20,8 @@ struct LineFaults {
     Time stallFor{std::chrono::seconds(2)};
     std::uint64_t flipAt = 0;       ///< this byte alone, counted from 1; 0: none
     std::uint64_t cutAfter = ~0ULL; ///< bytes, then nothing arrives any more
+
+    bool operator==(const LineFaults&) const = default;
 };
 
 struct LineSettings {
