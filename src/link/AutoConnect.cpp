@@ -3,10 +3,13 @@
 #include "AutoConnectSearch.h"
 #include "ExclusiveMark.h"
 #include "LinkState.h"
+#include "SearchAnswer.h"
 #include "common/Numbers.h"
 #include "common/Text.h"
 
+#include <algorithm>
 #include <array>
+#include <limits>
 #include <utility>
 
 namespace qncomm {
@@ -19,7 +22,9 @@ constexpr std::int32_t ProbeSilence = 50;
 constexpr std::int32_t SetupDrain = 100;
 constexpr std::int32_t SetupSilence = 200;
 constexpr std::int32_t LongestAnswer = 3000; ///< a device that never stops talking is no printer
+constexpr std::int32_t NoLonger = -1;        ///< a limit that is over
 
+constexpr std::string_view ProbedWord = "HELLO";
 constexpr std::string_view Probe = "\x11\rIMMEDIATE ON:SYSVAR(18)=-1:PRINT\"HELLO\"\r";
 constexpr std::array<std::int16_t, 3> Channels = {1, 2, 3};
 constexpr std::int16_t ProgressStep = 3;
@@ -142,7 +147,7 @@ AutoConnectSearch::Outcome AutoConnectSearch::TryCombination(const std::string& 
     Flush();
     Serial().Write(Probe);
     WaitForDrain(ProbeDrain);
-    if (CollectAnswer("HELLO").complete) {
+    if (CollectProbe(rate)) {
         mRate = rate;
         mFormat = format;
         return Outcome::Answered;
@@ -207,7 +212,7 @@ void AutoConnectSearch::MoveToFront(Collection<std::string>& collection, const s
         collection.AddBefore(1, item, item);
 }
 
-std::string AutoConnectSearch::Collect(std::int32_t silence, const Judge& needsMore) {
+std::string AutoConnectSearch::Collect(std::int32_t silence, const Judge& limitOf) {
     std::string text;
     const StopWatch whole(mState.host.loop);
     StopWatch watch(mState.host.loop);
@@ -217,30 +222,40 @@ std::string AutoConnectSearch::Collect(std::int32_t silence, const Judge& needsM
             text += NormalizeLineEnds(Strip8thBit(chunk));
             watch.Restart();
         }
-        const std::int32_t left = watch.UntilExceeds(silence);
-        if (left == 0 || !needsMore(text, whole.ElapsedMs())) return text;
+        const std::int32_t left =
+            std::min(watch.UntilExceeds(silence), whole.UntilExceeds(limitOf(text)));
+        if (left == 0) return text;
         mState.Yield(left);
     }
 }
 
+bool AutoConnectSearch::CollectProbe(const std::string& rate) {
+    SearchAnswer answer(Probe, ProbedWord, Val(rate));
+    Collect(ProbeSilence, [&](const std::string& text) {
+        answer.Take(text);
+        return answer.Complete() ? NoLonger : answer.LimitMs();
+    });
+    return answer.Complete();
+}
+
 AutoConnectSearch::Reply AutoConnectSearch::CollectAnswer(std::string_view marker) {
     Reply reply;
-    reply.text = Collect(ProbeSilence, [&](const std::string& text, std::int32_t elapsed) {
+    reply.text = Collect(ProbeSilence, [&](const std::string& text) {
         reply.complete = HasThen(text, marker, "Ok\r\n");
-        return !reply.complete && elapsed <= LongestAnswer;
+        return reply.complete ? NoLonger : LongestAnswer;
     });
     return reply;
 }
 
 std::string AutoConnectSearch::CollectSetup(const std::string& command) {
-    return Collect(SetupSilence, [&](const std::string& text, std::int32_t elapsed) {
+    return Collect(SetupSilence, [&](const std::string& text) {
         switch (ProgressOfSetup(text, command, mState.link.Stdio())) {
         case SetupProgress::NotBegun:
-            return elapsed <= LongestAnswer;
+            return LongestAnswer;
         case SetupProgress::Listing:
-            return true; // however long it is, on however slow a line
+            return std::numeric_limits<std::int32_t>::max(); // however slow the line
         default:
-            return false;
+            return NoLonger;
         }
     });
 }

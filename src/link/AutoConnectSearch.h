@@ -47,10 +47,12 @@ class AutoConnectSearch {
     void Learn(const SetupReply& setup);
     static void MoveToFront(Collection<std::string>& collection, const std::string& item);
 
-    /// Takes what has come, as the search reads it; whether it is to be read on.
-    using Judge = std::function<bool(const std::string& text, std::int32_t elapsed)>;
-    /// Reads until nothing came for silence ms or what has come needs no more.
-    std::string Collect(std::int32_t silence, const Judge& needsMore);
+    /// Takes what has come, as the search reads it; how many ms the reading may take in all.
+    using Judge = std::function<std::int32_t(const std::string& text)>;
+    /// Reads until nothing came for silence ms or the limit is over.
+    std::string Collect(std::int32_t silence, const Judge& limitOf);
+    /// Whether the probe is answered.
+    bool CollectProbe(const std::string& rate);
     /// Reads until the reply is complete or nothing came for silence ms.
     Reply CollectAnswer(std::string_view marker);
     std::string CollectSetup(const std::string& command);

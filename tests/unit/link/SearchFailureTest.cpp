@@ -190,6 +190,64 @@ TEST_F(SearchFailure, ADeviceThatNeverStopsTalkingDoesNotHangTheSearch) {
     EXPECT_EQ(mMessages.back(), "No Printer found 100");
 }
 
+/// What a line carries without end: so many ms between pieces of it.
+struct Chatter {
+    const char* name;
+    const char* piece;
+    std::int32_t everyMs;
+};
+
+class TalkingLine : public SearchFailure, public ::testing::WithParamInterface<Chatter> {};
+
+TEST_P(TalkingLine, NoCombinationLastsLongerThanItsStatedWaits) {
+    constexpr std::int32_t minute = 60'000;
+    for (std::int32_t at = 0; at < minute; at += GetParam().everyMs)
+        mSerial.Arrive(GetParam().piece, at);
+    mSettingsThatWork = "";
+    std::vector<std::int64_t> times;
+    mOnStatus = [&](const std::string& text, bool&) {
+        if (text.starts_with("Searching") || text.starts_with("No Printer"))
+            times.push_back(mLoop.NowMs());
+    };
+    EXPECT_FALSE(mLink.AutoConnect(1));
+    ASSERT_EQ(times.size(), 29U);
+    for (std::size_t i = 1; i < times.size(); ++i)
+        EXPECT_LE(times[i] - times[i - 1], 51) << mMessages[i];
+}
+
+INSTANTIATE_TEST_SUITE_P(Lines, TalkingLine,
+                         ::testing::Values(Chatter{"AProgramThatPrints", "42\r\n", 5},
+                                           Chatter{"Noise", "\xFE\xF8\x80", 7},
+                                           Chatter{"EmptyLines", "\r\n", 5},
+                                           Chatter{"TheWordThatIsAskedFor", "HELLO\r\n", 20}),
+                         [](const auto& chatter) { return std::string(chatter.param.name); });
+
+TEST_F(SearchFailure, AProgramThatEchoesAndPrintsOnHasTheTimeOfAnAnswerOnTheLine) {
+    mSettingsThatWork = "";
+    mSerial.OnSend([this](std::string& sent) {
+        mSerial.Arrive(std::exchange(sent, {}) + "\nARTICLE MISSING\r\n", 5);
+    });
+    for (std::int32_t at = 0; at < 60'000; at += 20)
+        mSerial.Arrive("7", at);
+    const std::int64_t start = mLoop.NowMs();
+    EXPECT_FALSE(mLink.AutoConnect(1));
+    EXPECT_LE(mLoop.NowMs() - start, 3000 + 28 * 50 + 4 * 1200);
+}
+
+TEST_F(SearchFailure, AnAnswerBehindNoiseCounts) {
+    mSettingsThatWork = "";
+    mSerial.OnSend([this](std::string& sent) {
+        if (mSerial.PortSettings() == "9600,m,8,2") {
+            mSerial.Arrive("\xFE", 2);
+            mSerial.Arrive(sent.substr(2, 20), 30);
+            mSerial.Arrive("\xF8\nHELLO\r\nOk\r\n", 75);
+        }
+        sent.clear();
+    });
+    mLink.AutoConnect(1);
+    EXPECT_THAT(mMessages, Contains("Reading Printer Setup 3"));
+}
+
 TEST_F(SearchFailure, ALineThatFallsSilentIsWaitedFor) {
     for (int i = 0; i < 10; ++i)
         mSerial.Arrive("boot text", i * 80);
