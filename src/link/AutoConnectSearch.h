@@ -1,6 +1,7 @@
 #pragma once
 
 #include "DetachedSink.h"
+#include "KeptPort.h"
 #include "LinkState.h"
 #include "SetupReply.h"
 #include "common/Pointer.h"
@@ -67,6 +68,7 @@ class AutoConnectSearch {
     void Quietly(const std::function<void()>& step);
 
     LinkState& mState;
+    KeptPort mKept{mState}; ///< two searches at once would find nothing, each by the other's fault
     std::int16_t mPort;
     std::optional<BusyPointer> mBusy{std::in_place};
     std::string mFormerTag;

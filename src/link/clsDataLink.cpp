@@ -62,6 +62,7 @@ void clsDataLink::TearDown() {
         SerialControl& serial = *std::exchange(mState->serial, nullptr);
         serial.SetEventSink({});
         if (serial.PortOpen()) serial.SetPortOpen(false);
+        serial.KeepPort(false);
     }
     mState->useCount = 0;
     mState->terminalActive = mState->terminalHeld = false;

@@ -82,6 +82,12 @@ void PDQComm::SetPortOpen(bool bOpen) {
         Close();
 }
 
+void PDQComm::KeepPort(bool bOn) {
+    mKeepsPort = bOn;
+    for (const auto& [address, known] : mChannels)
+        known.channel->Keep(bOn);
+}
+
 bool PDQComm::ProbePort(std::int16_t iPort) {
     const PortBinding* const binding = mBindings.Find(iPort);
     if (binding == nullptr) return false;

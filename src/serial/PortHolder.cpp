@@ -4,14 +4,17 @@
 #include <cerrno>
 #include <charconv>
 #include <csignal>
+#include <cstddef>
 #include <cstring>
 #include <filesystem>
 #include <fstream>
 #include <iterator>
 #include <optional>
 #include <sstream>
+#include <sys/socket.h>
 #include <sys/stat.h>
 #include <sys/sysmacros.h>
+#include <sys/un.h>
 #include <system_error>
 #include <unistd.h>
 #include <vector>
@@ -101,6 +104,27 @@ std::optional<pid_t> LockFileProcess(const fs::path& file) {
     return binary > 0 ? std::optional(binary) : std::nullopt;
 }
 
+/// The mark of a device: a listening socket that has a name without a place in any folder.
+struct ReservedName {
+    explicit ReservedName(const struct stat& device) {
+        const std::string name = "qncomm-port-" + std::to_string(major(device.st_rdev)) + "-"
+                                 + std::to_string(minor(device.st_rdev));
+        address.sun_family = AF_UNIX;
+        name.copy(address.sun_path + 1, sizeof address.sun_path - 1);
+        size = static_cast<socklen_t>(offsetof(sockaddr_un, sun_path) + 1 + name.size());
+    }
+    const sockaddr* Address() const {
+        return reinterpret_cast<const sockaddr*>(
+            &address); // NOLINT: how the call takes any address
+    }
+    sockaddr_un address{};
+    socklen_t size = 0;
+};
+
+Fd LocalSocket() {
+    return Fd(::socket(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC | SOCK_NONBLOCK, 0));
+}
+
 bool IsAlive(pid_t process) {
     return ::kill(process, 0) == 0 || errno == EPERM;
 }
@@ -122,6 +146,30 @@ PortHolder FindPortHolder(int fd) {
 PortHolder FindPortHolder(const std::string& sPath) {
     struct stat device {};
     return ::stat(sPath.c_str(), &device) == 0 ? HolderOf(device) : PortHolder{};
+}
+
+Fd ReservePort(const std::string& sPath) {
+    struct stat device {};
+    Fd mark = LocalSocket();
+    if (!mark || ::stat(sPath.c_str(), &device) != 0) return {};
+    const ReservedName name(device);
+    if (::bind(mark.Get(), name.Address(), name.size) != 0 || ::listen(mark.Get(), SOMAXCONN) != 0)
+        return {};
+    return mark;
+}
+
+std::optional<PortHolder> FindReserver(const std::string& sPath) {
+    struct stat device {};
+    const Fd caller = LocalSocket();
+    if (!caller || ::stat(sPath.c_str(), &device) != 0) return std::nullopt;
+    const ReservedName name(device);
+    if (::connect(caller.Get(), name.Address(), name.size) != 0)
+        return errno == EAGAIN ? std::optional(PortHolder{}) : std::nullopt; // many have asked it
+    ucred owner{};
+    socklen_t size = sizeof owner;
+    if (::getsockopt(caller.Get(), SOL_SOCKET, SO_PEERCRED, &owner, &size) != 0)
+        return PortHolder{};
+    return HolderFor(owner.pid);
 }
 
 PortHolder FindLockFileOwner(const std::string& sPath, const std::string& sFolder) {

@@ -37,6 +37,7 @@ PDQComm::KnownChannel& PDQComm::ChannelFor(const PortAddress& address) {
     if (!known.channel) {
         known.channel = mFactory(address, mReactor);
         known.channel->SetHandler([this](FdEvents events) { OnChannel(events); });
+        known.channel->Keep(mKeepsPort);
     }
     return known;
 }

@@ -1,5 +1,6 @@
 #include "TtyChannel.h"
 
+#include "PortHolder.h"
 #include "TtyLine.h"
 #include "TtyProbe.h"
 #include "platform/SystemErrors.h"
@@ -50,7 +51,9 @@ TtyChannel::TtyChannel(Reactor& reactor, std::string sPath, CountErrors count)
 
 IoResult TtyChannel::Open(const LineSettings& settings) {
     Fd fd;
-    if (IoResult claimed = ClaimTty(mPath, fd); !claimed.Ok()) return claimed;
+    if (IoResult claimed = ClaimTty(mPath, fd, static_cast<bool>(mReserved)); !claimed.Ok())
+        return claimed;
+    if (mKeeps && !mReserved) mReserved = ReservePort(mPath);
     int lines = 0;
     mHasLines = ::ioctl(fd.Get(), TIOCMGET, &lines) == 0;
     ::tcgetattr(fd.Get(), &mFormer);
@@ -75,7 +78,15 @@ void TtyChannel::Close() {
 }
 
 IoResult TtyChannel::Probe() {
-    return Handle() >= 0 ? IoResult{} : ProbeTty(mPath);
+    return Handle() >= 0 ? IoResult{} : ProbeTty(mPath, static_cast<bool>(mReserved));
+}
+
+void TtyChannel::Keep(bool bOn) {
+    mKeeps = bOn;
+    if (!bOn)
+        mReserved.Reset();
+    else if (Handle() >= 0 && !mReserved)
+        mReserved = ReservePort(mPath);
 }
 
 IoResult TtyChannel::Configure(const LineSettings& settings) {

@@ -29,6 +29,7 @@ class TtyChannel final : public FdChannel {
     IoResult Open(const LineSettings& settings) override;
     void Close() override;
     IoResult Probe() override;
+    void Keep(bool bOn) override;
     IoResult Configure(const LineSettings& settings) override;
     IoResult SetBreak(bool bOn) override;
     LineErrors TakeLineErrors() override;
@@ -48,6 +49,8 @@ class TtyChannel final : public FdChannel {
     std::optional<TtyErrorCounts> mErrorCounts; ///< at the last look; nothing = it does not count
     termios mFormer{};
     bool mHasLines = false;
+    bool mKeeps = false;
+    Fd mReserved; ///< this program's mark on the device, from the first opening under Keep on
 };
 
 } // namespace qncomm

@@ -51,7 +51,9 @@ bool IsExclusive(int fd) {
 
 } // namespace
 
-IoResult ClaimTty(const std::string& sPath, Fd& fd) {
+IoResult ClaimTty(const std::string& sPath, Fd& fd, bool bReserved) {
+    if (const auto reserver = bReserved ? std::nullopt : FindReserver(sPath))
+        return Busy(*reserver, 0);
     const PortHolder owner = FindLockFileOwner(sPath);
     if (owner.process != 0) return Busy(owner, 0);
     fd.Reset(::open(sPath.c_str(), O_RDWR | O_NOCTTY | O_NONBLOCK | O_CLOEXEC));
@@ -67,9 +69,9 @@ IoResult ClaimTty(const std::string& sPath, Fd& fd) {
     return {};
 }
 
-IoResult ProbeTty(const std::string& sPath) {
+IoResult ProbeTty(const std::string& sPath, bool bReserved) {
     Fd fd;
-    return ClaimTty(sPath, fd);
+    return ClaimTty(sPath, fd, bReserved);
 }
 
 } // namespace qncomm

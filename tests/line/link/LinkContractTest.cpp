@@ -183,5 +183,23 @@ INSTANTIATE_TEST_SUITE_P(Rates, PtySearch,
                                            "2400"),
                          [](const auto& rate) { return std::string("At") + rate.param; });
 
+TEST(PtySearch, LetsNoOtherHostInBetweenItsCombinations) {
+    PollLoop loop;
+    const auto printer = PrinterOnPty("R7G?baud=19200");
+    Stack first(loop, printer->Address());
+    Stack other(loop, printer->Address());
+    int opened = 0;
+    const auto tryToOpen = [&](std::string& text, std::int16_t&, bool&) {
+        if (!text.starts_with("Searching")) return;
+        EXPECT_FALSE(first.mSerial.PortOpen()) << "the first has let it go at this moment";
+        opened += NumberRaisedBy([&] { other.mSerial.SetPortOpen(true); }) == 0 ? 1 : 0;
+        other.mSerial.SetPortOpen(false);
+    };
+    const Subscription status = first.mLink.StatusEvent.Connect(tryToOpen);
+    EXPECT_TRUE(first.mLink.AutoConnect(1));
+    EXPECT_EQ(opened, 0);
+    EXPECT_TRUE(other.mLink.AutoConnect(1)) << "when the first is over";
+}
+
 } // namespace
 } // namespace qncomm::testing

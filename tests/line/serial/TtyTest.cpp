@@ -1,5 +1,6 @@
 // What only a tty has: attributes, former settings, locks, holders.
 
+#include "PortHolder.h"
 #include "TtyLine.h"
 #include "common/QNError.h"
 #include "platform/PollLoop.h"
@@ -290,6 +291,31 @@ TEST_F(TtyTest, ASecondControlInTheSameProgramIsToldSo) {
     PDQComm second(mLoop, mPort.Bindings());
     second.SetPortOpen(true);
     EXPECT_THAT(BusyText(), HasSubstr("already open in this program"));
+}
+
+TEST_F(TtyTest, AKeptPortLetsNobodyInBetweenAClosingAndTheNextOpening) {
+    PDQComm search(mLoop, mPort.Bindings());
+    search.KeepPort(true);
+    search.SetPortOpen(true);
+    search.SetPortOpen(false);
+    EXPECT_THAT(BusyText(), HasSubstr("already open in this program"));
+    EXPECT_FALSE(mPort.ProbePort(1));
+    EXPECT_TRUE(search.ProbePort(1));
+    search.SetPortOpen(true);
+    search.SetPortOpen(false);
+    search.KeepPort(false);
+    mPort.SetPortOpen(true);
+    EXPECT_TRUE(mPort.PortOpen());
+}
+
+TEST_F(TtyTest, APortThatAnotherProcessKeepsIsBusyAndNamesIt) {
+    {
+        const OtherProcess other([this] { return ::dup(ReservePort(mPty.path).Get()) >= 0; });
+        EXPECT_THAT(BusyText(), HasSubstr(other.Text()));
+        EXPECT_FALSE(ReservePort(mPty.path));
+    }
+    mPort.SetPortOpen(true);
+    EXPECT_TRUE(mPort.PortOpen());
 }
 
 class LockFileTest : public TtyTest {

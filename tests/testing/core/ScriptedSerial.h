@@ -79,6 +79,7 @@ class ScriptedSerial : public SerialControl, private ManualLoop::Source {
     std::vector<std::string> mFlushes;
     std::string mSent;
     std::string mTerminalText;
+    bool mKeepsPort = false;
     bool HasSink() const { return static_cast<bool>(mSink); }
 
     // -- SerialControl
@@ -92,6 +93,7 @@ class ScriptedSerial : public SerialControl, private ManualLoop::Source {
     void SetHandshaking(std::int16_t iMode) override;
     bool PortOpen() const override { return mOpen; }
     void SetPortOpen(bool bOpen) override;
+    void KeepPort(bool bOn) override { mKeepsPort = bOn; }
     bool ProbePort(std::int16_t iPort) override;
     bool DSRState() const override { return mDsr; }
     std::int16_t ReceiveThreshold() const override { return mThreshold; }

@@ -25,6 +25,14 @@ TEST_F(AutoConnect, FindsThePrinterOnTheTenthCombination) {
     EXPECT_EQ(mLink.Stdio(), 1);
 }
 
+TEST_F(AutoConnect, KeepsThePortFromItsFirstOpeningToItsEnd) {
+    std::vector<bool> kept;
+    mSerial.mOnOpen = [&] { kept.push_back(mSerial.mKeepsPort); };
+    EXPECT_TRUE(mLink.AutoConnect(1));
+    EXPECT_EQ(kept, std::vector<bool>(11, true)) << "for silence, then for each combination";
+    EXPECT_FALSE(mSerial.mKeepsPort);
+}
+
 TEST_F(AutoConnect, ReportsEveryStepWithItsProgress) {
     mSettingsThatWork = "9600,n,8,2";
     EXPECT_TRUE(mLink.AutoConnect(1));

@@ -151,6 +151,7 @@ TEST_F(SearchFailure, TearDownFromAHandlerEndsTheSearch) {
     EXPECT_FALSE(mLink.AutoConnect(1));
     EXPECT_FALSE(mSerial.PortOpen());
     EXPECT_FALSE(mSerial.HasSink());
+    EXPECT_FALSE(mSerial.mKeepsPort);
 }
 
 class BadSetup : public SearchFailure, public ::testing::WithParamInterface<const char*> {};

@@ -104,6 +104,11 @@ class SerialControl {
     /// does nothing. Closing discards what has not been sent: a close never waits for the line.
     virtual void SetPortOpen(bool bOpen) = 0;
 
+    /// While it is on, a port that is closed stays reserved for this control, which opens it again:
+    /// another program of this system finds it busy. A control whose ports nobody else can take
+    /// need not do anything.
+    virtual void KeepPort(bool bOn) { static_cast<void>(bOn); }
+
     /// Whether port iPort could be opened now. Opens nothing that another holds and leaves nothing
     /// open.
     virtual bool ProbePort(std::int16_t iPort) = 0;

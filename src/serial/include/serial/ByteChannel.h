@@ -24,9 +24,9 @@ struct IoCount {
 /// any number of times. Nothing here throws, dispatches events or blocks, Open, Configure, Probe
 /// and Wait within their limits excepted. Single-threaded, like its reactor.
 ///
-/// While the channel is closed only Open, Close, Probe and SetHandler may be called; anything else
-/// is undefined. After a result Lost the line is gone for good: the caller closes the channel and
-/// may open it again.
+/// While the channel is closed only Open, Close, Probe, Keep and SetHandler may be called; anything
+/// else is undefined. After a result Lost the line is gone for good: the caller closes the channel
+/// and may open it again.
 class ByteChannel {
   public:
     virtual ~ByteChannel() = default;
@@ -46,6 +46,10 @@ class ByteChannel {
     /// Whether Open could succeed now, with the reason if not. Leaves an open channel as it is and
     /// a closed one closed. Connects where only a connection tells.
     virtual IoResult Probe() = 0;
+
+    /// While it is on, a device that is closed stays reserved for this channel, which opens it
+    /// again: other programs of this system find it busy. For channels that others could take.
+    virtual void Keep(bool bOn) { static_cast<void>(bOn); }
 
     /// Gives other settings to the open channel. After a failure the line may have the new
     /// settings in part.

@@ -56,6 +56,7 @@ class PDQComm final : public SerialControl {
     void SetHandshaking(std::int16_t iMode) override;
     bool PortOpen() const override { return mOpen != nullptr; }
     void SetPortOpen(bool bOpen) override;
+    void KeepPort(bool bOn) override;
     bool ProbePort(std::int16_t iPort) override;
     bool DSRState() const override;
     std::int16_t ReceiveThreshold() const override;
@@ -181,6 +182,7 @@ class PDQComm final : public SerialControl {
     std::unique_ptr<Alarm> mDrain; ///< wakes a waiting link when what was sent has left
     FdEvents mWanted;              ///< what the open channel was asked to report
 
+    bool mKeepsPort = false;
     std::int16_t mPortNumber = 1;
     std::string mSettingsText = "9600,N,8,1";
     LineSettings mSettings;
