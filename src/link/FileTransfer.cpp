@@ -20,8 +20,9 @@ namespace {
 
 constexpr std::int32_t FailureDelay = 1000;
 constexpr std::int32_t OkTimeout = 2000;
-constexpr std::int32_t WakeInterval = 1000; ///< states come as events; this only bounds a sleep
-constexpr std::int32_t AbortLimit = 10000;  ///< a control that does not end is left to its fate
+constexpr std::int32_t RefusalTimeout = 400; ///< a printer looks for the device and the file first
+constexpr std::int32_t WakeInterval = 1000;  ///< states come as events; this only bounds a sleep
+constexpr std::int32_t AbortLimit = 10000;   ///< a control that does not end is left to its fate
 constexpr std::int32_t SmallFile = 10240;
 constexpr std::int16_t AllDone = 100;
 constexpr std::int16_t NoProgress = -1;
@@ -98,17 +99,41 @@ FileTransfer::~FileTransfer() {
     }
 }
 
-bool FileTransfer::Run(const std::function<void()>& start) {
+bool FileTransfer::Run(const std::function<void()>& start, std::int32_t holdMs) {
+    const auto refused = [refusal = mRefusal](std::string_view heard) {
+        return IsRefusal(heard, *refusal);
+    };
+    Serial().SetTransferLook({.refused = refused, .holdMs = holdMs});
     mState.transferTarget = mJob.target;
     mState.transferState = TransferPending;
     start();
     for (;;) {
         const Step step = Follow(mState.transferState);
-        if (step == Step::Failed) mState.link.Delay(FailureDelay);
+        if (step == Step::Failed && !mRefusal->said) mState.link.Delay(FailureDelay);
         if (step != Step::GoOn) return step == Step::Over;
         mState.Yield(WakeInterval);
         if (mState.serial == nullptr) RaiseRuntimeError(RtObjectNotSet, "clsDataLink");
     }
+}
+
+/// A printer that says an error, or is back at its prompt, will not begin. Lines count when they
+/// are whole.
+bool FileTransfer::IsRefusal(std::string_view heard, Refusal& refusal) {
+    const std::string text = NormalizeLineEnds(heard);
+    const std::size_t end = text.rfind(CrLf);
+    if (end == std::string::npos) return false;
+    for (const std::string& line : SplitNonEmpty(text.substr(0, end), CrLf)) {
+        if (line.starts_with("Error")) refusal.error = ParsePrinterError(line);
+        refusal.said = refusal.error.number != 0 || line == "Ok";
+        if (refusal.said) return true;
+    }
+    return false;
+}
+
+void FileTransfer::RaiseRefusal() const {
+    const PrinterError& error = mRefusal->error;
+    if (error.number == 0) return;
+    RaisePrinterError(error.number, "clsDatalink:GetPrinterError", error.description);
 }
 
 FileTransfer::Step FileTransfer::Follow(std::int16_t state) {
@@ -188,12 +213,13 @@ bool LinkState::RunKermit(PortClaim claim, FileTransfer& transfer, const std::st
     Serial().FlushReceive();
     Serial().SetTransferKind(TransferKermit);
     if (!command.empty()) link.OutputText(std::string(command), true);
-    const bool done = transfer.Run(start);
+    const bool done = transfer.Run(start, command.empty() ? 0 : RefusalTimeout);
     transfer.Report(AllDone);
     link.WaitForOk(OkTimeout);
     transfer.Report(NoProgress);
     transfer.Abort();
     claim.Release();
+    if (!done) transfer.RaiseRefusal();
     return done;
 }
 
@@ -237,6 +263,7 @@ bool LinkState::RunBinary(FileTransfer& transfer, std::int16_t protocol,
     transfer.Report(NoProgress);
     transfer.Abort();
     Settle(); // the terminal may have been shown or hidden meanwhile
+    if (transfer.IsRefused()) inputLine = InputLine::MayHoldText; // packets were typed at a prompt
     return done;
 }
 

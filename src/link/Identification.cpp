@@ -92,6 +92,7 @@ void LinkState::GetVersion() {
 }
 
 void LinkState::Handshake() {
+    SpoilInputLine();
     link.OutputText("PRINT SYSVAR(18):PRINT SYSVAR(19):SYSVAR(18)=-1:SYSVAR(19)=2\r\n");
     AwaitReply(HandshakeTimeout, {.unechoed = EndsInTwoNumbers});
     if (outOfStep) AwaitQuiet(ResyncQuiet, ResyncLongest);

@@ -109,6 +109,13 @@ struct LinkState {
     void GetPrinterError(std::string_view line);
     void ClearReceived();
 
+    // -- InputLine.cpp
+
+    /// Makes sure that what stands in the printer's input line is not carried out, where something
+    /// may stand there: it is made a line that no printer understands, and ended. The reply to it
+    /// is nobody's.
+    void SpoilInputLine();
+
     // -- Identification.cpp, Reboot.cpp, FileTransfer.cpp
 
     void Handshake();
@@ -152,6 +159,9 @@ struct LinkState {
     /// An exchange has failed: what it asked for may still be answered, so that the next claim
     /// waits for the line to fall silent.
     bool outOfStep = false;
+    /// What is known of the line that the printer is being typed.
+    enum class InputLine { Empty, MayHoldText };
+    InputLine inputLine = InputLine::Empty;
     bool receiveOverflow = false;
     bool endedInCr = false; ///< the text delivered last ended in a CR of its own
 

@@ -41,7 +41,8 @@ void PDQComm::StartTransfer(bool sends, const std::string& path) {
                         .name = NameOf(path),
                         .sevenBits = mSettings.dataBits == 7,
                         .reliable = mOpen != nullptr && mOpen->IsReliable(),
-                        .preferences = mPreferences};
+                        .preferences = mPreferences,
+                        .look = std::exchange(mTransferLook, {})};
     mTransferStarted = false;
     mTransferReason.clear();
     mTransferLimitUs = 0;

@@ -35,7 +35,8 @@ TransferInProgress::TransferInProgress(TransferOrder order, Report report)
     : mOrder(std::move(order)),
       mReport(std::move(report)),
       mEngine(EngineFor(mOrder)),
-      mState(TransferIdle) {
+      mState(TransferIdle),
+      mLook(std::move(mOrder.look)) {
     if (mOrder.sends) {
         auto file = std::make_unique<SentFile>(mOrder.path, mOrder.preferences.resume,
                                                [this](std::uint64_t size) {
@@ -63,22 +64,48 @@ void TransferInProgress::Start(std::int64_t nowUs) {
         mBroken = true; // the file cannot be read: nothing goes to the line
         return;
     }
+    mLook.Begin(nowUs);
+    if (!mLook.Holds()) BeginProtocol(nowUs);
+}
+
+void TransferInProgress::BeginProtocol(std::int64_t nowUs) {
+    mLook.EndHold();
     mEngine->Start(TimeOf(nowUs));
+    mEngine->Receive(mLook.Heard(), TimeOf(nowUs));
     Serve(nowUs);
 }
 
+bool TransferInProgress::IsRefused(std::string_view bytes, std::int64_t nowUs) {
+    const bool opening = mLook.Holds() || mEngine->Phase() == transfer::Phase::Starting;
+    if (mBroken || !opening || !mLook.Refuses(bytes, nowUs)) return false;
+    mRefused = true;
+    Break("the other side refuses the transfer");
+    return true;
+}
+
 void TransferInProgress::Receive(std::string_view bytes, std::int64_t nowUs) {
+    const bool held = mLook.Holds();
+    if (IsRefused(bytes, nowUs)) return;
+    if (held) {
+        if (!mLook.Holds()) BeginProtocol(nowUs);
+        return; // what came is given to the protocol when that begins
+    }
     mEngine->Receive(bytes, TimeOf(nowUs));
     Serve(nowUs);
 }
 
 std::optional<std::int64_t> TransferInProgress::NextDue() const {
+    if (mLook.Holds()) return mLook.HeldUntil();
     const auto deadline = mEngine->NextDeadline();
     if (!deadline) return std::nullopt;
     return deadline->count();
 }
 
 void TransferInProgress::Tick(std::int64_t nowUs) {
+    if (mLook.Holds()) {
+        if (nowUs >= mLook.HeldUntil()) BeginProtocol(nowUs);
+        return;
+    }
     mEngine->Tick(TimeOf(nowUs));
     Serve(nowUs);
 }
@@ -96,6 +123,7 @@ void TransferInProgress::Sent(std::size_t count, std::int64_t nowUs) {
 }
 
 void TransferInProgress::Abort(std::int64_t nowUs) {
+    if (mLook.Holds() && !mBroken) BeginProtocol(nowUs); // only a protocol can tell the other side
     mEngine->Cancel(TimeOf(nowUs));
     Serve(nowUs);
 }
@@ -121,7 +149,7 @@ std::string TransferInProgress::Finish() {
     mSink.reset(); // what is not whole goes before anybody is told
     mSource.reset();
     Enter(good ? TransferIdle : TransferFailed);
-    return mEngine->TakeUnread();
+    return mRefused ? mLook.Heard() : mEngine->TakeUnread();
 }
 
 std::string TransferInProgress::WhyNot() const {

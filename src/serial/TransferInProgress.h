@@ -1,5 +1,6 @@
 #pragma once
 
+#include "OpeningLook.h"
 #include "serial/TransferPreferences.h"
 #include "transfer/TransferEngine.h"
 #include "transfer/TransferFiles.h"
@@ -22,6 +23,7 @@ struct TransferOrder {
     bool sevenBits = false;
     bool reliable = false; ///< the line damages nothing; the transfer may build on that
     TransferPreferences preferences;
+    TransferLook look; ///< at what comes before the other side's first packet
 };
 
 /// One file on its way: an engine with its host file. It has no port: bytes go in and out through
@@ -64,6 +66,8 @@ class TransferInProgress {
     const std::string& Reason() const { return mReason; }
 
   private:
+    void BeginProtocol(std::int64_t nowUs);
+    bool IsRefused(std::string_view bytes, std::int64_t nowUs);
     void Serve(std::int64_t nowUs);
     void Enter(std::int16_t state);
     void ReportProgress();
@@ -78,6 +82,8 @@ class TransferInProgress {
     std::uint64_t mReportedBytes = 0;
     std::optional<std::uint64_t> mSize;
     std::string mReason;
+    OpeningLook mLook;
+    bool mRefused = false; ///< what was heard is a refusal and no packet
     bool mBroken = false;
 };
 

@@ -7,6 +7,7 @@
 #include "TransferLines.h"
 
 #include "common/QNError.h"
+#include "common/modErrorHandling.h"
 
 #include <CLI/CLI.hpp>
 
@@ -51,7 +52,7 @@ Outcome Carry(Session& session, const TransferArguments& arguments,
     } catch (const qncomm::QNError& error) {
         if (session.Interrupted()) return Cancelled();
         const std::string& reason = session.Serial().TransferReason();
-        if (reason.empty()) throw;
+        if (reason.empty() || error.Number() > qncomm::PrinterErrorBase) throw;
         return {ExitStatus::Error, error.Number(), error.Source(),
                 error.Description() + " (" + reason + ")"};
     }

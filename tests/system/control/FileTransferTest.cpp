@@ -201,7 +201,8 @@ TEST_F(KermitFiles, AFileIsSentToAPrinterThatTheUserHasStarted) {
 
 TEST_F(KermitFiles, AFileThatIsNotThereFailsAndLeavesNone) {
     EXPECT_EQ(RaisedBy([&] { Control().KermitDownload("c:NONE", mFolder.File("none")); }),
-              "1022 QNComm, clsDataLink:KermitDownload");
+              "61022 clsDatalink:GetPrinterError");
+    EXPECT_THAT(TakeSent(), Not(HasSubstr("\1"))) << "no packet";
     EXPECT_TRUE(mFolder.IsEmpty());
     EXPECT_GT(Control().Fre(), 0);
     EXPECT_FALSE(mAssembly->Serial().PortOpen());

@@ -91,14 +91,75 @@ INSTANTIATE_TEST_SUITE_P(Lines, StackTransfer,
                                            LineOf{"Empty", "sim:R7G", 0}),
                          [](const auto& line) { return line.param.name; });
 
-TEST(StackTransferFailure, AMissingPrinterFileFailsAndLeavesNoHostFile) {
+class RefusedTransfer : public ::testing::TestWithParam<const char*> {
+  protected:
+    /// What was refused cost neither time nor the printer's program.
+    void ExpectNothingOfIt() {
+        EXPECT_LT(mReactor.NowMs() - mBegun, 2000);
+        EXPECT_EQ(mStack.mLink.UseCount(), 0);
+        EXPECT_EQ(mStack.Ask("LIST"), (std::vector<std::string>{"LIST", "Ok"}))
+            << "no packet was taken for a line of a program";
+    }
+
+    ManualReactor mReactor;
+    Stack mStack{mReactor, GetParam()};
+    const std::string mModel = mStack.mLink.ModelText(); // the printer is found
+    const std::int64_t mBegun = mReactor.NowMs();
+    ScratchFolder mFolder;
+};
+
+TEST_P(RefusedTransfer, FailsAtOnceWithThePrintersErrorWhenItIsFetched) {
+    EXPECT_RAISED_FROM(mStack.mLink.KermitDownload("c:NONE", mFolder.File("never-comes.bin")),
+                       "61022 clsDatalink:GetPrinterError");
+    EXPECT_TRUE(mFolder.IsEmpty());
+    ExpectNothingOfIt();
+}
+
+TEST_P(RefusedTransfer, FailsAtOnceWithThePrintersErrorWhenItIsSent) {
+    const std::string path = mFolder.Write("unwanted.bin", "ten bytes.");
+    EXPECT_RAISED_FROM(mStack.mLink.KermitUpload(path, "card9:X"),
+                       "61018 clsDatalink:GetPrinterError");
+    ExpectNothingOfIt();
+}
+
+INSTANTIATE_TEST_SUITE_P(Printers, RefusedTransfer,
+                         ::testing::Values("sim:R7G", "sim:R7G?late-errors=350",
+                                           "sim:R7G?answer=350:TRANSFER",
+                                           "sim:R7G?paced=on&baud=2400"));
+
+TEST(StackTransferFailure, ARefusalThatComesBehindTheFirstPacketEndsItToo) {
+    ManualReactor reactor;
+    Stack stack(reactor, "sim:R7G?late-errors=3000");
+    ScratchFolder folder;
+    const std::string path = folder.Write("unwanted.bin", "ten bytes.");
+    EXPECT_RAISED(stack.mLink.KermitUpload(path, "card9:X"), 61018);
+    EXPECT_LT(reactor.NowMs(), 10'000);
+}
+
+TEST(StackTransferFailure, ABinaryTransferToAPromptEndsAtOnce) {
     ManualReactor reactor;
     Stack stack(reactor, "sim:R7G");
-    const ScratchFolder folder;
-    EXPECT_RAISED_FROM(stack.mLink.KermitDownload("c:NONE", folder.File("never-comes.bin")),
-                       "1022 QNComm, clsDataLink:KermitDownload");
-    EXPECT_TRUE(folder.IsEmpty());
-    EXPECT_EQ(stack.mLink.UseCount(), 0);
+    ScratchFolder folder;
+    const std::string path = folder.Write("unwanted.bin", "ten bytes.");
+    stack.Ask("PRINT 1"); // finds the printer's settings
+    stack.mLink.SetTerminalActive(true);
+    const std::int64_t begun = reactor.NowMs();
+    EXPECT_RAISED(stack.mLink.BinaryUpload(path), 1023);
+    EXPECT_LT(reactor.NowMs() - begun, 2000);
+    EXPECT_EQ(stack.Ask("PRINT 1").at(1), "1") << "what the packets left is no part of a command";
+}
+
+TEST(StackTransferFailure, ACancelWhileTheFirstPacketIsHeldBackReachesThePrinter) {
+    ManualReactor reactor;
+    Stack stack(reactor, "sim:R7G");
+    ScratchFolder folder;
+    const std::string path = folder.Write("held.bin", "ten bytes.");
+    stack.Ask("PRINT 1");
+    const auto cancel =
+        reactor.StartTimer(100, [&] { stack.mSerial.SetTransferState(TransferAborting); });
+    EXPECT_RAISED(stack.mLink.KermitUpload(path, "X"), 1023);
+    EXPECT_LT(reactor.NowMs(), 6000);
+    EXPECT_EQ(stack.Ask("PRINT 1").at(1), "1");
 }
 
 /// The states that the serial control reports of a transfer that nobody else follows.

@@ -205,7 +205,9 @@ void ScriptedSerial::StartTransfer(const std::string& what) {
 
 void ScriptedSerial::ReportLater(const Reported& reported, std::int32_t delay) {
     mLoop.After(delay, [this, reported] {
-        mTransferState = reported.state;
+        const bool refused =
+            !reported.heard.empty() && mLook.refused && mLook.refused(reported.heard);
+        mTransferState = refused ? std::int16_t{TransferFailed} : reported.state;
         mTransferBytes = reported.bytes;
         if (mSink) mSink(SerialEventTransfer);
     });

@@ -61,11 +61,14 @@ class ScriptedSerial : public SerialControl, private ManualLoop::Source {
         std::int32_t delay;
         std::int16_t state;
         std::int32_t bytes = 0;
+        std::string heard{}; ///< what came instead of a packet; the transfer's look judges it
     };
     /// What the next transfer reports, from the moment a file is assigned.
     std::vector<Reported> mTransfer;
     std::int32_t mTransferSize = 0;
     std::string mTransferName;
+    /// How long the first packet of the next transfer is held back.
+    std::int32_t TransferHold() const { return mLook.holdMs; }
     /// What an abort makes the control report, when set.
     std::optional<std::int16_t> mAnswerToAbort;
     /// Called with each abort; may raise.
@@ -111,6 +114,7 @@ class ScriptedSerial : public SerialControl, private ManualLoop::Source {
     void Write(std::string_view sBytes) override;
     void SetTransferKind(std::int16_t iKind) override;
     void SetBinaryProtocol(std::int16_t iProtocol) override;
+    void SetTransferLook(TransferLook look) override { mLook = std::move(look); }
     void SendFile(const std::string& sPath) override;
     void ReceiveFile(const std::string& sPath) override;
     std::int16_t TransferState() const override { return mTransferState; }
@@ -158,6 +162,7 @@ class ScriptedSerial : public SerialControl, private ManualLoop::Source {
     std::int64_t mDrainedAt = 0;
     std::int32_t mQueued = 0;
 
+    TransferLook mLook;
     std::int16_t mTransferState = 0;
     std::int32_t mTransferBytes = 0;
     std::int16_t mPortNumber = 0;

@@ -412,6 +412,65 @@ TEST_F(FileTransfer, TearDownBeforeTheFirstPacketEndsTheWait) {
     }
 }
 
+TEST_F(FileTransfer, APrinterThatRefusesEndsItAtOnceWithItsOwnError) {
+    const std::string refusal = "Error 1018: Device not found\r\n";
+    mSerial.mTransfer = {{10, TransferStarted}, {10, TransferStarted, 0, refusal}};
+    Expect("TRANSFER K \"S\",\"card9:D\"", refusal + "Ok\r\n");
+    const std::int64_t begun = mLoop.NowMs();
+    EXPECT_RAISED_FROM(mLink.KermitDownload("card9:D", mPath), "61018 clsDatalink:GetPrinterError");
+    EXPECT_EQ(mLoop.NowMs(), begun + 400) << "when the prompt comes";
+    ExpectGivenBack();
+}
+
+// The printer was at its prompt: it complains of the packets, and what they leave in its input
+// line would be the beginning of the next command.
+TEST_F(FileTransfer, ABinaryTransferToAPromptEndsAtOnceAndItsPacketsAreNoCommand) {
+    mLink.SetTerminalActive(true);
+    mSerial.mTransfer = {{10, TransferStarted},
+                         {10, TransferStarted, 0, "**B01\r\nError 19: Syntax error\r\n"}};
+    const std::int64_t begun = mLoop.NowMs();
+    EXPECT_RAISED_FROM(mLink.BinaryDownload(mPath), "1022 QNComm, clsDataLink:KermitDownload");
+    EXPECT_EQ(mLoop.NowMs(), begun + 20);
+    mSerial.Expect(")(\r\n").Reply(")(\r\nError 19: Syntax error\r\nOk\r\n");
+    mSerial.Handshake();
+    EXPECT_TRUE(mLink.AcquirePort());
+    EXPECT_EQ(mLink.PreviousSysvar18(), 0);
+    mSerial.Handshake();
+    EXPECT_TRUE(mLink.AcquirePort()) << "once";
+}
+
+TEST_F(FileTransfer, APromptInThePlaceOfAPacketEndsItAsFailed) {
+    const std::int64_t begun = mLoop.NowMs();
+    Expect("TRANSFER K \"R\"");
+    mSerial.mTransfer = {{10, TransferStarted}, {10, TransferStarted, 0, "Ok\r\n"}};
+    EXPECT_RAISED_FROM(mLink.KermitUpload(mPath, "X"), "1023 QNComm, clsDataLink:KermitUpload");
+    EXPECT_EQ(mLoop.NowMs(), begun + 400) << "when the prompt comes";
+}
+
+TEST_F(FileTransfer, WhatIsNoWholeLineOfARefusalIsNone) {
+    for (const char* heard : {"Ok", "Okay\r\n", "Error 1018: Dev", "Errors: none\r\n", "\1+ N3"}) {
+        Expect("TRANSFER K \"R\"");
+        mSerial.mTransfer = {
+            {10, TransferStarted}, {10, TransferStarted, 0, heard}, {10, TransferIdle}};
+        EXPECT_NO_THROW(mLink.KermitUpload(mPath, "X")) << heard;
+    }
+}
+
+TEST_F(FileTransfer, OnlyATransferThatAsksThePrinterHoldsItsFirstPacketBack) {
+    mSerial.mTransfer = {{10, TransferStarted}, {10, TransferIdle}};
+    Expect("TRANSFER K \"R\"");
+    mLink.KermitUpload(mPath, "X");
+    EXPECT_EQ(mSerial.TransferHold(), 400);
+    mLink.KermitUpload(mPath, "X", true);
+    EXPECT_EQ(mSerial.TransferHold(), 0) << "the printer's side was started by hand";
+    Expect("TRANSFER K \"S\",\"X\"");
+    mLink.KermitDownload("X", mPath);
+    EXPECT_EQ(mSerial.TransferHold(), 400);
+    mLink.SetTerminalActive(true);
+    mLink.BinaryUpload(mPath);
+    EXPECT_EQ(mSerial.TransferHold(), 0);
+}
+
 TEST_F(FileTransfer, TheEndOfTheProgramAbortsTheTransfer) {
     Expect("TRANSFER K \"R\"", "");
     mSerial.mTransfer = {{10, TransferStarted}};

@@ -54,6 +54,17 @@ enum TransferStateCode : std::int16_t {
     TransferAbortRequest = 9, ///< the control asks to be told to abort
 };
 
+/// What a transfer looks for while the other side has not begun to speak its protocol.
+struct TransferLook {
+    /// Given all that has come since the transfer was started: whether it says that there will be
+    /// none. The transfer then ends as TransferFailed with no further byte sent, and what has come
+    /// can be read. Null: nothing is looked for.
+    std::function<bool(std::string_view heard)> refused;
+    /// For how many ms without a byte the first packet is held back, so that a refusal that is on
+    /// its way comes before it; 0 sends it at once.
+    std::int32_t holdMs = 0;
+};
+
 /// The serial control's own error numbers, raised as QNError with source "PDQComm".
 enum SerialErrorNumber : std::int32_t {
     SerialErrNoSuchPort =
@@ -166,6 +177,8 @@ class SerialControl {
     virtual void SetTransferKind(std::int16_t iKind) = 0;
     /// Protocol of the binary transfers, a BinaryProtocol.
     virtual void SetBinaryProtocol(std::int16_t iProtocol) = 0;
+    /// What the next transfer looks for at its beginning; without this it looks for nothing.
+    virtual void SetTransferLook(TransferLook look) = 0;
     /// Starts sending a file of this machine. A file that cannot be read, an unknown protocol and a
     /// closed port show as TransferFailed.
     virtual void SendFile(const std::string& sPath) = 0;

@@ -266,6 +266,11 @@ class clsDataLink {
     //    percent); a handler that cancels aborts the transfer. Raise 1023 (uploads) or 1022
     //    (downloads) when the transfer failed, after the port was given back. The source texts of
     //    the binary ones are those of the Kermit ones. TearDown from a handler ends them with 91.
+    //
+    //    A printer that refuses to begin, with an error or by being back at its prompt, ends the
+    //    transfer at once. The Kermit ones hold their first packet back for that, until the printer
+    //    has said nothing for 400 ms behind the echo, and raise its error as 60000 + n, source
+    //    "clsDatalink:GetPrinterError".
 
     /// Sends host file sSource by Kermit, with the command that makes the printer receive it;
     /// sDestination names it on the printer ("ram:NAME" makes that device current). With bManual

@@ -73,6 +73,7 @@ class PDQComm final : public SerialControl {
     void HoldBreak(bool bOn) override;
     void Write(std::string_view sBytes) override;
     void SetTransferKind(std::int16_t iKind) override { mTransferKind = iKind; }
+    void SetTransferLook(TransferLook look) override { mTransferLook = std::move(look); }
     void SetBinaryProtocol(std::int16_t iProtocol) override { mBinaryProtocol = iProtocol; }
     void SendFile(const std::string& sPath) override;
     void ReceiveFile(const std::string& sPath) override;
@@ -192,6 +193,7 @@ class PDQComm final : public SerialControl {
     std::shared_ptr<const EventSink> mSink;
     TerminalSink mTerminal;
     std::int16_t mTransferKind = TransferKermit;
+    TransferLook mTransferLook; ///< for the next transfer
     std::int16_t mBinaryProtocol = BinaryZModem;
     TransferPreferences mPreferences;
     std::unique_ptr<TransferInProgress> mTransfer;
