@@ -1,4 +1,4 @@
-#include "PortHolder.h"
+#include "serial/PortHolder.h"
 
 #include <algorithm>
 #include <cerrno>
@@ -24,8 +24,10 @@ namespace {
 
 namespace fs = std::filesystem;
 
-PortHolder HolderFor(pid_t process) {
-    std::ifstream stream("/proc/" + std::to_string(process) + "/comm");
+constexpr const char* Proc = "/proc";
+
+PortHolder HolderFor(pid_t process, const fs::path& proc = Proc) {
+    std::ifstream stream(proc / std::to_string(process) / "comm");
     PortHolder holder{process, {}};
     std::getline(stream, holder.name);
     return holder;
@@ -41,7 +43,7 @@ std::optional<pid_t> ProcessNumber(const std::string& text) {
 
 /// The owner of a lock on the device's node, as the kernel lists it: "… FLOCK ADVISORY WRITE PID
 /// MAJOR:MINOR:INODE 0 EOF" with the numbers of the file system that the node is on.
-std::optional<pid_t> LockOwner(const struct stat& device) {
+std::optional<pid_t> LockOwner(const struct stat& device, const fs::path& proc) {
     std::ostringstream node;
     node << std::hex;
     for (const unsigned part : {major(device.st_dev), minor(device.st_dev)}) {
@@ -50,7 +52,7 @@ std::optional<pid_t> LockOwner(const struct stat& device) {
         node << part << ':';
     }
     node << std::dec << device.st_ino;
-    std::ifstream locks("/proc/locks");
+    std::ifstream locks(proc / "locks");
     for (std::string line; std::getline(locks, line);) {
         std::istringstream stream(line);
         const std::vector<std::string> words{std::istream_iterator<std::string>(stream), {}};
@@ -60,33 +62,46 @@ std::optional<pid_t> LockOwner(const struct stat& device) {
     return std::nullopt;
 }
 
-/// Whether a process has the device open, as far as this user may see.
-bool HasOpen(const fs::path& process, const struct stat& device) {
+bool IsSameDevice(const struct stat& one, const struct stat& other) {
+    if (S_ISCHR(one.st_mode) && S_ISCHR(other.st_mode)) return one.st_rdev == other.st_rdev;
+    return one.st_dev == other.st_dev && one.st_ino == other.st_ino;
+}
+
+/// Whether a process has the device open; nothing where this user may not see that.
+std::optional<bool> HasOpen(const fs::path& process, const struct stat& device) {
     std::error_code error;
     fs::directory_iterator entry(process / "fd", error);
+    if (error == std::errc::permission_denied) return std::nullopt;
     for (; !error && entry != fs::directory_iterator(); entry.increment(error)) {
         struct stat open {};
-        if (::stat(entry->path().c_str(), &open) == 0 && S_ISCHR(open.st_mode)
-            && open.st_rdev == device.st_rdev)
-            return true;
+        if (::stat(entry->path().c_str(), &open) == 0 && IsSameDevice(open, device)) return true;
     }
     return false;
 }
 
-std::optional<pid_t> AnyUser(const struct stat& device) {
+PortUsers UsersOf(const struct stat& device, const fs::path& proc = Proc) {
+    PortUsers users;
+    const auto owner = LockOwner(device, proc);
+    if (owner && *owner != ::getpid()) {
+        users.found.push_back(HolderFor(*owner, proc));
+        users.found.back().locks = true;
+    }
     std::error_code error;
-    fs::directory_iterator entry("/proc", error);
+    fs::directory_iterator entry(proc, error);
     for (; !error && entry != fs::directory_iterator(); entry.increment(error)) {
         const auto process = ProcessNumber(entry->path().filename().string());
-        if (process && *process != ::getpid() && HasOpen(entry->path(), device)) return process;
+        if (!process || *process == ::getpid() || process == owner) continue;
+        const auto open = HasOpen(entry->path(), device);
+        if (!open) users.everyoneSeen = false;
+        if (open.value_or(false)) users.found.push_back(HolderFor(*process, proc));
     }
-    return std::nullopt;
+    return users;
 }
 
 PortHolder HolderOf(const struct stat& device) {
-    const auto owner = LockOwner(device);
-    if (owner && *owner != ::getpid()) return HolderFor(*owner);
-    if (const auto user = AnyUser(device)) return HolderFor(*user);
+    const PortUsers users = UsersOf(device);
+    if (!users.found.empty()) return users.found.front();
+    const auto owner = LockOwner(device, Proc);
     return owner ? HolderFor(*owner) : PortHolder{};
 }
 
@@ -136,6 +151,11 @@ std::string PortHolder::Text() const {
     if (process == ::getpid()) return "already open in this program";
     const std::string number = "process " + std::to_string(process);
     return name.empty() ? "held by " + number : "held by " + name + " (" + number + ")";
+}
+
+PortUsers FindPortUsers(const std::string& sPath, const std::string& sProc) {
+    struct stat device {};
+    return ::stat(sPath.c_str(), &device) == 0 ? UsersOf(device, sProc) : PortUsers{};
 }
 
 PortHolder FindPortHolder(int fd) {

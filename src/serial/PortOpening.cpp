@@ -70,11 +70,11 @@ void PDQComm::Open() {
 
 void PDQComm::TraceOpened(KnownChannel& known) const {
     if (mTrace == nullptr) return;
-    Trace(TraceKind::Event, "open " + PortName() + " " + TextOf(mSettings)
+    Trace(TraceKind::Event, std::string(OpenLineEvent) + PortName() + " " + TextOf(mSettings)
                                 + (mSettings.xonXoff ? " Xon/Xoff" : "")
                                 + (mSettings.rtsCts ? " RTS/CTS" : ""));
     if (std::exchange(known.saidNoLines, true) || known.channel->Dsr()) return;
-    Trace(TraceKind::Event, "no modem lines here: DSR reads as held");
+    Trace(TraceKind::Event, NoModemLinesEvent);
 }
 
 void PDQComm::Close() {

@@ -64,7 +64,7 @@ void PDQComm::Note(const LineErrors& errors) {
         mLineErrors.*row.kind = mSink != nullptr; // errors without a listener are dropped
     }
     if (names.empty()) return;
-    Trace(TraceKind::Event, "line errors:" + names);
+    Trace(TraceKind::Event, std::string(LineErrorsEvent) + names);
     if (mSink != nullptr) mFire->SetDue(mReactor.NowUs());
 }
 

@@ -53,20 +53,11 @@ bool HasHardware(const fs::path& entry) {
     return !fs::exists(entry / "type", error) || FirstLine(entry / "type") != "0";
 }
 
-/// USB devices tell their name some folders above the port's own.
-std::string Description(const fs::path& entry) {
-    std::error_code error;
-    fs::path folder = fs::canonical(entry / "device", error);
-    for (int level = 0; level < 4 && !error && folder.has_relative_path(); ++level) {
-        std::string product = FirstLine(folder / "product");
-        std::string maker = FirstLine(folder / "manufacturer");
-        if (!product.empty()) {
-            if (maker.empty() || product.starts_with(maker)) return product;
-            return maker.append(" ").append(product);
-        }
-        folder = folder.parent_path();
-    }
-    return {};
+/// What a USB adapter calls itself, its maker before it.
+std::string Description(const std::optional<UsbAdapter>& adapter) {
+    if (!adapter || adapter->maker.empty() || adapter->product.starts_with(adapter->maker))
+        return adapter ? adapter->product : std::string();
+    return adapter->maker + " " + adapter->product;
 }
 
 } // namespace
@@ -85,8 +76,22 @@ std::vector<SerialDevice> FindSerialDevices(const DeviceFolders& folders) {
     devices.reserve(names.size());
     for (const DeviceName& name : names)
         devices.push_back({(fs::path(folders.dev) / name.whole).string(),
-                           Description(fs::path(folders.tty) / name.whole)});
+                           Description(FindUsbAdapter(name.whole, folders))});
     return devices;
+}
+
+std::optional<UsbAdapter> FindUsbAdapter(const std::string& sName, const DeviceFolders& folders) {
+    std::error_code error;
+    fs::path folder = fs::canonical(fs::path(folders.tty) / sName / "device", error);
+    // USB devices tell about themselves some folders above the port's own.
+    for (int level = 0; level < 4 && !error && folder.has_relative_path(); ++level) {
+        UsbAdapter adapter{FirstLine(folder / "idVendor"), FirstLine(folder / "idProduct"),
+                           FirstLine(folder / "manufacturer"), FirstLine(folder / "product"),
+                           FirstLine(folder / "serial")};
+        if (!adapter.product.empty() || !adapter.vendorId.empty()) return adapter;
+        folder = folder.parent_path();
+    }
+    return std::nullopt;
 }
 
 } // namespace qncomm

@@ -1,10 +1,10 @@
 #include "TtyChannel.h"
 
-#include "PortHolder.h"
 #include "TtyLine.h"
 #include "TtyProbe.h"
 #include "platform/SystemErrors.h"
 #include "serial/ChannelKind.h"
+#include "serial/PortHolder.h"
 
 #include <cerrno>
 #include <sys/ioctl.h>

@@ -1,7 +1,7 @@
 #include "TtyProbe.h"
 
-#include "PortHolder.h"
 #include "platform/SystemErrors.h"
+#include "serial/PortHolder.h"
 
 #include <cerrno>
 #include <fcntl.h>

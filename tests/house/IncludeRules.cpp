@@ -38,6 +38,7 @@ constexpr std::array Rules{
     Rule{"trace", "trace", World::System, "platform common"},
     Rule{"serial", "serial", World::System, "link/SerialControl.h transfer trace platform common"},
     Rule{"serial/testing", "serial_testing", World::System, "serial platform"},
+    Rule{"diagnosis", "diagnosis", World::System, "link serial trace platform common"},
     Rule{"simulator", "simulator", World::System, "language transfer platform"},
     Rule{"simulator/label", "label", World::System, "platform"},
     Rule{"simulator/language", "language", World::System, "label"},
@@ -51,7 +52,8 @@ constexpr std::array Rules{
          "assembly automation terminal terminal/view control printer link dialogs common platform"},
     Rule{"faces/qt/designer", "designer", World::Toolkit, "qt"},
     Rule{"apps/qnctl", "qnctl", World::System,
-         "console trace serial assembly automation control printer link dialogs common platform"},
+         "console diagnosis trace serial assembly automation control printer link dialogs common "
+         "platform"},
     Rule{"apps/qnsim", "qnsim", World::System, "endpoints simulator trace platform"},
     Rule{"apps/qnterm", "qnterm", World::Toolkit,
          "qt trace serial assembly automation terminal terminal/view control printer link dialogs "

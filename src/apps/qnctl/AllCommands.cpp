@@ -7,9 +7,9 @@ namespace qnctl {
 CommandTable AllCommands() {
     CommandTable all;
     for (CommandTable family :
-         {PortCommands(), ConnectionCommands(), LineCommands(), WatchCommands(), FileCommands(),
-          ProgramCommands(), SetupCommands(), FontCommands(), ImageCommands(), TransferCommands(),
-          KeyCommands(), MacroCommands(), CallCommands(), TraceCommands()})
+         {PortCommands(), ConnectionCommands(), DoctorCommands(), LineCommands(), WatchCommands(),
+          FileCommands(), ProgramCommands(), SetupCommands(), FontCommands(), ImageCommands(),
+          TransferCommands(), KeyCommands(), MacroCommands(), CallCommands(), TraceCommands()})
         all.insert(all.end(), std::make_move_iterator(family.begin()),
                    std::make_move_iterator(family.end()));
     return all;

@@ -36,6 +36,7 @@ using CommandTable = std::vector<Command>;
 /// The families, each in a file of its own.
 CommandTable PortCommands();
 CommandTable ConnectionCommands();
+CommandTable DoctorCommands();
 CommandTable LineCommands();
 CommandTable WatchCommands();
 CommandTable FileCommands();

@@ -18,7 +18,8 @@ enum class ExitStatus : int {
     Cancelled = 130,     ///< Ctrl-C
 };
 
-/// How a command ended. Anything but Done is shown on the error stream.
+/// How a command ended. Anything but Done is shown on the error stream; without a message the
+/// command itself has told.
 struct Outcome {
     ExitStatus status = ExitStatus::Done;
     std::int32_t number = 0; ///< 0 when it is not one of the system's errors

@@ -57,7 +57,7 @@ ExitStatus RunProgram(int argc, char** argv) {
     const Request request = ParseCommandLine(argc, argv, table);
     const Output output(request.options.json);
     const Outcome outcome = request.ended ? *request.ended : Run(request, output);
-    if (!outcome.Ok()) output.Failure(outcome);
+    if (!outcome.Ok() && !outcome.message.empty()) output.Failure(outcome);
     return outcome.status;
 }
 

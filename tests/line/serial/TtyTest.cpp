@@ -1,10 +1,10 @@
 // What only a tty has: attributes, former settings, locks, holders.
 
-#include "PortHolder.h"
 #include "TtyLine.h"
 #include "common/QNError.h"
 #include "platform/PollLoop.h"
 #include "serial/PDQComm.h"
+#include "serial/PortHolder.h"
 #include "serial/PortListing.h"
 #include "testing/core/ScratchFolder.h"
 #include "testing/line/Endpoint.h"

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -9,6 +10,15 @@ namespace qncomm {
 struct SerialDevice {
     std::string path;        ///< /dev/ttyUSB0
     std::string description; ///< what it calls itself, such as "FT232R USB UART"; may be empty
+};
+
+/// The USB adapter behind a serial device, as it tells about itself; any text may be empty.
+struct UsbAdapter {
+    std::string vendorId;  ///< four hex digits, such as "0403"
+    std::string productId; ///< four hex digits, such as "6001"
+    std::string maker;     ///< such as "FTDI"
+    std::string product;   ///< such as "FT232R USB UART"
+    std::string serial;    ///< tells two adapters of one product apart
 };
 
 /// Where the system tells about its devices; a test gives folders of its own.
@@ -21,5 +31,10 @@ struct DeviceFolders {
 /// The serial devices of this machine that have hardware behind them, in a stable order: ttyUSB,
 /// ttyACM, ttyS and the others, each by number.
 std::vector<SerialDevice> FindSerialDevices(const DeviceFolders& folders = {});
+
+/// The USB adapter of the device of that name, such as "ttyUSB0", or nothing where none is behind
+/// it.
+std::optional<UsbAdapter> FindUsbAdapter(const std::string& sName,
+                                         const DeviceFolders& folders = {});
 
 } // namespace qncomm

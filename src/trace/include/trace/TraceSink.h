@@ -12,6 +12,17 @@ enum class TraceKind {
     Event,    ///< what happened to the port, as a text
 };
 
+/// How the text of the event begins that tells that the port was opened; its name and its settings
+/// follow, parted by blanks.
+inline constexpr std::string_view OpenLineEvent = "open ";
+
+/// How the text of the event begins that tells of line errors; their kinds follow, parted by
+/// blanks.
+inline constexpr std::string_view LineErrorsEvent = "line errors:";
+
+/// The event that tells that the open line has no modem lines.
+inline constexpr std::string_view NoModemLinesEvent = "no modem lines here: DSR reads as held";
+
 /// How the text of the event begins that tells that the open line was lost; the reason follows.
 inline constexpr std::string_view LostLineEvent = "lost: ";
 

@@ -1,0 +1,185 @@
+#include "diagnosis/LineExamination.h"
+
+#include "common/MemorySettings.h"
+#include "common/QNError.h"
+#include "common/StopWatch.h"
+
+#include <array>
+#include <utility>
+
+namespace qncomm {
+namespace {
+
+constexpr std::int32_t ListenMs = 1000;
+constexpr std::int32_t ListenShortlyMs = 300;
+constexpr std::int32_t BufferBytes = 65'536;
+/// How long bytes that do not end are listened to: enough to know them by.
+constexpr std::size_t EnoughBytes = 4096;
+
+/// Reads what is remembered, and keeps what a search learns for itself.
+class Unsaved final : public RegSettings {
+  public:
+    explicit Unsaved(std::shared_ptr<const RegSettings> store) : mStore(std::move(store)) {}
+
+    std::string ReadValue(std::string_view sSection, std::string_view sKey,
+                          std::string_view sDefault) const override {
+        return mOwn.ReadValue(sSection, sKey, mStore->ReadValue(sSection, sKey, sDefault));
+    }
+    void WriteValue(std::string_view sSection, std::string_view sKey,
+                    std::string_view sValue) override {
+        mOwn.WriteValue(sSection, sKey, sValue);
+    }
+
+  private:
+    std::shared_ptr<const RegSettings> mStore;
+    MemorySettings mOwn;
+};
+
+/// Whether the line is left alone after this was heard: what is typed would go to what speaks.
+bool IsTaken(LineTalk talk) {
+    return talk != LineTalk::Silence && talk != LineTalk::Prompt && talk != LineTalk::Boot;
+}
+
+void UseSettings(clsDataLink& link, const std::string& text) {
+    const auto settings = ParseLineSettings(text);
+    if (!settings) return;
+    link.SetBaudrate(std::to_string(settings->baud));
+    link.SetParity(std::string(1, settings->parity));
+    link.SetDatabits(std::to_string(settings->dataBits));
+    link.SetStopbits(std::to_string(settings->stopBits));
+}
+
+/// By which ZModem and Kermit receivers give up.
+std::string_view CancelOf(LineTalk talk) {
+    constexpr std::string_view zmodem = "\x18\x18\x18\x18\x18\x18\x18\x18\b\b\b\b\b\b\b\b";
+    constexpr std::string_view kermit = "\x01# E&\r";
+    if (talk == LineTalk::ZModemReceiver) return zmodem;
+    return talk == LineTalk::KermitReceiver ? kermit : std::string_view();
+}
+
+} // namespace
+
+LineExamination::LineExamination(ExaminedPort port)
+    : mPort(std::move(port)),
+      mRecord(mPort.trace),
+      mSerial(mPort.reactor, mPort.bindings, &mRecord),
+      mLink(LinkHost{mPort.reactor, mPort.desktop, mDialogs, mPort.files}) {
+    const auto settings = std::make_shared<Unsaved>(mPort.settings);
+    settings->WriteValue("Settings", "Commport", std::to_string(mPort.number));
+    mLink.SetSerialPort(&mSerial);
+    mLink.SetRegSettings(settings);
+    if (mPort.as.empty()) mPort.as = mLink.SettingsText();
+}
+
+LineExamination::~LineExamination() = default;
+
+bool LineExamination::Tell(const std::string& doing) const {
+    return mPort.progress && mPort.progress(doing);
+}
+
+LineFacts LineExamination::Run() {
+    LineFacts facts;
+    facts.settings = mPort.as;
+    if (Tell("Listening at " + mPort.as) || !Listen(mPort.as, ListenMs, facts)) return facts;
+    if (facts.heard.talk == LineTalk::Noise) ListenAtOtherRates(facts);
+    if (facts.loss.empty() && !IsTaken(facts.heard.talk)) Ask(facts);
+    return facts;
+}
+
+bool LineExamination::Listen(const std::string& settings, std::int32_t ms, LineFacts& facts) {
+    try {
+        mSerial.SetPortNumber(mPort.number);
+        mSerial.SetPortSettings(settings);
+        mSerial.SetHandshaking(0); // a full buffer would otherwise send an Xoff
+        mSerial.SetBufferSizes(BufferBytes, 1);
+        mSerial.SetPortOpen(true);
+    } catch (const QNError& error) {
+        const auto& failure = mSerial.LastFailure();
+        facts.opening =
+            failure ? failure->reason : IoResult{IoStatus::Failed, 0, error.Description()};
+        return false;
+    }
+    if (!mRecord.HasNoModemLines()) facts.dsr = mSerial.DSRState();
+    HeardLine heard;
+    StopWatch whole(mPort.reactor);
+    StopWatch silence(mPort.reactor);
+    while (mSerial.PortOpen() && whole.ElapsedMs() < ms && heard.bytes.size() < EnoughBytes) {
+        mSerial.WaitForReceive(ms - whole.ElapsedMs());
+        const std::string came = mSerial.Read();
+        heard.bytes += came;
+        if (!came.empty()) silence.Restart();
+        mPort.reactor.Yield(0);
+    }
+    heard.silentMs = silence.ElapsedMs();
+    heard.lineErrors = mRecord.Segments().back().damaged;
+    if (!mSerial.PortOpen() && mSerial.LastLoss()) facts.loss = mSerial.LastLoss()->reason.text;
+    mSerial.SetPortOpen(false);
+    facts.errors = mRecord.Segments().back().errors;
+    facts.errorsTold = facts.dsr && !heard.bytes.empty();
+    facts.heard = Classify(heard);
+    facts.heardText = Shown(heard.bytes);
+    facts.heardAt = settings;
+    return true;
+}
+
+void LineExamination::ListenAtOtherRates(LineFacts& facts) {
+    const LineFacts first = facts;
+    for (const std::string& rate : mLink.AutoConnectBaudrates()) {
+        const std::string settings = rate + ",n,8,2";
+        if (Tell("Listening at " + settings)) break;
+        LineFacts there = first;
+        if (!Listen(settings, ListenShortlyMs, there)) break;
+        if (there.heard.fit != FormatFit::Fits && there.heard.fit != FormatFit::Parity) continue;
+        facts = there;
+        return;
+    }
+}
+
+void LineExamination::Ask(LineFacts& facts) {
+    const std::size_t before = mRecord.Segments().size();
+    const Subscription progress = mLink.StatusEvent.Connect(
+        [this](const std::string& text, std::int16_t&, bool& cancel) { cancel = Tell(text); });
+    try {
+        if (PortClaim claim = mLink.AcquirePort(); claim) Identify(facts);
+    } catch (const QNError& error) {
+        facts.failure = error.Description();
+    }
+    mLink.ReleasePort(true, true);
+    if (const auto& loss = mSerial.LastLoss()) facts.loss = loss->reason.text;
+    if (facts.answer == Answer::Printer) return;
+    const std::vector<LineSegment> search(
+        mRecord.Segments().begin() + static_cast<std::ptrdiff_t>(before), mRecord.Segments().end());
+    facts.answer = Judge(search);
+    facts.answerText = ShownAnswer(search);
+}
+
+void LineExamination::Identify(LineFacts& facts) {
+    facts.model = mLink.ModelText();
+    facts.firmware = mLink.VersionText();
+    facts.found = mLink.SettingsText();
+    facts.channel = mLink.Stdio();
+    facts.answer = Answer::Printer;
+    facts.errors = mRecord.Segments().back().errors;
+    facts.errorsTold = facts.dsr.has_value();
+}
+
+std::string LineExamination::Fix(const LineFacts& facts) {
+    try {
+        UseSettings(mLink, facts.heardAt.empty() ? mPort.as : facts.heardAt);
+        if (const std::string_view cancel = CancelOf(facts.heard.talk); !cancel.empty()) {
+            mSerial.SetPortOpen(true);
+            mSerial.Write(cancel);
+            mLink.Delay(ListenShortlyMs);
+            mSerial.SetPortOpen(false);
+        }
+        static constexpr std::array said{"The port is in use; nothing was sent.",
+                                         "What waited was ended; the printer is at its prompt.",
+                                         "The program was stopped by Ctrl-C.",
+                                         "The program was stopped by a break."};
+        return said.at(static_cast<std::size_t>(mLink.StopProgram()));
+    } catch (const QNError& error) {
+        return error.Description();
+    }
+}
+
+} // namespace qncomm
