@@ -195,16 +195,29 @@ Rows OtherRows() {
     };
 }
 
+Rows LiveRows() {
+    return {
+        Get<&QNComm::LineState>(60, "LineState", Needs::Nothing),
+        Get<&QNComm::PrinterActivity>(61, "PrinterActivity", Needs::Nothing),
+        Get<&QNComm::Generation>(62, "Generation", Needs::Nothing),
+        Get<&QNComm::LiveFacts>(63, "LiveFacts", Needs::Nothing),
+        Method<&QNComm::RequireGeneration>(64, "RequireGeneration", Needs::Printer,
+                                           In("lGeneration")),
+    };
+}
+
 } // namespace
 
 const SurfaceClass& ControlClass() {
     static const SurfaceClass of{
         "QNComm",
-        AllOf(
-            {StorageRows(), PrinterRows(), SetupAndTransferRows(), AppearanceRows(), OtherRows()}),
+        AllOf({StorageRows(), PrinterRows(), SetupAndTransferRows(), AppearanceRows(), OtherRows(),
+               LiveRows()}),
         {EventRow<&QNComm::PortStateEvent>(1, "PortStateEvent", MemberType::HostText, "bPortBusy"),
          EventRow<&QNComm::StatusEvent>(2, "StatusEvent", MemberType::HostText, "sStatusMsg",
-                                        "iProgress", "bCancel")}};
+                                        "iProgress", "bCancel"),
+         EventRow<&QNComm::LiveStateEvent>(3, "LiveStateEvent", MemberType::HostText, "iLine",
+                                           "iPrinter", "lGeneration")}};
     return of;
 }
 

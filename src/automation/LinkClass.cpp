@@ -45,7 +45,9 @@ const SurfaceClass& LinkClass() {
          Method<&Link::StopProgram>(18, "StopProgram", Needs::FreePort)},
         {EventRow<&Link::PortStateEvent>(1, "PortStateEvent", MemberType::HostText, "bPortOpen"),
          EventRow<&Link::StatusEvent>(2, "StatusEvent", MemberType::HostText, "sStatusMsg",
-                                      "iProgressPerc", "bCancel")}};
+                                      "iProgressPerc", "bCancel"),
+         EventRow<&Link::LiveStateEvent>(3, "LiveStateEvent", MemberType::HostText, "iLine",
+                                         "iPrinter", "lGeneration")}};
     return of;
 }
 

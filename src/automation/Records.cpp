@@ -104,6 +104,15 @@ RecordTable<clsQNModuleError> TableOf() {
              FieldOf<&clsQNModuleError::QNText>(5, "QNText")}};
 }
 
+template <>
+RecordTable<clsLiveFact> TableOf() {
+    return {{"Name"},
+            {FieldOf<&clsLiveFact::Name, MemberType::HostText>(1, "Name"),
+             FieldOf<&clsLiveFact::Value, MemberType::HostText>(2, "Value"),
+             FieldOf<&clsLiveFact::AgeMs>(3, "AgeMs"),
+             FieldOf<&clsLiveFact::LearntFrom, MemberType::HostText>(4, "LearntFrom")}};
+}
+
 template <class T>
 const RecordTable<T>& Table() {
     static const RecordTable<T> table = TableOf<T>();
@@ -171,13 +180,16 @@ template const SurfaceClass& RecordClass<clsPrinterFile>();
 template const SurfaceClass& RecordClass<clsPrinterDevice>();
 template const SurfaceClass& RecordClass<clsPrinterSetupItem>();
 template const SurfaceClass& RecordClass<clsQNModuleError>();
+template const SurfaceClass& RecordClass<clsLiveFact>();
 template Variant ListOf(const PrinterFiles&);
 template Variant ListOf(const PrinterDeviceTable&);
 template Variant ListOf(const PrinterSetup&);
 template Variant ListOf(const ModuleErrors&);
+template Variant ListOf(const LiveFacts&);
 template std::shared_ptr<PrinterFiles> CollectionOf(const Variant::List&);
 template std::shared_ptr<PrinterDeviceTable> CollectionOf(const Variant::List&);
 template std::shared_ptr<PrinterSetup> CollectionOf(const Variant::List&);
 template std::shared_ptr<ModuleErrors> CollectionOf(const Variant::List&);
+template std::shared_ptr<LiveFacts> CollectionOf(const Variant::List&);
 
 } // namespace qncomm

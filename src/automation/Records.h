@@ -1,6 +1,7 @@
 #pragma once
 
 #include "automation/SurfaceClass.h"
+#include "control/clsLiveFact.h"
 #include "printer/clsPrinterDevice.h"
 #include "printer/clsPrinterFile.h"
 #include "printer/clsPrinterSetupItem.h"
@@ -26,6 +27,8 @@ template <>
 inline constexpr std::string_view RecordName<clsPrinterSetupItem> = "clsPrinterSetupItem";
 template <>
 inline constexpr std::string_view RecordName<clsQNModuleError> = "clsQNModuleError";
+template <>
+inline constexpr std::string_view RecordName<clsLiveFact> = "clsLiveFact";
 
 /// The records in their order.
 template <class T>

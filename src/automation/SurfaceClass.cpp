@@ -18,6 +18,7 @@ std::span<const SurfaceClass* const> SurfaceClasses() {
                                     &RecordClass<clsPrinterFile>(),
                                     &RecordClass<clsPrinterSetupItem>(),
                                     &RecordClass<clsQNModuleError>(),
+                                    &RecordClass<clsLiveFact>(),
                                     &FontClass(),
                                     &SettingsClass()};
     return classes;

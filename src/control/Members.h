@@ -15,11 +15,12 @@ namespace qncomm {
 /// Link and command layer of a control that runs. Shared with every operation on the stack, so that
 /// a host may destroy the control in an event. The command layer is destroyed before the link.
 struct QNComm::Members {
-    Members(const ControlServices& services, std::shared_ptr<void> kept)
+    Members(const ControlServices& services, std::shared_ptr<void> kept,
+            std::int32_t firstGeneration)
         : keep(std::move(kept)),
           loop(services.loop),
           dialogs(services.loop, services.forms),
-          link(LinkHost{loop, services.desktop, dialogs, services.hostFiles}),
+          link(LinkHost{loop, services.desktop, dialogs, services.hostFiles, firstGeneration}),
           quorin(link, services.desktop, services.hostFiles) {}
 
     std::shared_ptr<void> keep; ///< destroyed last
@@ -37,6 +38,7 @@ struct QNComm::Members {
 class QNComm::Operation {
   public:
     explicit Operation(std::shared_ptr<Members> members) : mMembers(std::move(members)) {
+        if (mMembers->operations == 0) mMembers->quorin.ForgetFormerPrinter();
         ++mMembers->operations;
     }
     ~Operation() {

@@ -62,7 +62,7 @@ void QNComm::CancelOperations(std::int32_t lGraceMs) {
 }
 
 void QNComm::Wire() {
-    mMembers = std::make_shared<Members>(mServices, mParts.keep);
+    mMembers = std::make_shared<Members>(mServices, mParts.keep, mNextGeneration);
     Members& members = *mMembers;
     members.link.SetSerialPort(&mParts.PDQComm1);
     const auto relayStatus = [this, &members](std::string& text, std::int16_t& progress,
@@ -76,6 +76,11 @@ void QNComm::Wire() {
         const CountedScope relaying(members.events);
         PortStateEvent.Raise(open);
     }));
+    members.relays.push_back(members.link.LiveStateEvent.Connect(
+        [this, &members](std::int16_t line, std::int16_t printer, std::int32_t generation) {
+            const CountedScope relaying(members.events);
+            LiveStateEvent.Raise(line, printer, generation);
+        }));
 }
 
 /// Keeps link and command layer alive until a turn of the loop finds none of their events being
@@ -99,6 +104,7 @@ void QNComm::Release() {
     const std::shared_ptr<Members> members = std::exchange(mMembers, nullptr);
     if (!members) return;
     members->released = true;
+    mNextGeneration = members->link.Live().generation + 1;
     members->relays.clear();
     if (members->events > 0) KeepUntilRelayed(mServices.loop, members);
     members->link.TearDown();

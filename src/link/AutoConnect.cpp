@@ -4,6 +4,7 @@
 #include "ExclusiveMark.h"
 #include "LinkState.h"
 #include "SearchAnswer.h"
+#include "common/CountedScope.h"
 #include "common/Numbers.h"
 #include "common/Text.h"
 
@@ -135,6 +136,7 @@ bool AutoConnectSearch::FindPrinter() {
             if (outcome != Outcome::Silent) return outcome == Outcome::Answered;
         }
     }
+    mState.NobodyAnswered();
     return false;
 }
 
@@ -185,11 +187,16 @@ bool AutoConnectSearch::ReadSetup() {
 }
 
 void AutoConnectSearch::Learn(const SetupReply& setup) {
-    mState.link.SetBaudrate(setup.baudrate);
-    mState.link.SetParity(setup.parity);
-    mState.link.SetDatabits(setup.databits);
-    mState.link.SetStopbits(setup.stopbits);
-    mState.link.SetFlowcontrol(ToText(setup.flowcontrol));
+    {
+        const CountedScope several(mState.settingSeveral);
+        mState.link.SetBaudrate(setup.baudrate);
+        mState.link.SetParity(setup.parity);
+        mState.link.SetDatabits(setup.databits);
+        mState.link.SetStopbits(setup.stopbits);
+        mState.link.SetFlowcontrol(ToText(setup.flowcontrol));
+    }
+    mState.NotePlace();
+    mState.live.Printer(PrinterAtPrompt, LearntSearch);
     MoveToFront(mState.autoConnectBaudrates, mRate);
     MoveToFront(mState.frameFormats, mFormat);
     constexpr std::array flowTexts = {", No Flowcontrol", ", Xon/Xoff", ", RTS/CTS",
@@ -306,6 +313,7 @@ void AutoConnectSearch::End() {
     mState.ClearReceived();
     Quietly([this] {
         if (mWasOpen || mState.useCount > 0) Serial().SetPortOpen(true);
+        mState.NoteLine();
     });
     mBusy.reset();
     Quietly([this] {

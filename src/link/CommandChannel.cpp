@@ -45,7 +45,9 @@ bool HoldsOk(std::string_view received) {
 } // namespace
 
 void clsDataLink::OutputText(std::string& sText, bool bWaitForEcho) {
+    const bool endsALine = sText.find('\n') != std::string::npos;
     mState->Queue(sText);
+    if (endsALine) mState->live.Told();
     const StopWatch watch(mState->host.loop);
     while (mState->Serial().TransmitCount() > 0)
         mState->AwaitOutput(watch, DrainTimeout);
@@ -135,17 +137,20 @@ std::int32_t clsDataLink::InputTextUntilQuiet(std::vector<std::string>& sInputLi
 
 void LinkState::AwaitReply(std::int32_t timeout, const ReplyRule& rule) {
     StopWatch watch(host.loop);
+    const std::uint64_t before = arrivals;
     std::uint64_t heard = arrivals;
     while (!HoldsReply(rule)) {
         RequireReadable();
         if (std::exchange(heard, arrivals) != arrivals) watch.Restart();
         const std::int32_t left = watch.UntilExceeds(timeout);
         if (left == 0) {
+            live.Printer(arrivals == before ? PrinterSilent : PrinterUnknown, LearntSilence);
             const bool another = !BeginsWithEcho() && HoldsOk(received);
             Fail(another ? ErrProtocol : ErrInputTimeout, InputSource);
         }
         Yield(left);
     }
+    live.Printer(PrinterAtPrompt, LearntReply);
 }
 
 bool LinkState::HoldsReply(const ReplyRule& rule) {
@@ -211,7 +216,10 @@ bool clsDataLink::WaitForOk(std::int32_t lTimeout) {
             const std::size_t searchFrom =
                 text.size() - std::min(text.size(), EndOfReply.size() - 1);
             text += NormalizeLineEnds(chunk);
-            if (text.find(EndOfReply, searchFrom) != std::string::npos) return true;
+            if (text.find(EndOfReply, searchFrom) != std::string::npos) {
+                mState->live.Printer(PrinterAtPrompt, LearntText);
+                return true;
+            }
             watch.Restart();
         }
         const std::int32_t left = watch.UntilExceeds(lTimeout);
@@ -245,6 +253,7 @@ void clsDataLink::SetImmediateMode(bool bValue) {
     if (bValue) return;
     mState->versionText.clear();
     mState->modelText.clear();
+    mState->live.ForgetIdentity();
 }
 
 } // namespace qncomm

@@ -106,6 +106,8 @@ bool FileTransfer::Run(const std::function<void()>& start, std::int32_t holdMs) 
     Serial().SetTransferLook({.refused = refused, .holdMs = holdMs});
     mState.transferTarget = mJob.target;
     mState.transferState = TransferPending;
+    mState.live.Printer(mJob.verb == UploadVerb ? PrinterReceiving : PrinterRunning,
+                        LearntTransfer);
     start();
     for (;;) {
         const Step step = Follow(mState.transferState);

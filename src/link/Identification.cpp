@@ -89,6 +89,7 @@ void LinkState::GetVersion() {
     }
     modelText = Trim(CollapseSpaces(lines[2]));
     versionText = FirmwareText(Trim(CollapseSpaces(lines[1])), modelText);
+    live.Identity({modelText, versionText}, LearntReply);
 }
 
 void LinkState::Handshake() {

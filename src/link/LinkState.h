@@ -1,6 +1,7 @@
 #pragma once
 
 #include "AwaitedEcho.h"
+#include "StateKeeper.h"
 #include "common/StopWatch.h"
 #include "link/clsDataLink.h"
 
@@ -15,11 +16,15 @@ namespace qncomm {
 
 class DetachedSink;
 class FileTransfer;
+class QNError;
 
 /// What the parts of one link share: what is known of the port and of the printer, and what each
 /// part asks of the others. It lives and dies with its link.
 struct LinkState {
-    LinkState(clsDataLink& owner, const LinkHost& where) : link(owner), host(where) {}
+    LinkState(clsDataLink& owner, const LinkHost& where)
+        : link(owner),
+          host(where),
+          live(where.loop, where.firstGeneration, [this] { RaiseLiveState(); }) {}
     LinkState(const LinkState&) = delete;
     LinkState& operator=(const LinkState&) = delete;
 
@@ -36,6 +41,14 @@ struct LinkState {
         return ReportStatus(message, progress);
     }
     [[noreturn]] void Fail(std::int32_t number, std::string_view source);
+    void RaiseLiveState();
+    /// Tells the keeper of the live state whether the port is open; failure is why it is not, if
+    /// that was tried.
+    void NoteLine(const QNError* failure = nullptr);
+    /// Tells it the port and the settings, but not in the middle of setting several.
+    void NotePlace();
+    /// Tells it that a search has found nobody, which says nothing of a printer that restarts.
+    void NobodyAnswered();
 
     // -- ReceivePath.cpp
 
@@ -131,6 +144,9 @@ struct LinkState {
     LinkHost host;
     SerialControl* serial = nullptr;
     std::shared_ptr<RegSettings> settings;
+
+    StateKeeper live;
+    int settingSeveral = 0; ///< the settings are changing one by one to what they are to be
 
     std::string commport;
     std::string baudrate;

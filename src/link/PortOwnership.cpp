@@ -60,6 +60,7 @@ void clsDataLink::ReleasePort(bool bClearTag, bool bForce) {
         return;
     }
     if (mState->terminalHeld && mState->useCount == 1) return;
+    mState->live.LeftAlone();
     mState->useCount = bForce ? (mState->terminalHeld ? 1 : 0) : mState->useCount - 1;
     if (mState->useCount == 0) mState->ClosePort();
     if (mState->useCount < 0) mState->useCount = 0;
@@ -113,16 +114,21 @@ void LinkState::OpenPort() {
     reopenTimer.reset();
     try {
         Serial().SetPortOpen(true);
+        NoteLine();
     } catch (const QNError& error) { // a port that stays closed shows as 1024 when it is used
         host.desktop.Log(error.Description());
+        NoteLine(&error);
     }
+    NotePlace();
     RaisePortState(true);
 }
 
 void LinkState::ClosePort() {
     const bool alreadyReported = std::exchange(portLost, false);
     Serial().SetPortOpen(false);
-    if (!alreadyReported) RaisePortState(false);
+    if (alreadyReported) return; // a lost line that is given back is lost all the same
+    NoteLine();
+    RaisePortState(false);
 }
 
 void LinkState::RaisePortState(bool open) {
@@ -132,6 +138,7 @@ void LinkState::RaisePortState(bool open) {
 
 void LinkState::OnPortLost() {
     portLost = true;
+    live.Line(LineLost, Serial().WhyClosed());
     link.SetImmediateMode(false);
     if (terminalHeld)
         reopenTimer = host.loop.StartTimer(ReopenInterval, [this] { ReopenForTerminal(); });
@@ -148,6 +155,8 @@ void LinkState::ReopenForTerminal() {
     portLost = false;
     Serial().SetReceiveMode(ReceiveToTerminal);
     reopenTimer.reset();
+    NoteLine();
+    NotePlace();
     RaisePortState(true);
 }
 

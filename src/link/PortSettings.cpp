@@ -4,6 +4,7 @@
 
 #include "ExclusiveMark.h"
 #include "LinkState.h"
+#include "common/CountedScope.h"
 #include "common/Numbers.h"
 #include "common/QNError.h"
 #include "common/RuntimeErrors.h"
@@ -195,8 +196,11 @@ void clsDataLink::ApplyCommSettings() {
     const std::vector<Step> steps =
         wasOpen ? std::vector{close, setPort, setSettings, setHandshaking, open}
                 : std::vector{setPort, setSettings, setHandshaking};
-    for (const Step& step : steps)
-        if (!mState->RunSettingsStep(step)) return;
+    const bool applied = std::ranges::all_of(
+        steps, [this](const Step& step) { return mState->RunSettingsStep(step); });
+    mState->NotePlace();
+    if (!applied) return;
+    if (wasOpen) mState->NoteLine();
     if (mState->immediateMode) SetImmediateMode(false);
 }
 
@@ -206,6 +210,7 @@ bool LinkState::RunSettingsStep(const std::function<void()>& step) {
             step();
             return true;
         } catch (const QNError& error) {
+            if (live.Now().line.value == LineOpen) NoteLine(&error);
             if (error.Number() != SerialErrPortBusy) return true;
         }
         if (!AskBusyPort() || link.ShowSettingsDlg() != 1) return false;
@@ -248,12 +253,17 @@ void LinkState::LoadCommSettings() {
         {"DSRDetectActive",
          [this](const std::string& text) { link.SetDSRDetectActive(ToBoolean(text)); }},
     };
-    for (const auto& [key, setter] : setters)
-        if (!Succeeds([&, &name = key, &set = setter] {
-                set(settings->ReadValue(SettingsSection, name, NotStored));
-            }))
-            Succeeds(
-                [&set = setter] { set(std::string(NotStored)); }); // a bad value is as good as none
+    {
+        const CountedScope several(settingSeveral);
+        for (const auto& [key, setter] : setters)
+            if (!Succeeds([&, &name = key, &set = setter] {
+                    set(settings->ReadValue(SettingsSection, name, NotStored));
+                }))
+                Succeeds([&set = setter] {
+                    set(std::string(NotStored));
+                }); // a bad value is as good as none
+    }
+    NotePlace();
     for (std::size_t i = 0; i < DefaultBaudrates.size(); ++i) {
         Succeeds([&] {
             const std::string key = "Baud" + std::to_string(i + 1);

@@ -140,14 +140,17 @@ std::int16_t clsDataLink::StopProgram() {
     RequireOpen(state, StopSource);
     PurgePort();
     bool ran = false;
+    bool silent = false;
     for (const Means& means : AllMeans) {
         if (!Send(means, *this)) continue;
         const Reaction reaction = Listen(state);
         ran |= reaction.spoke;
+        silent = reaction.silent;
         // A command line would be a running program's input: it goes to a silent printer alone.
         if (reaction.silent && IsAtPrompt(state))
             return static_cast<std::int16_t>(ran ? means.how : StopNothingRan);
     }
+    state.live.Printer(silent ? PrinterSilent : PrinterRunning, LearntSilence);
     state.Fail(ErrInputTimeout, StopSource);
 }
 

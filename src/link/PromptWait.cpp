@@ -35,12 +35,17 @@ bool clsDataLink::AwaitPrompt(bool bMoving) {
     while (text.find(Prompt) == std::string::npos) {
         const std::int32_t left =
             std::min(silence.UntilExceeds(silenceMs), whole.UntilExceeds(MostMs));
-        if (left == 0 || !mState->Serial().PortOpen()) return false;
+        if (!mState->Serial().PortOpen()) return false;
+        if (left == 0) {
+            mState->live.Printer(text.empty() ? PrinterSilent : PrinterUnknown, LearntSilence);
+            return false;
+        }
         mState->Yield(left);
         const std::string more = mState->Serial().Read();
         if (!more.empty()) silence.Restart();
         text += more;
     }
+    mState->live.Printer(PrinterAtPrompt, LearntText);
     return true;
 }
 

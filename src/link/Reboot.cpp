@@ -13,6 +13,26 @@ constexpr std::int32_t BootTime = 10000;
 constexpr std::int32_t BetweenAttempts = 2000;
 constexpr std::int32_t AttemptsPerSearch = 3;
 
+/// The printer counts as restarting for as long as it is waited for, however that ends.
+class Restarting {
+  public:
+    explicit Restarting(LinkState& state) : mState(state) {
+        mState.live.Printer(PrinterRebooting, LearntCommand);
+    }
+    ~Restarting() {
+        if (mState.live.Now().printer.value != PrinterRebooting) return;
+        try {
+            mState.live.Printer(PrinterUnknown, LearntNot);
+        } catch (...) { // NOLINT(bugprone-empty-catch): another error is on its way
+        }
+    }
+    Restarting(const Restarting&) = delete;
+    Restarting& operator=(const Restarting&) = delete;
+
+  private:
+    LinkState& mState;
+};
+
 } // namespace
 
 DetachedSink::DetachedSink(LinkState& state) : mState(state) {
@@ -36,6 +56,7 @@ void clsDataLink::Reboot() {
     const std::unique_ptr<ShownWindow> window = mState->host.dialogs.ShowWaitForReboot();
     {
         DetachedSink detached(*mState);
+        const Restarting restarting(*mState);
         mState->Serial().Write("REBOOT\r\n");
         Delay(BeforeDsrTest);
         while (mState->dsrDetectActive && !mState->Serial().DSRState()
@@ -44,6 +65,7 @@ void clsDataLink::Reboot() {
         PurgePort();
         Delay(BootTime);
         mState->WaitForBoot(detached);
+        mState->live.Printer(PrinterAtPrompt, LearntText);
     }
     claim.Release();
 }

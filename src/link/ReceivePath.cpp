@@ -52,13 +52,15 @@ void LinkState::OnReceive() {
 }
 
 void LinkState::Deliver(const std::string& text) {
-    if (Serial().ReceiveMode() != ReceiveToLink) {
+    const bool toTerminal = Serial().ReceiveMode() != ReceiveToLink;
+    if (toTerminal) {
         Serial().WriteTerminal(text);
     } else if (received.size() + text.size() > ReceiveLimit) {
         receiveOverflow = true;
     } else {
         received += text;
     }
+    live.Heard(text, toTerminal);
 }
 
 } // namespace qncomm

@@ -16,6 +16,9 @@ namespace {
 
 constexpr std::int32_t SerialBufferSize = 4096;
 constexpr std::int16_t ReservedValue = 2;
+constexpr std::string_view FormerPrinter =
+    "This was read from another printer, or before the connection changed. Nothing was done: read "
+    "it again first.";
 constexpr std::array DefaultFrameFormats = {"m,8,2", "n,8,2", "n,7,2", "n,7,1"};
 
 } // namespace
@@ -64,6 +67,7 @@ void clsDataLink::TearDown() {
         if (serial.PortOpen()) serial.SetPortOpen(false);
         serial.KeepPort(false);
     }
+    mState->live.Line(LineClosed);
     mState->useCount = 0;
     mState->terminalActive = mState->terminalHeld = false;
     mState->autoConnectBaudrates.Clear();
@@ -96,6 +100,52 @@ void LinkState::Fail(std::int32_t number, std::string_view source) {
     outOfStep = true;
     ReleaseBeforeRaise();
     RaiseError(number, source);
+}
+
+const LiveState& clsDataLink::Live() const {
+    return mState->live.Now();
+}
+
+void clsDataLink::RequireGeneration(std::int32_t lGeneration) {
+    const auto require = [&] {
+        if (Live().generation != lGeneration)
+            throw QNError(ErrFormerPrinter, "Datalink:RequireGeneration",
+                          std::string(FormerPrinter));
+    };
+    require();
+    if (Live().identity.value.IsKnown()) return;
+    const PrinterIdentity who{ModelText(), VersionText()};
+    if (who.IsKnown()) mState->live.Identity(who, LearntReply);
+    require();
+}
+
+void LinkState::RaiseLiveState() {
+    if (serial == nullptr) return; // torn down
+    const LiveState& now = live.Now();
+    const HostCall guard(link);
+    link.LiveStateEvent.Raise(now.line.value, now.printer.value, now.generation);
+}
+
+void LinkState::NoteLine(const QNError* failure) {
+    if (serial == nullptr) return;
+    if (serial->PortOpen())
+        live.Line(LineOpen);
+    else if (failure != nullptr)
+        live.Line(failure->Number() == SerialErrPortBusy ? LineBusy : LineClosed,
+                  failure->Description());
+    else
+        live.Line(LineClosed, serial->WhyClosed());
+}
+
+void LinkState::NotePlace() {
+    if (settingSeveral > 0 || serial == nullptr) return;
+    live.Place({.port = serial->PortNumber(),
+                .name = serial->PortTarget(),
+                .settings = link.SettingsText() + "," + flowcontrol});
+}
+
+void LinkState::NobodyAnswered() {
+    if (live.Now().printer.value != PrinterRebooting) live.NobodyFound();
 }
 
 } // namespace qncomm

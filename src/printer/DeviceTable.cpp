@@ -48,6 +48,11 @@ const std::shared_ptr<PrinterDeviceTable>& clsQuorin::PrinterDevices() {
 void clsQuorin::SetPrinterDevices(std::shared_ptr<PrinterDeviceTable> devices) {
     mPrinterDevices = std::move(devices);
     mModelMissing = false;
+    if (mPrinterDevices) mTableGeneration = Link().Live().generation;
+}
+
+void clsQuorin::ForgetFormerPrinter() {
+    if (mTableGeneration != Link().Live().generation) SetPrinterDevices(nullptr);
 }
 
 /// Builds the table when there is none, or when the one that stands was built before a printer
@@ -57,6 +62,7 @@ void clsQuorin::InitFileSystem() {
     const std::string code = PrinterType();
     Link(); // a host may have taken this object down meanwhile
     mPrinterDevices = NewTable();
+    mTableGeneration = Link().Live().generation;
     mModelMissing = code.empty();
     const PrinterModel* model = FindModel(code);
     if (model == nullptr) RaiseError(ErrPrinterModel, "clsQuorin:InitFileSystem");

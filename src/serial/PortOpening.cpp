@@ -32,6 +32,15 @@ std::string PDQComm::PortName() const {
     return binding != nullptr ? name + " (" + binding->address.text + ")" : name;
 }
 
+std::string PDQComm::PortTarget() const {
+    const PortBinding* const binding = mBindings.Find(mPortNumber);
+    return binding != nullptr ? binding->address.text : std::string();
+}
+
+std::string PDQComm::WhyClosed() const {
+    return mLastFailure ? mLastFailure->description : std::string();
+}
+
 PDQComm::KnownChannel& PDQComm::ChannelFor(const PortAddress& address) {
     KnownChannel& known = mChannels[address.text];
     if (!known.channel) {

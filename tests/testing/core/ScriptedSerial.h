@@ -41,6 +41,8 @@ class ScriptedSerial : public SerialControl, private ManualLoop::Source {
 
     bool mFunctional = true;
     bool mDsr = true;
+    std::string mTarget;    ///< what the port stands for
+    std::string mWhyClosed; ///< why it did not open or was lost
     /// Bytes that leave the transmit queue per ms; nothing leaves at 0; all at once when not set.
     std::optional<double> mDrainPerMs;
     /// Called before the port opens; may raise.
@@ -90,6 +92,8 @@ class ScriptedSerial : public SerialControl, private ManualLoop::Source {
     bool IsFunctional() const override { return mFunctional; }
     std::int16_t PortNumber() const override { return mPortNumber; }
     void SetPortNumber(std::int16_t iPort) override;
+    std::string PortTarget() const override { return mTarget; }
+    std::string WhyClosed() const override { return mWhyClosed; }
     std::string PortSettings() const override { return mSettings; }
     void SetPortSettings(const std::string& sSettings) override;
     std::int16_t Handshaking() const override { return mHandshaking; }

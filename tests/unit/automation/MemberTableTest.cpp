@@ -50,7 +50,7 @@ const std::vector<Held>& All() {
          "printer/include/printer/clsQuorin.h",
          "// -- The link's members",
          "private:",
-         {"PrinterFileExists"}},
+         {"PrinterFileExists", "ForgetFormerPrinter"}},
         // A host sets the port up in the dialog or the settings store, and claims it by PortOpen.
         {"clsDataLink",
          "link/include/link/clsDataLink.h",
@@ -84,6 +84,8 @@ const std::vector<Held>& All() {
           "PreviousSysvar19",
           "Reboot",
           "AwaitPrompt",
+          "Live",
+          "RequireGeneration",
           "State"}},
         {"RegSettings",
          "common/include/common/RegSettings.h",
@@ -156,6 +158,7 @@ const std::multimap<std::string, MemberType>& TypesOfDeclarations() {
         {"TerminalFont", MemberType::Font},
         {"shared_ptr<PrinterDeviceTable>", MemberType::Records},
         {"shared_ptr<PrinterSetup>", MemberType::Records},
+        {"shared_ptr<LiveFacts>", MemberType::Records},
         {"shared_ptr<RegSettings>", MemberType::Settings}};
     return types;
 }
@@ -257,7 +260,8 @@ const std::map<std::string_view, std::string_view>& PinnedIds() {
                    "ToolbarVisible ToolbarAlign Font CursorColumn CursorRow PressToolbarKey "
                    "Refresh CaptureToFile DeviceUsedMem DeviceFreeMem ProgramLink RunProgram "
                    "TerminalFontName TerminalFontSize HelpFile RegSettings TearDown "
-                   "IsProgramRunable"},
+                   "IsProgramRunable LineState PrinterActivity Generation LiveFacts "
+                   "RequireGeneration"},
         {"clsQuorin",
          "DoAutoconnect ShowSettingsDlg PortOpen PortClose PrinterType FirmwareVersion "
          "FirmwareVersionNumber OutputText RegSettings TearDown PrinterDevices Devices "
@@ -277,6 +281,7 @@ const std::map<std::string_view, std::string_view>& PinnedIds() {
         {"clsPrinterFile", "Name Size"},
         {"clsPrinterDevice", "Name BytesUsed BytesFree Files Dirty Valid"},
         {"clsPrinterSetupItem", "Key Value"},
+        {"clsLiveFact", "Name Value AgeMs LearntFrom"},
         {"clsQNModuleError", "QNModuleName QNErrCode QNErrInLine QNErrDesc QNText"},
     };
     return names;
@@ -356,12 +361,14 @@ TEST(MemberTable, ListsTheEventsWithWhatTheyPassByReference) {
         return texts;
     };
     EXPECT_EQ(described("QNComm"), (Strings{"1 PortStateEvent &bPortBusy",
-                                            "2 StatusEvent &sStatusMsg iProgress &bCancel"}));
+                                            "2 StatusEvent &sStatusMsg iProgress &bCancel",
+                                            "3 LiveStateEvent iLine iPrinter lGeneration"}));
     EXPECT_EQ(described("clsQuorin"), (Strings{"1 StatusEvent &sStatusMsg &iProgress &bCancel",
                                                "2 ConvertImage &sImageName &sImageData"}));
-    EXPECT_EQ(described("clsDataLink"),
-              (Strings{"1 PortStateEvent &bPortOpen",
-                       "2 StatusEvent &sStatusMsg &iProgressPerc &bCancel"}));
+    EXPECT_EQ(
+        described("clsDataLink"),
+        (Strings{"1 PortStateEvent &bPortOpen", "2 StatusEvent &sStatusMsg &iProgressPerc &bCancel",
+                 "3 LiveStateEvent iLine iPrinter lGeneration"}));
 }
 
 TEST(MemberTable, TakesTheTypesOfPersistedPropertiesFromTheirTable) {

@@ -58,6 +58,10 @@ enum ErrorNumber : std::int32_t {
     ErrUploadTimeout = 1023,
     /// The port is closed, or was closed meanwhile.
     ErrPortNotOpen = 1024,
+    /// What the host has read is of another generation of the link's live state. Not in the table
+    /// of
+    /// messages: it brings its own text.
+    ErrFormerPrinter = 1100,
 };
 
 /// What is added to a number that the printer reported, so that the two ranges never meet.

@@ -11,6 +11,7 @@
 #include "control/PropertyBag.h"
 #include "control/TitleModel.h"
 #include "control/ToolbarModel.h"
+#include "control/clsLiveFact.h"
 #include "printer/clsPrinterDevice.h"
 #include "printer/clsPrinterFile.h"
 #include "printer/clsPrinterSetupItem.h"
@@ -92,6 +93,10 @@ class QNComm {
     /// handler that sets bCancel asks a transfer or the typing of a module to stop. Raised while
     /// the operation holds the port: what a handler would send then is refused.
     Event<std::string&, std::int16_t, bool&> StatusEvent;
+    /// iLine (an enumLineState), iPrinter (an enumPrinterActivity), lGeneration: what is known of
+    /// line and printer has changed. LiveFacts tells the rest. Raised where it is learnt, mostly
+    /// while an operation runs: what a handler would send then is refused.
+    Event<std::int16_t, std::int16_t, std::int32_t> LiveStateEvent;
 
     // -- Printer storage, images and fonts. The collections are those of the last listing; a later
     // one leaves them as they are.
@@ -315,6 +320,26 @@ class QNComm {
     /// that has a line 1 of its own.
     bool IsProgramRunable();
 
+    // -- What is known of line and printer: learnt from what passes on the line anyway, and never
+    // asked for. A line that nobody holds open says nothing.
+
+    /// What has become of the line: an enumLineState.
+    std::int16_t LineState() const;
+    /// What the printer does: an enumPrinterActivity, 0 while nothing says.
+    std::int16_t PrinterActivity() const;
+    /// A number that grows with each change of port, settings or identity, and whenever another
+    /// printer may have taken the place of this one. What a host has read from the printer is the
+    /// printer's as long as the number is the same.
+    std::int32_t Generation() const;
+    /// All that is known, each with when and how it was learnt; an unknown value is an empty text
+    /// or "unknown". The collection stays as it is.
+    std::shared_ptr<qncomm::LiveFacts> LiveFacts() const;
+    /// For a host that is about to change on the printer what it has read in generation
+    /// lGeneration: asks the printer who it is if that is not known, and raises 1100, source
+    /// "Datalink:RequireGeneration", when it is another generation by now. With another one already
+    /// nothing is sent.
+    void RequireGeneration(std::int32_t lGeneration);
+
     // -- For hosts that need what the surface does not offer. All raise 91 at design time and
     // after TearDown; the references that they return are valid until then.
 
@@ -458,6 +483,7 @@ class QNComm {
     ControlParts mParts;
     ControlServices mServices;
     std::shared_ptr<Members> mMembers; ///< link and command layer; none at design time
+    std::int32_t mNextGeneration = 1;  ///< the first of the next link
     std::shared_ptr<qncomm::RegSettings> mRegSettings;
     std::shared_ptr<MacroPrompts> mPrompts; ///< shared with the macro that is asking
 

@@ -95,6 +95,13 @@ class SerialControl {
     /// the number is the new one. A number without a port is refused by the opening.
     virtual void SetPortNumber(std::int16_t iPort) = 0;
 
+    /// What the port number stands for now, such as a device or an address; empty for a control
+    /// whose ports are but numbers, or a number that stands for nothing.
+    virtual std::string PortTarget() const { return {}; }
+    /// Why the port did not open or was lost, as a sentence for a person; empty when neither, or
+    /// when the control does not tell.
+    virtual std::string WhyClosed() const { return {}; }
+
     /// Baud rate, parity letter (either case), data bits, stop bits, such as "9600,N,8,1".
     virtual std::string PortSettings() const = 0;
     /// Raises 5 for a text that does not parse and SerialErrDevice for settings that the open line

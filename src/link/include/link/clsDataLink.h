@@ -7,6 +7,7 @@
 #include "common/MessageLoop.h"
 #include "common/RegSettings.h"
 #include "link/LinkDialogs.h"
+#include "link/LiveState.h"
 #include "link/PortClaim.h"
 #include "link/SerialControl.h"
 
@@ -42,6 +43,9 @@ struct LinkHost {
     Desktop& desktop;     ///< asks about a busy port, and logs what was refused or given up
     LinkDialogs& dialogs; ///< shows the settings dialog and the reboot window
     HostFiles& files;     ///< says whether a file that is to be sent exists
+    /// The number of the first generation of LiveState: for a host that puts one link in the place
+    /// of another, so that no list of the former counts as the latter's.
+    std::int32_t firstGeneration = 1;
 };
 
 /// Owns the one serial port through which the system talks to one printer: its settings, counted
@@ -69,6 +73,10 @@ class clsDataLink {
     Event<std::string&, std::int16_t&, bool&> StatusEvent;
     /// bPortOpen: the first claim opened the port, or the last one closed it.
     Event<bool&> PortStateEvent;
+    /// iLine (an enumLineState), iPrinter (an enumPrinterActivity), lGeneration: something in Live
+    /// has changed. Raised where it is learnt, mostly in the middle of an operation: a claim from a
+    /// handler is refused then.
+    Event<std::int16_t, std::int16_t, std::int32_t> LiveStateEvent;
 
     // -- Life
 
@@ -296,6 +304,17 @@ class clsDataLink {
     /// back, and the printer gets it at the line's rate before the cancel. Returns whether the
     /// prompt came: false when the line falls silent, never does for 15 s, or the port is closed.
     bool AwaitPrompt(bool bMoving);
+
+    // -- What is known
+
+    /// What is known of line and printer now. Valid until the link's end; its values change with
+    /// what passes on the line, and nothing is ever sent for it.
+    const LiveState& Live() const;
+    /// Makes sure that what was read in generation lGeneration of Live is still this printer's:
+    /// asks the printer who it is if that is not known, and raises 1100, source
+    /// "Datalink:RequireGeneration", when the generation is another one. With another one already
+    /// nothing is sent. Raises what ModelText raises.
+    void RequireGeneration(std::int32_t lGeneration);
 
     /// What the link's own parts share. Of use to them alone: hosts see no more than its name.
     LinkState& State() { return *mState; }

@@ -84,6 +84,11 @@ class clsQuorin {
     /// Puts another table in its place; with null the next operation that needs one makes it anew.
     void SetPrinterDevices(std::shared_ptr<PrinterDeviceTable> devices);
 
+    /// Lets go of PrinterDevices when it was made in another generation of the link's live state:
+    /// its listings are then those of a former printer. For whoever begins an operation; one that
+    /// runs keeps its table.
+    void ForgetFormerPrinter();
+
     /// The storage devices that the connected model has, such as "c:": what is built in and can be
     /// written first, then the cards, read-only storage last. Fills PrinterDevices when it is
     /// empty, asking the printer for its model when that is not known, and sends nothing else.
@@ -293,7 +298,8 @@ class clsQuorin {
     Desktop& mDesktop;
     HostFiles& mFiles;
     std::shared_ptr<PrinterDeviceTable> mPrinterDevices;
-    bool mModelMissing = false; ///< the table was built while no printer told its model
+    bool mModelMissing = false;        ///< the table was built while no printer told its model
+    std::int32_t mTableGeneration = 0; ///< in which the table was made
     std::shared_ptr<PrinterSetup> mPrinterSetupItems;
     Collection<std::string> mFontFilter;     ///< upper-case names, keyed by themselves
     std::unique_ptr<HostFile> mRefusedImage; ///< last found to be no image, kept open

@@ -50,6 +50,8 @@ class PDQComm final : public SerialControl {
     bool IsFunctional() const override { return true; }
     std::int16_t PortNumber() const override { return mPortNumber; }
     void SetPortNumber(std::int16_t iPort) override;
+    std::string PortTarget() const override;
+    std::string WhyClosed() const override;
     std::string PortSettings() const override { return mSettingsText; }
     void SetPortSettings(const std::string& sSettings) override;
     std::int16_t Handshaking() const override;

@@ -1,0 +1,91 @@
+#pragma once
+
+#include <cstdint>
+#include <string>
+#include <string_view>
+
+namespace qncomm {
+
+/// What has become of the line.
+enum enumLineState : std::int16_t {
+    LineUnknown = 0, ///< nobody has tried to open it
+    LineClosed = 1,  ///< given back, or it could not be opened
+    LineOpen = 2,    ///< open, and ours
+    LineLost = 3,    ///< the device went away while it was open
+    LineBusy = 4,    ///< another program holds it
+};
+
+/// What the printer does.
+enum enumPrinterActivity : std::int16_t {
+    PrinterUnknown = 0,   ///< nothing says; always so on a line that is not open
+    PrinterSilent = 1,    ///< it was asked and did not answer
+    PrinterAtPrompt = 2,  ///< it takes commands
+    PrinterRunning = 3,   ///< it carries something out, its program or a command
+    PrinterAsking = 4,    ///< its program waits for a line to be typed
+    PrinterReceiving = 5, ///< it takes the bytes of a file
+    PrinterRebooting = 6, ///< it was told to restart and has not answered since
+};
+
+/// What something was learnt from.
+enum enumLearntFrom : std::int16_t {
+    LearntNot = 0,      ///< from nothing: it is not known
+    LearntReply = 1,    ///< the reply to a command of this link, known by its echo
+    LearntText = 2,     ///< text that came by itself or was asked for elsewhere
+    LearntSilence = 3,  ///< a wait that ended without an answer
+    LearntCommand = 4,  ///< what was sent, whose reply has not been seen
+    LearntTransfer = 5, ///< a file transfer
+    LearntSearch = 6,   ///< the search for the printer
+    LearntPort = 7,     ///< the port: opened, refused, closed or lost
+};
+
+/// Something known, with when and how. A later proof of the same renews both.
+template <class T>
+struct Learnt {
+    T value{};                       ///< what is known; its default where nothing is
+    std::int64_t at = 0;             ///< ms of the message loop's clock; 0 before anything is known
+    enumLearntFrom from = LearntNot; ///< what it was learnt from
+};
+
+/// Who the printer is.
+struct PrinterIdentity {
+    std::string model;   ///< the text that holds the model code; empty when it is not known
+    std::string version; ///< the firmware's text; empty when it is not known
+
+    /// Whether the printer has told.
+    bool IsKnown() const { return !model.empty(); }
+    /// Whether both texts are the same.
+    bool operator==(const PrinterIdentity&) const = default;
+};
+
+/// Where the printer is.
+struct PrinterPlace {
+    std::int16_t port = 0; ///< the port's number, 0 to 16
+    std::string name;      ///< what that number stands for; empty where the serial control has none
+    std::string settings;  ///< such as "9600,N,8,1", and behind another comma the flow control
+
+    /// Whether number, name and settings are the same.
+    bool operator==(const PrinterPlace&) const = default;
+};
+
+/// What is known of line and printer at a moment: learnt from what passes on the line anyway,
+/// nothing is sent for it. A plain value.
+struct LiveState {
+    Learnt<enumLineState> line;          ///< the line
+    std::string lineDetail;              ///< why it was lost or refused, who holds it; for a person
+    Learnt<enumPrinterActivity> printer; ///< what the printer does
+    Learnt<PrinterIdentity> identity;    ///< who it is; unknown again once it must be asked anew
+    Learnt<PrinterPlace> place;          ///< where it is
+    /// What was read from the printer belongs to the generation in which it was read: the number
+    /// changes with port, settings and identity, after the line was lost, and when a search found
+    /// nobody. It only ever grows.
+    std::int32_t generation = 1;
+};
+
+/// The word for a state, such as "at prompt"; "unknown" for a number that is none.
+std::string_view WordFor(enumLineState state);
+/// The word for what the printer does.
+std::string_view WordFor(enumPrinterActivity activity);
+/// The word for what something was learnt from; "nothing" for LearntNot.
+std::string_view WordFor(enumLearntFrom from);
+
+} // namespace qncomm
