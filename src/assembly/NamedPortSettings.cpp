@@ -3,6 +3,7 @@
 #include "LineSettings.h"
 #include "common/Numbers.h"
 #include "common/Text.h"
+#include "link/LinkOptions.h"
 
 #include <utility>
 
@@ -12,7 +13,7 @@ NamedPortSettings::NamedPortSettings(std::shared_ptr<RegSettings> store, std::in
                                      const std::string& sAddress)
     : mStore(std::move(store)),
       mPort(ToText(std::int32_t{iPort})),
-      mSection("Connection " + sAddress) {}
+      mSection(ConnectionSection(sAddress)) {}
 
 std::string NamedPortSettings::ReadValue(std::string_view sSection, std::string_view sKey,
                                          std::string_view sDefault) const {

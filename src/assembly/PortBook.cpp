@@ -152,7 +152,18 @@ std::shared_ptr<RegSettings> PortBook::SettingsFor(const ChosenPort& port) const
 
 std::string PortBook::GiveOption(const ChosenPort& port, std::string_view sName,
                                  std::string_view sValue) {
-    return mBindings.Give(port.number, WithOption(port.address, sName, sValue));
+    std::string wrong = mBindings.Give(port.number, WithOption(port.address, sName, sValue));
+    if (wrong.empty()) mPlainAddresses[port.number] = port.address;
+    return wrong;
+}
+
+std::string PortBook::AddressOf(std::int16_t iPort) const {
+    const PortBinding* binding = mBindings.Find(iPort);
+    if (binding == nullptr) return {};
+    const auto plain = mPlainAddresses.find(iPort);
+    const bool given =
+        plain != mPlainAddresses.end() && binding->address.text.starts_with(plain->second);
+    return given ? plain->second : binding->address.text;
 }
 
 std::string PortBook::GiveLabels(const ChosenPort& port, const std::string& sFolder) {

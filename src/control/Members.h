@@ -20,7 +20,8 @@ struct QNComm::Members {
         : keep(std::move(kept)),
           loop(services.loop),
           dialogs(services.loop, services.forms),
-          link(LinkHost{loop, services.desktop, dialogs, services.hostFiles, firstGeneration}),
+          link(LinkHost{loop, services.desktop, dialogs, services.hostFiles, firstGeneration,
+                        services.link}),
           quorin(link, services.desktop, services.hostFiles) {}
 
     std::shared_ptr<void> keep; ///< destroyed last

@@ -197,15 +197,13 @@ void AutoConnectSearch::Learn(const SetupReply& setup) {
     }
     mState.NotePlace();
     mState.live.Printer(PrinterAtPrompt, LearntSearch);
-    MoveToFront(mState.autoConnectBaudrates, mRate);
-    MoveToFront(mState.frameFormats, mFormat);
-    constexpr std::array flowTexts = {", No Flowcontrol", ", Xon/Xoff", ", RTS/CTS",
-                                      ", RTS/CTS, Xon/Xoff"};
-    mState.ReportStatus("Printer connected through UART" + ToText(std::int32_t{mState.link.Stdio()})
-                            + ": at " + mState.baudrate + ", " + mState.parity + ", "
-                            + mState.databits + ", " + mState.stopbits
-                            + flowTexts[static_cast<std::size_t>(setup.flowcontrol)],
-                        ProgressDone);
+    if (mState.RemembersPrinters()) { // the port's printer, not the order for all ports
+        mState.Remember(mPort, {});
+    } else {
+        MoveToFront(mState.autoConnectBaudrates, mRate);
+        MoveToFront(mState.frameFormats, mFormat);
+    }
+    mState.ReportConnected();
     mState.link.SetImmediateMode(true);
     mState.outOfStep = false; // it has answered, and nothing else is on its way
 }

@@ -6,12 +6,12 @@
 #include "common/Text.h"
 #include "common/modErrorHandling.h"
 
+#include <utility>
+
 namespace qncomm {
 namespace {
 
 constexpr std::size_t VersionReplyLines = 4;
-constexpr std::string_view AlternativeModePrefix = "Tavrel Protocol ";
-
 constexpr std::int32_t HandshakeTimeout = 1000;
 /// After a failed exchange the answers to what it sent may follow: this much silence ends them.
 constexpr std::int32_t ResyncQuiet = 100;
@@ -38,6 +38,8 @@ std::int16_t WholeNumberOrZero(std::string_view line) {
     return value >= -32768 && value <= 32767 ? ToInt16(value) : std::int16_t{0};
 }
 
+constexpr std::string_view AlternativeModePrefix = "Tavrel Protocol ";
+
 /// The firmware text as it is kept: a "V" on this model marks the command mode that runs no
 /// programs.
 std::string FirmwareText(std::string text, const std::string& model) {
@@ -47,6 +49,13 @@ std::string FirmwareText(std::string text, const std::string& model) {
 }
 
 } // namespace
+
+std::optional<PrinterIdentity> IdentityIn(const std::vector<std::string>& reply) {
+    if (reply.size() != VersionReplyLines || reply.back() != "Ok") return std::nullopt;
+    std::string model = Trim(CollapseSpaces(reply[2]));
+    std::string firmware = FirmwareText(Trim(CollapseSpaces(reply[1])), model);
+    return PrinterIdentity{std::move(model), std::move(firmware)};
+}
 
 std::int16_t clsDataLink::Stdio() const {
     return mState->stdio == 0 ? std::int16_t{1} : mState->stdio;
@@ -72,7 +81,7 @@ const std::string& clsDataLink::VersionText() {
 
 void LinkState::GetVersion() {
     PortClaim claim = link.AcquirePort();
-    if (!claim) return;
+    if (!claim || !modelText.empty()) return; // a remembered printer has said it to the claim
     link.OutputText("PRINT VERSION$(0):PRINT VERSION$(1)\r\n", true);
     std::vector<std::string> lines;
     bool answered = true;
@@ -83,13 +92,15 @@ void LinkState::GetVersion() {
         answered = false; // some other reply came, which says no more than one that is too short
     }
     claim.Release();
-    if (!answered || lines.size() != VersionReplyLines || lines.back() != "Ok") {
+    const auto identity = answered ? IdentityIn(lines) : std::nullopt;
+    if (!identity) {
         link.SetImmediateMode(false);
         RaiseError(ErrProtocol, "Datalink:GetVersion");
     }
-    modelText = Trim(CollapseSpaces(lines[2]));
-    versionText = FirmwareText(Trim(CollapseSpaces(lines[1])), modelText);
-    live.Identity({modelText, versionText}, LearntReply);
+    modelText = identity->model;
+    versionText = identity->version;
+    live.Identity(*identity, LearntReply);
+    Remember(ToInt16(Val(commport)), *identity);
 }
 
 void LinkState::Handshake() {

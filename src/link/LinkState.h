@@ -1,6 +1,7 @@
 #pragma once
 
 #include "AwaitedEcho.h"
+#include "RememberedPrinter.h"
 #include "StateKeeper.h"
 #include "common/StopWatch.h"
 #include "link/clsDataLink.h"
@@ -69,7 +70,9 @@ struct LinkState {
     bool IsExclusive() const;
     /// A claim that opens the port and sends nothing.
     PortClaim ClaimLine(bool exclusive);
-    bool FindPrinter(bool exclusive);
+    /// Finds the printer unless it is known and puts it into the modes that the exchange relies
+    /// on; False when there is none.
+    bool PreparePrinter(bool exclusive);
     void OpenPort();
     void ClosePort();
     void RaisePortState(bool open);
@@ -129,6 +132,19 @@ struct LinkState {
     /// is nobody's.
     void SpoilInputLine();
 
+    // -- RememberedPrinter.cpp
+
+    /// Whether anything is kept of the printers.
+    bool RemembersPrinters() const;
+    /// Takes the settings that are remembered of the chosen port, if any are.
+    void Recall();
+    /// Keeps the settings, the channel and who it is of the printer that has answered on a port.
+    void Remember(std::int16_t port, const PrinterIdentity& identity);
+    /// Speaks to the printer that the chosen port had last, at the settings that the open port has.
+    Meeting MeetRemembered();
+    /// Tells that a printer was found, and where.
+    void ReportConnected();
+
     // -- Identification.cpp, Reboot.cpp, FileTransfer.cpp
 
     void Handshake();
@@ -149,6 +165,7 @@ struct LinkState {
     int settingSeveral = 0; ///< the settings are changing one by one to what they are to be
 
     std::string commport;
+    std::string recalledPort; ///< the port whose remembered settings were taken
     std::string baudrate;
     std::string parity;
     std::string databits;

@@ -40,17 +40,23 @@ PortClaim LinkState::ClaimLine(bool exclusive) {
 PortClaim clsDataLink::AcquirePort(bool bExclusive) {
     PortClaim claim = mState->ClaimLine(bExclusive);
     if (!claim) return claim;
-    if ((mState->dsrDetectActive && !IsDSRActive()) || !mState->FindPrinter(bExclusive)) {
+    if ((mState->dsrDetectActive && !IsDSRActive()) || !mState->PreparePrinter(bExclusive)) {
         claim.Release();
         return {};
     }
-    PurgePort();
-    mState->Handshake();
     return claim;
 }
 
-bool LinkState::FindPrinter(bool exclusive) {
-    return immediateMode || link.AutoConnect(ToInt16(Val(commport)), exclusive);
+bool LinkState::PreparePrinter(bool exclusive) {
+    if (!immediateMode) {
+        const Meeting meeting = MeetRemembered();
+        if (meeting == Meeting::Met) return true;
+        if (meeting == Meeting::Cancelled) return false;
+        if (!link.AutoConnect(ToInt16(Val(commport)), exclusive)) return false;
+    }
+    link.PurgePort();
+    Handshake();
+    return true;
 }
 
 void clsDataLink::ReleasePort(bool bClearTag, bool bForce) {

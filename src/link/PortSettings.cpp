@@ -262,6 +262,7 @@ void LinkState::LoadCommSettings() {
                 Succeeds([&set = setter] {
                     set(std::string(NotStored));
                 }); // a bad value is as good as none
+        Recall();
     }
     NotePlace();
     for (std::size_t i = 0; i < DefaultBaudrates.size(); ++i) {

@@ -94,6 +94,8 @@ void Session::Wire() {
     qncomm::ControlAssembly::Options options;
     if (!mPort.address.empty()) options.bindings = mBook.Bindings();
     options.trace = mTrace.get();
+    options.link = {.remembered = true,
+                    .addressOf = [this](std::int16_t port) { return mBook.AddressOf(port); }};
     mAssembly = std::make_unique<qncomm::ControlAssembly>(mLoop, mDesk.Services(), mDesk.View(),
                                                           std::move(options));
     mDesk.Host().Hold(&Control());

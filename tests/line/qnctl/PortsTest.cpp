@@ -39,14 +39,14 @@ TEST_F(Ports, APortNamedForOneRunLeavesTheConfiguredOneAlone) {
     EXPECT_THAT(info.out, HasSubstr(Printer() + ") at 19200,N,8,2")) << info.err;
 }
 
-TEST_F(Ports, ASecondCallTriesWhatAnsweredLastFirst) {
+TEST_F(Ports, ASecondCallSpeaksToWhatAnsweredLast) {
     StartSimulator({"--baud", "2400", "--format", "n,8,1"});
     const Ended first = Run({"connect", "--port", Printer()});
     EXPECT_THAT(first.err, HasSubstr("Searching... 9600,m,8,2\n"));
     const Ended second = Run({"connect", "--port", Printer()});
     EXPECT_EQ(second.status, 0);
-    EXPECT_THAT(second.err, Not(HasSubstr("Searching... 9600")));
-    EXPECT_THAT(second.err, HasSubstr("Searching... 2400"));
+    EXPECT_THAT(second.err, Not(HasSubstr("Searching")));
+    EXPECT_THAT(second.err, HasSubstr("at 2400"));
 }
 
 TEST_F(Ports, ShowsTheSearchLiveAndTheSettingsThatItFound) {

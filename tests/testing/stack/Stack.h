@@ -12,6 +12,7 @@
 
 #include <memory>
 #include <string>
+#include <utility>
 #include <vector>
 
 namespace qncomm::testing {
@@ -21,9 +22,9 @@ class Stack {
   public:
     /// settings: what the store holds before the link loads it.
     Stack(Reactor& reactor, const std::string& address,
-          const std::vector<SettingValue>& settings = {})
+          const std::vector<SettingValue>& settings = {}, LinkOptions options = {})
         : mSerial(reactor, Bound(address)),
-          mLink(LinkHost{reactor, mDesktop, mDialogs, SystemFiles()}) {
+          mLink(LinkHost{reactor, mDesktop, mDialogs, SystemFiles(), 1, std::move(options)}) {
         mSettings->WriteValue("Settings", "Commport", "1");
         mSettings->WriteValues(settings);
         mLink.SetSerialPort(&mSerial);

@@ -177,6 +177,9 @@ TEST_F(Ports, AnOptionIsAddedForThisRunAlone) {
     EXPECT_EQ(book.GiveOption(port, "labels", "/tmp/l"), "");
     EXPECT_EQ(book.Bindings().Find(5)->address.text, "sim:R7A?labels=/tmp/l");
     EXPECT_EQ(Stored("Ports", "COM5"), "sim:R7A");
+    EXPECT_EQ(book.AddressOf(5), "sim:R7A") << "what is remembered belongs to the printer";
+    EXPECT_EQ(book.AddressOf(1), "/dev/ttyUSB0");
+    EXPECT_EQ(book.AddressOf(9), "");
     EXPECT_NE(book.GiveOption(book.Choose("sim:R7G"), "nonsense", "1"), "");
 }
 

@@ -13,6 +13,8 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <utility>
+
 namespace qncomm::testing {
 
 using Lines = std::vector<std::string>;
@@ -45,7 +47,8 @@ class FakeDialogs : public LinkDialogs {
 /// A link on a scripted line and a driven clock, with settings loaded from an empty store.
 class LinkFixture : public ::testing::Test {
   protected:
-    LinkFixture() {
+    explicit LinkFixture(LinkOptions options = {})
+        : mLink(LinkHost{mLoop, mDesktop, mDialogs, SystemFiles(), 1, std::move(options)}) {
         mSerial.mValidPorts = {1};
         mLink.SetSerialPort(&mSerial);
         mLink.SetRegSettings(mSettings);
@@ -77,7 +80,7 @@ class LinkFixture : public ::testing::Test {
     FakeDialogs mDialogs;
     std::shared_ptr<MemorySettings> mSettings = std::make_shared<MemorySettings>();
     ScriptedSerial mSerial{mLoop};
-    clsDataLink mLink{LinkHost{mLoop, mDesktop, mDialogs, SystemFiles()}};
+    clsDataLink mLink;
     Subscription mStatus;
     Subscription mPortState;
     Lines mMessages;

@@ -8,7 +8,7 @@ namespace qncomm::testing {
 /// A link on a line at whose end a printer answers to one combination of settings.
 class SearchFixture : public LinkFixture {
   protected:
-    SearchFixture() {
+    explicit SearchFixture(LinkOptions options = {}) : LinkFixture(std::move(options)) {
         mSerial.OnSend([this](std::string& sent) { Listen(sent); });
     }
 
@@ -25,6 +25,7 @@ class SearchFixture : public LinkFixture {
     std::string mSettingsThatWork = "57600,n,8,2";
     int mChannel = 1;
     Lines mSetup = SetupOf("UART1");
+    std::string mVersion = "1.0\r\nR7A\r\n";
     bool mSaysOk = true;
     std::int32_t mAnswersAfter = 10; ///< ms for a line; they are answered one after another
     std::int32_t mOpenTakes = 0;     ///< ms more for a line that opens a channel
@@ -55,7 +56,9 @@ class SearchFixture : public LinkFixture {
         std::string reply = line + "\r\n";
         if (line.find("HELLO") != std::string::npos) reply += "HELLO\r\n";
         if (line.find("UART" + std::to_string(mChannel) + ":\" FOR OUTPUT") != std::string::npos)
-            reply += "=" + std::to_string(mChannel) + "\r\n";
+            reply += line.find("VERSION$") == std::string::npos
+                         ? "=" + std::to_string(mChannel) + "\r\n"
+                         : mVersion;
         if (line.find("SETUP WRITE") != std::string::npos)
             for (const std::string& item : mSetup) {
                 reply += item + "\r\n";
@@ -64,7 +67,7 @@ class SearchFixture : public LinkFixture {
                 mFreeAt += mItemTakes;
             }
         if (line.starts_with("PRINT SYSVAR")) reply += "-1\r\n2\r\n";
-        if (line.starts_with("PRINT VERSION")) reply += "1.0\r\nR7A\r\n";
+        if (line.starts_with("PRINT VERSION")) reply += mVersion;
         if (mSaysOk) reply += "Ok\r\n";
         Say(reply);
     }

@@ -86,6 +86,8 @@ void MainWindow::BuildCentre(qncomm::TraceSink* trace) {
     qncomm::ControlAssembly::Options options;
     options.bindings = mBook.Bindings();
     options.trace = trace;
+    options.link = {.remembered = true,
+                    .addressOf = [this](std::int16_t port) { return mBook.AddressOf(port); }};
     mControl = new qncomm::QNCommWidget(qncomm::QNCommWidget::RunMode, nullptr, std::move(options));
     mControl->setRegSettings(mBook.SettingsFor(port));
     mOperations = new Operations(mControl->control(),

@@ -2,6 +2,7 @@
 
 #include "assembly/TerminalViewport.h"
 #include "control/QNComm.h"
+#include "link/LinkOptions.h"
 #include "platform/Reactor.h"
 #include "serial/PDQComm.h"
 #include "terminal/Terminal.h"
@@ -28,9 +29,12 @@ class ControlAssembly {
   public:
     /// What a host may choose; the defaults bind no port.
     struct Options {
-        PortBindings bindings = {};           ///< which address each port number stands for
-        TraceSink* trace = nullptr;           ///< may be null
-        Terminal::Options grid = {};          ///< the grid's size and its scroll-back
+        PortBindings bindings = {};  ///< which address each port number stands for
+        TraceSink* trace = nullptr;  ///< may be null
+        Terminal::Options grid = {}; ///< the grid's size and its scroll-back
+        /// In place of the services'. Without functions of a host's own, addresses are those of
+        /// the bindings and times those of this machine.
+        LinkOptions link = {};
         ChannelFactory factory = MakeChannel; ///< makes the byte channel of an address
         /// Kept as long as anything of the control is still on the stack.
         std::shared_ptr<void> keep = {};

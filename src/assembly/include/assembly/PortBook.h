@@ -5,6 +5,7 @@
 #include "serial/SerialDevices.h"
 
 #include <cstdint>
+#include <map>
 #include <memory>
 #include <optional>
 #include <string>
@@ -76,6 +77,10 @@ class PortBook {
     /// an empty text, or why the address does not take it.
     std::string GiveOption(const ChosenPort& port, std::string_view sName, std::string_view sValue);
 
+    /// What a port number stands for, without the options that this run has added; empty for a
+    /// number that stands for nothing. What is remembered of a printer belongs to it.
+    std::string AddressOf(std::int16_t iPort) const;
+
     /// Has a virtual printer write its labels to the folder, unless its address names one already.
     /// Returns the folder that it writes to; empty when it writes to none or the port is another
     /// kind.
@@ -91,6 +96,7 @@ class PortBook {
 
     std::shared_ptr<RegSettings> mStore;
     PortBindings mBindings;
+    std::map<std::int16_t, std::string> mPlainAddresses; ///< of numbers with options of this run
     std::vector<std::string> mWarnings;
 };
 

@@ -10,6 +10,7 @@
 #include "control/ControlHost.h"
 #include "control/ViewportTerminal.h"
 #include "dialogs/FormWindows.h"
+#include "link/LinkOptions.h"
 #include "link/SerialControl.h"
 
 #include <memory>
@@ -21,14 +22,15 @@ namespace qncomm {
 /// None is owned. They must live until one turn of the loop after the control is destroyed and its
 /// last running operation has returned.
 struct ControlServices {
-    MessageLoop& loop;    ///< every wait of an operation yields to it
-    Desktop& desktop;     ///< message boxes, and the log of what was refused
-    InputBoxes& inputs;   ///< what text macros ask
-    Clipboard& clipboard; ///< of CopyCB and PasteCB
-    FileDialogs& files;   ///< asks which files toolbar and dialogs send and receive
-    Launcher& launcher;   ///< starts the programs of function keys
-    FormWindows& forms;   ///< shows the four dialogs
-    HostFiles& hostFiles; ///< the files of this machine that operations read and write
+    MessageLoop& loop;     ///< every wait of an operation yields to it
+    Desktop& desktop;      ///< message boxes, and the log of what was refused
+    InputBoxes& inputs;    ///< what text macros ask
+    Clipboard& clipboard;  ///< of CopyCB and PasteCB
+    FileDialogs& files;    ///< asks which files toolbar and dialogs send and receive
+    Launcher& launcher;    ///< starts the programs of function keys
+    FormWindows& forms;    ///< shows the four dialogs
+    HostFiles& hostFiles;  ///< the files of this machine that operations read and write
+    LinkOptions link = {}; ///< what its link does beyond the usual
 };
 
 /// What a control is put together from. None but keep is owned; they live as long as the services.

@@ -7,6 +7,7 @@
 #include "common/MessageLoop.h"
 #include "common/RegSettings.h"
 #include "link/LinkDialogs.h"
+#include "link/LinkOptions.h"
 #include "link/LiveState.h"
 #include "link/PortClaim.h"
 #include "link/SerialControl.h"
@@ -46,6 +47,7 @@ struct LinkHost {
     /// The number of the first generation of LiveState: for a host that puts one link in the place
     /// of another, so that no list of the former counts as the latter's.
     std::int32_t firstGeneration = 1;
+    LinkOptions options = {}; ///< all off
 };
 
 /// Owns the one serial port through which the system talks to one printer: its settings, counted

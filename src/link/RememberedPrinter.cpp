@@ -1,0 +1,241 @@
+// The printer that answered last on a port: what is kept of it, and how it is spoken to again
+// without a search.
+
+#include "RememberedPrinter.h"
+
+#include "LinkState.h"
+#include "common/Numbers.h"
+#include "common/QNError.h"
+#include "common/StopWatch.h"
+#include "common/Text.h"
+
+#include <algorithm>
+#include <array>
+#include <utility>
+
+namespace qncomm {
+namespace {
+
+// -- What is kept
+
+constexpr std::string_view ChannelKey = "Channel";
+constexpr std::string_view ModelKey = "Model";
+constexpr std::string_view FirmwareKey = "Firmware";
+constexpr std::string_view AnsweredKey = "Answered";
+/// As much of the time of the last answer as a new one must differ in to be written: the hour.
+constexpr std::size_t HourLength = std::string_view("2026-11-22T09").size();
+
+struct LineValue {
+    std::string_view key;
+    std::string LinkState::*value;
+    void (clsDataLink::*set)(std::string_view);
+};
+
+constexpr std::array LineValues{
+    LineValue{"Baudrate", &LinkState::baudrate, &clsDataLink::SetBaudrate},
+    LineValue{"Parity", &LinkState::parity, &clsDataLink::SetParity},
+    LineValue{"Databits", &LinkState::databits, &clsDataLink::SetDatabits},
+    LineValue{"Stopbits", &LinkState::stopbits, &clsDataLink::SetStopbits},
+    LineValue{"FlowControl", &LinkState::flowcontrol, &clsDataLink::SetFlowcontrol},
+};
+
+/// The port's own section of the store.
+class KeptConnection {
+  public:
+    KeptConnection(LinkState& state, std::int16_t port) : mState(state) {
+        const auto& addressOf = state.host.options.addressOf;
+        const std::string address = addressOf ? addressOf(port) : std::string();
+        mSection =
+            ConnectionSection(address.empty() ? "COM" + ToText(std::int32_t{port}) : address);
+    }
+
+    std::string Value(std::string_view key) const {
+        return mState.settings->ReadValue(mSection, key, "");
+    }
+
+    RememberedPrinter Read() const {
+        const double channel = Val(Value(ChannelKey));
+        if (channel < 1 || channel > 3) return {};
+        return {ToInt16(channel), {Value(ModelKey), Value(FirmwareKey)}};
+    }
+
+    void Write(const RememberedPrinter& printer) {
+        for (const LineValue& line : LineValues)
+            Set(line.key, mState.*line.value);
+        Set(ChannelKey, ToText(std::int32_t{printer.channel}));
+        Set(ModelKey, printer.identity.model);
+        Set(FirmwareKey, printer.identity.version);
+        const auto& timeOfDay = mState.host.options.timeOfDay;
+        const std::string now = timeOfDay ? timeOfDay() : std::string();
+        if (!Value(AnsweredKey).starts_with(now.substr(0, HourLength))) Set(AnsweredKey, now);
+        if (!mChanged.empty()) mState.settings->WriteValues(mChanged);
+    }
+
+  private:
+    void Set(std::string_view key, const std::string& value) {
+        if (Value(key) != value) mChanged.push_back({mSection, std::string(key), value});
+    }
+
+    LinkState& mState;
+    std::string mSection;
+    std::vector<SettingValue> mChanged;
+};
+
+// -- Speaking to it
+
+/// How long the line must have been silent before anything is said. A printer whose program runs
+/// is spoken to by the search alone.
+constexpr std::int32_t ListenMs = 5;
+/// A printer echoes what is typed at once. Nobody is there when the first word has not come back
+/// so long after it has travelled.
+constexpr std::int32_t EchoMs = 100;
+constexpr std::int32_t ReplyMs = 1000; ///< the longest silence before the reply has ended
+constexpr std::int32_t LongestReply = 5000;
+
+constexpr std::string_view FirstWord = "IMMEDIATE";
+constexpr std::string_view EndOfReply = "Ok\r\n";
+
+/// Puts the printer into the modes of a claim and has it say who it is, through the channel that
+/// the host is wired to: one reply proves settings, identity and channel.
+std::string GreetingFor(std::int16_t channel) {
+    return std::string(FirstWord) + " ON:SYSVAR(18)=-1:SYSVAR(19)=2:OPEN\"UART"
+           + ToText(std::int32_t{channel})
+           + ":\" FOR OUTPUT AS #68:PRINT#68,VERSION$(0):PRINT#68,VERSION$(1):CLOSE68\r\n";
+}
+
+std::int32_t TravelMs(std::size_t bytes, const std::string& baudrate) {
+    constexpr double bitsOfOne = 11;
+    return static_cast<std::int32_t>(1000 * bitsOfOne * static_cast<double>(bytes)
+                                     / std::max(Val(baudrate), 300.0));
+}
+
+/// Waits until done says that it is enough: then True. False when nothing came for silence ms, when
+/// longest ms have passed or the port is closed.
+template <class Done>
+bool AwaitSign(LinkState& state, std::int32_t silence, std::int32_t longest, Done done) {
+    const StopWatch whole(state.host.loop);
+    StopWatch quiet(state.host.loop);
+    std::uint64_t heard = state.arrivals;
+    while (!done()) {
+        if (std::exchange(heard, state.arrivals) != state.arrivals) quiet.Restart();
+        const std::int32_t left =
+            std::min(quiet.UntilExceeds(silence), whole.UntilExceeds(longest));
+        if (left == 0 || !state.Serial().PortOpen()) return false;
+        state.Yield(left);
+    }
+    return true;
+}
+
+/// What the greeted printer has said; nothing when nobody has answered.
+std::optional<std::vector<std::string>> Greet(LinkState& state, std::int16_t channel) {
+    const std::string greeting = GreetingFor(channel);
+    state.ClearReceived();
+    state.SpoilInputLine();
+    state.Serial().Write(greeting);
+    state.echo.Sent(greeting);
+    const std::int32_t echoMs = EchoMs + TravelMs(FirstWord.size(), state.baudrate);
+    if (!AwaitSign(state, echoMs, echoMs, [&] {
+            return Strip8thBit(state.received).find(FirstWord) != std::string::npos;
+        }))
+        return std::nullopt;
+    if (!AwaitSign(state, ReplyMs, LongestReply + TravelMs(2 * greeting.size(), state.baudrate),
+                   [&] {
+                       return state.BeginsWithEcho()
+                              && state.received.find(EndOfReply) != std::string::npos;
+                   }))
+        return std::nullopt;
+    std::vector<std::string> lines;
+    state.TakeReceivedLines(lines);
+    return lines;
+}
+
+/// Why the remembered printer was not met; empty when it was, and its identity is then known.
+std::string Meet(LinkState& state, RememberedPrinter& known) {
+    const std::string settings = "remembered settings " + LowerCase(state.link.SettingsText());
+    state.ClearReceived();
+    if (AwaitSign(state, ListenMs, ListenMs, [&] { return !state.received.empty(); }))
+        return "Something speaks at the " + settings;
+    auto reply = Greet(state, known.channel);
+    // A line that another program has left unfinished was refused together with the greeting.
+    if (reply && !IdentityIn(*reply)) reply = Greet(state, known.channel);
+    if (!reply) return "The " + settings + " were not answered";
+    const auto identity = IdentityIn(*reply);
+    if (!identity) return "Another channel answers at the " + settings;
+    if (known.identity != PrinterIdentity{} && known.identity != *identity)
+        return "Another printer answers at the " + settings;
+    known.identity = *identity;
+    return {};
+}
+
+} // namespace
+
+std::string ConnectionSection(std::string_view sAddress) {
+    return "Connection " + std::string(sAddress);
+}
+
+bool LinkState::RemembersPrinters() const {
+    return host.options.remembered && settings != nullptr;
+}
+
+void LinkState::Recall() {
+    if (!RemembersPrinters()) return;
+    recalledPort = commport;
+    const KeptConnection kept(*this, ToInt16(Val(commport)));
+    if (kept.Read().channel == 0) return;
+    {
+        const CountedScope several(settingSeveral);
+        for (const LineValue& line : LineValues) {
+            const std::string value = kept.Value(line.key);
+            if (value == this->*line.value) continue;
+            try {
+                (link.*line.set)(value);
+            } catch (const QNError& error) { // someone has edited the store
+                host.desktop.Log(error.Description());
+            }
+        }
+    }
+    NotePlace();
+}
+
+void LinkState::Remember(std::int16_t port, const PrinterIdentity& identity) {
+    if (!RemembersPrinters()) return;
+    try {
+        KeptConnection(*this, port).Write({link.Stdio(), identity});
+    } catch (const QNError& error) { // a store that takes nothing costs the next program a search
+        host.desktop.Log(error.Description());
+    }
+}
+
+Meeting LinkState::MeetRemembered() {
+    if (!RemembersPrinters() || outOfStep) return Meeting::NotMet;
+    if (recalledPort != commport) Recall();
+    const std::int16_t port = ToInt16(Val(commport));
+    RememberedPrinter known = KeptConnection(*this, port).Read();
+    if (known.channel == 0 || !Serial().PortOpen()) return Meeting::NotMet;
+    const std::string why = Meet(*this, known);
+    ClearReceived();
+    if (!why.empty())
+        return ReportStatus(why + ". Searching...", 0) ? Meeting::Cancelled : Meeting::NotMet;
+    stdio = known.channel;
+    modelText = known.identity.model;
+    versionText = known.identity.version;
+    link.SetImmediateMode(true);
+    live.Printer(PrinterAtPrompt, LearntReply);
+    live.Identity(known.identity, LearntReply);
+    Remember(port, known.identity);
+    ReportConnected();
+    return Meeting::Met;
+}
+
+void LinkState::ReportConnected() {
+    constexpr std::int16_t done = 100;
+    constexpr std::array flowTexts = {", No Flowcontrol", ", Xon/Xoff", ", RTS/CTS",
+                                      ", RTS/CTS, Xon/Xoff"};
+    const auto flow = static_cast<std::size_t>(ToInt32(Val(flowcontrol)));
+    ReportStatus("Printer connected through UART" + ToText(std::int32_t{link.Stdio()}) + ": at "
+                     + baudrate + ", " + parity + ", " + databits + ", " + stopbits
+                     + flowTexts[flow],
+                 done);
+}
+
+} // namespace qncomm

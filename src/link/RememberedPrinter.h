@@ -1,0 +1,22 @@
+#pragma once
+
+#include "Identity.h"
+
+#include <cstdint>
+
+namespace qncomm {
+
+/// What the store holds of the printer that answered last on one port.
+struct RememberedPrinter {
+    std::int16_t channel = 0; ///< the printer's channel that the host is wired to; 0: none answered
+    PrinterIdentity identity; ///< empty texts where nobody has asked yet
+};
+
+/// What has come of speaking to the remembered printer.
+enum class Meeting {
+    Met,       ///< it has answered, and is in the modes that the exchange relies on
+    NotMet,    ///< nothing is remembered, or it is to be searched for
+    Cancelled, ///< a handler of StatusEvent wants no search
+};
+
+} // namespace qncomm

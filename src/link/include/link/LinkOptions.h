@@ -1,0 +1,27 @@
+#pragma once
+
+#include <cstdint>
+#include <functional>
+#include <string>
+#include <string_view>
+
+namespace qncomm {
+
+/// What a host may switch on beyond what a link does by itself.
+struct LinkOptions {
+    /// Keeps in the store what is known of the printer on each port, and speaks to it at once where
+    /// it still answers so: the search comes only when it does not. What one port has taught then
+    /// changes nothing for the search of another.
+    bool remembered = false;
+    /// What a port number stands for, such as "/dev/ttyUSB0": what is remembered belongs to that.
+    /// Empty, or an empty answer: to the number.
+    std::function<std::string(std::int16_t)> addressOf = {};
+    /// The time of day as a text, such as "2026-11-22T09:45:10Z", kept as that of the last answer.
+    /// May be empty: then no time is kept.
+    std::function<std::string()> timeOfDay = {};
+};
+
+/// The section of the store for what is remembered of one address.
+std::string ConnectionSection(std::string_view sAddress);
+
+} // namespace qncomm
