@@ -236,9 +236,13 @@ std::string AutoConnectSearch::Collect(std::int32_t silence, const Judge& limitO
 
 bool AutoConnectSearch::CollectProbe(const std::string& rate) {
     SearchAnswer answer(Probe, ProbedWord, Val(rate));
+    const StopWatch watch(mState.host.loop);
+    std::int32_t left = 0; // when the probe had left: a slow line is still at it, and until then a
+                           // printer may have much to say to the probes of other rates
     Collect(ProbeSilence, [&](const std::string& text) {
         answer.Take(text);
-        return answer.Complete() ? NoLonger : answer.LimitMs();
+        if (Serial().TransmitCount() > 0) left = std::min(watch.ElapsedMs(), LongestAnswer);
+        return answer.Complete() ? NoLonger : left + answer.LimitMs();
     });
     return answer.Complete();
 }

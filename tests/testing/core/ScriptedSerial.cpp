@@ -1,9 +1,14 @@
 #include "testing/core/ScriptedSerial.h"
 
+#include "common/QNError.h"
+#include "common/RuntimeErrors.h"
+#include "link/clsDataLink.h"
+
 #include <gtest/gtest.h>
 
 #include <algorithm>
 #include <cmath>
+#include <regex>
 
 namespace qncomm::testing {
 
@@ -54,23 +59,32 @@ void ScriptedSerial::Vanish() {
 }
 
 void ScriptedSerial::SetPortNumber(std::int16_t iPort) {
-    mPortNumber = iPort;
     mLog.push_back("Port " + std::to_string(iPort));
+    const bool another = mOpen && iPort != mPortNumber;
+    if (another) SetPortOpen(false);
+    mPortNumber = iPort;
+    if (another) SetPortOpen(true);
 }
 
 void ScriptedSerial::SetPortSettings(const std::string& sSettings) {
+    static const std::regex form(
+        "(300|600|1200|2400|4800|9600|19200|38400|57600|115200),[neosmNEOSM],[78],[12]");
+    if (!std::regex_match(sSettings, form)) RaiseRuntimeError(RtInvalidCall, "PDQComm");
     mSettings = sSettings;
     mLog.push_back("Settings " + sSettings);
 }
 
 void ScriptedSerial::SetHandshaking(std::int16_t iMode) {
-    mHandshaking = iMode;
+    mHandshaking = static_cast<std::int16_t>(iMode & SW_And_HW_Flowcontrol);
     mLog.push_back("Handshaking " + std::to_string(iMode));
 }
 
 void ScriptedSerial::SetPortOpen(bool bOpen) {
     mLog.emplace_back(bOpen ? "Open" : "Close");
+    if (bOpen == mOpen) return;
     if (bOpen && mOnOpen) mOnOpen();
+    if (bOpen && !mValidPorts.empty() && !mValidPorts.contains(mPortNumber))
+        throw QNError(SerialErrNoSuchPort, "PDQComm", "There is no such port.");
     if (!bOpen) Empty();
     mOpen = bOpen;
 }
@@ -87,11 +101,13 @@ void ScriptedSerial::HoldBreak(bool bOn) {
 
 void ScriptedSerial::SetReceiveThreshold(std::int16_t iBytes) {
     mThreshold = iBytes;
+    mSignalled = 0;
     if (mOnThreshold) mOnThreshold(iBytes);
     mLog.push_back("Threshold " + std::to_string(iBytes));
 }
 
 void ScriptedSerial::SetBufferSizes(std::int32_t lReceive, std::int32_t lTransmit) {
+    mReceiveSize = static_cast<std::size_t>(std::max(lReceive, 1));
     mTransmitSize = lTransmit;
     mLog.push_back("Buffers " + std::to_string(lReceive) + " " + std::to_string(lTransmit));
 }
@@ -109,9 +125,7 @@ std::int32_t ScriptedSerial::TransmitCount() const {
 
 void ScriptedSerial::FlushReceive() {
     mFlushes.emplace_back("Receive");
-    TakeArrivals();
-    mWaiting.clear();
-    mSignalled = 0;
+    DropArrived();
 }
 
 void ScriptedSerial::FlushTransmit() {
@@ -120,10 +134,15 @@ void ScriptedSerial::FlushTransmit() {
 }
 
 void ScriptedSerial::Empty() {
-    TakeArrivals();
+    DropArrived();
+    mQueued = 0;
+}
+
+void ScriptedSerial::DropArrived() {
+    while (!mArrivals.empty() && mArrivals.front().due <= mLoop.NowMs())
+        mArrivals.pop_front();
     mWaiting.clear();
     mSignalled = 0;
-    mQueued = 0;
 }
 
 std::string ScriptedSerial::Read() {
@@ -133,26 +152,37 @@ std::string ScriptedSerial::Read() {
 }
 
 std::string ScriptedSerial::ReadLine(std::int32_t lTimeout) {
+    constexpr std::int32_t lineEnd = 50; // ms for which a CR that came last may be half of one
     const std::int64_t end = mLoop.NowMs() + lTimeout;
-    std::string line;
     for (;;) {
         TakeArrivals();
-        const std::size_t lineEnd = mWaiting.find("\r\n");
-        if (lineEnd != std::string::npos) {
-            line = mWaiting.substr(0, lineEnd);
-            mWaiting.erase(0, lineEnd + 2);
-            return line;
-        }
-        if (mLoop.NowMs() >= end) return std::exchange(mWaiting, {});
-        mLoop.MoveTo(mArrivals.empty() ? end : std::min(end, mArrivals.front().due));
+        const std::size_t at = mWaiting.find_first_of("\r\n");
+        const bool half = at + 1 == mWaiting.size() && mWaiting[at] == '\r';
+        if (at != std::string::npos && !half) return TakeLine(at);
+        const std::int64_t until = half ? std::min(end, mLoop.NowMs() + lineEnd) : end;
+        if (WaitUntil(until)) continue;
+        return half ? TakeLine(at) : Read();
     }
 }
 
+/// Takes the line that ends at that byte, and its end.
+std::string ScriptedSerial::TakeLine(std::size_t at) {
+    std::string line = mWaiting.substr(0, at);
+    mWaiting.erase(0, at + (mWaiting.compare(at, 2, "\r\n") == 0 ? 2 : 1));
+    return line;
+}
+
+/// Moves the clock until more has come or the time is there; whether more has come.
+bool ScriptedSerial::WaitUntil(std::int64_t time) {
+    if (!mOpen) return false;
+    const std::size_t before = mWaiting.size();
+    mLoop.MoveTo(mArrivals.empty() ? time : std::min(time, mArrivals.front().due));
+    TakeArrivals();
+    return mWaiting.size() > before;
+}
+
 bool ScriptedSerial::WaitForReceive(std::int32_t lTimeout) {
-    const std::int64_t end = mLoop.NowMs() + std::max(0, lTimeout);
-    if (ReceiveCount() == 0)
-        mLoop.MoveTo(mArrivals.empty() ? end : std::min(end, mArrivals.front().due));
-    return ReceiveCount() > 0;
+    return ReceiveCount() > 0 || WaitUntil(mLoop.NowMs() + std::max(0, lTimeout));
 }
 
 void ScriptedSerial::Write(std::string_view sBytes) {
@@ -198,6 +228,7 @@ void ScriptedSerial::SetTransferState(std::int16_t iState) {
 
 void ScriptedSerial::StartTransfer(const std::string& what) {
     mLog.push_back(what);
+    if (!mOpen && mTransfer.empty()) ReportLater({0, TransferFailed}, 0);
     std::int32_t delay = 0;
     for (const Reported& reported : mTransfer)
         ReportLater(reported, delay += reported.delay);
@@ -215,7 +246,7 @@ void ScriptedSerial::ReportLater(const Reported& reported, std::int32_t delay) {
 
 std::optional<std::int64_t> ScriptedSerial::NextDue() const {
     if (mVanished && mSink) return mLoop.NowMs();
-    if (mWaiting.size() > mSignalled && mThreshold > 0 && mSink) return mLoop.NowMs();
+    if (OwesReceive()) return mLoop.NowMs();
     std::optional<std::int64_t> due;
     if (!mArrivals.empty()) due = mArrivals.front().due;
     if (TransmitCount() > 0 && *mDrainPerMs > 0)
@@ -230,14 +261,25 @@ void ScriptedSerial::Dispatch() {
         return;
     }
     TakeArrivals();
-    if (mThreshold <= 0 || !mSink || mWaiting.size() <= mSignalled) return;
+    if (!OwesReceive()) return;
     mSignalled = mWaiting.size();
-    mSink(SerialEventReceive);
+    const EventSink sink = mSink; // it may detach itself
+    sink(SerialEventReceive);
+}
+
+bool ScriptedSerial::OwesReceive() const {
+    return mSink && mThreshold > 0 && mWaiting.size() > mSignalled
+           && mWaiting.size() >= static_cast<std::size_t>(mThreshold);
 }
 
 void ScriptedSerial::TakeArrivals() const {
     while (!mArrivals.empty() && mArrivals.front().due <= mLoop.NowMs()) {
-        if (mOpen) mWaiting += mArrivals.front().bytes;
+        std::string& bytes = mArrivals.front().bytes;
+        const std::size_t space =
+            mOpen ? mReceiveSize - std::min(mReceiveSize, mWaiting.size()) : bytes.size();
+        if (mOpen) mWaiting += bytes.substr(0, space);
+        bytes.erase(0, space);
+        if (!bytes.empty()) return; // the buffer is full
         mArrivals.pop_front();
     }
 }

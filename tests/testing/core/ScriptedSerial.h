@@ -51,6 +51,7 @@ class ScriptedSerial : public SerialControl, private ManualLoop::Source {
     std::function<void(bool)> mOnBreak;
     /// Called with each new receive threshold.
     std::function<void(std::int16_t)> mOnThreshold;
+    /// The ports that there are; when none is named every port opens and none is valid.
     std::set<std::int16_t> mValidPorts;
     std::vector<std::int16_t> mProbed;
     /// The device goes away.
@@ -102,7 +103,7 @@ class ScriptedSerial : public SerialControl, private ManualLoop::Source {
     void SetPortOpen(bool bOpen) override;
     void KeepPort(bool bOn) override { mKeepsPort = bOn; }
     bool ProbePort(std::int16_t iPort) override;
-    bool DSRState() const override { return mDsr; }
+    bool DSRState() const override { return mOpen && mDsr; }
     std::int16_t ReceiveThreshold() const override { return mThreshold; }
     void SetReceiveThreshold(std::int16_t iBytes) override;
     void SetBufferSizes(std::int32_t lReceive, std::int32_t lTransmit) override;
@@ -133,7 +134,10 @@ class ScriptedSerial : public SerialControl, private ManualLoop::Source {
     void WriteTerminal(std::string_view sText) override { mTerminalText += sText; }
     const std::string& Tag() const override { return mTag; }
     void SetTag(std::string_view sTag) override { mTag = sTag; }
-    void SetEventSink(EventSink sink) override { mSink = std::move(sink); }
+    void SetEventSink(EventSink sink) override {
+        mSink = std::move(sink);
+        mSignalled = 0; // a new one hears of what waits
+    }
     std::int16_t Reserved() const { return mReserved; }
 
   private:
@@ -149,7 +153,11 @@ class ScriptedSerial : public SerialControl, private ManualLoop::Source {
     std::optional<std::int64_t> NextDue() const override;
     void Dispatch() override;
     void TakeArrivals() const;
+    bool OwesReceive() const;
+    std::string TakeLine(std::size_t at);
+    bool WaitUntil(std::int64_t time);
     void Empty();
+    void DropArrived();
     void StartTransfer(const std::string& what);
     void ReportLater(const Reported& reported, std::int32_t delay);
     void PlayScript();
@@ -174,6 +182,7 @@ class ScriptedSerial : public SerialControl, private ManualLoop::Source {
     std::int16_t mHandshaking = 0;
     bool mOpen = false;
     std::int16_t mThreshold = 0;
+    std::size_t mReceiveSize = 4096;
     std::int32_t mTransmitSize = 512;
     std::int16_t mReceiveMode = 0;
     std::int16_t mReserved = 0;

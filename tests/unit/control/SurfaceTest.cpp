@@ -132,7 +132,7 @@ TEST_F(Surface, AListingShowsTheHourglassInPlaceOfTheDefaultPointerOnly) {
 
 TEST_F(Surface, AnyErrorPutsThePointerBack) {
     Run();
-    mReplies["FILES\"ram:\""] = {"FILES ON ram:", "99999999999 BYTES FREE  0 BYTES USED"};
+    mReplies["FILES\"ram:\""] = {"Error 99999999999: beyond 32 bits"};
     EXPECT_RAISED(mControl->Files("ram:"), RtOverflow);
     EXPECT_EQ(Pointer::Screen().Shape(), PointerDefault);
     Pointer::Screen().Set(PointerHourglass);

@@ -126,7 +126,9 @@ TEST_F(PortSettings, CommportFrom1OnIsTakenUnprobedAsAWholeNumber) {
 
 TEST_F(PortSettings, TheOwnOpenPortIsValidWithoutAProbe) {
     mSerial.SetPortNumber(3);
+    mSerial.mValidPorts = {1, 3};
     mSerial.SetPortOpen(true);
+    mSerial.mValidPorts = {1};
     mSerial.mProbed.clear();
     EXPECT_TRUE(mLink.IsValidPort(3));
     EXPECT_THAT(mSerial.mProbed, IsEmpty());
