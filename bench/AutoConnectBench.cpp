@@ -91,7 +91,51 @@ Remembered RememberedSearchMs() {
     return {ms(probed, answered), ms(start, loop.NowUs())};
 }
 
+/// What a program keeps of a printer at this rate.
+std::vector<SettingValue> KeptAt(const std::string& rate) {
+    const std::string section = ConnectionSection("COM1");
+    return {{section, "Baudrate", rate},   {section, "Parity", "None"},
+            {section, "Databits", "8"},    {section, "Stopbits", "2"},
+            {section, "FlowControl", "0"}, {section, "Channel", "1"},
+            {section, "Model", "R7G"},     {section, "Firmware", "Quorin 8.30"}};
+}
+
+/// The first claim of a program that holds this, of a printer at 57600 baud.
+double FirstClaimMs(const std::vector<SettingValue>& kept) {
+    PollLoop loop;
+    const auto printer = testing::PrinterOnPty("R7G?baud=57600&format=n,8,2");
+    testing::Stack stack(loop, printer->Address(), kept, {.remembered = true});
+    const std::int64_t start = loop.NowUs();
+    if (!stack.mLink.AcquirePort()) throw std::runtime_error("no printer found");
+    return static_cast<double>(loop.NowUs() - start) / 1000;
+}
+
+/// The first claims of programs, in ms.
+struct FirstClaims {
+    std::vector<double> unknown; ///< that have never met the printer
+    std::vector<double> met;     ///< that have
+    std::vector<double> changed; ///< that have met it at another rate
+
+    void Run() {
+        unknown.push_back(FirstClaimMs({}));
+        met.push_back(FirstClaimMs(KeptAt("57600")));
+        changed.push_back(FirstClaimMs(KeptAt("9600")));
+    }
+
+    void Print() const {
+        std::printf("first claim, searched        median %8.1f ms\n", Median(unknown));
+        std::printf(
+            "first claim, remembered      median %8.1f ms   with 5 ms of listening (at most "
+            "15)\n",
+            Median(met));
+        std::printf(
+            "the same at another rate     median %8.1f ms more than searched (at most 150)\n",
+            Median(changed) - Median(unknown));
+    }
+};
+
 int Main() {
+    FirstClaims claims;
     std::vector<double> silent;
     std::vector<double> answered;
     std::vector<double> whole;
@@ -100,6 +144,7 @@ int Main() {
         const Remembered remembered = RememberedSearchMs();
         answered.push_back(remembered.answered);
         whole.push_back(remembered.whole);
+        claims.Run();
     }
     const double waits = Combinations * SilencePerCombination;
     std::printf("no printer, %d combinations   median %8.1f ms   %.3f x the %.0f ms of waits (at "
@@ -110,6 +155,7 @@ int Main() {
                 Median(answered));
     std::printf("remembered, whole search     median %8.1f ms   with 100 ms of silence before it\n",
                 Median(whole));
+    claims.Print();
     return 0;
 }
 

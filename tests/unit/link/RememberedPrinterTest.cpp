@@ -32,6 +32,7 @@ class RememberedPrinter : protected HostFacts, public SearchFixture {
         : SearchFixture({.remembered = true,
                          .addressOf = [this](std::int16_t port) { return mAddresses[port]; },
                          .timeOfDay = [this] { return mTime; }}) {
+        mSerial.mValidPorts = {1, 2};
         mChannel = 2;
         mSetup = SetupOf("UART2");
     }
