@@ -87,7 +87,7 @@ void MainWindow::BuildCentre(qncomm::TraceSink* trace) {
     options.bindings = mBook.Bindings();
     options.trace = trace;
     options.link = {.remembered = true,
-                    .addressOf = [this](std::int16_t port) { return mBook.AddressOf(port); }};
+                    .addressOf = [this](std::int16_t number) { return mBook.AddressOf(number); }};
     mControl = new qncomm::QNCommWidget(qncomm::QNCommWidget::RunMode, nullptr, std::move(options));
     mControl->setRegSettings(mBook.SettingsFor(port));
     mOperations = new Operations(mControl->control(),
