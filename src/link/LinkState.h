@@ -134,7 +134,7 @@ struct LinkState {
 
     // -- RememberedPrinter.cpp
 
-    /// Whether anything is kept of the printers.
+    /// Whether anything is kept of the printers; never once the link was torn down.
     bool RemembersPrinters() const;
     /// Takes the settings that are remembered of the chosen port, if any are.
     void Recall();

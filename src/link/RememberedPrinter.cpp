@@ -174,7 +174,7 @@ std::string ConnectionSection(std::string_view sAddress) {
 }
 
 bool LinkState::RemembersPrinters() const {
-    return host.options.remembered && settings != nullptr;
+    return host.options.remembered && settings != nullptr && serial != nullptr;
 }
 
 void LinkState::Recall() {
