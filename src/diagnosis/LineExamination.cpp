@@ -12,6 +12,11 @@ namespace {
 
 constexpr std::int32_t ListenMs = 1000;
 constexpr std::int32_t ListenShortlyMs = 300;
+/// Bytes that were on their way while the settings changed are over by then.
+constexpr std::int32_t SettleMs = 100;
+/// A receiver that waits for a file asks for it again every few seconds, and a printer that starts
+/// takes as many.
+constexpr std::int32_t ListenLongMs = 5000;
 constexpr std::int32_t BufferBytes = 65'536;
 /// How long bytes that do not end are listened to: enough to know them by.
 constexpr std::size_t EnoughBytes = 4096;
@@ -62,7 +67,7 @@ std::string_view CancelOf(LineTalk talk) {
 LineExamination::LineExamination(ExaminedPort port)
     : mPort(std::move(port)),
       mRecord(mPort.trace),
-      mSerial(mPort.reactor, mPort.bindings, &mRecord),
+      mSerial(mPort.reactor, mPort.bindings, &mRecord, mPort.factory),
       mLink(LinkHost{mPort.reactor, mPort.desktop, mDialogs, mPort.files}) {
     const auto settings = std::make_shared<Unsaved>(mPort.settings);
     settings->WriteValue("Settings", "Commport", std::to_string(mPort.number));
@@ -83,7 +88,20 @@ LineFacts LineExamination::Run() {
     if (Tell("Listening at " + mPort.as) || !Listen(mPort.as, ListenMs, facts)) return facts;
     if (facts.heard.talk == LineTalk::Noise) ListenAtOtherRates(facts);
     if (facts.loss.empty() && !IsTaken(facts.heard.talk)) Ask(facts);
+    if (facts.answer == Answer::Nothing && facts.loss.empty()) ListenOnceMore(facts);
+    // A printer that came up meanwhile has greeted a host at other settings.
+    if (facts.answer == Answer::Noise && facts.loss.empty()) Ask(facts);
     return facts;
+}
+
+void LineExamination::ListenOnceMore(LineFacts& facts) {
+    LineFacts later = facts;
+    if (Tell("Listening at " + mPort.as) || !Listen(mPort.as, ListenLongMs, later)) return;
+    if (later.heard.talk == LineTalk::Silence) return;
+    // A printer that comes up greets a host at whatever settings: noise, but only once.
+    if (later.heard.talk == LineTalk::Noise && !Listen(mPort.as, ListenMs, later)) return;
+    facts = later;
+    if (!IsTaken(facts.heard.talk)) Ask(facts);
 }
 
 bool LineExamination::Listen(const std::string& settings, std::int32_t ms, LineFacts& facts) {
@@ -100,6 +118,7 @@ bool LineExamination::Listen(const std::string& settings, std::int32_t ms, LineF
         return false;
     }
     if (!mRecord.HasNoModemLines()) facts.dsr = mSerial.DSRState();
+    if (settings != mPort.as) Settle();
     HeardLine heard;
     StopWatch whole(mPort.reactor);
     StopWatch silence(mPort.reactor);
@@ -120,6 +139,15 @@ bool LineExamination::Listen(const std::string& settings, std::int32_t ms, LineF
     facts.heardText = Shown(heard.bytes);
     facts.heardAt = settings;
     return true;
+}
+
+void LineExamination::Settle() {
+    const StopWatch since(mPort.reactor);
+    std::size_t dropped = 0;
+    while (mSerial.PortOpen() && since.ElapsedMs() < SettleMs && dropped < BufferBytes) {
+        mSerial.WaitForReceive(SettleMs - since.ElapsedMs());
+        dropped += mSerial.Read().size();
+    }
 }
 
 void LineExamination::ListenAtOtherRates(LineFacts& facts) {
@@ -178,7 +206,7 @@ std::string LineExamination::Fix(const LineFacts& facts) {
                                          "The program was stopped by a break."};
         return said.at(static_cast<std::size_t>(mLink.StopProgram()));
     } catch (const QNError& error) {
-        return error.Description();
+        return "What runs could not be stopped: " + error.Description();
     }
 }
 

@@ -216,8 +216,8 @@ constexpr std::array Opened{
           [](const Facts& f) { return f.Again(); }},
     Cause{"half", CommandEnd::Error, [](const Facts& f) { return f.Answers(Answer::Half); },
           [](const Facts&) -> std::string {
-              return "A printer answers, and not as it should: its echo is off, or the line loses "
-                     "bytes. Switch it off and on.";
+              return "A printer answers, and not as it should: its echo is off, it answers later "
+                     "than a search waits, or the line loses bytes. Switch it off and on.";
           },
           [](const Facts& f) { return f.Again(); }},
     Cause{"other-device", NoPrinter, [](const Facts& f) { return f.Answers(Answer::Text); },

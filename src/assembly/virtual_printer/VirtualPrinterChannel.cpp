@@ -194,10 +194,14 @@ std::optional<std::int64_t> VirtualPrinterChannel::NextWork(FdEvents wanted) con
 /// Advances the printer's clock by the time since the last look at it, in steps: it may have been
 /// waiting for something in vain.
 void VirtualPrinterChannel::CatchUp(std::int64_t now) {
-    constexpr int mostSteps = 10'000; // a program without an end has had its share then
-    for (int step = 0; step < mostSteps; ++step) {
+    constexpr int mostSteps = 10'000;
+    constexpr int mostBusySteps = 50; // a program without an end has had its share then
+    std::int64_t last = 0;
+    for (int step = 0, busy = 0; step < mostSteps && busy < mostBusySteps; ++step) {
         const auto due = mPrinter->device.NextDue();
         if (!due || *due > now) return;
+        busy = *due > last ? 0 : busy + 1;
+        last = *due;
         mPrinter->device.Advance(*due);
     }
 }

@@ -1,16 +1,12 @@
 // A folder that stands for a machine's root: its processes, devices, groups and kernel messages.
 #include "diagnosis/Diagnosis.h"
-#include "testing/core/ScratchFolder.h"
+#include "testing/core/StagedMachine.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
 #include <filesystem>
 #include <fstream>
-#include <iomanip>
-#include <sstream>
-#include <sys/stat.h>
-#include <sys/sysmacros.h>
 
 namespace qncomm::testing {
 namespace {
@@ -21,56 +17,8 @@ using ::testing::HasSubstr;
 using ::testing::IsEmpty;
 using ::testing::SizeIs;
 
-constexpr const char* Path = "/dev/ttyUSB0";
-
-class Machine : public ::testing::Test {
+class Machine : public ::testing::Test, protected StagedMachine {
   protected:
-    Machine() {
-        Put("dev/ttyUSB0", "");
-        ::chmod(Real(Path).c_str(), 0660);
-        ::stat(Real(Path).c_str(), &mDevice);
-        User({});
-        Put("etc/passwd", "root:x:0:0::/root:/bin/sh\nanna:x:" + std::to_string(mDevice.st_uid + 1)
-                              + ":100::/home/anna:/bin/sh\n");
-        Group("");
-        Process(1, "init");
-        Put("dev/kmsg", "");
-    }
-
-    std::string Real(const std::string& path) const { return mFolder.Path() + path; }
-    void Put(const std::string& name, const std::string& text) const {
-        fs::create_directories(fs::path(mFolder.File(name)).parent_path());
-        std::ofstream(mFolder.File(name)) << text;
-    }
-    /// This user is another one than the device's owner, and in these groups.
-    void User(const std::vector<unsigned>& groups) const {
-        const auto fourTimes = [](const char* name, unsigned number) {
-            std::string line = name;
-            for (int i = 0; i < 4; ++i)
-                line += "\t" + std::to_string(number);
-            return line + "\n";
-        };
-        std::string text = "Name:\tqnctl\n" + fourTimes("Uid:", mDevice.st_uid + 1)
-                           + fourTimes("Gid:", mDevice.st_gid + 1) + "Groups:\t";
-        for (const unsigned group : groups)
-            text += std::to_string(group) + " ";
-        Put("proc/self/status", text + "\n");
-    }
-    void Group(const std::string& members) const {
-        Put("etc/group", "dialout:x:" + std::to_string(mDevice.st_gid) + ":" + members + "\n");
-    }
-    void Process(int number, const std::string& name, const std::string& line = {}) const {
-        const std::string folder = "proc/" + std::to_string(number);
-        Put(folder + "/comm", name + "\n");
-        Put(folder + "/cmdline", line);
-        fs::create_directories(mFolder.File(folder + "/fd"));
-    }
-    void Opens(int process) const {
-        fs::create_symlink(Real(Path), mFolder.File("proc/" + std::to_string(process) + "/fd/5"));
-    }
-    MachineFacts Look(const std::string& path = Path) const {
-        return ReadMachine(path, mFolder.Path());
-    }
     /// The row of that name, as "pass: text".
     std::string Row(const std::string& name) const {
         const Examined examined{.port = Path, .machine = Look(), .line = {}};
@@ -78,9 +26,6 @@ class Machine : public ::testing::Test {
             if (row.name == name) return std::string(NameOf(row.result)) + ": " + row.text;
         return {};
     }
-
-    ScratchFolder mFolder;
-    struct stat mDevice {};
 };
 
 TEST_F(Machine, ADeviceThatIsNotThereIsSaidToBeMissing) {
@@ -118,11 +63,7 @@ TEST_F(Machine, OtherProgramsAreToldWithTheirLock) {
     EXPECT_FALSE(Look().users.found[0].locks);
     EXPECT_THAT(Row("other programs"),
                 HasSubstr("warning: It is held by minicom (process 4242), without a lock"));
-    std::ostringstream lock;
-    lock << "1: FLOCK  ADVISORY  WRITE 4242 " << std::hex << std::setfill('0') << std::setw(2)
-         << major(mDevice.st_dev) << ':' << std::setw(2) << minor(mDevice.st_dev) << ':' << std::dec
-         << mDevice.st_ino << " 0 EOF\n";
-    Put("proc/locks", lock.str());
+    Locks(4242);
     ASSERT_THAT(Look().users.found, SizeIs(1));
     EXPECT_TRUE(Look().users.found[0].locks);
     EXPECT_EQ(Row("other programs"), "fail: It is held by minicom (process 4242).");

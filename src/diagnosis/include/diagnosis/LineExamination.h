@@ -17,17 +17,18 @@ namespace qncomm {
 
 /// What an examination works on. What is referred to outlives it.
 struct ExaminedPort {
-    Reactor& reactor;
-    Desktop& desktop;      ///< hears why something was refused
-    HostFiles& files;      ///< not used, and asked for by a link
-    PortBindings bindings; ///< which address each number stands for
-    std::int16_t number = 1;
+    Reactor& reactor;        ///< every wait yields to it
+    Desktop& desktop;        ///< hears why something was refused
+    HostFiles& files;        ///< not used, and asked for by a link
+    PortBindings bindings;   ///< which address each number stands for
+    std::int16_t number = 1; ///< the one that is examined
     /// Where the port's settings are remembered; read, never written. Not null.
     std::shared_ptr<const RegSettings> settings;
     std::string as;             ///< settings to listen at, such as "9600,n,8,2"; empty: remembered
     TraceSink* trace = nullptr; ///< hears what travels; may be null
     /// Told what is being done; true ends the examination. May be empty.
     std::function<bool(const std::string& sDoing)> progress = {};
+    ChannelFactory factory = MakeChannel; ///< makes the byte channel of an address
 };
 
 /// Looks at a line as a careful person would: opens it, listens, and only where nothing comes by
@@ -57,7 +58,9 @@ class LineExamination {
     bool Tell(const std::string& doing) const;
     /// Listens at these settings; false when the port does not open.
     bool Listen(const std::string& settings, std::int32_t ms, LineFacts& facts);
+    void Settle();
     void ListenAtOtherRates(LineFacts& facts);
+    void ListenOnceMore(LineFacts& facts);
     void Ask(LineFacts& facts);
     void Identify(LineFacts& facts);
 

@@ -13,7 +13,7 @@ namespace qncomm {
 /// Whether this user may open a device, judged by its owner, its group and its mode. An access list
 /// may grant more, which only opening tells.
 enum class DeviceAccess {
-    Granted,
+    Granted,       ///< it may
     NotInGroup,    ///< the device's group may, and this user is none of it
     NotYetInGroup, ///< the user was added to the group after this session began
     NobodyOfGroup, ///< the group may not either

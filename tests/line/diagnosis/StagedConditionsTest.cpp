@@ -1,0 +1,179 @@
+// What can be wrong with a line, staged one after the other on each kind of it, and what the doctor
+// says. One table: a row is a condition, what stands at the far side, and the verdict.
+#include "Stage.h"
+
+#include <gtest/gtest.h>
+
+#include <fcntl.h>
+#include <random>
+#include <sys/file.h>
+#include <vector>
+
+namespace qncomm::testing {
+namespace {
+
+/// Bytes of any value, always the same.
+std::string RandomBytes(std::size_t count) {
+    std::mt19937 random(7); // NOLINT: the same each time
+    std::string bytes;
+    while (bytes.size() < count)
+        bytes += static_cast<char>(random() & 0xFFU);
+    return bytes;
+}
+
+/// Answers each line that is typed with this.
+std::function<std::string(std::string_view)> ToEachLine(const std::string& answer) {
+    return [answer](std::string_view bytes) {
+        std::string all;
+        for (const char byte : bytes)
+            if (byte == '\r') all += answer;
+        return all;
+    };
+}
+
+Device Deaf() {
+    return {};
+}
+Device SwitchedOff() {
+    Device device;
+    device.dsr = false;
+    return device;
+}
+Device LoopBack() {
+    return {.answer = [](std::string_view bytes) { return std::string(bytes); }};
+}
+Device Login() {
+    return {.answer = ToEachLine("\r\nhost login: ")};
+}
+Device Modem() {
+    return {.answer = ToEachLine("\r\nERROR\r\n")};
+}
+Device Prints() {
+    return {.talk = "Weight 12.5 kg\r\n", .everyMs = 700};
+}
+Device AsksAgain() {
+    return {.talk = "\r\nArticle? ", .everyMs = 900};
+}
+Device Noisy() {
+    return {.talk = RandomBytes(40), .everyMs = 50};
+}
+Device NoisyAnswers() {
+    return {.answer = ToEachLine(RandomBytes(24))};
+}
+Device KermitAsks() {
+    return {.talk = "\x01#\x20N3\r", .everyMs = 400};
+}
+Device ZModemAsks() {
+    return {.talk = "**\x18"
+                    "B0100000023be50\r\x8a\x11",
+            .everyMs = 400};
+}
+
+const std::vector<Condition>& Conditions() {
+    static const std::vector<Condition> all{
+        {"APrinterAtItsPrompt", "healthy", Anywhere, "R7G"},
+        {"AnotherRateAndFormat", "healthy", Anywhere, "R7G?baud=57600&format=n,8,1"},
+        {"SevenBits", "healthy", WithFormat, "R7G?baud=19200&format=n,7,2"},
+        {"MarkParity", "healthy", WithFormat, "R7A?baud=38400&format=m,8,2"},
+        {"ASlowPrinter", "healthy", Anywhere, "R7G?answer=40"},
+        {"ALongSetup", "healthy", Anywhere, "R7H?long-setup=on"},
+        {"NoiseBetweenReplies", "healthy", Anywhere, "R7G?noise=1,seed=3"},
+        {"AnotherChannel", "healthy", Anywhere, "R7G?uart=2"},
+        {"NoDsr", "healthy", WithFormat, "R7G?dsr=off"},
+        {"AProgramThatNeverStopsPrinting", "running", Anywhere, "R7G",
+         "10 PRINT 42:GOTO 10\rRUN\r"},
+        {"AProgramThatPrintsNowAndThen", "running", Anywhere, "", "", "", Prints},
+        {"AProgramAtAnotherRate", "running", WithRate, "R7G?baud=19200",
+         "10 PRINT 42:GOTO 10\rRUN\r", "19200,n,8,2"},
+        {"AProgramThatWaitsForInput", "asking", Anywhere, "R7G",
+         "10 INPUT \"Article\";A$:GOTO 10\rRUN\r"},
+        {"AProgramThatAsksAgain", "asking", Anywhere, "", "", "", AsksAgain},
+        {"AKermitReceiver", "kermit", Anywhere, "", "", "", KermitAsks},
+        {"AZModemReceiver", "zmodem", Anywhere, "", "", "", ZModemAsks},
+        {"AZModemReceiverOfThePrinter", "zmodem", Anywhere, "R7G", "TRANSFER Z \"R\"\r"},
+        {"NoiseAllTheTime", "noise", Anywhere, "", "", "", Noisy},
+        {"NoiseForAnAnswer", "noise", Anywhere, "", "", "", NoisyAnswers},
+        {"ALoopBackPlug", "echo", Anywhere, "", "", "", LoopBack},
+        {"ALogin", "other-device", Anywhere, "", "", "", Login},
+        {"AModem", "other-device", Anywhere, "", "", "", Modem},
+        {"APrinterWithoutEcho", "half", Anywhere, "R7G?no-echo=on"},
+        {"NothingThatAnswers", "silent", InProcess | Pty | Tcp, "", "", "", Deaf},
+        {"NothingThatAnswersWithDsr", "silent", Remote, "", "", "", Deaf},
+        {"SwitchedOff", "switched-off", WithFormat, "", "", "", SwitchedOff},
+        {"CutBehindTheFirstAnswer", "lost", Pty | Sockets, "R7G?cut=150"},
+        {"APrinterThatStarts", "healthy", Anywhere, "R7G?boot-ms=4000", "REBOOT\r"},
+        {"ALateRefusal", "healthy", Anywhere, "R7F?late-errors=300"},
+        {"AGreetingOfItsOwn", "healthy", Anywhere, "R7C?greeting=At your service."},
+        {"APacedLine", "healthy", Anywhere, "R7B?baud=9600&paced=on"},
+        {"AnotherProgramHasTheLock", "busy", Pty, "", "", "", Deaf, "",
+         [](int fd) { return ::flock(fd, LOCK_EX | LOCK_NB) == 0; }},
+        {"AnotherProgramReadsAlong", "shared", Pty, "", "", "", Deaf, "",
+         [](int fd) { return fd >= 0; }},
+        {"AnotherProgramReadsAlongAndThePrinterAnswers", "healthy", Pty, "R7G", "", "", nullptr, "",
+         [](int fd) { return fd >= 0; }},
+        {"APlainSocket", "not-rfc2217", Remote, "", "", "", nullptr, "plain"},
+        {"NoSuchDevice", "missing", Pty, "", "", "", nullptr, "/dev/ttyUSB77"},
+        {"NoSerialDevice", "not-serial", Pty, "", "", "", nullptr, "/dev/null"},
+        {"NobodyListens", "unreachable", Tcp, "", "", "", nullptr, "tcp://127.0.0.1:1"},
+        {"NobodyListensThere", "unreachable", Remote, "", "", "", nullptr, "rfc2217://127.0.0.1:1"},
+        {"NoSuchHost", "no-host", Tcp, "", "", "", nullptr, "tcp://no-such-host.invalid:4000"},
+        {"NoSuchHostThere", "no-host", Remote, "", "", "", nullptr,
+         "rfc2217://no-such-host.invalid:4000"},
+    };
+    return all;
+}
+
+struct Named {
+    Kind kind;
+    const char* line;
+    const Condition* condition;
+};
+
+std::vector<Named> All() {
+    std::vector<Named> all;
+    for (const auto& [kind, line] :
+         {std::pair{InProcess, "InProcess"}, {Pty, "Pty"}, {Tcp, "Tcp"}, {Remote, "Rfc2217"}})
+        for (const Condition& condition : Conditions())
+            if ((condition.kinds & kind) != 0) all.push_back({kind, line, &condition});
+    return all;
+}
+
+class StagedConditions : public ::testing::TestWithParam<Named> {};
+
+TEST_P(StagedConditions, AreNamedRight) {
+    const Named& named = GetParam();
+    Stage stage(named.kind, *named.condition);
+    const Examined examined = stage.Look();
+    EXPECT_EQ(VerdictOf(examined).name, named.condition->verdict) << Told(examined);
+}
+
+INSTANTIATE_TEST_SUITE_P(Lines, StagedConditions, ::testing::ValuesIn(All()), [](const auto& each) {
+    return std::string(each.param.line) + "_" + each.param.condition->name;
+});
+
+/// What an earlier host has left running, at the settings that are known.
+std::vector<Named> Fixable() {
+    std::vector<Named> all = All();
+    std::erase_if(all, [](const Named& each) {
+        const std::string_view verdict = each.condition->verdict;
+        return *each.condition->typed == '\0' || verdict == "healthy"
+               || std::string_view(each.condition->as) != "9600,n,8,2";
+    });
+    return all;
+}
+
+class FixableConditions : public ::testing::TestWithParam<Named> {};
+
+TEST_P(FixableConditions, AreCuredByTheOneFixThatThereIs) {
+    const Named& named = GetParam();
+    const Examined fixed = Stage(named.kind, *named.condition).LookAndFix();
+    EXPECT_EQ(VerdictOf(fixed).name, "healthy") << Told(fixed);
+}
+
+INSTANTIATE_TEST_SUITE_P(Lines, FixableConditions, ::testing::ValuesIn(Fixable()),
+                         [](const auto& each) {
+                             return std::string(each.param.line) + "_" + each.param.condition->name;
+                         });
+
+} // namespace
+} // namespace qncomm::testing
