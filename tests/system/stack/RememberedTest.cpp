@@ -52,7 +52,7 @@ TEST_P(RememberedStack, IsMetByTheNextProgram) {
 INSTANTIATE_TEST_SUITE_P(Models, RememberedStack,
                          ::testing::Values("sim:R7A", "sim:R7B?uart=2", "sim:R7C", "sim:R7D",
                                            "sim:R7E", "sim:R7F", "sim:R7EZV", "sim:R7FZV",
-                                           "sim:R7G?uart=3&baud=57600&paced=on",
+                                           "sim:R7G?uart=3&paced=on",
                                            "sim:R7H?baud=2400&paced=on&format=n,7,1"));
 
 TEST(RememberedStackOnce, AParityThatNoSearchTriesIsMet) {
