@@ -61,6 +61,16 @@ TEST(ViewKeys, TheKeyFilterSeesAKeyFirstAndMaySwallowIt) {
     EXPECT_EQ(rig.input.typed, "");
 }
 
+TEST(ViewKeys, CtrlWithBreakAndCtrlShiftBBreakTheLineAndTypeNothing) {
+    ViewRig rig;
+    rig.Press(Qt::Key_Pause, Qt::ControlModifier);
+    rig.Press(Qt::Key_B, Qt::ControlModifier | Qt::ShiftModifier);
+    EXPECT_EQ(rig.input.breaks, 2);
+    rig.Press(Qt::Key_Pause);
+    EXPECT_EQ(rig.input.breaks, 2);
+    EXPECT_EQ(rig.input.typed, "");
+}
+
 TEST(ViewKeys, CtrlShiftAndF1ToF8PressTheToolbar) {
     ViewRig rig;
     rig.Press(Qt::Key_F1, Qt::ControlModifier | Qt::ShiftModifier);

@@ -1,6 +1,7 @@
 // The control as a person meets it: real keys and clicks on one side, the virtual printer's bytes
 // and the grid on the other.
 
+#include "link/LiveState.h"
 #include "qt/Charset.h"
 #include "qt/TitleBar.h"
 #include "qt/ToolbarView.h"
@@ -33,6 +34,43 @@ TEST(Widget, ACommandTypedShowsItsReply) {
     EXPECT_TRUE(rig.WaitForScreen("42"));
     EXPECT_THAT(rig.trace.mSent, HasSubstr("PRINT 6*7\r"));
     SavePicture(rig.window, QStringLiteral("control-session"));
+}
+
+TEST(Widget, CtrlCAndBreakEndAProgramThatRuns) {
+    ControlRig rig;
+    rig.Show();
+    const QSignalSpy changes(&rig.Widget(), &QNCommWidget::liveStateEvent);
+    rig.Type(QStringLiteral("10 GOTO 10"));
+    rig.Press(Qt::Key_Return);
+    const std::pair<Qt::Key, Qt::KeyboardModifiers> keys[] = {
+        {Qt::Key_C, Qt::ControlModifier},
+        {Qt::Key_Pause, Qt::ControlModifier},
+        {Qt::Key_B, Qt::ControlModifier | Qt::ShiftModifier}};
+    for (const auto& [key, held] : keys) {
+        rig.Widget().clear();
+        rig.Type(QStringLiteral("RUN"));
+        rig.Press(Qt::Key_Return);
+        EXPECT_TRUE(rig.WaitForScreen("RUN"));
+        EXPECT_TRUE(
+            WaitUntil([&] { return rig.Widget().control().PrinterActivity() == PrinterRunning; }));
+        rig.Press(key, held);
+        EXPECT_TRUE(rig.WaitForScreen("Break")) << key;
+        EXPECT_TRUE(
+            WaitUntil([&] { return rig.Widget().control().PrinterActivity() == PrinterAtPrompt; }));
+    }
+    EXPECT_GE(changes.count(), 6);
+}
+
+TEST(Widget, StoppingAProgramProvesThePrompt) {
+    ControlRig rig;
+    rig.Show();
+    rig.Type(QStringLiteral("10 GOTO 10"));
+    rig.Press(Qt::Key_Return);
+    rig.Type(QStringLiteral("RUN"));
+    rig.Press(Qt::Key_Return);
+    EXPECT_TRUE(rig.WaitForScreen("RUN"));
+    rig.Widget().stopProgram();
+    EXPECT_EQ(rig.Widget().control().PrinterActivity(), PrinterAtPrompt);
 }
 
 TEST(Widget, TheSessionIsReadableOnADarkDesktop) {

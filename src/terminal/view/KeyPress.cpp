@@ -19,6 +19,7 @@ constexpr std::array FixedKeys{
     KeyBytes{KeyName::Enter, "\r"},    KeyBytes{KeyName::Backspace, "\b"},
     KeyBytes{KeyName::Tab, "\t"},      KeyBytes{KeyName::BackTab, ""},
     KeyBytes{KeyName::Escape, "\x1B"}, KeyBytes{KeyName::Delete, ""},
+    KeyBytes{KeyName::Break, ""},
 };
 
 /// "@" with Ctrl is NUL, "A" is 01, "_" is 1F.
@@ -59,6 +60,8 @@ constexpr std::array Chords{
     Chord{KeyName::None, 'C', CtrlShift, ViewCommand::Copy},
     Chord{KeyName::None, 'V', CtrlShift, ViewCommand::Paste},
     Chord{KeyName::None, 'A', CtrlShift, ViewCommand::SelectAll},
+    Chord{KeyName::Break, 0, Ctrl, ViewCommand::Break},
+    Chord{KeyName::None, 'B', CtrlShift, ViewCommand::Break}, // for keyboards without Break
     Chord{KeyName::PageUp, 0, Shift, ViewCommand::PageUp},
     Chord{KeyName::PageDown, 0, Shift, ViewCommand::PageDown},
     Chord{KeyName::Home, 0, Shift, ViewCommand::ToStart},

@@ -85,14 +85,10 @@ class DevicesTest : public PartsFixture {
         Settle();
     }
 
-    /// Presses the button of the question that is open.
-    void Agree() {
-        auto* box = OpenDialog<QMessageBox>();
-        ASSERT_NE(box, nullptr);
-        for (QAbstractButton* button : box->buttons())
-            if (box->buttonRole(button) == QMessageBox::AcceptRole)
-                QTest::mouseClick(button, Qt::LeftButton);
-        Settle();
+    void Delete(const QString& name) {
+        SelectFile(name);
+        QTest::keyClick(&Files(), Qt::Key_Delete);
+        Agree();
     }
 
     SentFiles mSent{mSettings};
@@ -158,6 +154,43 @@ TEST_F(DevicesTest, AFileIsDeletedOnlyWhenTheUserAgrees) {
     EXPECT_THAT(Column(Files(), 0), Not(Contains("PRICES.DAT")));
 }
 
+TEST_F(DevicesTest, AListOfAFormerPrinterDeletesNothingOnAnotherUntilItIsReadAnew) {
+    ChangePort();
+    TakeSent();
+    Delete("PRICES.DAT");
+    EXPECT_THAT(mFailures, ElementsAre(HasSubstr("Delete c:PRICES.DAT: This was read from another "
+                                                 "printer, or before the connection changed. "
+                                                 "Nothing was done")));
+    EXPECT_THAT(TakeSent(), Not(HasSubstr("KILL")));
+    EXPECT_THAT(FilesOn("c:"), Contains("PRICES.DAT"));
+    mFailures.clear();
+    mBrowser.Refresh();
+    Delete("PRICES.DAT");
+    EXPECT_THAT(mFailures, IsEmpty());
+    EXPECT_THAT(FilesOn("c:"), Not(Contains("PRICES.DAT")));
+    ChangePort("1");
+    EXPECT_THAT(FilesOn("c:"), Contains("PRICES.DAT")) << "the printer that was shown first";
+}
+
+TEST_F(DevicesTest, WhatIsAskedBeforeThePortChangesIsNotDoneBehindIt) {
+    SelectFile("PRICES.DAT");
+    QTest::keyClick(&Files(), Qt::Key_Delete);
+    ChangePort();
+    Agree();
+    EXPECT_EQ(mFailures.size(), 1U);
+    EXPECT_THAT(FilesOn("c:"), Contains("PRICES.DAT"));
+}
+
+TEST_F(DevicesTest, AFileIsNotSentToADeviceOfAFormerPrinter) {
+    const std::string path = mFolder.Write("HELLO.TXT", "PRINT 1\r\n");
+    ChangePort();
+    Drop(path);
+    EXPECT_EQ(mFailures.size(), 1U);
+    EXPECT_THAT(FilesOn("c:"), Not(Contains("HELLO.TXT")));
+    Drop(path); // the list has been read anew
+    EXPECT_THAT(FilesOn("c:"), Contains("HELLO.TXT"));
+}
+
 TEST_F(DevicesTest, AFileIsRenamedInPlaceAndToAnotherDevice) {
     SelectFile("PRICES.DAT");
     QTest::keyClick(&Files(), Qt::Key_F2);
@@ -173,8 +206,12 @@ TEST_F(DevicesTest, AFileIsRenamedInPlaceAndToAnotherDevice) {
 TEST_F(DevicesTest, AFileIsSavedOnThisMachineByteForByte) {
     const std::string content = "a\r\nb\r\n";
     Drop(mFolder.Write("BACK.TXT", content));
-    const DeviceListing c{
-        .name = "c:", .kind = DeviceKind::Files, .files = {}, .used = {}, .free = {}};
+    const DeviceListing c{.name = "c:",
+                          .kind = DeviceKind::Files,
+                          .files = {},
+                          .used = {},
+                          .free = {},
+                          .generation = Control().Generation()};
     mBrowser.Actions().Save(c, {"BACK.TXT"});
     auto* dialog = OpenDialog<QFileDialog>();
     ASSERT_NE(dialog, nullptr);

@@ -2,6 +2,8 @@
 
 #include "PartsFixture.h"
 
+#include "PrinterActions.h"
+
 namespace qncomm::testing {
 
 using namespace qnterm;
@@ -27,6 +29,23 @@ TEST_F(OperationsTest, AnErrorIsToldAndNothingElse) {
     EXPECT_THAT(mFailures, ElementsAre(HasSubstr("Delete: ")));
     EXPECT_THAT(mDone, IsEmpty());
     EXPECT_FALSE(mOperations.Running());
+}
+
+TEST_F(OperationsTest, WorkThatAPersonAgreedToOnAFormerPrinterIsNotDoneOnAnother) {
+    QWidget window;
+    window.show();
+    PrinterActions actions(mOperations, &window);
+    Control().PrinterType();
+    for (void (PrinterActions::*ask)() : {&PrinterActions::Reboot, &PrinterActions::NewProgram}) {
+        mFailures.clear();
+        ChangePort();
+        (actions.*ask)();
+        ChangePort("1");
+        TakeSent();
+        Agree();
+        EXPECT_THAT(mFailures, ElementsAre(HasSubstr("another printer")));
+        EXPECT_EQ(TakeSent(), "");
+    }
 }
 
 TEST_F(OperationsTest, ASecondOneIsRefusedWhileTheFirstRuns) {

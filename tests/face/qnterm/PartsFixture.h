@@ -1,5 +1,6 @@
 #pragma once
 
+#include "link/clsDataLink.h"
 #include "testing/stack/AssembledFixture.h"
 
 #include "Operations.h"
@@ -9,6 +10,7 @@
 #include <QMessageBox>
 #include <QPushButton>
 #include <QString>
+#include <QTest>
 #include <QWidget>
 
 #include <string>
@@ -48,6 +50,24 @@ class PartsFixture : public qncomm::testing::AssembledFixture {
     static void Settle() {
         for (int pass = 0; pass < 5; ++pass)
             QApplication::processEvents();
+    }
+
+    /// Presses the button of the question that is open.
+    static void Agree() {
+        auto* box = OpenDialog<QMessageBox>();
+        ASSERT_NE(box, nullptr);
+        for (QAbstractButton* button : box->buttons())
+            if (box->buttonRole(button) == QMessageBox::AcceptRole)
+                QTest::mouseClick(button, Qt::LeftButton);
+        Settle();
+    }
+
+    /// The control works on that port from now on. At port 2 stands another virtual printer of the
+    /// same model, with the same files.
+    void ChangePort(const char* port = "2") {
+        EXPECT_EQ(mAssembly->Bindings().Give(2, "sim:R7G?baud=9600"), "");
+        Control().Link().SetCommport(port);
+        Control().Link().ApplyCommSettings();
     }
 
     std::vector<std::string> mFailures;

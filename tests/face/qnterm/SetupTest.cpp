@@ -103,6 +103,20 @@ TEST_F(SetupTest, AValueThatThePrinterRefusesIsToldAndStaysAsItWas) {
     EXPECT_EQ(Shown({"LABEL", "WIDTH"}).data().toString(), former);
 }
 
+TEST_F(SetupTest, TheSetupOfAFormerPrinterChangesNothingOnAnother) {
+    ChangePort();
+    TakeSent();
+    Tree().model()->setData(Shown({"LABEL", "WIDTH"}), "640", Qt::EditRole);
+    Settle();
+    EXPECT_THAT(mFailures, ElementsAre(HasSubstr("another printer")));
+    EXPECT_THAT(TakeSent(), ::testing::Not(HasSubstr("640")));
+    mBrowser.Read();
+    Tree().model()->setData(Shown({"LABEL", "WIDTH"}), "640", Qt::EditRole);
+    Settle();
+    EXPECT_EQ(mFailures.size(), 1U);
+    EXPECT_EQ(Shown({"LABEL", "WIDTH"}).data().toString().toStdString(), "640");
+}
+
 TEST_F(SetupTest, TheSearchIsKeptWhenTheSetupIsReadAgain) {
     QTest::keyClicks(&Search(), "width");
     mBrowser.Read();

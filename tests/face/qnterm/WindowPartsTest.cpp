@@ -30,7 +30,7 @@ using ::testing::IsEmpty;
 TEST_F(WindowTest, WhatCanHaveTheKeysHasANameAndARole) {
     Open("sim:R7G");
     AwaitPrinter();
-    for (const char* dock : {"devices", "setup", "modules", "labels"}) {
+    for (const char* dock : {"devices", "setup", "modules", "labels", "line"}) {
         ShowDock(dock);
         const FocusStops stops = StopsOf(*mWindow);
         EXPECT_THAT(stops.nameless, IsEmpty()) << dock;
@@ -41,7 +41,7 @@ TEST_F(WindowTest, WhatCanHaveTheKeysHasANameAndARole) {
 TEST_F(WindowTest, NoCaptionIsCut) {
     Open("sim:R7G");
     AwaitPrinter();
-    for (const char* dock : {"devices", "setup", "modules", "labels"}) {
+    for (const char* dock : {"devices", "setup", "modules", "labels", "line"}) {
         ShowDock(dock);
         EXPECT_THAT(CutCaptions(*mWindow), IsEmpty()) << dock;
         SavePicture(*mWindow, QStringLiteral("qnterm-%1-dock").arg(dock));

@@ -4,16 +4,22 @@
 
 #include "CodeView.h"
 #include "FileView.h"
+#include "LineView.h"
 #include "ModuleBrowser.h"
 #include "Operations.h"
 #include "PreviewPane.h"
 #include "SetupBrowser.h"
+#include "control/QNComm.h"
+#include "link/clsDataLink.h"
 #include "testing/face/Pictures.h"
 
 #include <gmock/gmock.h>
 
+#include <QInputDialog>
 #include <QLineEdit>
+#include <QPlainTextEdit>
 #include <QProcess>
+#include <QRegularExpression>
 #include <QTimer>
 #include <QToolButton>
 #include <QTreeView>
@@ -60,6 +66,56 @@ TEST_F(WindowTest, WhatIsTypedReachesThePrinterAndItsAnswerIsShown) {
     QTest::qWait(100);
     SavePicture(*mWindow, "qnterm-session");
     CloseWindow();
+}
+
+TEST_F(WindowTest, AProgramThatRunsIsShownAndEndsByTheMenu) {
+    Open("sim:R7G");
+    AwaitPrinter();
+    Type("10 GOTO 10\nRUN\n");
+    EXPECT_TRUE(Eventually([&] { return Status().find(", running") != std::string::npos; }))
+        << Status();
+    QTest::qWait(100);
+    SavePicture(*mWindow, "qnterm-running");
+    Trigger("Stop");
+    EXPECT_THAT(Status(), HasSubstr("The program was ended by Ctrl-C."));
+    EXPECT_THAT(Status(), Not(HasSubstr(", running")));
+    for (const char* action : {"Send Ctrl-C", "Send Break"}) {
+        Type("RUN\n");
+        EXPECT_TRUE(Eventually([&] { return Status().find(", running") != std::string::npos; }));
+        Trigger(action);
+        EXPECT_TRUE(Eventually([&] { return Status().find(", running") == std::string::npos; }))
+            << action << ": " << Status();
+    }
+}
+
+TEST_F(WindowTest, TheLineIsWatchedAtGivenSettingsAndNothingIsSent) {
+    Open("sim:R7G?baud=4800");
+    AwaitPrinter();
+    Type("10 PRINT \"still here\":GOTO 10\nRUN\n");
+    EXPECT_TRUE(Eventually([&] { return mTrace.mReceived.find("still") != std::string::npos; }));
+    const std::string sent = mTrace.mSent;
+    Trigger("Watch the Line…");
+    auto* dialog = mWindow->findChild<QInputDialog*>();
+    ASSERT_NE(dialog, nullptr);
+    EXPECT_TRUE(dialog->textValue().startsWith("4800,")) << dialog->textValue().toStdString();
+    dialog->accept();
+    auto* text = Find<LineView>().findChild<QPlainTextEdit*>();
+    EXPECT_TRUE(Eventually([&] {
+        return text->toPlainText().contains(
+            QRegularExpression(R"(\d\d:\d\d:\d\d\.\d{3}  <  still here<CR><LF>)"));
+    })) << text->toPlainText().right(400).toStdString();
+    SavePicture(*mWindow, "qnterm-watch");
+    EXPECT_EQ(mTrace.mSent, sent);
+    Trigger("Send Ctrl-C");
+    EXPECT_TRUE(Eventually([&] { return text->toPlainText().contains("  >  <ETX>"); }));
+}
+
+TEST_F(WindowTest, AnotherPortTakesThePrintersNameOffTheWindow) {
+    Open("sim:R7G");
+    AwaitPrinter();
+    Control().control().Link().SetBaudrate("4800");
+    EXPECT_FALSE(mWindow->windowTitle().startsWith("R7G")) << "another one may answer now";
+    EXPECT_THAT(Status(), Not(HasSubstr("R7G on ")));
 }
 
 TEST_F(WindowTest, TheSetupIsReadIntoItsDock) {
@@ -179,8 +235,12 @@ TEST_F(WindowTest, ClosingDuringATransferEndsItAndClosesThePort) {
         if (Status().find("Uploading") != std::string::npos) mWindow->close();
     });
     close.start(1);
-    const DeviceListing device{
-        .name = "tmp:", .kind = DeviceKind::Files, .files = {}, .used = {}, .free = {}};
+    const DeviceListing device{.name = "tmp:",
+                               .kind = DeviceKind::Files,
+                               .files = {},
+                               .used = {},
+                               .free = {},
+                               .generation = Control().control().Generation()};
     Find<DeviceBrowser>().Actions().SendFiles(device, {QString::fromStdString(path)});
     EXPECT_TRUE(Eventually([&] { return !mWindow->isVisible() && !IsBusy() && !PortOpen(); }));
     EXPECT_EQ(QApplication::activeModalWidget(), nullptr);
@@ -217,8 +277,12 @@ TEST_F(WindowTest, ThePrintersImagesAreShownAsTheyWereSent) {
     for (auto* table : Find<DeviceBrowser>().findChildren<QTableView*>())
         if (table->accessibleName().startsWith("Devices")) devices = table;
     devices->selectRow(devices->model()->rowCount() - 1);
-    const DeviceListing images{
-        .name = "images:", .kind = DeviceKind::Images, .files = {}, .used = {}, .free = {}};
+    const DeviceListing images{.name = "images:",
+                               .kind = DeviceKind::Images,
+                               .files = {},
+                               .used = {},
+                               .free = {},
+                               .generation = Control().control().Generation()};
     Find<DeviceBrowser>().Actions().SendFiles(images, {QString::fromStdString(path)});
     Find<FileView>().selectRow(0);
     Settle();

@@ -27,6 +27,7 @@ class RecordingInput final : public TerminalInput {
     void MenuAsked() override { ++menus; }
     void Copy(std::string_view sText) override { copied = sText; }
     void Paste() override { ++pastes; }
+    void Break() override { ++breaks; }
 
     bool swallow = false;
     std::vector<KeyStroke> keys;
@@ -35,6 +36,7 @@ class RecordingInput final : public TerminalInput {
     std::string copied;
     int menus = 0;
     int pastes = 0;
+    int breaks = 0;
 };
 
 /// A view on a grid of its own, shown and with the keys.

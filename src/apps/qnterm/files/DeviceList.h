@@ -23,6 +23,7 @@ struct DeviceListing {
     std::shared_ptr<qncomm::PrinterFiles> files;
     std::optional<std::int64_t> used; ///< bytes; absent where the printer does not tell
     std::optional<std::int64_t> free;
+    std::int32_t generation = 0; ///< of the control, in which it was read
 };
 
 /// The printer's devices as a table: name, number of files, used and free bytes.

@@ -38,7 +38,9 @@ std::vector<DeviceListing> ReadDevices(qncomm::QNComm& control,
         const auto former = std::ranges::find(known, name, &DeviceListing::name);
         return bRefresh && former != known.end() && former->files && !former->files->IsEmpty();
     };
-    for (const std::string& name : control.Devices())
+    const std::vector<std::string> names = control.Devices();
+    const std::int32_t generation = control.Generation(); // a later change makes all of it former
+    for (const std::string& name : names)
         devices.push_back(ReadFiles(control, name, anew(name)));
     devices.push_back({.name = std::string(FontsDevice),
                        .kind = DeviceKind::Fonts,
@@ -50,6 +52,8 @@ std::vector<DeviceListing> ReadDevices(qncomm::QNComm& control,
                        .files = control.Images(anew(ImagesDevice)),
                        .used = {},
                        .free = {}});
+    for (DeviceListing& device : devices)
+        device.generation = generation;
     return devices;
 }
 

@@ -52,9 +52,10 @@ std::string Target(const DeviceListing& device, const QString& typed) {
 FileActions::FileActions(Operations& operations, SentFiles& sent, QWidget* window)
     : QObject(window), mOperations(operations), mSent(sent), mWindow(window) {}
 
-/// Runs an operation and tells that the devices may have changed, whatever became of it.
-bool FileActions::Run(const QString& title, const Work& work) {
-    const bool done = mOperations.Run(title, work);
+/// Runs an operation on what the listing names, unless that is a former printer's, and tells that
+/// the devices may have changed, whatever became of it.
+bool FileActions::Run(const DeviceListing& device, const QString& title, const Work& work) {
+    const bool done = mOperations.RunOn(device.generation, title, work);
     emit Changed();
     return done;
 }
@@ -69,12 +70,13 @@ void FileActions::Copy(const DeviceListing& device, const std::vector<std::strin
             [this, device, names](const QString& answer) {
                 const bool onlyDevice = answer.endsWith(QLatin1Char(':'));
                 if (names.size() > 1 && !onlyDevice) return;
-                Run(tr("Copy %1").arg(Several(device, names)), [&](qncomm::QNComm& control) {
-                    for (const std::string& name : names)
-                        control.CopyFile(PathOf(device, name), onlyDevice
-                                                                   ? qncomm::ToLine(answer) + name
-                                                                   : Target(device, answer));
-                });
+                Run(device, tr("Copy %1").arg(Several(device, names)),
+                    [&](qncomm::QNComm& control) {
+                        for (const std::string& name : names)
+                            control.CopyFile(PathOf(device, name),
+                                             onlyDevice ? qncomm::ToLine(answer) + name
+                                                        : Target(device, answer));
+                    });
             });
 }
 
@@ -83,24 +85,26 @@ void FileActions::Rename(const DeviceListing& device, const std::string& sName) 
             qncomm::FromLine(sName), [this, device, sName](const QString& answer) {
                 const std::string target = Target(device, answer);
                 if (target == PathOf(device, sName)) return;
-                Run(tr("Rename %1").arg(Shown(device, sName)), [&](qncomm::QNComm& control) {
-                    control.RenameFile(PathOf(device, sName), target);
-                });
+                Run(device, tr("Rename %1").arg(Shown(device, sName)),
+                    [&](qncomm::QNComm& control) {
+                        control.RenameFile(PathOf(device, sName), target);
+                    });
             });
 }
 
 void FileActions::Delete(const DeviceListing& device, const std::vector<std::string>& names) {
     AskBefore(mWindow, tr("Delete %1 from the printer?").arg(Several(device, names)),
               tr("This cannot be undone."), tr("&Delete"), [this, device, names] {
-                  Run(tr("Delete %1").arg(Several(device, names)), [&](qncomm::QNComm& control) {
-                      for (const std::string& name : names) {
-                          if (device.kind == DeviceKind::Images)
-                              control.RemoveImage(name);
-                          else
-                              control.KillQN(PathOf(device, name));
-                          mSent.Forget(device.kind, name);
-                      }
-                  });
+                  Run(device, tr("Delete %1").arg(Several(device, names)),
+                      [&](qncomm::QNComm& control) {
+                          for (const std::string& name : names) {
+                              if (device.kind == DeviceKind::Images)
+                                  control.RemoveImage(name);
+                              else
+                                  control.KillQN(PathOf(device, name));
+                              mSent.Forget(device.kind, name);
+                          }
+                      });
               });
 }
 
@@ -108,7 +112,7 @@ void FileActions::Start(const DeviceListing& device, const std::string& sName) {
     AskBefore(mWindow, tr("Run %1?").arg(Shown(device, sName)),
               tr("It takes the place of the program in the printer's working memory."), tr("&Run"),
               [this, device, sName] {
-                  Run(tr("Run %1").arg(Shown(device, sName)), [&](qncomm::QNComm& control) {
+                  Run(device, tr("Run %1").arg(Shown(device, sName)), [&](qncomm::QNComm& control) {
                       qncomm::Collection<std::string> modules;
                       modules.Add(PathOf(device, sName));
                       if (!control.ProgramLink(modules))
@@ -123,7 +127,7 @@ void FileActions::Start(const DeviceListing& device, const std::string& sName) {
 void FileActions::Save(const DeviceListing& device, const std::vector<std::string>& names) {
     const auto fetch = [this, device](const std::vector<std::string>& files,
                                       const std::function<QString(const std::string&)>& place) {
-        Run(tr("Save %1").arg(Several(device, files)), [&](qncomm::QNComm& control) {
+        Run(device, tr("Save %1").arg(Several(device, files)), [&](qncomm::QNComm& control) {
             for (const std::string& name : files)
                 control.KermitDownload(PathOf(device, name), place(name).toStdString());
         });
@@ -151,7 +155,7 @@ void FileActions::Send(const DeviceListing& device) {
 void FileActions::SendFiles(const DeviceListing& device, const QStringList& paths) {
     const QString what =
         paths.size() == 1 ? QFileInfo(paths.front()).fileName() : tr("%1 files").arg(paths.size());
-    Run(tr("Send %1").arg(what), [&](qncomm::QNComm& control) {
+    Run(device, tr("Send %1").arg(what), [&](qncomm::QNComm& control) {
         for (const QString& path : paths)
             SendOne(device, path, control);
     });
@@ -178,18 +182,19 @@ void FileActions::SendOne(const DeviceListing& device, const QString& path,
 
 void FileActions::Print(const DeviceListing& device, const std::string& sName) {
     if (device.kind == DeviceKind::Images) {
-        Run(tr("Print %1").arg(qncomm::FromLine(sName)),
+        Run(device, tr("Print %1").arg(qncomm::FromLine(sName)),
             [&](qncomm::QNComm& control) { control.PrintImage(sName); });
         return;
     }
     AskText(mWindow, tr("Print"), tr("Text to print in %1:").arg(qncomm::FromLine(sName)),
-            tr("The quick brown fox"), [this, sName](const QString& text) {
-                Run(tr("Print in %1").arg(qncomm::FromLine(sName)), [&](qncomm::QNComm& control) {
-                    qncomm::PrintFontArgs args;
-                    args.sFontName = sName;
-                    args.sText = qncomm::ToLine(text);
-                    control.PrintFont(args);
-                });
+            tr("The quick brown fox"), [this, device, sName](const QString& text) {
+                Run(device, tr("Print in %1").arg(qncomm::FromLine(sName)),
+                    [&](qncomm::QNComm& control) {
+                        qncomm::PrintFontArgs args;
+                        args.sFontName = sName;
+                        args.sText = qncomm::ToLine(text);
+                        control.PrintFont(args);
+                    });
             });
 }
 

@@ -53,7 +53,7 @@ class FileActions final : public QObject {
   private:
     using Work = std::function<void(qncomm::QNComm&)>;
 
-    bool Run(const QString& title, const Work& work);
+    bool Run(const DeviceListing& device, const QString& title, const Work& work);
     void SendOne(const DeviceListing& device, const QString& path, qncomm::QNComm& control);
 
     Operations& mOperations;

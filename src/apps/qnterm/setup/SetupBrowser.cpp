@@ -76,10 +76,12 @@ void SetupBrowser::Build() {
 
 void SetupBrowser::Read() {
     std::shared_ptr<qncomm::PrinterSetup> setup;
-    if (mOperations.Run(tr("Read the printer's setup"),
-                        [&](qncomm::QNComm& control) { setup = control.Setup(); })
-        && setup)
-        ShowSetup(*setup);
+    if (!mOperations.Run(tr("Read the printer's setup"),
+                         [&](qncomm::QNComm& control) { setup = control.Setup(); })
+        || !setup)
+        return;
+    mGeneration = mOperations.Generation();
+    ShowSetup(*setup);
 }
 
 void SetupBrowser::ShowSetup(const qncomm::PrinterSetup& setup) {
@@ -113,9 +115,10 @@ void SetupBrowser::Search(const QString& text) {
 
 /// Changes an item and reads the setup again: what the printer made of the value is what counts.
 void SetupBrowser::Change(const QString& key, const QString& value) {
-    const bool changed = mOperations.Run(tr("Change %1").arg(key), [&](qncomm::QNComm& control) {
-        control.ChangePrinterSetupItem(qncomm::ToLine(key), qncomm::ToLine(value));
-    });
+    const bool changed =
+        mOperations.RunOn(mGeneration, tr("Change %1").arg(key), [&](qncomm::QNComm& control) {
+            control.ChangePrinterSetupItem(qncomm::ToLine(key), qncomm::ToLine(value));
+        });
     if (changed) Read();
 }
 

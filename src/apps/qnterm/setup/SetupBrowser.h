@@ -4,6 +4,8 @@
 
 #include <QWidget>
 
+#include <cstdint>
+
 class QLineEdit;
 class QSortFilterProxyModel;
 
@@ -36,6 +38,7 @@ class SetupBrowser final : public QWidget {
     void ShowSetup(const qncomm::PrinterSetup& setup);
 
     Operations& mOperations;
+    std::int32_t mGeneration = 0; ///< of the control, in which the setup was read
     SetupModel mModel;
     QSortFilterProxyModel* mFound;
     CommandBar* mCommandBar;

@@ -4,6 +4,8 @@
 #include "DeviceBrowser.h"
 #include "Icons.h"
 #include "LabelView.h"
+#include "LineRecorder.h"
+#include "LineView.h"
 #include "ModuleBrowser.h"
 #include "Operations.h"
 #include "PrinterActions.h"
@@ -16,6 +18,7 @@
 #include "assembly/AllChannelKinds.h"
 #include "common/QNError.h"
 #include "control/QNComm.h"
+#include "link/LiveState.h"
 #include "qt/Charset.h"
 #include "qt/Icons.h"
 #include "qt/QNCommWidget.h"
@@ -47,12 +50,29 @@ struct DockPlace {
     const char* keys;
 };
 constexpr DockPlace DockPlaces[] = {
-    {"devices", "&Devices", "Ctrl+Shift+D"},
-    {"setup", "&Setup", "Ctrl+Shift+S"},
-    {"modules", "&Modules", "Ctrl+Shift+M"},
-    {"labels", "&Labels", "Ctrl+Shift+L"},
+    {"devices", "&Devices", "Ctrl+Shift+D"}, {"setup", "&Setup", "Ctrl+Shift+S"},
+    {"modules", "&Modules", "Ctrl+Shift+M"}, {"labels", "&Labels", "Ctrl+Shift+L"},
+    {"line", "Li&ne", "Ctrl+Shift+N"},
 };
-constexpr int LeastDockCharacters = 46; // the width at which all the docks' tabs are readable
+/// What the printer does, where a person should know.
+QString DoingText(int printer) {
+    switch (printer) {
+    case qncomm::PrinterSilent:
+        return MainWindow::tr("silent");
+    case qncomm::PrinterRunning:
+        return MainWindow::tr("running");
+    case qncomm::PrinterAsking:
+        return MainWindow::tr("asking");
+    case qncomm::PrinterReceiving:
+        return MainWindow::tr("receiving");
+    case qncomm::PrinterRebooting:
+        return MainWindow::tr("restarting");
+    default:
+        return {};
+    }
+}
+
+constexpr int LeastDockCharacters = 54; // the width at which all the docks' tabs are readable
 constexpr int EndingPollMs = 20;
 
 } // namespace
@@ -85,9 +105,11 @@ void MainWindow::BuildCentre(qncomm::TraceSink* trace) {
     GiveLabels(port);
     qncomm::ControlAssembly::Options options;
     options.bindings = mBook.Bindings();
-    options.trace = trace;
     options.link = {.remembered = true,
                     .addressOf = [this](std::int16_t number) { return mBook.AddressOf(number); }};
+    mRecorder = std::make_shared<LineRecorder>(trace);
+    options.trace = mRecorder.get();
+    options.keep = mRecorder;
     mControl = new qncomm::QNCommWidget(qncomm::QNCommWidget::RunMode, nullptr, std::move(options));
     mControl->setRegSettings(mBook.SettingsFor(port));
     mOperations = new Operations(mControl->control(),
@@ -123,10 +145,12 @@ void MainWindow::FillDocks() {
     mSetup = new SetupBrowser(*mOperations);
     mModules = new ModuleBrowser(*mOperations);
     mLabels = new LabelView;
-    QWidget* const contents[] = {mDevices, mSetup, mModules, mLabels};
+    auto* line = new LineView(mRecorder);
+    QWidget* const contents[] = {mDevices, mSetup, mModules, mLabels, line};
     for (qsizetype i = 0; i < mDocks.size(); ++i)
         mDocks[i]->setWidget(contents[i]);
     connect(mModules, &ModuleBrowser::Uploaded, mDevices, &DeviceBrowser::Update);
+    connect(line, &LineView::WatchWanted, mActions, &PrinterActions::Watch);
     connect(mLabels, &LabelView::Printed, this,
             [this] { mStatus->Say(tr("A label has been printed.")); });
     mDevices->setEnabled(false);
@@ -170,7 +194,14 @@ void MainWindow::ConnectParts() {
     connect(mActions, &PrinterActions::QuitWanted, this, &QWidget::close);
     connect(mActions, &PrinterActions::AboutWanted, this, &MainWindow::ShowAbout);
     connect(mActions, &PrinterActions::Said, mStatus, &StatusView::Say);
+    connect(mActions, &PrinterActions::Watching, this, [this] {
+        mDocks.back()->show();
+        mDocks.back()->raise();
+    });
+    connect(mActions, &PrinterActions::BreakWanted, mControl, &qncomm::QNCommWidget::sendBreak);
+    connect(mActions, &PrinterActions::CtrlCWanted, mControl, &qncomm::QNCommWidget::sendCtrlC);
     connect(mControl, &qncomm::QNCommWidget::portStateEvent, this, &MainWindow::ShowPortState);
+    connect(mControl, &qncomm::QNCommWidget::liveStateEvent, this, &MainWindow::OnLiveState);
     connect(mControl, &qncomm::QNCommWidget::error, this,
             [this](int number, const QString& source, const QString& description) {
                 ShowFailure(
@@ -268,10 +299,21 @@ void MainWindow::ShowPortState() {
         facts.open = serial.PortOpen();
         facts.name = QString::fromStdString(mPort.address);
         facts.printer = mPrinter;
+        facts.doing = DoingText(mDoing);
         if (!facts.open && serial.LastFailure())
             facts.failure = QString::fromStdString(serial.LastFailure()->description);
     }
     mStatus->ShowPort(facts);
+}
+
+/// A printer that may be another is called by no name until it has told its own.
+void MainWindow::OnLiveState(int /*line*/, int printer, int generation) {
+    mDoing = printer;
+    if (std::exchange(mGeneration, generation) != generation && !mPrinter.isEmpty()) {
+        mPrinter.clear();
+        setWindowTitle(tr("QNComm Terminal"));
+    }
+    ShowPortState();
 }
 
 void MainWindow::OnIdentified(const QString& model, const QString& firmware) {

@@ -28,6 +28,7 @@ namespace qnterm {
 
 class DeviceBrowser;
 class LabelView;
+class LineRecorder;
 class ModuleBrowser;
 class Operations;
 class PrinterActions;
@@ -70,6 +71,7 @@ class MainWindow final : public QMainWindow {
     void EnterPort();
     std::string LabelFolder();
     void ShowPortState();
+    void OnLiveState(int line, int printer, int generation);
     void OnIdentified(const QString& model, const QString& firmware);
     void ShowFailure(const QString& title, const qncomm::QNError& error);
     void ShowAbout();
@@ -78,8 +80,11 @@ class MainWindow final : public QMainWindow {
     std::shared_ptr<qncomm::FileSettings> mStore;
     qncomm::PortBook mBook;
     qncomm::ChosenPort mPort;
+    std::shared_ptr<LineRecorder> mRecorder;
     std::string mLabelFolder; ///< of the virtual printer; empty for other ports
     QString mPrinter;         ///< the model that answered on the port
+    int mDoing = 0;           ///< what the printer does: an enumPrinterActivity
+    int mGeneration = 0;      ///< of the control, in which mPrinter answered
     SentFiles mSent;
     std::optional<QTemporaryDir> mScratchLabels;
     QTimer mStarting; ///< the window is shown and is about to be filled

@@ -28,6 +28,17 @@ bool Operations::Run(const QString& sTitle, const Work& work) {
     return Carry(sTitle, work);
 }
 
+bool Operations::RunOn(std::int32_t lGeneration, const QString& sTitle, const Work& work) {
+    return Run(sTitle, [&](qncomm::QNComm& control) {
+        control.RequireGeneration(lGeneration);
+        work(control);
+    });
+}
+
+std::int32_t Operations::Generation() const {
+    return mControl.Generation();
+}
+
 /// Runs the work and tells its end; the operation counts as ended before anybody is told.
 bool Operations::Carry(const QString& title, const Work& work) {
     const auto ended = [this] {

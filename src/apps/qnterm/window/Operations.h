@@ -6,6 +6,7 @@
 #include <QObject>
 #include <QString>
 
+#include <cstdint>
 #include <functional>
 
 namespace qncomm {
@@ -39,6 +40,12 @@ class Operations : public QObject {
     /// Runs work. sTitle names it for the user: "Delete c:LAYOUT.LBL". False when it was refused,
     /// cancelled or failed.
     bool Run(const QString& sTitle, const Work& work);
+    /// The same for work on what was read from the printer in that generation (QNComm::Generation):
+    /// fails, with nothing done, when it is no longer this printer's.
+    bool RunOn(std::int32_t lGeneration, const QString& sTitle, const Work& work);
+
+    /// The generation of what is shown and asked now.
+    std::int32_t Generation() const;
 
     bool Running() const { return mRunning; }
     /// Whether anything waits for the printer, also what was not started here.

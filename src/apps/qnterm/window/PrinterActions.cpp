@@ -5,7 +5,9 @@
 #include "Operations.h"
 
 #include "control/QNComm.h"
+#include "link/clsDataLink.h"
 #include "qt/Charset.h"
+#include "serial/LineSettings.h"
 
 #include <QAction>
 #include <QLocale>
@@ -14,7 +16,7 @@
 
 namespace qnterm {
 /// What an entry needs to be enabled.
-enum class Needs { Nothing, Idle, Printer };
+enum class Needs { Nothing, Idle, Port, Printer };
 
 /// One entry of the menus. A row without a text is a line between others.
 struct MenuEntry {
@@ -55,6 +57,8 @@ constexpr MenuEntry Entries[] = {
      "Ctrl+Shift+P", Needs::Printer, [](Actions& a) { a.Find(); }},
     {"&Printer", "settings", "Port &Settings…", "Baud rate, format and flow control", "",
      Needs::Printer, [](Actions& a) { a.Press("CommSettings"); }},
+    {"&Printer", "", "&Watch the Line…", "Listen at settings of your choice and send nothing", "",
+     Needs::Printer, [](Actions& a) { a.Watch(); }},
     {"&Printer", "info", "&Identify", "Ask for model and firmware", "Ctrl+Shift+I", Needs::Printer,
      [](Actions& a) { a.Identify(); }},
     {"&Printer", "", "", "", "", Needs::Nothing, nullptr},
@@ -68,6 +72,13 @@ constexpr MenuEntry Entries[] = {
 
     {"P&rogram", "run", "&Run", "Start the program in working memory", "Ctrl+Shift+R",
      Needs::Printer, [](Actions& a) { a.RunProgram(); }},
+    {"P&rogram", "cancel", "&Stop", "End the program that runs, by Ctrl-C or by a break",
+     "Ctrl+Shift+X", Needs::Printer, [](Actions& a) { a.StopProgram(); }},
+    {"P&rogram", "", "Send C&trl-C", "Send the character that ends a program", "", Needs::Port,
+     [](Actions& a) { emit a.CtrlCWanted(); }},
+    {"P&rogram", "", "Send &Break", "Hold the line in the break condition (Ctrl+Break)", "",
+     Needs::Port, [](Actions& a) { emit a.BreakWanted(); }},
+    {"P&rogram", "", "", "", "", Needs::Nothing, nullptr},
     {"P&rogram", "", "&Check", "Find out whether the printer accepts the program", "",
      Needs::Printer, [](Actions& a) { a.CheckProgram(); }},
     {"P&rogram", "save", "Save &Listing…", "Write the program's listing to a file", "",
@@ -120,6 +131,7 @@ QAction* PrinterActions::AddEntry(const MenuEntry& entry) {
     action->setStatusTip(tr(entry.tip));
     if (entry.needs == Needs::Printer) mNeedPrinter.append(action);
     if (entry.needs == Needs::Idle) mNeedIdle.append(action);
+    if (entry.needs == Needs::Port) mNeedPort.append(action);
     connect(action, &QAction::triggered, this, [this, act = entry.act] { act(*this); });
     mWindow->addAction(action);
     return action;
@@ -136,6 +148,8 @@ void PrinterActions::Enable() {
         action->setEnabled(idle);
     for (QAction* action : mNeedPrinter)
         action->setEnabled(idle && mHasPort);
+    for (QAction* action : mNeedPort)
+        action->setEnabled(mHasPort);
 }
 
 void PrinterActions::Connect() {
@@ -165,30 +179,59 @@ void PrinterActions::Identify() {
     Connect();
 }
 
+void PrinterActions::Watch() {
+    QString now;
+    const bool idle = mOperations.Run({}, [&](qncomm::QNComm& control) {
+        now = QString::fromStdString(control.Link().SettingsText());
+    });
+    if (!idle) return;
+    AskText(mWindow, tr("Watch the line"), tr("Rate, parity, data bits and stop bits:"), now,
+            [this](const QString& answer) {
+                const auto settings = qncomm::ParseLineSettings(answer.toStdString());
+                if (!settings) {
+                    emit Said(tr("%1: write settings such as 9600,n,8,2.").arg(answer));
+                    return;
+                }
+                const bool done = mOperations.Run({}, [&](qncomm::QNComm& control) {
+                    qncomm::clsDataLink& link = control.Link();
+                    link.SetBaudrate(std::to_string(settings->baud));
+                    link.SetParity(std::string(1, settings->parity));
+                    link.SetDatabits(std::to_string(settings->dataBits));
+                    link.SetStopbits(std::to_string(settings->stopBits));
+                });
+                if (!done) return;
+                emit Watching();
+                emit Said(tr("Listening at %1. Nothing is sent.").arg(answer));
+            });
+}
+
 void PrinterActions::FreeMemory() {
     std::int32_t bytes = 0;
     if (mOperations.Run(tr("Free memory"), [&](qncomm::QNComm& control) { bytes = control.Fre(); }))
         emit Said(tr("%1 bytes of working memory are free.").arg(QLocale().toString(bytes)));
 }
 
+// What a person agrees to is meant for the printer that was there when the question was asked.
+
 void PrinterActions::Reboot() {
     AskBefore(mWindow, tr("Restart the printer?"),
               tr("The program in working memory and the files on tmp: are lost."), tr("&Restart"),
-              [this] {
-                  mOperations.Run(tr("Reboot"), [](qncomm::QNComm& control) { control.Reboot(); });
+              [this, asked = mOperations.Generation()] {
+                  mOperations.RunOn(asked, tr("Reboot"),
+                                    [](qncomm::QNComm& control) { control.Reboot(); });
               });
 }
 
 void PrinterActions::Format() {
     AskText(mWindow, tr("Format a device"), tr("Device to erase, such as ram: or c:"), {},
-            [this](const QString& device) {
+            [this, asked = mOperations.Generation()](const QString& device) {
                 AskBefore(mWindow, tr("Erase everything on %1?").arg(device),
                           tr("All its files are deleted. This cannot be undone."), tr("&Erase"),
-                          [this, device] {
-                              mOperations.Run(tr("Format %1").arg(device),
-                                              [device](qncomm::QNComm& control) {
-                                                  control.FormatDev(qncomm::ToLine(device));
-                                              });
+                          [this, asked, device] {
+                              mOperations.RunOn(asked, tr("Format %1").arg(device),
+                                                [device](qncomm::QNComm& control) {
+                                                    control.FormatDev(qncomm::ToLine(device));
+                                                });
                           });
             });
 }
@@ -204,14 +247,25 @@ void PrinterActions::ChangeDevice() {
 
 void PrinterActions::NewProgram() {
     AskBefore(mWindow, tr("Delete the program in working memory?"),
-              tr("Files on the printer stay as they are."), tr("&Delete"), [this] {
-                  mOperations.Run(tr("New program"),
-                                  [](qncomm::QNComm& control) { control.NewProgram(); });
+              tr("Files on the printer stay as they are."), tr("&Delete"),
+              [this, asked = mOperations.Generation()] {
+                  mOperations.RunOn(asked, tr("New program"),
+                                    [](qncomm::QNComm& control) { control.NewProgram(); });
               });
 }
 
 void PrinterActions::RunProgram() {
     mOperations.Run(tr("Run the program"), [](qncomm::QNComm& control) { control.RunProgram(); });
+}
+
+void PrinterActions::StopProgram() {
+    static const QString told[] = {tr("The port is in use: nothing was sent."),
+                                   tr("No program ran."), tr("The program was ended by Ctrl-C."),
+                                   tr("The program was ended by a break.")};
+    std::int16_t how = qncomm::StopRefused;
+    if (mOperations.Run(tr("Stop the program"),
+                        [&](qncomm::QNComm& control) { how = control.Link().StopProgram(); }))
+        emit Said(told[how]);
 }
 
 void PrinterActions::CheckProgram() {

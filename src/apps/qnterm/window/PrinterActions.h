@@ -38,12 +38,15 @@ class PrinterActions final : public QObject {
 
     void Find();
     void Identify();
+    /// Asks for settings of the line and listens at them; nothing is sent.
+    void Watch();
     void FreeMemory();
     void Reboot();
     void Format();
     void ChangeDevice();
     void NewProgram();
     void RunProgram();
+    void StopProgram();
     void CheckProgram();
     void SaveListing();
     /// Presses a button of the control's toolbar.
@@ -55,6 +58,11 @@ class PrinterActions final : public QObject {
     void ChoosePortWanted();
     void QuitWanted();
     void AboutWanted();
+    /// The line is listened to: what comes is to be shown.
+    void Watching();
+    /// A break, or the character that ends a program, whatever runs.
+    void BreakWanted();
+    void CtrlCWanted();
     /// A message for the user.
     void Said(const QString& sText);
 
@@ -66,6 +74,7 @@ class PrinterActions final : public QObject {
     QWidget* mWindow;
     QList<QAction*> mNeedPrinter; ///< actions that need a port and nothing running
     QList<QAction*> mNeedIdle;    ///< actions that need nothing running
+    QList<QAction*> mNeedPort;    ///< actions that need a port alone
     QAction* mHelp = nullptr;
     bool mHasPort = false;
 };

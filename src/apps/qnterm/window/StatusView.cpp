@@ -135,7 +135,8 @@ void StatusView::ShowLamp(const PortFacts& facts) {
     if (facts.open) {
         const QString printer =
             facts.printer.isEmpty() ? QString() : facts.printer.toHtmlEscaped() + tr(" on ");
-        mPort->setText(LampText(Lamp::On) + printer + name);
+        const QString doing = facts.doing.isEmpty() ? QString() : tr(", %1").arg(facts.doing);
+        mPort->setText(LampText(Lamp::On) + printer + name + doing);
     } else if (!facts.failure.isEmpty()) {
         mPort->setText(LampText(Lamp::Fault) + tr("%1 lost").arg(name));
     } else {

@@ -16,9 +16,10 @@ class Operations;
 /// What is known of the port.
 struct PortFacts {
     bool open = false;
-    QString name;    ///< for the user, such as "COM3 (/dev/ttyUSB0)"; empty = none is chosen
-    QString printer; ///< what answers there; empty = not known
-    QString failure; ///< why it did not open or went away; empty = neither
+    QString name;       ///< for the user, such as "COM3 (/dev/ttyUSB0)"; empty = none is chosen
+    QString printer;    ///< what answers there; empty = not known
+    QString failure;    ///< why it did not open or went away; empty = neither
+    QString doing = {}; ///< what the printer does, in a word; empty = nothing worth telling
 };
 
 /// The status bar: the state of the port, and of what runs its progress with a button that cancels

@@ -23,6 +23,8 @@ class TerminalInput {
     /// Puts bytes of the line on the clipboard.
     virtual void Copy(std::string_view sText) = 0;
     virtual void Paste() = 0;
+    /// The line is to be held in the break condition.
+    virtual void Break() = 0;
 };
 
 } // namespace qncomm

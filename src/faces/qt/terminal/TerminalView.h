@@ -29,8 +29,8 @@ enum class ViewCommand : std::uint8_t;
 /// times a second, however fast it changes.
 ///
 /// Keys of its own: Ctrl+F searches, Ctrl with plus, minus, 0 and the wheel zooms, Ctrl+Shift+C and
-/// Ctrl+Shift+V copy and paste, Ctrl+Shift+A marks everything, Shift with Page Up, Page Down, Home
-/// and End looks back, Ctrl+Tab leaves.
+/// Ctrl+Shift+V copy and paste, Ctrl+Shift+A marks everything, Ctrl+Break and Ctrl+Shift+B break
+/// the line, Shift with Page Up, Page Down, Home and End looks back, Ctrl+Tab leaves.
 class TerminalView : public QAbstractScrollArea {
     Q_OBJECT
 

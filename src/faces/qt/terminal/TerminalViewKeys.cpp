@@ -38,6 +38,9 @@ void TerminalView::Run(ViewCommand command) {
     case ViewCommand::SelectAll:
         SelectAll();
         break;
+    case ViewCommand::Break:
+        p.input.Break();
+        break;
     case ViewCommand::PageUp:
         p.scroll.PageBy(-1);
         break;

@@ -25,6 +25,8 @@ constexpr std::array NamedKeys{
     NamedKey{Qt::Key_PageDown, KeyName::PageDown},
     NamedKey{Qt::Key_Home, KeyName::Home},
     NamedKey{Qt::Key_End, KeyName::End},
+    NamedKey{Qt::Key_Pause, KeyName::Break},
+    NamedKey{Qt::Key_Cancel, KeyName::Break}, // what some platforms make of it with Ctrl
 };
 
 KeyName NameOf(int key) {

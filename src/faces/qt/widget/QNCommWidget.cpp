@@ -82,6 +82,10 @@ void QNCommWidget::ConnectEvents() {
     QNComm& control = mParts->assembly->Control();
     mParts->handlers.push_back(
         control.PortStateEvent.Connect([this](bool& busy) { emit portStateEvent(busy); }));
+    mParts->handlers.push_back(control.LiveStateEvent.Connect(
+        [this](std::int16_t line, std::int16_t printer, std::int32_t generation) {
+            emit liveStateEvent(line, printer, generation);
+        }));
     mParts->handlers.push_back(
         control.StatusEvent.Connect([this](std::string& text, std::int16_t progress, bool& cancel) {
             const QPointer<QNCommWidget> self(this);

@@ -2,6 +2,7 @@
 
 #include "QNCommWidgetParts.h"
 #include "common/QNError.h"
+#include "link/clsDataLink.h"
 #include "qt/Charset.h"
 
 #include <QMetaMethod>
@@ -54,6 +55,21 @@ void QNCommWidget::copySelection() {
 
 void QNCommWidget::paste() {
     run([](QNComm& control) { control.PasteCB(); });
+}
+
+void QNCommWidget::sendBreak() {
+    run([](QNComm& control) { control.Link().SendBreak(); });
+}
+
+void QNCommWidget::sendCtrlC() {
+    run([](QNComm& control) { control.Link().SendCtrlC(); });
+}
+
+void QNCommWidget::stopProgram() {
+    run([](QNComm& control) {
+        const auto held = control.Hold();
+        control.Link().StopProgram();
+    });
 }
 
 void QNCommWidget::selectAll() {

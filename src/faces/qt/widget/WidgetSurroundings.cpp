@@ -157,4 +157,8 @@ void QNCommWidget::Surroundings::Paste() {
     mWidget.paste();
 }
 
+void QNCommWidget::Surroundings::Break() {
+    mWidget.sendBreak();
+}
+
 } // namespace qncomm

@@ -48,6 +48,7 @@ class QNCommWidget::Surroundings final : public ControlHost,
     void MenuAsked() override;
     void Copy(std::string_view sText) override;
     void Paste() override;
+    void Break() override;
 
   private:
     QNCommWidget& mWidget;

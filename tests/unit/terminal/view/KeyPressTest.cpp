@@ -90,6 +90,8 @@ TEST(KeyCommands, AreTheChordsThatTheViewKeepsForItself) {
         Row{Cap('C', CtrlShift), ViewCommand::Copy},
         Row{Cap('V', CtrlShift), ViewCommand::Paste},
         Row{Cap('A', CtrlShift), ViewCommand::SelectAll},
+        Row{Cap('B', CtrlShift), ViewCommand::Break},
+        Row{Named(KeyName::Break, Ctrl), ViewCommand::Break},
         Row{Named(KeyName::PageUp, Shift), ViewCommand::PageUp},
         Row{Named(KeyName::PageDown, Shift), ViewCommand::PageDown},
         Row{Named(KeyName::Home, Shift), ViewCommand::ToStart},
@@ -102,7 +104,7 @@ TEST(KeyCommands, AreTheChordsThatTheViewKeepsForItself) {
         EXPECT_EQ(CommandOf(row.press), row.command) << static_cast<int>(row.command);
         seen.insert(row.command);
     }
-    EXPECT_EQ(seen.size(), 13U) << "every command but None has a chord";
+    EXPECT_EQ(seen.size(), 14U) << "every command but None has a chord";
 }
 
 TEST(KeyCommands, TakeExactlyTheirModifiers) {

@@ -143,6 +143,13 @@ class QNCommWidget : public QWidget {
     void selectAll();
     /// Restarts the printer; returns when it answers again.
     void reboot();
+    /// Holds the line in the break condition for a moment, whatever runs.
+    void sendBreak();
+    /// Sends the character 0x03, whatever runs.
+    void sendCtrlC();
+    /// Ends the printer's program, by that character or by a break, and proves that the printer is
+    /// at its prompt.
+    void stopProgram();
     /// Presses a button of the toolbar by its key, such as "F1".
     void pressToolbarKey(const QString& sKey);
     /// Appends what the terminal shows from now on to the file.
@@ -167,6 +174,9 @@ class QNCommWidget : public QWidget {
     void portStateEvent(bool& bPortBusy);
     /// Progress of a long operation in percent, -1 for none; a handler that sets bCancel stops it.
     void statusEvent(QString& sStatusMsg, int iProgress, bool& bCancel);
+    /// What is known of line and printer has changed: an enumLineState, an enumPrinterActivity and
+    /// the generation. QNComm::LiveFacts tells the rest.
+    void liveStateEvent(int iLine, int iPrinter, int lGeneration);
     /// A slot or an action of run() raised an error: its number, its source and its description.
     void error(int lNumber, const QString& sSource, const QString& sDescription);
     /// A property of the control has changed; sName is its name, such as "BackColor".

@@ -18,6 +18,7 @@ enum class KeyName : std::uint8_t {
     PageDown,  ///< a page towards newer text
     Home,      ///< the oldest text
     End,       ///< the newest text
+    Break,     ///< Pause, which with Ctrl is Break
 };
 
 /// The modifiers that are held while a key goes down.
@@ -54,6 +55,7 @@ enum class ViewCommand : std::uint8_t {
     Copy,            ///< Ctrl+Shift+C
     Paste,           ///< Ctrl+Shift+V
     SelectAll,       ///< Ctrl+Shift+A
+    Break,           ///< Ctrl+Break or Ctrl+Shift+B: hold the line in the break condition
     PageUp,          ///< Shift with Page Up
     PageDown,        ///< Shift with Page Down
     ToStart,         ///< Shift+Home: the oldest line that is kept
