@@ -25,11 +25,19 @@ constexpr std::int32_t SetupSilence = 200;
 constexpr std::int32_t LongestAnswer = 3000; ///< a device that never stops talking is no printer
 constexpr std::int32_t NoLonger = -1;        ///< a limit that is over
 
+constexpr std::string_view EndOfAnswer = "Ok\r\n";
 constexpr std::string_view ProbedWord = "HELLO";
 constexpr std::string_view Probe = "\x11\rIMMEDIATE ON:SYSVAR(18)=-1:PRINT\"HELLO\"\r";
 constexpr std::array<std::int16_t, 3> Channels = {1, 2, 3};
 constexpr std::int16_t ProgressStep = 3;
 constexpr std::int16_t ProgressDone = 100;
+
+std::size_t CountOf(std::string_view text, std::string_view what) {
+    std::size_t count = 0;
+    for (std::size_t at = 0; (at = text.find(what, at)) != std::string_view::npos; ++count)
+        at += what.size();
+    return count;
+}
 
 bool HasThen(const std::string& text, std::string_view first, std::string_view then) {
     const std::size_t at = text.find(first);
@@ -160,13 +168,16 @@ AutoConnectSearch::Outcome AutoConnectSearch::TryCombination(const std::string& 
 
 bool AutoConnectSearch::FindChannel() {
     std::string reply;
+    std::size_t asked = 0;
     for (const std::int16_t channel : Channels) {
         Serial().Write(ChannelLine(channel));
+        ++asked;
         WaitForDrain(ProbeDrain);
         const Reply collected = CollectAnswer("=");
         reply += collected.text;
         if (collected.complete) break;
     }
+    reply += CollectOwed(asked - std::min(asked, CountOf(reply, EndOfAnswer)));
     mState.stdio = ChannelOf(reply);
     return true;
 }
@@ -254,6 +265,13 @@ AutoConnectSearch::Reply AutoConnectSearch::CollectAnswer(std::string_view marke
         return reply.complete ? NoLonger : LongestAnswer;
     });
     return reply;
+}
+
+std::string AutoConnectSearch::CollectOwed(std::size_t answers) {
+    if (answers == 0) return {};
+    return Collect(SetupSilence, [&](const std::string& text) {
+        return CountOf(text, EndOfAnswer) < answers ? LongestAnswer : NoLonger;
+    });
 }
 
 std::string AutoConnectSearch::CollectSetup(const std::string& command) {

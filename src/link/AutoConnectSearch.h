@@ -56,6 +56,10 @@ class AutoConnectSearch {
     bool CollectProbe(const std::string& rate);
     /// Reads until the reply is complete or nothing came for silence ms.
     Reply CollectAnswer(std::string_view marker);
+    /// Reads what a printer that takes its time has not answered yet: its answers, and lines on
+    /// their way to it, are not to be mixed with the setup's. Gives up after as much silence as the
+    /// setup's.
+    std::string CollectOwed(std::size_t answers);
     std::string CollectSetup(const std::string& command);
     void WaitForDrain(std::int32_t limit);
     void Flush();

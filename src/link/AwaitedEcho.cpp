@@ -13,14 +13,29 @@ bool EndsLine(char c) {
     return c == '\r' || c == '\n';
 }
 
+char Stripped(char c) {
+    return static_cast<char>(c & 0x7F);
+}
+
+bool IsCompared(char c) {
+    return Stripped(c) >= ' ' && Stripped(c) != 0x7F;
+}
+
 /// What of a line is compared.
 std::string Plain(std::string_view line) {
     std::string plain;
-    for (const char c : line.substr(0, LongestCompared)) {
-        const char stripped = static_cast<char>(c & 0x7F);
-        if (stripped >= ' ' && stripped != 0x7F) plain += stripped;
-    }
+    for (const char c : line.substr(0, LongestCompared))
+        if (IsCompared(c)) plain += Stripped(c);
     return plain;
+}
+
+/// Where the last so many characters of a line that are compared begin.
+std::size_t BeginOfLast(std::size_t count, std::string_view line) {
+    if (line.size() > LongestCompared) return 0;
+    std::size_t at = line.size();
+    while (at > 0 && count > 0)
+        count -= IsCompared(line[--at]) ? 1 : 0;
+    return at;
 }
 
 bool Echoes(std::string_view line, std::string_view sent) {
@@ -42,9 +57,11 @@ void AwaitedEcho::Sent(std::string_view text) {
     }
 }
 
-bool AwaitedEcho::Is(std::string_view line) const {
+std::optional<std::size_t> AwaitedEcho::FindIn(std::string_view line) const {
     const std::string plain = Plain(line);
-    return Echoes(plain, mFirst) || Echoes(plain, mLast);
+    for (const std::string* const sent : {&mFirst, &mLast})
+        if (Echoes(plain, *sent)) return BeginOfLast(std::min(sent->size(), plain.size()), line);
+    return std::nullopt;
 }
 
 } // namespace qncomm

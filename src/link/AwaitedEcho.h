@@ -1,5 +1,7 @@
 #pragma once
 
+#include <cstddef>
+#include <optional>
 #include <string>
 #include <string_view>
 
@@ -17,11 +19,11 @@ class AwaitedEcho {
 
     /// Whether a whole line was sent, so that an echo is to be expected.
     bool IsAwaited() const { return !mFirst.empty(); }
-    /// Whether a received line, without its line end, is the echo or ends in it: noise, or output
-    /// that ended in the middle of a line, may stand before it. Neither the eighth bit, which not
-    /// every line carries, nor control characters count, and of a long line the printer may have
-    /// kept and echoed the beginning alone.
-    bool Is(std::string_view line) const;
+    /// Where the echo begins in a received line, without its line end, that is the echo or ends in
+    /// it: noise, or output that ended in the middle of a line, may stand before it. Neither the
+    /// eighth bit, which not every line carries, nor control characters count, and of a long line
+    /// the printer may have kept and echoed the beginning alone.
+    std::optional<std::size_t> FindIn(std::string_view line) const;
 
   private:
     std::string mCurrent; ///< the line that has not ended yet

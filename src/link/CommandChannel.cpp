@@ -166,9 +166,10 @@ bool LinkState::BeginsWithEcho() {
         const std::size_t end = received.find(CrLf, judged);
         if (end == std::string::npos) return false;
         const std::size_t start = std::exchange(judged, end + CrLf.size());
-        if (!echo.Is(std::string_view(received).substr(start, end - start))) continue;
-        received.erase(0, start);
-        judged -= start;
+        const auto begin = echo.FindIn(std::string_view(received).substr(start, end - start));
+        if (!begin) continue;
+        received.erase(0, start + *begin);
+        judged -= start + *begin;
         return echoFound = true;
     }
 }

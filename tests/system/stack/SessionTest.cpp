@@ -85,8 +85,8 @@ TEST_F(StackSession, ACutLineIsReportedAndNothingHangs) {
 
 TEST_F(StackSession, APrinterThatDoesNotEchoIsNotFound) {
     // Its reply lacks the echo; the search still finds HELLO, and the identification must refuse
-    // it.
-    Stack silent(mReactor, "sim:R7G?no-echo=on");
+    // it. No noise may come in the place of the echo.
+    Stack silent(mReactor, "sim:R7G?no-echo=on&noise=0");
     EXPECT_RAISED_FROM(silent.mLink.ModelText(), "1000 Datalink:GetVersion");
     EXPECT_FALSE(silent.mLink.ImmediateMode());
     EXPECT_EQ(silent.mLink.UseCount(), 0);
