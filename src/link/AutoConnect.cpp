@@ -25,6 +25,7 @@ constexpr std::int32_t SetupSilence = 200;
 constexpr std::int32_t LongestAnswer = 3000; ///< a device that never stops talking is no printer
 constexpr std::int32_t NoLonger = -1;        ///< a limit that is over
 
+constexpr std::size_t SpoiledReply = 64; ///< bytes with which a printer refuses a spoiled line
 constexpr std::string_view EndOfAnswer = "Ok\r\n";
 constexpr std::string_view ProbedWord = "HELLO";
 constexpr std::string_view Probe = "\x11\rIMMEDIATE ON:SYSVAR(18)=-1:PRINT\"HELLO\"\r";
@@ -155,9 +156,10 @@ AutoConnectSearch::Outcome AutoConnectSearch::TryCombination(const std::string& 
     if (mState.ReportStatus("Searching... " + settings, mProgress)) return Outcome::Cancelled;
     if (!TryOpen(settings)) return Outcome::Silent;
     Flush();
-    Serial().Write(Probe);
+    const std::string_view spoiler = mState.Spoiler();
+    Serial().Write(std::string(spoiler).append(Probe));
     WaitForDrain(ProbeDrain);
-    if (CollectProbe(rate)) {
+    if (CollectProbe(rate, spoiler.empty() ? 0 : SpoiledReply)) {
         mRate = rate;
         mFormat = format;
         return Outcome::Answered;
@@ -216,6 +218,7 @@ void AutoConnectSearch::Learn(const SetupReply& setup) {
     }
     mState.ReportConnected();
     mState.link.SetImmediateMode(true);
+    mState.inputLine = LinkState::InputLine::Empty;
     mState.outOfStep = false; // it has answered, and nothing else is on its way
 }
 
@@ -245,8 +248,8 @@ std::string AutoConnectSearch::Collect(std::int32_t silence, const Judge& limitO
     }
 }
 
-bool AutoConnectSearch::CollectProbe(const std::string& rate) {
-    SearchAnswer answer(Probe, ProbedWord, Val(rate));
+bool AutoConnectSearch::CollectProbe(const std::string& rate, std::size_t before) {
+    SearchAnswer answer(Probe, ProbedWord, Val(rate), before);
     const StopWatch watch(mState.host.loop);
     std::int32_t left = 0; // when the probe had left: a slow line is still at it, and until then a
                            // printer may have much to say to the probes of other rates

@@ -52,8 +52,8 @@ class AutoConnectSearch {
     using Judge = std::function<std::int32_t(const std::string& text)>;
     /// Reads until nothing came for silence ms or the limit is over.
     std::string Collect(std::int32_t silence, const Judge& limitOf);
-    /// Whether the probe is answered.
-    bool CollectProbe(const std::string& rate);
+    /// Whether the probe is answered; that many bytes of other answers may come before.
+    bool CollectProbe(const std::string& rate, std::size_t before);
     /// Reads until the reply is complete or nothing came for silence ms.
     Reply CollectAnswer(std::string_view marker);
     /// Reads what a printer that takes its time has not answered yet: its answers, and lines on

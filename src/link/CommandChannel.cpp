@@ -66,7 +66,7 @@ void LinkState::Queue(std::string& text) {
         }
         const std::string_view piece = sent.Left().substr(0, static_cast<std::size_t>(space));
         Serial().Write(piece);
-        echo.Sent(piece);
+        NoteSent(piece);
         sent.Advance(piece.size());
         watch.Restart();
     }
@@ -151,6 +151,8 @@ void LinkState::AwaitReply(std::int32_t timeout, const ReplyRule& rule) {
         Yield(left);
     }
     live.Printer(PrinterAtPrompt, LearntReply);
+    inputLine = InputLine::Empty;
+    loadSince.reset();
 }
 
 bool LinkState::HoldsReply(const ReplyRule& rule) {
@@ -231,6 +233,8 @@ bool clsDataLink::WaitForOk(std::int32_t lTimeout) {
 }
 
 void clsDataLink::PurgePort() {
+    if (mState->Serial().TransmitCount() > 0)
+        mState->inputLine = LinkState::InputLine::MayHoldText; // a part of it may have left
     mState->Serial().FlushTransmit();
     mState->Serial().FlushReceive();
     mState->ClearReceived();

@@ -9,6 +9,7 @@
 #include <cstdint>
 #include <functional>
 #include <memory>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -25,7 +26,8 @@ struct LinkState {
     LinkState(clsDataLink& owner, const LinkHost& where)
         : link(owner),
           host(where),
-          live(where.loop, where.firstGeneration, [this] { RaiseLiveState(); }) {}
+          live(where.loop, where.firstGeneration, [this] { RaiseLiveState(); }),
+          inputLine(UnknownInputLine()) {}
     LinkState(const LinkState&) = delete;
     LinkState& operator=(const LinkState&) = delete;
 
@@ -125,12 +127,30 @@ struct LinkState {
     void GetPrinterError(std::string_view line);
     void ClearReceived();
 
+    // -- PromptWait.cpp, Load.cpp
+
+    /// Waits for the prompt and returns what came, the prompt included; without one when nothing
+    /// came for silence ms, when longest ms have passed or the port is closed. What came is dropped
+    /// from the port.
+    std::string ReadToPrompt(std::int32_t silence, std::int32_t longest);
+    /// Gives a printer that still waits for the rest of a load the silence that it needs.
+    void AwaitEndOfLoad();
+
     // -- InputLine.cpp
 
-    /// Makes sure that what stands in the printer's input line is not carried out, where something
-    /// may stand there: it is made a line that no printer understands, and ended. The reply to it
-    /// is nobody's.
+    /// What is known of the line that the printer is being typed.
+    enum class InputLine { Empty, MayHoldText };
+    /// What makes the printer's input line one that no printer carries out, where something may
+    /// stand in it; else empty. A line end behind it ends that line, and the reply is nobody's.
+    std::string_view Spoiler() const;
+    /// Ends the input line so, and reads no reply.
     void SpoilInputLine();
+    /// Notes what was sent: a line that has not ended may be left in the printer.
+    void NoteSent(std::string_view text);
+    /// What is taken for true of a line that this link has not seen typed.
+    InputLine UnknownInputLine() const {
+        return host.options.spoil ? InputLine::MayHoldText : InputLine::Empty;
+    }
 
     // -- RememberedPrinter.cpp
 
@@ -192,11 +212,15 @@ struct LinkState {
     /// An exchange has failed: what it asked for may still be answered, so that the next claim
     /// waits for the line to fall silent.
     bool outOfStep = false;
-    /// What is known of the line that the printer is being typed.
-    enum class InputLine { Empty, MayHoldText };
-    InputLine inputLine = InputLine::Empty;
+    InputLine inputLine;
     bool receiveOverflow = false;
     bool endedInCr = false; ///< the text delivered last ended in a CR of its own
+
+    std::uintmax_t loadSize = 0;
+    std::uintmax_t loadMissing = 0;     ///< bytes that were not sent
+    std::optional<StopWatch> loadSince; ///< runs until its reply has come
+    std::optional<StopWatch> deafSince; ///< when a load that lacks some bytes was given up
+    std::int32_t deafMs = 0;            ///< how long the printer may wait for them
 
     std::int16_t transferState = TransferIdle;
     std::string transferTarget; ///< what the control is told to call the file that travels

@@ -48,6 +48,7 @@ PortClaim clsDataLink::AcquirePort(bool bExclusive) {
 }
 
 bool LinkState::PreparePrinter(bool exclusive) {
+    AwaitEndOfLoad();
     if (!immediateMode) {
         const Meeting meeting = MeetRemembered();
         if (meeting == Meeting::Met) return true;
@@ -145,6 +146,7 @@ void LinkState::RaisePortState(bool open) {
 void LinkState::OnPortLost() {
     portLost = true;
     live.Line(LineLost, Serial().WhyClosed());
+    inputLine = UnknownInputLine();
     link.SetImmediateMode(false);
     if (terminalHeld)
         reopenTimer = host.loop.StartTimer(ReopenInterval, [this] { ReopenForTerminal(); });

@@ -26,27 +26,31 @@ std::int32_t SilenceMs(const std::string& baudrate) {
 
 } // namespace
 
-bool clsDataLink::AwaitPrompt(bool bMoving) {
-    const DetachedSink detached(*mState); // what comes is read here
-    const std::int32_t silenceMs = bMoving ? SilenceMs(mState->baudrate) : PromptMs;
-    const StopWatch whole(mState->host.loop);
-    StopWatch silence(mState->host.loop);
-    std::string text = mState->Serial().Read();
+std::string LinkState::ReadToPrompt(std::int32_t silence, std::int32_t longest) {
+    const DetachedSink detached(*this); // what comes is read here
+    const StopWatch whole(host.loop);
+    StopWatch quiet(host.loop);
+    std::string text = Serial().Read();
     while (text.find(Prompt) == std::string::npos) {
         const std::int32_t left =
-            std::min(silence.UntilExceeds(silenceMs), whole.UntilExceeds(MostMs));
-        if (!mState->Serial().PortOpen()) return false;
+            std::min(quiet.UntilExceeds(silence), whole.UntilExceeds(longest));
+        if (!Serial().PortOpen()) return text;
         if (left == 0) {
-            mState->live.Printer(text.empty() ? PrinterSilent : PrinterUnknown, LearntSilence);
-            return false;
+            live.Printer(text.empty() ? PrinterSilent : PrinterUnknown, LearntSilence);
+            return text;
         }
-        mState->Yield(left);
-        const std::string more = mState->Serial().Read();
-        if (!more.empty()) silence.Restart();
+        Yield(left);
+        const std::string more = Serial().Read();
+        if (!more.empty()) quiet.Restart();
         text += more;
     }
-    mState->live.Printer(PrinterAtPrompt, LearntText);
-    return true;
+    live.Printer(PrinterAtPrompt, LearntText);
+    return text;
+}
+
+bool clsDataLink::AwaitPrompt(bool bMoving) {
+    const std::int32_t silenceMs = bMoving ? SilenceMs(mState->baudrate) : PromptMs;
+    return mState->ReadToPrompt(silenceMs, MostMs).find(Prompt) != std::string::npos;
 }
 
 } // namespace qncomm

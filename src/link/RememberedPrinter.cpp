@@ -92,6 +92,8 @@ constexpr std::int32_t EchoMs = 100;
 constexpr std::int32_t ReplyMs = 1000; ///< the longest silence before the reply has ended
 constexpr std::int32_t LongestReply = 5000;
 
+constexpr std::size_t LongestRefusal = 64; ///< bytes with which a printer refuses a spoiled line
+
 constexpr std::string_view FirstWord = "IMMEDIATE";
 constexpr std::string_view EndOfReply = "Ok\r\n";
 
@@ -130,10 +132,12 @@ bool AwaitSign(LinkState& state, std::int32_t silence, std::int32_t longest, Don
 std::optional<std::vector<std::string>> Greet(LinkState& state, std::int16_t channel) {
     const std::string greeting = GreetingFor(channel);
     state.ClearReceived();
-    state.SpoilInputLine();
-    state.Serial().Write(greeting);
+    const std::string_view spoiler = state.Spoiler();
+    const std::size_t refusal = spoiler.empty() ? 0 : LongestRefusal;
+    const std::string before = spoiler.empty() ? "" : std::string(spoiler).append(CrLf);
+    state.Serial().Write(before + greeting);
     state.echo.Sent(greeting);
-    const std::int32_t echoMs = EchoMs + TravelMs(FirstWord.size(), state.baudrate);
+    const std::int32_t echoMs = EchoMs + TravelMs(FirstWord.size() + refusal, state.baudrate);
     if (!AwaitSign(state, echoMs, echoMs, [&] {
             return Strip8thBit(state.received).find(FirstWord) != std::string::npos;
         }))
@@ -146,6 +150,7 @@ std::optional<std::vector<std::string>> Greet(LinkState& state, std::int16_t cha
         return std::nullopt;
     std::vector<std::string> lines;
     state.TakeReceivedLines(lines);
+    state.inputLine = LinkState::InputLine::Empty;
     return lines;
 }
 

@@ -19,10 +19,19 @@ bool IsVisible(char c) {
     return c >= ' ' && c <= '~';
 }
 
+/// What a printer says at first of a line that an earlier probe, at a wrong rate, has spoiled.
+constexpr std::string_view Refusal = "Error";
+
 std::string Visible(std::string_view text) {
     std::string visible(text);
     std::erase_if(visible, [](char c) { return !IsVisible(c); });
     return visible;
+}
+
+std::int32_t TravelMs(std::size_t bytes, double rate) {
+    constexpr double bitsPerByte = 11;
+    return static_cast<std::int32_t>(1000 * bitsPerByte * static_cast<double>(bytes)
+                                     / std::max(rate, 300.0));
 }
 
 bool HasThen(std::string_view text, std::string_view first, std::string_view then) {
@@ -33,12 +42,13 @@ bool HasThen(std::string_view text, std::string_view first, std::string_view the
 
 } // namespace
 
-SearchAnswer::SearchAnswer(std::string_view probe, std::string_view word, double rate)
-    : mEcho(Visible(probe)), mWord(word), mLimitMs(LongestAnswerMs) {
-    constexpr double bitsPerByte = 11;
-    const auto bytes = static_cast<double>(2 * probe.size());
-    mLineMs = static_cast<std::int32_t>(1000 * bitsPerByte * bytes / std::max(rate, 300.0));
-}
+SearchAnswer::SearchAnswer(std::string_view probe, std::string_view word, double rate,
+                           std::size_t before)
+    : mEcho(Visible(probe)),
+      mWord(word),
+      mNoAnswerMs(NoAnswerMs + TravelMs(before, rate)),
+      mLineMs(TravelMs(2 * probe.size(), rate)),
+      mLimitMs(LongestAnswerMs) {}
 
 void SearchAnswer::Take(std::string_view text) {
     mComplete = HasThen(text, mWord, EndOfAnswer);
@@ -46,10 +56,12 @@ void SearchAnswer::Take(std::string_view text) {
     const std::string answer = mWord + "Ok";
     const bool fits = (mEcho + answer).starts_with(came) || answer.starts_with(came);
     const bool begun = came.find(mEcho.substr(0, BegunEcho)) != std::string::npos;
+    const bool refuses =
+        (!came.empty() && Refusal.starts_with(came)) || came.find(Refusal) != std::string::npos;
     if (fits && (!came.empty() || text.size() <= MostLineEnds))
         mLimitMs = LongestAnswerMs;
     else
-        mLimitMs = begun ? NoAnswerMs + mLineMs : NoAnswerMs;
+        mLimitMs = mNoAnswerMs + (begun || refuses ? mLineMs : 0);
 }
 
 } // namespace qncomm

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
 #include <string>
 #include <string_view>
@@ -11,7 +12,9 @@ namespace qncomm {
 class SearchAnswer {
   public:
     /// To a probe of these bytes that asks for a word, at that many bits per second.
-    SearchAnswer(std::string_view probe, std::string_view word, double rate);
+    /// That many bytes may come before, as the answer to something else.
+    SearchAnswer(std::string_view probe, std::string_view word, double rate,
+                 std::size_t before = 0);
 
     /// Takes everything that has come, with its line ends as CR LF.
     void Take(std::string_view text);
@@ -23,7 +26,8 @@ class SearchAnswer {
   private:
     std::string mEcho; ///< without line ends, as what came is compared
     std::string mWord;
-    std::int32_t mLineMs; ///< what echo and answer need on the line
+    std::int32_t mNoAnswerMs; ///< when the probe has failed
+    std::int32_t mLineMs;     ///< what echo and answer need on the line
     std::int32_t mLimitMs;
     bool mComplete = false;
 };

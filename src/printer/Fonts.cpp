@@ -68,8 +68,8 @@ void clsQuorin::InstallFont(const std::string& sFullFontPath, bool bPermanent) {
         claim.Release();
         RaiseError(ErrImageSettings, InstallFontSource);
     }
-    SendFile("IMAGE LOAD ", sFullFontPath, bPermanent ? R"(,"S")" : R"(,"")");
-    Read(InstallFontTimeout);
+    SendFile("IMAGE LOAD ", sFullFontPath, bPermanent ? R"(,"S")" : R"(,"")", "REMOVE FONT ");
+    Read(InstallFontTimeout + Link().LoadOnTheWayMs());
     claim.Release();
     SetDeviceDirty(FontsDevice);
 }

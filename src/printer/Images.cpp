@@ -39,8 +39,8 @@ void clsQuorin::InstallImage(const std::string& sImageName, bool bPermanent) {
     if (!IsCommSetForImageLoad()) RefuseImage(claim, ErrImageSettings);
     if (!IsValidPcxImage(sImageName)) RefuseImage(claim, ErrImageFormat);
     RemoveImage(ImageName(sImageName));
-    SendFile("IMAGE LOAD ", sImageName, bPermanent ? R"(,"S")" : R"(,"")");
-    Read(InstallImageTimeout);
+    SendFile("IMAGE LOAD ", sImageName, bPermanent ? R"(,"S")" : R"(,"")", "REMOVE IMAGE ");
+    Read(InstallImageTimeout + Link().LoadOnTheWayMs());
     claim.Release();
     SetDeviceDirty(ImagesDevice);
 }

@@ -90,6 +90,7 @@ clsQuorin::Reply clsQuorin::TypeModule(const std::vector<std::string>& lines, st
     } catch (...) {
         // The printer must not stay in typing mode; the first error is the one to report.
         try {
+            Link().EndUnfinishedLine();
             for (const std::string_view line : EndTypingLines)
                 SendLine(line);
         } catch (const std::exception& error) {

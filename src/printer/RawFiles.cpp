@@ -3,6 +3,7 @@
 #include "ChunkSender.h"
 #include "Exchange.h"
 #include "common/Numbers.h"
+#include "common/QNError.h"
 #include "common/Text.h"
 #include "common/Utf8.h"
 #include "common/modErrorHandling.h"
@@ -12,6 +13,7 @@ namespace {
 
 constexpr std::string_view InstallImageSource = "clsQuorin:InstallImage";
 constexpr std::int32_t FileloadTimeout = 1000;
+constexpr std::int32_t RemovalTimeout = 2000;
 constexpr std::string_view RawDatabits = "8";
 
 bool HasXonXoff(std::string_view flowcontrol) {
@@ -70,22 +72,40 @@ void clsQuorin::Fileload(const std::string& sFileName, std::string_view /*sDevic
     PortClaim claim = Claim();
     if (!claim) return;
     if (!IsCommSetForImageLoad()) RefuseImage(claim, ErrImageSettings);
-    SendFile("FILE& LOAD ", sFileName, {});
-    Read(FileloadTimeout);
+    SendFile("FILE& LOAD ", sFileName, {}, "KILL ");
+    Read(FileloadTimeout + Link().LoadOnTheWayMs());
     claim.Release();
 }
 
 /// Announces a file of this machine by name and length and sends its bytes. It is opened before the
-/// printer hears of it: the printer waits for exactly as many bytes as were announced.
+/// printer hears of it: the printer waits for exactly as many bytes as were announced. What breaks
+/// off in between is given up in a way that the printer understands; removal is the command that
+/// undoes the load.
 void clsQuorin::SendFile(std::string_view command, const std::string& path,
-                         std::string_view options) {
+                         std::string_view options, std::string_view removal) {
     const std::unique_ptr<HostFile> file = mFiles.Open(path);
-    Send(std::string(command) + Quoted(UpperCase(PrinterNameOf(path))) + ","
-         + std::to_string(file->Length()) + std::string(options) + "\r");
+    const std::string name = Quoted(UpperCase(PrinterNameOf(path)));
+    Send(std::string(command) + name + "," + std::to_string(file->Length()) + std::string(options)
+         + "\r");
+    Link().BeginLoad(file->Length());
     const ChunkSender sender(
         [this](std::string_view bytes) { Send(bytes); },
         [this](std::string& message, std::int16_t progress) { Report(message, progress); });
-    sender.SendFile(*file);
+    try {
+        sender.SendFile(*file);
+    } catch (...) {
+        GiveUpLoad(std::string(removal) + name);
+        throw;
+    }
+}
+
+/// Whatever happens here, the error that has broken the load off is the one to report.
+void clsQuorin::GiveUpLoad(const std::string& removal) {
+    try {
+        if (Link().GiveUpLoad() == LoadEnd::Stored) Ask(removal, RemovalTimeout, false);
+    } catch (const QNError& error) {
+        mDesktop.Log("the printer may still wait for the rest of a load: " + error.Description());
+    }
 }
 
 } // namespace qncomm

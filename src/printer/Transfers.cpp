@@ -10,6 +10,12 @@
 namespace qncomm {
 namespace {
 
+/// What a host file is called on the printer: where the destination names no file, as it is here.
+std::string FileOn(const std::string& destination, const std::string& source) {
+    const bool named = !destination.empty() && !destination.ends_with(':');
+    return named ? destination : destination + PrinterNameOf(source);
+}
+
 std::string DeviceOf(std::string_view path) {
     return LowerCase(path.substr(0, path.find(':') + 1));
 }
@@ -28,7 +34,7 @@ void clsQuorin::KermitUpload(const std::string& sSource, const std::string& sDes
         if (!mFiles.Exists(sSource)) RaiseError(ErrUploadName, "clsDataLink,Upload");
         ReplaceByKermit(sSource, sDestination);
     }
-    SetDeviceDirty(sDestination);
+    MarkTheDevice(sDestination);
 }
 
 /// Deletes the printer's copy, sends the new one, and makes the device current again that was so
@@ -36,21 +42,22 @@ void clsQuorin::KermitUpload(const std::string& sSource, const std::string& sDes
 void clsQuorin::ReplaceByKermit(const std::string& source, const std::string& destination) {
     const std::string current = LowerCase(GetCurrentDevice());
     try {
-        Kill(destination.empty() ? PrinterNameOf(source) : destination);
+        Kill(FileOn(destination, source));
     } catch (const QNError&) { // NOLINT(bugprone-empty-catch): there need be no old file
     }
     try {
         Link().KermitUpload(source, destination);
     } catch (const QNError&) {
-        MarkAfterFailure(destination);
+        MarkTheDevice(destination);
         throw;
     }
     const std::string device = DeviceOf(destination);
     if (!device.empty() && !current.empty() && device != current) SetCurrentPrinterDir(current);
 }
 
-/// The old file may be gone although the new one did not come; the failure is what is reported.
-void clsQuorin::MarkAfterFailure(const std::string& destination) {
+/// How the transfer has ended is what is reported; a device that is not in the table has no listing
+/// that could be out of date. The old file may be gone also where the new one did not come.
+void clsQuorin::MarkTheDevice(const std::string& destination) {
     try {
         SetDeviceDirty(destination);
     } catch (const QNError& error) {

@@ -1,5 +1,6 @@
 #include "Command.h"
 #include "FileListing.h"
+#include "LoadProgress.h"
 #include "PlainCommand.h"
 #include "Session.h"
 
@@ -155,6 +156,17 @@ Command FormatAllCommand() {
             [arguments](Session& session) { return FormatAll(session, *arguments); }};
 }
 
+Command FileloadCommand() {
+    const auto file = std::make_shared<std::string>();
+    return {"fileload", "Send a file into the printer's storage", Needs::Printer,
+            [file](CLI::App& app) {
+                app.add_option("FILE", *file, "A file of this machine")->required();
+            },
+            [file](Session& session) {
+                return CarryLoad(session, [&] { session.Control().Layer().Fileload(*file); });
+            }};
+}
+
 } // namespace
 
 CommandTable FileCommands() {
@@ -172,9 +184,7 @@ CommandTable FileCommands() {
                      [](QNComm& control, const Texts& t) { control.ChDir(t[0]); }),
         FormatCommand(),
         FormatAllCommand(),
-        PlainCommand("fileload", "Send a file into the printer's storage",
-                     {{"FILE", "A file of this machine", true}},
-                     [](QNComm& control, const Texts& t) { control.Layer().Fileload(t[0]); }),
+        FileloadCommand(),
     };
 }
 

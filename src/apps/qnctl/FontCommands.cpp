@@ -1,4 +1,5 @@
 #include "Command.h"
+#include "LoadProgress.h"
 #include "PlainCommand.h"
 #include "Session.h"
 
@@ -82,8 +83,9 @@ Command InstallFontCommand() {
                 app.add_flag("--permanent", arguments->permanent, "Keep it through a restart");
             },
             [arguments](Session& session) {
-                session.Control().InstallFont(arguments->file, arguments->permanent);
-                return Done(session);
+                return CarryLoad(session, [&] {
+                    session.Control().InstallFont(arguments->file, arguments->permanent);
+                });
             }};
 }
 

@@ -1,4 +1,5 @@
 #include "Command.h"
+#include "LoadProgress.h"
 #include "PlainCommand.h"
 #include "Session.h"
 
@@ -57,8 +58,9 @@ Command InstallImageCommand() {
                 app.add_flag("--permanent", arguments->permanent, "Keep it through a restart");
             },
             [arguments](Session& session) {
-                session.Control().InstallImage(arguments->file, arguments->permanent);
-                return Done(session);
+                return CarryLoad(session, [&] {
+                    session.Control().InstallImage(arguments->file, arguments->permanent);
+                });
             }};
 }
 

@@ -46,4 +46,9 @@ inline Outcome Cancelled() {
     return Refused(ExitStatus::Cancelled, "Cancelled.");
 }
 
+/// The same with what is to be known of it; may be empty.
+inline Outcome CancelledBut(const std::string& remark) {
+    return Refused(ExitStatus::Cancelled, remark.empty() ? "Cancelled." : "Cancelled. " + remark);
+}
+
 } // namespace qnctl

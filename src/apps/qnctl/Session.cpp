@@ -94,8 +94,9 @@ void Session::Wire() {
     qncomm::ControlAssembly::Options options;
     if (!mPort.address.empty()) options.bindings = mBook.Bindings();
     options.trace = mTrace.get();
-    options.link = {.remembered = true,
-                    .addressOf = [this](std::int16_t port) { return mBook.AddressOf(port); }};
+    options.link = {.remembered = true, .spoil = true, .addressOf = [this](std::int16_t port) {
+                        return mBook.AddressOf(port);
+                    }};
     mAssembly = std::make_unique<qncomm::ControlAssembly>(mLoop, mDesk.Services(), mDesk.View(),
                                                           std::move(options));
     mDesk.Host().Hold(&Control());
@@ -174,10 +175,16 @@ qncomm::TransferProgress& Session::FollowTransfer(qncomm::TransferProgress::Repo
     return mTransfer.emplace(
         mLoop, Status(),
         [this] {
-            return qncomm::TransferProgress::Moved{Serial().TransferBytes(),
-                                                   Serial().TransferSize()};
+            using Moved = qncomm::TransferProgress::Moved;
+            if (const auto size = static_cast<std::int64_t>(Link().LoadSize()); size > 0)
+                return Moved{static_cast<std::int64_t>(Link().LoadBytes()), size};
+            return Moved{Serial().TransferBytes(), Serial().TransferSize()};
         },
         std::move(report));
+}
+
+std::int32_t Session::DeafMs() {
+    return mAssembly ? Link().DeafMs() : 0;
 }
 
 void Session::ShowEveryStatus() {

@@ -93,6 +93,9 @@ class Session {
     /// shows rate and time left, and the readings go to report, which may be empty.
     qncomm::TransferProgress& FollowTransfer(qncomm::TransferProgress::Report report);
 
+    /// For how many ms the printer still takes commands for the rest of a load that broke off.
+    std::int32_t DeafMs();
+
     /// Shows each progress message on a line of its own where there is no terminal.
     void ShowEveryStatus();
 

@@ -1,5 +1,6 @@
 #include "Command.h"
 #include "CommandLine.h"
+#include "LoadProgress.h"
 #include "Output.h"
 #include "Session.h"
 
@@ -26,6 +27,8 @@ Outcome Carry(const Request& request, Session& session) {
         outcome = request.command->run(session);
     } catch (const qncomm::QNError& error) {
         return session.Failed(error);
+    } catch (const qncomm::OperationCancelled&) {
+        return CancelledBut(StillDeaf(session));
     }
     if (outcome.Ok() && session.TakePortRefusal())
         return Refused(ExitStatus::PortUnavailable, "port not available");

@@ -52,6 +52,25 @@ TEST_F(Transfers, AnUploadToTheCurrentDeviceChangesNone) {
     EXPECT_TRUE(mSerial.ScriptDone());
 }
 
+TEST_F(Transfers, AnUploadToADeviceAloneDeletesTheFileOfItsName) {
+    Know("R7A");
+    ScriptCurrentDevice("card1:");
+    mSerial.Handshake().Exchange("KILL \"card1:kermit-upload.prg\"");
+    ScriptKermit("CHDIR\"card1:\":TRANSFER K \"R\"");
+    mQuorin.KermitUpload(mPath, "card1:");
+    EXPECT_TRUE(mSerial.ScriptDone());
+}
+
+TEST_F(Transfers, AnUploadThatWorkedIsNoErrorForADeviceThatTheTableLacks) {
+    Know("R7C");
+    ScriptCurrentDevice("ram:");
+    mSerial.Handshake().Exchange("KILL \"tmp:X.PRG\"");
+    ScriptKermit("CHDIR\"tmp:\":TRANSFER K \"R\"");
+    mSerial.Handshake().Exchange("CHDIR \"ram:\"");
+    EXPECT_NO_THROW(mQuorin.KermitUpload(mPath, "tmp:X.PRG"));
+    EXPECT_TRUE(mSerial.ScriptDone());
+}
+
 TEST_F(Transfers, AMissingHostFileDoesNotCostThePrintersCopy) {
     EXPECT_RAISED_FROM(mQuorin.KermitUpload("/no/such/file", "ram:X.PRG"),
                        "1011 clsDataLink,Upload");

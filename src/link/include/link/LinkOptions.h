@@ -13,6 +13,10 @@ struct LinkOptions {
     /// it still answers so: the search comes only when it does not. What one port has taught then
     /// changes nothing for the search of another.
     bool remembered = false;
+    /// Makes sure that what a broken session has left in the printer's input line is not carried
+    /// out: before the printer is first spoken to, that line is made one that no printer
+    /// understands.
+    bool spoil = false;
     /// What a port number stands for, such as "/dev/ttyUSB0": what is remembered belongs to that.
     /// Empty, or an empty answer: to the number.
     std::function<std::string(std::int16_t)> addressOf = {};

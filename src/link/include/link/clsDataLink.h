@@ -38,6 +38,14 @@ enum enumProgramStop : std::int16_t {
     StopByBreak = 3,    ///< a program ran that took no Ctrl-C, and a break has ended it
 };
 
+/// How a load has ended that was given up.
+enum class LoadEnd : std::int16_t {
+    Whole,   ///< nothing of it was missing
+    Stored,  ///< it was filled up, and the printer has taken it as it is
+    Dropped, ///< the printer has given it up too, and is back at its prompt
+    Deaf,    ///< the printer still waits for the rest of it
+};
+
 /// What a link needs of where it runs. None is owned; all must outlive the link.
 struct LinkHost {
     MessageLoop& loop;    ///< every wait yields to it, and its clock measures the time-outs
@@ -235,6 +243,10 @@ class clsDataLink {
     /// claim. Returns an enumProgramStop. Raises, source "Datalink:StopProgram", 1008 when the
     /// printer does not come back, and 1024 (port closed).
     std::int16_t StopProgram();
+    /// Ends a line that was sent in part, in a way in which the printer does not carry it out; its
+    /// reply is nobody's. Does nothing where every line has ended. Claims of a later time do the
+    /// same by themselves before they say anything.
+    void EndUnfinishedLine();
     /// Empties the port's two buffers and the link's receive buffer.
     void PurgePort();
     /// Yields until lMilliseconds have passed.
@@ -299,6 +311,26 @@ class clsDataLink {
     /// Receives into a host file from a printer that is sending. Claims nothing; a closed port ends
     /// in 1022.
     void BinaryDownload(const std::string& sDestination, std::int16_t iProtocol = BinaryZModem);
+
+    // -- Loads: content that follows a command line which has announced its length, by no protocol.
+
+    /// The next lBytes that are sent are what the command before has announced. The printer takes
+    /// them as they are, and whatever comes in the place of what is missing too.
+    void BeginLoad(std::uintmax_t lBytes);
+    /// Bytes of the last load.
+    std::uintmax_t LoadSize() const;
+    /// How many of them were sent and can have reached the printer at the line's rate.
+    std::uintmax_t LoadBytes() const;
+    /// How many ms what else was sent of them needs on the line: its reply comes no sooner.
+    std::int32_t LoadOnTheWayMs() const;
+    /// Brings a printer back to its prompt that waits for the rest of a load: by as many zero bytes
+    /// as are missing where the line carries the rest in 2 s, else by silence, which ends when the
+    /// printer has lost patience, 10 s behind the last byte at most. StatusEvent tells of that.
+    /// Raises what OutputText raises.
+    LoadEnd GiveUpLoad();
+    /// For how many ms the printer may still take what it is sent for the rest of a load that was
+    /// given up; 0 when it does not. The next claim waits for that long, or for the prompt.
+    std::int32_t DeafMs() const;
 
     /// Waits, after a transfer was cancelled, until the printer is back at its prompt, so that the
     /// next command finds it there; what arrives meanwhile is dropped. With bMoving bytes were on

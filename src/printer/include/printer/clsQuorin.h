@@ -218,8 +218,7 @@ class clsQuorin {
 
     /// Sends a host file by Kermit in place of the printer's file of that name. The device that was
     /// current stays so. With bManual the user has started the printer's side and nothing is sent
-    /// before the protocol. Also raises 1010 for a destination whose device the model does not
-    /// have.
+    /// before the protocol.
     void KermitUpload(const std::string& sSource, const std::string& sDestination,
                       bool bManual = false);
     /// Receives a printer's file by Kermit into a host file.
@@ -284,7 +283,7 @@ class clsQuorin {
 
     /// Transfers.cpp
     void ReplaceByKermit(const std::string& source, const std::string& destination);
-    void MarkAfterFailure(const std::string& destination);
+    void MarkTheDevice(const std::string& destination);
 
     /// Images.cpp, RawFiles.cpp
     bool IsValidPcxImage(const std::string& path);
@@ -292,7 +291,9 @@ class clsQuorin {
     [[noreturn]] static void RefuseImage(PortClaim& claim, std::int32_t number);
     bool CarriesRawBytes();
     void AdjustSettings();
-    void SendFile(std::string_view command, const std::string& path, std::string_view options);
+    void SendFile(std::string_view command, const std::string& path, std::string_view options,
+                  std::string_view removal);
+    void GiveUpLoad(const std::string& removal);
 
     clsDataLink* mLink;
     Desktop& mDesktop;
