@@ -139,10 +139,20 @@ void LinkState::AwaitReply(std::int32_t timeout, const ReplyRule& rule) {
     StopWatch watch(host.loop);
     const std::uint64_t before = arrivals;
     std::uint64_t heard = arrivals;
+    // The printer's time begins when what was sent can have reached it.
+    const auto limitFromHere = [&] {
+        constexpr std::int64_t longest = std::numeric_limits<std::int32_t>::max();
+        const std::int64_t limit = std::int64_t{timeout} + Serial().LineTimeLeft();
+        return static_cast<std::int32_t>(std::min(limit, longest));
+    };
+    std::int32_t limit = limitFromHere();
     while (!HoldsReply(rule)) {
         RequireReadable();
-        if (std::exchange(heard, arrivals) != arrivals) watch.Restart();
-        const std::int32_t left = watch.UntilExceeds(timeout);
+        if (std::exchange(heard, arrivals) != arrivals) {
+            watch.Restart();
+            limit = limitFromHere();
+        }
+        const std::int32_t left = watch.UntilExceeds(limit);
         if (left == 0) {
             live.Printer(arrivals == before ? PrinterSilent : PrinterUnknown, LearntSilence);
             const bool another = !BeginsWithEcho() && HoldsOk(received);

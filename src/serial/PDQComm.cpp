@@ -137,6 +137,7 @@ void PDQComm::FlushTransmit() {
     mTransmit->Clear();
     if (mOpen == nullptr) return;
     mOpen->DiscardOutput();
+    mLineFreeUs = 0;
     WantEvents();
 }
 

@@ -71,6 +71,7 @@ void PDQComm::Open() {
     if (!opened.Ok()) Refuse(opened);
     mOpen = known.channel.get();
     mWanted = {};
+    mLineFreeUs = 0;
     mLossWaits = false;
     mLastFailure.reset();
     TraceOpened(known);

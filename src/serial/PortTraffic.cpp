@@ -119,15 +119,22 @@ void PDQComm::Write(std::string_view sBytes) {
         mTransmit->Append(sBytes);
         return;
     }
-    const IoCount sent = mOpen->Write(sBytes);
-    if (mTrace != nullptr && sent.count > 0) Trace(TraceKind::Sent, sBytes.substr(0, sent.count));
+    if (const std::optional<std::size_t> taken = HandOver(sBytes)) {
+        mTransmit->Append(sBytes.substr(*taken));
+        WantEvents();
+        ScheduleDrain();
+    }
+}
+
+std::optional<std::size_t> PDQComm::HandOver(std::string_view bytes) {
+    const IoCount sent = mOpen->Write(bytes);
+    if (mTrace != nullptr && sent.count > 0) Trace(TraceKind::Sent, bytes.substr(0, sent.count));
     if (!sent.result.Ok()) {
         Lose(sent.result);
-        return;
+        return std::nullopt;
     }
-    mTransmit->Append(sBytes.substr(sent.count));
-    WantEvents();
-    ScheduleDrain();
+    mLineFreeUs = std::max(mLineFreeUs, mReactor.NowUs()) + LineTimeUs(sent.count);
+    return sent.count;
 }
 
 std::size_t PDQComm::TypeKeys(std::string_view sKeys) {
@@ -142,23 +149,29 @@ std::size_t PDQComm::TypeKeys(std::string_view sKeys) {
 void PDQComm::Send() {
     const std::string_view waiting = mTransmit->Waiting();
     if (waiting.empty()) return;
-    const IoCount sent = mOpen->Write(waiting);
-    if (mTrace != nullptr && sent.count > 0) Trace(TraceKind::Sent, waiting.substr(0, sent.count));
-    mTransmit->Remove(sent.count);
-    if (!sent.result.Ok()) {
-        Lose(sent.result);
-        return;
+    if (const std::optional<std::size_t> taken = HandOver(waiting)) {
+        mTransmit->Remove(*taken);
+        WantEvents();
+        ScheduleDrain();
     }
-    WantEvents();
-    ScheduleDrain();
+}
+
+std::int64_t PDQComm::LineTimeUs(std::size_t bytes) const {
+    return static_cast<std::int64_t>(bytes) * mSettings.BitsPerByte() * 1'000'000 / mSettings.baud;
+}
+
+std::int32_t PDQComm::LineTimeLeft() const {
+    if (mOpen == nullptr) return 0;
+    constexpr std::int64_t perMs = 1000;
+    const std::int64_t left = mLineFreeUs - mReactor.NowUs();
+    return static_cast<std::int32_t>(std::max<std::int64_t>(left + perMs - 1, 0) / perMs);
 }
 
 void PDQComm::ScheduleDrain() {
     if (mOpen == nullptr) return;
-    const auto pending = static_cast<std::int64_t>(mOpen->OutputPending());
+    const std::size_t pending = mOpen->OutputPending();
     if (pending == 0) return;
-    const std::int64_t lineUs = pending * mSettings.BitsPerByte() * 1'000'000 / mSettings.baud;
-    mDrain->SetDue(mReactor.NowUs() + std::max<std::int64_t>(lineUs, 500));
+    mDrain->SetDue(mReactor.NowUs() + std::max<std::int64_t>(LineTimeUs(pending), 500));
 }
 
 void PDQComm::WantEvents() {

@@ -13,6 +13,7 @@
 namespace qncomm::testing {
 namespace {
 
+using ::testing::ContainsRegex;
 using ::testing::HasSubstr;
 
 /// The line control register of a 16550, by its data sheet. The driver sets the bit of even parity
@@ -78,6 +79,19 @@ TEST_F(Uart, AFileComesBackAsItWent) {
                        "cmp there back && echo the same");
     EXPECT_EQ(ended.status, 0);
     EXPECT_EQ(ended.text, "the same\n");
+}
+
+// One line keeps the printer for longer than its buffer takes what comes behind it.
+TEST_F(Uart, XonXoffHoldsAModuleUntilABusyPrinterHasRoom) {
+    Printer("R7G?baud=57600&format=n,8,2&paced=on&answer=900:1050");
+    const Guest::Ended ended = TheGuest().Run(
+        "cd /tmp; for i in $(seq 1001 1200); do echo \"$i REM the longest label of all has many a "
+        "line of text\"; done >MODULE.PRG; qnctl --quiet --port /dev/ttyS1 setup set "
+        "'SER-COM,UART1,FLOWCONTROL,XON/XOFF,DATA FROM HOST' ENABLE && "
+        "qnctl --quiet --port /dev/ttyS1 module upload MODULE.PRG --target c:MODULE.PRG && "
+        "qnctl --quiet --port /dev/ttyS1 files c:");
+    EXPECT_EQ(ended.status, 0);
+    EXPECT_THAT(ended.text, ContainsRegex("MODULE.PRG +11800"));
 }
 
 TEST_F(Uart, ABreakFromTheOtherSideIsCountedAndDisturbsNoReply) {

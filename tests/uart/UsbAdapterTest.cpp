@@ -74,6 +74,18 @@ TEST_P(PulledOut, IsToldAtEveryPhaseAndTheNextAdapterWorks) {
     }
 }
 
+TEST_F(UsbAdapter, AControlOfAHostEndsAtEveryPhaseToo) {
+    mWire.reset();
+    bool finished = false;
+    for (std::size_t passed = 1; !finished; passed += 700) {
+        const auto wire = TheGuest().PlugIn(mPrinter->Address());
+        wire->PullOutAfter(passed);
+        const Guest::Ended ended = TheGuest().Run("timeout 60 host-console /dev/ttyUSB0");
+        finished = !wire->IsPulledOut();
+        EXPECT_EQ(ended.status, finished ? 0 : 1) << "after " << passed << ": " << ended.text;
+    }
+}
+
 INSTANTIATE_TEST_SUITE_P(Operations, PulledOut,
                          ::testing::Values(Operation{"Info", "info", 400},
                                            Operation{"Send", "send 'PRINT 1'", 500},

@@ -236,6 +236,24 @@ TEST_F(SerialControlTest, TheTraceHoldsWhatTravelled) {
     EXPECT_EQ(mTrace.mLastMs, mReactor.NowMs());
 }
 
+TEST_F(SerialControlTest, TellsHowLongTheLineNeedsForWhatItsDeviceTookAtOnce) {
+    mPort.SetPortSettings("9600,N,8,1");
+    Open();
+    EXPECT_EQ(mPort.LineTimeLeft(), 0);
+    mPort.Write(std::string(480, 'x'));
+    mReactor.Yield(100);
+    mPort.Write(std::string(480, 'x'));
+    EXPECT_EQ(mPort.LineTimeLeft(), 900);
+    mReactor.Yield(400);
+    EXPECT_EQ(mPort.LineTimeLeft(), 500);
+    mReactor.Yield(1000);
+    EXPECT_EQ(mPort.LineTimeLeft(), 0);
+    mPort.Write("once more");
+    EXPECT_EQ(mPort.LineTimeLeft(), 10);
+    mPort.FlushTransmit();
+    EXPECT_EQ(mPort.LineTimeLeft(), 0);
+}
+
 TEST_F(SerialControlTest, ALossBeforeASinkIsThereIsToldWhenItComes) {
     Open();
     mPort.SetEventSink({});

@@ -45,6 +45,7 @@ class ScriptedSerial : public SerialControl, private ManualLoop::Source {
     std::string mWhyClosed; ///< why it did not open or was lost
     /// Bytes that leave the transmit queue per ms; nothing leaves at 0; all at once when not set.
     std::optional<double> mDrainPerMs;
+    std::int32_t mLineTimeLeft = 0; ///< ms that the line still needs for what was written
     /// Called before the port opens; may raise.
     std::function<void()> mOnOpen;
     /// Called with each beginning and end of a break; may raise.
@@ -110,6 +111,7 @@ class ScriptedSerial : public SerialControl, private ManualLoop::Source {
     std::int32_t TransmitBufferSize() const override { return mTransmitSize; }
     std::int32_t ReceiveCount() const override;
     std::int32_t TransmitCount() const override;
+    std::int32_t LineTimeLeft() const override { return mLineTimeLeft; }
     void FlushReceive() override;
     void FlushTransmit() override;
     std::string Read() override;

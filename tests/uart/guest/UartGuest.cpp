@@ -1,10 +1,13 @@
 // Runs inside the guest: the serial control on a real UART, and what the UART itself says of it.
 //
-//   uart_guest registers DEVICE BASE      every rate and format, with the registers of the 16550 at
-//   that I/O port uart_guest settings DEVICE            every rate and format, of an adapter
-//   without such registers uart_guest break DEVICE               holds the line in the break
-//   condition and lets it go uart_guest counts DEVICE              what the driver has counted
-//   since the start
+//   uart_guest registers DEVICE BASE
+//       every rate and format, with the registers of the 16550 at that I/O port
+//   uart_guest settings DEVICE
+//       every rate and format, of an adapter without such registers
+//   uart_guest break DEVICE
+//       holds the line in the break condition and lets it go
+//   uart_guest counts DEVICE
+//       what the driver has counted since the start
 
 #include "common/QNError.h"
 #include "platform/Fd.h"

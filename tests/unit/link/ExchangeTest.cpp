@@ -123,6 +123,13 @@ TEST_F(Exchange, ASilentPrinterTimesOutAtTheLimit) {
     EXPECT_EQ(mLink.UseCount(), 0);
 }
 
+TEST_F(Exchange, TheLimitCountsFromWhenTheLineCanHaveCarriedTheText) {
+    mSerial.mLineTimeLeft = 1500;
+    const std::int64_t start = mLoop.NowMs();
+    EXPECT_RAISED(ReadReply(1000), 1008);
+    EXPECT_EQ(mLoop.NowMs() - start, 2501);
+}
+
 TEST_F(Exchange, AWaitForASilentPrinterWakesForNothing) {
     const std::int32_t before = mLoop.Yields();
     EXPECT_RAISED(ReadReply(45'000), 1008);

@@ -151,6 +151,10 @@ class SerialControl {
     virtual std::int32_t ReceiveCount() const = 0;
     /// Bytes given to Write that have not left for the line, as far as the device tells.
     virtual std::int32_t TransmitCount() const = 0;
+    /// How many ms the line still needs at its rate for what was written, if the device has only
+    /// taken it and not sent it yet: adapters, device servers and pseudo-terminals take more than
+    /// they tell of. 0 once the bytes have had their time, and for a control without a line.
+    virtual std::int32_t LineTimeLeft() const { return 0; }
 
     /// Throws away what was received and not read.
     virtual void FlushReceive() = 0;

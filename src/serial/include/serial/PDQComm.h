@@ -67,6 +67,7 @@ class PDQComm final : public SerialControl {
     std::int32_t TransmitBufferSize() const override;
     std::int32_t ReceiveCount() const override;
     std::int32_t TransmitCount() const override;
+    std::int32_t LineTimeLeft() const override;
     void FlushReceive() override;
     void FlushTransmit() override;
     std::string Read() override;
@@ -154,6 +155,10 @@ class PDQComm final : public SerialControl {
     /// Waits without dispatching until bytes have come, sending meanwhile; false when time is up or
     /// the port is gone.
     bool Await(std::int64_t until);
+    /// Hands bytes to the open channel; how many it took, nothing when the port was lost.
+    std::optional<std::size_t> HandOver(std::string_view bytes);
+    /// How long the line takes for so many bytes, in µs.
+    std::int64_t LineTimeUs(std::size_t bytes) const;
     void ScheduleDrain();
     /// Calls the sink for what is due. Only from within Yield.
     void FireEvents();
@@ -210,8 +215,9 @@ class PDQComm final : public SerialControl {
     std::string mTransferName;
     std::string mTransferReason;
 
-    LineErrors mLineErrors;  ///< that are still to be reported
-    bool mLossWaits = false; ///< the loss of the port is still to be reported
+    LineErrors mLineErrors;       ///< that are still to be reported
+    std::int64_t mLineFreeUs = 0; ///< when the line can have carried all that the channel took
+    bool mLossWaits = false;      ///< the loss of the port is still to be reported
     std::optional<PortFailure> mLastFailure;
     std::optional<PortFailure> mLastLoss;
 };
