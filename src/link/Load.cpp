@@ -51,16 +51,12 @@ std::uintmax_t clsDataLink::LoadBytes() const {
     return std::min(sent, static_cast<std::uintmax_t>(travelled));
 }
 
-std::int32_t clsDataLink::LoadOnTheWayMs() const {
-    return TravelMs(mState->loadSize - mState->loadMissing - LoadBytes(), mState->baudrate);
-}
-
 std::int32_t clsDataLink::DeafMs() const {
     return mState->deafSince ? mState->deafSince->UntilExceeds(mState->deafMs) : 0;
 }
 
 LoadEnd clsDataLink::GiveUpLoad() {
-    const std::int32_t onTheWay = LoadOnTheWayMs();
+    const std::int32_t onTheWay = mState->Serial().LineTimeLeft();
     const std::uintmax_t missing = std::exchange(mState->loadMissing, 0);
     if (missing == 0) return LoadEnd::Whole;
     mState->deafMs = onTheWay + PrinterPatience;

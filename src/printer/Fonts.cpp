@@ -69,7 +69,7 @@ void clsQuorin::InstallFont(const std::string& sFullFontPath, bool bPermanent) {
         RaiseError(ErrImageSettings, InstallFontSource);
     }
     SendFile("IMAGE LOAD ", sFullFontPath, bPermanent ? R"(,"S")" : R"(,"")", "REMOVE FONT ");
-    Read(InstallFontTimeout + Link().LoadOnTheWayMs());
+    Read(InstallFontTimeout);
     claim.Release();
     SetDeviceDirty(FontsDevice);
 }

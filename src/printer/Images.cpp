@@ -40,7 +40,7 @@ void clsQuorin::InstallImage(const std::string& sImageName, bool bPermanent) {
     if (!IsValidPcxImage(sImageName)) RefuseImage(claim, ErrImageFormat);
     RemoveImage(ImageName(sImageName));
     SendFile("IMAGE LOAD ", sImageName, bPermanent ? R"(,"S")" : R"(,"")", "REMOVE IMAGE ");
-    Read(InstallImageTimeout + Link().LoadOnTheWayMs());
+    Read(InstallImageTimeout);
     claim.Release();
     SetDeviceDirty(ImagesDevice);
 }

@@ -73,7 +73,7 @@ void clsQuorin::Fileload(const std::string& sFileName, std::string_view /*sDevic
     if (!claim) return;
     if (!IsCommSetForImageLoad()) RefuseImage(claim, ErrImageSettings);
     SendFile("FILE& LOAD ", sFileName, {}, "KILL ");
-    Read(FileloadTimeout + Link().LoadOnTheWayMs());
+    Read(FileloadTimeout);
     claim.Release();
 }
 

@@ -87,7 +87,6 @@ const std::vector<Held>& All() {
           "BeginLoad",
           "LoadSize",
           "LoadBytes",
-          "LoadOnTheWayMs",
           "GiveUpLoad",
           "DeafMs",
           "AwaitPrompt",

@@ -321,8 +321,6 @@ class clsDataLink {
     std::uintmax_t LoadSize() const;
     /// How many of them were sent and can have reached the printer at the line's rate.
     std::uintmax_t LoadBytes() const;
-    /// How many ms what else was sent of them needs on the line: its reply comes no sooner.
-    std::int32_t LoadOnTheWayMs() const;
     /// Brings a printer back to its prompt that waits for the rest of a load: by as many zero bytes
     /// as are missing where the line carries the rest in 2 s, else by silence, which ends when the
     /// printer has lost patience, 10 s behind the last byte at most. StatusEvent tells of that.
