@@ -58,10 +58,11 @@ void SearchAnswer::Take(std::string_view text) {
     const bool begun = came.find(mEcho.substr(0, BegunEcho)) != std::string::npos;
     const bool refuses =
         (!came.empty() && Refusal.starts_with(came)) || came.find(Refusal) != std::string::npos;
-    if (fits && (!came.empty() || text.size() <= MostLineEnds))
+    // One that refuses is a printer, and comes to the probe when it is through with the rest.
+    if (refuses || (fits && (!came.empty() || text.size() <= MostLineEnds)))
         mLimitMs = LongestAnswerMs;
     else
-        mLimitMs = mNoAnswerMs + (begun || refuses ? mLineMs : 0);
+        mLimitMs = mNoAnswerMs + (begun ? mLineMs : 0);
 }
 
 } // namespace qncomm
