@@ -191,11 +191,11 @@ struct LinkState {
     std::string databits;
     std::string stopbits;
     std::string flowcontrol;
-    bool dsrDetectActive = false;
     Collection<std::string> autoConnectBaudrates;
     Collection<std::string> frameFormats;
 
     std::int32_t useCount = 0;
+    bool dsrDetectActive = false;
     bool terminalActive = false; ///< what the host asked for
     bool terminalHeld = false;   ///< whether one of the counted uses is the terminal's
     bool portLost = false; ///< the device went away under a claim; the next claim opens it again
@@ -207,14 +207,14 @@ struct LinkState {
     std::string received;       ///< received text with CR LF line ends, in receive mode 0
     std::uint64_t arrivals = 0; ///< how often something was received
     AwaitedEcho echo;           ///< of what was sent since the last reply
-    bool echoFound = false;     ///< received begins with it
     std::size_t judged = 0;     ///< how much of received was looked at, for the echo or for the end
+    bool echoFound = false;     ///< received begins with the echo
     /// An exchange has failed: what it asked for may still be answered, so that the next claim
     /// waits for the line to fall silent.
     bool outOfStep = false;
-    InputLine inputLine;
     bool receiveOverflow = false;
     bool endedInCr = false; ///< the text delivered last ended in a CR of its own
+    InputLine inputLine;
 
     std::uintmax_t loadSize = 0;
     std::uintmax_t loadMissing = 0;     ///< bytes that were not sent

@@ -48,7 +48,7 @@ TEST_F(WidgetEnd, DuringATransfer) {
     const ScratchFolder folder;
     const std::string path = folder.Write("large.bin", std::string(5'000'000, 'x'));
     ControlRig rig(QStringLiteral("sim:R7G?baud=57600&format=n,8,1&paced=on"));
-    CloseDuring(rig, [&](QNComm& control) { control.BinaryUpload(path); });
+    CloseDuring(rig, [&](QNComm& control) { control.KermitUpload(path, "c:LARGE.BIN"); });
 }
 
 TEST_F(WidgetEnd, OfADockedControlThatIsHiddenComesAfterItsTransfer) {
@@ -63,7 +63,7 @@ TEST_F(WidgetEnd, OfADockedControlThatIsHiddenComesAfterItsTransfer) {
         EXPECT_TRUE(serial.PortOpen());
         rig.Widget().cancelOperation();
     });
-    rig.Widget().run([&](QNComm& control) { control.BinaryUpload(path); });
+    rig.Widget().run([&](QNComm& control) { control.KermitUpload(path, "c:LARGE.BIN"); });
     EXPECT_FALSE(rig.Widget().isBusy());
     EXPECT_FALSE(serial.PortOpen());
 }

@@ -62,109 +62,108 @@ Examined With(Examined examined, Change change) {
     return examined;
 }
 
-std::vector<Case> AllCases() {
-    const auto unavailable = CommandEnd::PortUnavailable;
-    const auto none = CommandEnd::NoPrinter;
-    const auto says = [](LineTalk talk) {
-        return With(Quiet(), [talk](Examined& e) {
-            e.line->heard.talk = talk;
-            e.line->heardAt = "9600,N,8,2";
-            e.line->answer = Answer::NotAsked;
-        });
-    };
-    const auto answers = [](Answer answer) {
-        return With(Quiet(), [answer](Examined& e) { e.line->answer = answer; });
-    };
-    return {
-        {"healthy", CommandEnd::Healthy, "qnctl info --port /dev/ttyUSB0", Healthy()},
-        {"healthy", CommandEnd::Healthy, "qnctl info",
-         With(Healthy(), [](Examined& e) { e.machine->services = {Modems}; })},
-        {"healthy", CommandEnd::Healthy, "qnctl info",
-         With(Healthy(),
-              [](Examined& e) {
-                  e.machine->users.found = {{7, "cat"}};
-              })},
-        {"no-port",
-         CommandEnd::Usage,
-         "qnctl ports",
-         {.port = {}, .machine = MachineFacts{}, .line = {}}},
-        {"no-port", CommandEnd::Usage, "qnctl doctor /dev/ttyS3",
-         With({.port = {}, .machine = MachineFacts{}, .line = {}},
-              [](Examined& e) {
-                  e.machine->devices = {{"/dev/ttyS3", ""}};
-              })},
-        {"taken-adapter", unavailable, "brltty",
-         With(Closed(IoStatus::Missing), [](Examined& e) { e.machine->services = {Braille}; })},
-        {"unplugged", unavailable, "qnctl doctor /dev/ttyUSB0",
-         With(Closed(IoStatus::Missing),
-              [](Examined& e) {
-                  e.machine->messages = {{"converter now disconnected from ttyUSB0"}};
-              })},
-        {"missing", unavailable, "qnctl ports", Closed(IoStatus::Missing)},
-        {"login", unavailable, "serial-getty@ttyUSB0",
-         With(Closed(IoStatus::Busy), [](Examined& e) { e.machine->services = {Login}; })},
-        {"busy", unavailable, "kill 7",
-         With(Closed(IoStatus::Busy),
-              [](Examined& e) {
-                  e.machine->users.found = {{7, "cat", true}};
-              })},
-        {"busy", unavailable, "sudo fuser -v /dev/ttyUSB0", Closed(IoStatus::Busy)},
-        {"not-yet-in-group", unavailable, "newgrp dialout",
-         With(Closed(IoStatus::Denied),
-              [](Examined& e) { e.machine->access = DeviceAccess::NotYetInGroup; })},
-        {"not-in-group", unavailable, "sudo usermod -aG dialout anna",
-         With(Closed(IoStatus::Denied),
-              [](Examined& e) { e.machine->access = DeviceAccess::NotInGroup; })},
-        {"denied", unavailable, "setfacl",
-         With(Closed(IoStatus::Denied),
-              [](Examined& e) { e.machine->access = DeviceAccess::NobodyOfGroup; })},
-        {"not-serial", unavailable, "qnctl ports", Closed(IoStatus::Unsupported)},
-        {"unreachable", unavailable, "qnctl doctor tcp://a:1",
-         With(Closed(IoStatus::Failed),
-              [](Examined& e) {
-                  e.port = "tcp://a:1";
-                  e.machine.reset();
-              })},
-        {"no-host", unavailable, "qnctl ports",
-         With(Closed(IoStatus::Missing),
-              [](Examined& e) {
-                  e.port = "tcp://a:1";
-                  e.machine.reset();
-              })},
-        {"not-rfc2217", unavailable, "qnctl doctor tcp://a:1",
-         With(Closed(IoStatus::TimedOut, "does not speak RFC 2217"),
-              [](Examined& e) {
-                  e.port = "rfc2217://a:1";
-                  e.machine.reset();
-              })},
-        {"lost", unavailable, "qnctl doctor",
-         With(Quiet(), [](Examined& e) { e.line->loss = "it went away"; })},
-        {"zmodem", none, "--fix", says(LineTalk::ZModemReceiver)},
-        {"kermit", none, "--fix", says(LineTalk::KermitReceiver)},
-        {"asking", none, "--fix", says(LineTalk::Question)},
-        {"asking", none, "--fix", answers(Answer::Taken)},
-        {"running", none, "qnctl program stop --as 9600,N,8,2 --port /dev/ttyUSB0",
-         says(LineTalk::Text)},
-        {"shared", none, "kill 7",
-         With(Quiet(),
-              [](Examined& e) {
-                  e.machine->users.found = {{7, "cat"}};
-              })},
-        {"grabbed", none, "ModemManager",
-         With(Quiet(), [](Examined& e) { e.machine->services = {Modems}; })},
-        {"echo", none, "qnctl doctor", answers(Answer::Echo)},
-        {"half", CommandEnd::Error, "qnctl doctor", answers(Answer::Half)},
-        {"other-device", none, "qnctl watch", answers(Answer::Text)},
-        {"noise", none, "watch --hex", answers(Answer::Noise)},
-        {"noise", none, "watch --hex", says(LineTalk::Noise)},
-        {"switched-off", none, "qnctl doctor",
-         With(Quiet(), [](Examined& e) { e.line->dsr = false; })},
-        {"silent", none, "qnctl connect --port /dev/ttyUSB0", Quiet()},
-    };
+constexpr auto Unavailable = CommandEnd::PortUnavailable;
+constexpr auto None = CommandEnd::NoPrinter;
+
+Examined Says(LineTalk talk) {
+    return With(Quiet(), [talk](Examined& e) {
+        e.line->heard.talk = talk;
+        e.line->heardAt = "9600,N,8,2";
+        e.line->answer = Answer::NotAsked;
+    });
 }
 
+Examined Answers(Answer answer) {
+    return With(Quiet(), [answer](Examined& e) { e.line->answer = answer; });
+}
+
+const std::vector<Case> AllCases{
+    {"healthy", CommandEnd::Healthy, "qnctl info --port /dev/ttyUSB0", Healthy()},
+    {"healthy", CommandEnd::Healthy, "qnctl info",
+     With(Healthy(), [](Examined& e) { e.machine->services = {Modems}; })},
+    {"healthy", CommandEnd::Healthy, "qnctl info",
+     With(Healthy(),
+          [](Examined& e) {
+              e.machine->users.found = {{7, "cat"}};
+          })},
+    {"no-port",
+     CommandEnd::Usage,
+     "qnctl ports",
+     {.port = {}, .machine = MachineFacts{}, .line = {}}},
+    {"no-port", CommandEnd::Usage, "qnctl doctor /dev/ttyS3",
+     With({.port = {}, .machine = MachineFacts{}, .line = {}},
+          [](Examined& e) {
+              e.machine->devices = {{"/dev/ttyS3", ""}};
+          })},
+    {"taken-adapter", Unavailable, "brltty",
+     With(Closed(IoStatus::Missing), [](Examined& e) { e.machine->services = {Braille}; })},
+    {"unplugged", Unavailable, "qnctl doctor /dev/ttyUSB0",
+     With(
+         Closed(IoStatus::Missing),
+         [](Examined& e) { e.machine->messages = {{"converter now disconnected from ttyUSB0"}}; })},
+    {"missing", Unavailable, "qnctl ports", Closed(IoStatus::Missing)},
+    {"login", Unavailable, "serial-getty@ttyUSB0",
+     With(Closed(IoStatus::Busy), [](Examined& e) { e.machine->services = {Login}; })},
+    {"busy", Unavailable, "kill 7",
+     With(Closed(IoStatus::Busy),
+          [](Examined& e) {
+              e.machine->users.found = {{7, "cat", true}};
+          })},
+    {"busy", Unavailable, "sudo fuser -v /dev/ttyUSB0", Closed(IoStatus::Busy)},
+    {"not-yet-in-group", Unavailable, "newgrp dialout",
+     With(Closed(IoStatus::Denied),
+          [](Examined& e) { e.machine->access = DeviceAccess::NotYetInGroup; })},
+    {"not-in-group", Unavailable, "sudo usermod -aG dialout anna",
+     With(Closed(IoStatus::Denied),
+          [](Examined& e) { e.machine->access = DeviceAccess::NotInGroup; })},
+    {"denied", Unavailable, "setfacl",
+     With(Closed(IoStatus::Denied),
+          [](Examined& e) { e.machine->access = DeviceAccess::NobodyOfGroup; })},
+    {"not-serial", Unavailable, "qnctl ports", Closed(IoStatus::Unsupported)},
+    {"unreachable", Unavailable, "qnctl doctor tcp://a:1",
+     With(Closed(IoStatus::Failed),
+          [](Examined& e) {
+              e.port = "tcp://a:1";
+              e.machine.reset();
+          })},
+    {"no-host", Unavailable, "qnctl ports",
+     With(Closed(IoStatus::Missing),
+          [](Examined& e) {
+              e.port = "tcp://a:1";
+              e.machine.reset();
+          })},
+    {"not-rfc2217", Unavailable, "qnctl doctor tcp://a:1",
+     With(Closed(IoStatus::TimedOut, "does not speak RFC 2217"),
+          [](Examined& e) {
+              e.port = "rfc2217://a:1";
+              e.machine.reset();
+          })},
+    {"lost", Unavailable, "qnctl doctor",
+     With(Quiet(), [](Examined& e) { e.line->loss = "it went away"; })},
+    {"zmodem", None, "--fix", Says(LineTalk::ZModemReceiver)},
+    {"kermit", None, "--fix", Says(LineTalk::KermitReceiver)},
+    {"asking", None, "--fix", Says(LineTalk::Question)},
+    {"asking", None, "--fix", Answers(Answer::Taken)},
+    {"running", None, "qnctl program stop --as 9600,N,8,2 --port /dev/ttyUSB0",
+     Says(LineTalk::Text)},
+    {"shared", None, "kill 7",
+     With(Quiet(),
+          [](Examined& e) {
+              e.machine->users.found = {{7, "cat"}};
+          })},
+    {"grabbed", None, "ModemManager",
+     With(Quiet(), [](Examined& e) { e.machine->services = {Modems}; })},
+    {"echo", None, "qnctl doctor", Answers(Answer::Echo)},
+    {"half", CommandEnd::Error, "qnctl doctor", Answers(Answer::Half)},
+    {"other-device", None, "qnctl watch", Answers(Answer::Text)},
+    {"noise", None, "watch --hex", Answers(Answer::Noise)},
+    {"noise", None, "watch --hex", Says(LineTalk::Noise)},
+    {"switched-off", None, "qnctl doctor", With(Quiet(), [](Examined& e) { e.line->dsr = false; })},
+    {"silent", None, "qnctl connect --port /dev/ttyUSB0", Quiet()},
+};
+
 TEST(Verdict, NamesTheCauseAndTheCommandThatCuresIt) {
-    for (const Case& each : AllCases()) {
+    for (const Case& each : AllCases) {
         SCOPED_TRACE(each.name);
         const Verdict verdict = VerdictOf(each.examined);
         EXPECT_EQ(verdict.name, each.name);
@@ -175,7 +174,7 @@ TEST(Verdict, NamesTheCauseAndTheCommandThatCuresIt) {
 }
 
 TEST(Verdict, ComesWithARowThatDoesNotPassUnlessHealthy) {
-    for (const Case& each : AllCases()) {
+    for (const Case& each : AllCases) {
         SCOPED_TRACE(each.name);
         const Checks rows = ChecksOf(each.examined);
         const bool failed = std::ranges::any_of(

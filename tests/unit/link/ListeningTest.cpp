@@ -47,82 +47,80 @@ LineVerdict Says(LineTalk talk, std::string sample = {}) {
     return {talk, FormatFit::Fits, 0, std::move(sample)};
 }
 
-std::vector<HeardCase> HeardCases() {
-    using enum LineTalk;
-    const LineVerdict nothing{};
-    const LineVerdict garbage{Noise, FormatFit::Wrong, 0, ""};
-    return {
-        {"Silence", {"", 0, 1000}, nothing},
-        {"ErrorsWithoutABytesAreNoise", {"", 3, 1000}, garbage},
-        {"BytesOfAnotherRate", {"\x00\xFE\xF8\x80\xC0\xE0"s, 6, 60}, garbage},
-        {"NoiseThatTheDeviceTakesForBytes", {"\xFE\xF8\x80\xC0\xE0\xFC", 0, 0}, garbage},
-        {"OneByteOfNoise", {"\xFF", 0, 60}, garbage},
-        {"NulsOfABreak", {"\0\0"s, 0, 60}, garbage},
-        {"ALoopThatPrints", {"2\r\n42\r\n42\r\n4", 0, 0}, Says(Text, "42")},
-        {"OneLineThenSilence", {"label 7 printed\r\n", 0, 60}, Says(Text, "label 7 printed")},
-        {"HalfALineThenSilence", {"7\r\nlabel", 0, 60}, Says(Text, "label")},
-        {"Windows1252",
-         {"Gr\xF6\xDF"
-          "e 5 \x80\r\n",
-          0, 60},
-         Says(Text, "Gr\xF6\xDF"
-                    "e 5 \x80")},
-        {"TextWithFrameErrors",
-         {"la\xE2"
-          "el 7\r\nlabel 8\r\n",
-          2, 60},
-         {Text, FormatFit::Wrong, 0, "label 8"}},
-        {"ALongLineIsCut",
-         {std::string(100, 'x') + "\r\n", 0, 60},
-         Says(Text, std::string(40, 'x'))},
-        {"Prompt", {"42\r\nOk\r\n", 0, 60}, Says(Prompt, "Ok")},
-        {"PromptAlone", {"Ok\r\n", 0, LineQuietMs}, Says(Prompt, "Ok")},
-        {"AProgramThatPrintsOk", {"Ok\r\nOk\r\n", 0, LineQuietMs - 1}, Says(Text, "Ok")},
-        {"OkInALine", {"All Ok\r\n", 0, 60}, Says(Text, "All Ok")},
-        {"OkWithoutItsEnd", {"Ok", 0, 60}, Says(Text, "Ok")},
-        {"Question", {"RUN\r\nArticle? ", 0, 60}, Says(Question, "Article? ")},
-        {"QuestionOfNoText", {"? ", 0, 60}, Says(Question, "? ")},
-        {"AQuestionThatIsPrinted", {"Why? \r\n", 0, 60}, Says(Text, "Why? ")},
-        {"TheQuestionInTheMiddleOfATalk", {"Why? ", 0, 10}, Says(Text, "Why? ")},
-        {"Kermit", {"\x01# N3\r", 0, 60}, Says(KermitReceiver)},
-        {"KermitBehindText", {"Ok\r\n\x01# N3\r\x01# N3\r", 0, 60}, Says(KermitReceiver)},
-        {"KermitByEvenParity",
-         {WithParity("\x01# N3\r", 0), 0, 60},
-         {KermitReceiver, FormatFit::Parity, 'e', ""}},
-        {"APacketWithAWrongCheckIsNone", {"\x01# N4\r", 0, 60}, Says(Text, "# N4")},
-        {"APacketThatEndsEarlyIsNone", {"abc\x01# N", 0, 60}, Says(Text, "abc# N")},
-        {"ZModem",
-         {"**\x18"
-          "B0100000023be50\r\x8A\x11",
-          0, 60},
-         Says(ZModemReceiver)},
-        {"ZModemBehindItsPrompt",
-         {"rz waiting to receive.**\x18"
-          "B0100000023be50\r\n\x11",
-          0, 60},
-         Says(ZModemReceiver)},
-        {"ABootingPrinter", {"\r\nFirmware 6.13\r\nR7G\r\n", 0, 60}, Says(Boot, "R7G")},
-        {"ABootThatIsOver", {"\r\nFirmware 6.13\r\nR7G\r\nOk\r\n", 0, 60}, Says(Prompt, "Ok")},
-        {"AModelAloneIsNoGreeting", {"R7G\r\n", 0, 60}, Says(Text, "R7G")},
-        {"Echo", {"\x11\rPRINT 1\r", 0, 60, "\x11\rPRINT 1\r"}, Says(Echo, "PRINT 1")},
-        {"EchoWithoutItsControlBytes",
-         {"PRINT 1\r\n", 0, 60, "\x11\rPRINT 1\r"},
-         Says(Echo, "PRINT 1")},
-        {"AnEchoAndMore", {"PRINT 1\r\n1\r\n", 0, 60, "PRINT 1\r"}, Says(Text, "1")},
-        {"ADigitOfWhatWasSentIsNoEcho", {"1\r\n", 0, 60, "PRINT 1\r"}, Says(Text, "1")},
-        {"EvenParity",
-         {WithParity("label 7 printed\r\n", 0), 0, 60},
-         {Text, FormatFit::Parity, 'e', "label 7 printed"}},
-        {"OddParity",
-         {WithParity("label 7 printed\r\n", 1), 0, 60},
-         {Text, FormatFit::Parity, 'o', "label 7 printed"}},
-        {"MarkParity", {WithMark("label 7\r\n"), 0, 60}, {Text, FormatFit::Parity, 'm', "label 7"}},
-        {"AQuestionByMarkParity",
-         {WithMark("Article? "), 0, 60},
-         {Question, FormatFit::Parity, 'm', "Article? "}},
-        {"TooLittleForAParity", {"\xB4\xB2", 0, 60}, garbage},
-    };
-}
+using enum LineTalk;
+
+const LineVerdict Nothing{};
+const LineVerdict Garbage{Noise, FormatFit::Wrong, 0, ""};
+
+const std::vector<HeardCase> HeardCases{
+    {"Silence", {"", 0, 1000}, Nothing},
+    {"ErrorsWithoutABytesAreNoise", {"", 3, 1000}, Garbage},
+    {"BytesOfAnotherRate", {"\x00\xFE\xF8\x80\xC0\xE0"s, 6, 60}, Garbage},
+    {"NoiseThatTheDeviceTakesForBytes", {"\xFE\xF8\x80\xC0\xE0\xFC", 0, 0}, Garbage},
+    {"OneByteOfNoise", {"\xFF", 0, 60}, Garbage},
+    {"NulsOfABreak", {"\0\0"s, 0, 60}, Garbage},
+    {"ALoopThatPrints", {"2\r\n42\r\n42\r\n4", 0, 0}, Says(Text, "42")},
+    {"OneLineThenSilence", {"label 7 printed\r\n", 0, 60}, Says(Text, "label 7 printed")},
+    {"HalfALineThenSilence", {"7\r\nlabel", 0, 60}, Says(Text, "label")},
+    {"Windows1252",
+     {"Gr\xF6\xDF"
+      "e 5 \x80\r\n",
+      0, 60},
+     Says(Text, "Gr\xF6\xDF"
+                "e 5 \x80")},
+    {"TextWithFrameErrors",
+     {"la\xE2"
+      "el 7\r\nlabel 8\r\n",
+      2, 60},
+     {Text, FormatFit::Wrong, 0, "label 8"}},
+    {"ALongLineIsCut", {std::string(100, 'x') + "\r\n", 0, 60}, Says(Text, std::string(40, 'x'))},
+    {"Prompt", {"42\r\nOk\r\n", 0, 60}, Says(Prompt, "Ok")},
+    {"PromptAlone", {"Ok\r\n", 0, LineQuietMs}, Says(Prompt, "Ok")},
+    {"AProgramThatPrintsOk", {"Ok\r\nOk\r\n", 0, LineQuietMs - 1}, Says(Text, "Ok")},
+    {"OkInALine", {"All Ok\r\n", 0, 60}, Says(Text, "All Ok")},
+    {"OkWithoutItsEnd", {"Ok", 0, 60}, Says(Text, "Ok")},
+    {"Question", {"RUN\r\nArticle? ", 0, 60}, Says(Question, "Article? ")},
+    {"QuestionOfNoText", {"? ", 0, 60}, Says(Question, "? ")},
+    {"AQuestionThatIsPrinted", {"Why? \r\n", 0, 60}, Says(Text, "Why? ")},
+    {"TheQuestionInTheMiddleOfATalk", {"Why? ", 0, 10}, Says(Text, "Why? ")},
+    {"Kermit", {"\x01# N3\r", 0, 60}, Says(KermitReceiver)},
+    {"KermitBehindText", {"Ok\r\n\x01# N3\r\x01# N3\r", 0, 60}, Says(KermitReceiver)},
+    {"KermitByEvenParity",
+     {WithParity("\x01# N3\r", 0), 0, 60},
+     {KermitReceiver, FormatFit::Parity, 'e', ""}},
+    {"APacketWithAWrongCheckIsNone", {"\x01# N4\r", 0, 60}, Says(Text, "# N4")},
+    {"APacketThatEndsEarlyIsNone", {"abc\x01# N", 0, 60}, Says(Text, "abc# N")},
+    {"ZModem",
+     {"**\x18"
+      "B0100000023be50\r\x8A\x11",
+      0, 60},
+     Says(ZModemReceiver)},
+    {"ZModemBehindItsPrompt",
+     {"rz waiting to receive.**\x18"
+      "B0100000023be50\r\n\x11",
+      0, 60},
+     Says(ZModemReceiver)},
+    {"ABootingPrinter", {"\r\nFirmware 6.13\r\nR7G\r\n", 0, 60}, Says(Boot, "R7G")},
+    {"ABootThatIsOver", {"\r\nFirmware 6.13\r\nR7G\r\nOk\r\n", 0, 60}, Says(Prompt, "Ok")},
+    {"AModelAloneIsNoGreeting", {"R7G\r\n", 0, 60}, Says(Text, "R7G")},
+    {"Echo", {"\x11\rPRINT 1\r", 0, 60, "\x11\rPRINT 1\r"}, Says(Echo, "PRINT 1")},
+    {"EchoWithoutItsControlBytes",
+     {"PRINT 1\r\n", 0, 60, "\x11\rPRINT 1\r"},
+     Says(Echo, "PRINT 1")},
+    {"AnEchoAndMore", {"PRINT 1\r\n1\r\n", 0, 60, "PRINT 1\r"}, Says(Text, "1")},
+    {"ADigitOfWhatWasSentIsNoEcho", {"1\r\n", 0, 60, "PRINT 1\r"}, Says(Text, "1")},
+    {"EvenParity",
+     {WithParity("label 7 printed\r\n", 0), 0, 60},
+     {Text, FormatFit::Parity, 'e', "label 7 printed"}},
+    {"OddParity",
+     {WithParity("label 7 printed\r\n", 1), 0, 60},
+     {Text, FormatFit::Parity, 'o', "label 7 printed"}},
+    {"MarkParity", {WithMark("label 7\r\n"), 0, 60}, {Text, FormatFit::Parity, 'm', "label 7"}},
+    {"AQuestionByMarkParity",
+     {WithMark("Article? "), 0, 60},
+     {Question, FormatFit::Parity, 'm', "Article? "}},
+    {"TooLittleForAParity", {"\xB4\xB2", 0, 60}, Garbage},
+};
 
 class Listening : public ::testing::TestWithParam<HeardCase> {};
 
@@ -130,7 +128,7 @@ TEST_P(Listening, SaysWhatALineSays) {
     EXPECT_EQ(Classify(GetParam().heard), GetParam().verdict);
 }
 
-INSTANTIATE_TEST_SUITE_P(Lines, Listening, ::testing::ValuesIn(HeardCases()),
+INSTANTIATE_TEST_SUITE_P(Lines, Listening, ::testing::ValuesIn(HeardCases),
                          [](const auto& known) { return std::string(known.param.name); });
 
 TEST(ListeningTexts, NameEachKindAndQuoteWhatWasHeard) {
