@@ -51,6 +51,7 @@ class InstantPrinter : public qncomm::SerialControl, public qncomm::MessageLoop 
     void Write(std::string_view sBytes) override;
     void SetTransferKind(std::int16_t /*iKind*/) override {}
     void SetBinaryProtocol(std::int16_t /*iProtocol*/) override {}
+    void SetTransferLook(qncomm::TransferLook /*look*/) override {}
     void SendFile(const std::string& /*sPath*/) override {}
     void ReceiveFile(const std::string& /*sPath*/) override {}
     std::int16_t TransferState() const override { return qncomm::TransferIdle; }
