@@ -51,10 +51,13 @@ Outcome Carry(Session& session, const TransferArguments& arguments,
         throw;
     } catch (const qncomm::QNError& error) {
         if (session.Interrupted()) return Cancelled();
+        Outcome failed = session.Failed(error);
         const std::string& reason = session.Serial().TransferReason();
-        if (reason.empty() || error.Number() > qncomm::PrinterErrorBase) throw;
-        return {ExitStatus::Error, error.Number(), error.Source(),
-                error.Description() + " (" + reason + ")"};
+        // A lost port and a printer's error are their own reason.
+        if (failed.status == ExitStatus::Error && !reason.empty()
+            && error.Number() <= qncomm::PrinterErrorBase)
+            failed.message += " (" + reason + ")";
+        return failed;
     }
     if (session.Out().IsJson()) session.Out().Document(ResultLine(progress));
     return {};
