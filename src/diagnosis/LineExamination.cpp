@@ -4,6 +4,7 @@
 #include "common/QNError.h"
 #include "common/StopWatch.h"
 
+#include <algorithm>
 #include <array>
 #include <utility>
 
@@ -17,6 +18,8 @@ constexpr std::int32_t SettleMs = 100;
 /// A receiver that waits for a file asks for it again every few seconds, and a printer that starts
 /// takes as many.
 constexpr std::int32_t ListenLongMs = 5000;
+/// The program that examines goes on meanwhile: its loop has a turn at least this often.
+constexpr std::int32_t TurnMs = 20;
 constexpr std::int32_t BufferBytes = 65'536;
 /// How long bytes that do not end are listened to: enough to know them by.
 constexpr std::size_t EnoughBytes = 4096;
@@ -85,7 +88,8 @@ bool LineExamination::Tell(const std::string& doing) const {
 LineFacts LineExamination::Run() {
     LineFacts facts;
     facts.settings = mPort.as;
-    if (Tell("Listening at " + mPort.as) || !Listen(mPort.as, ListenMs, facts)) return facts;
+    if (Tell("Listening at " + mPort.as) || !Listen(mPort.as, ListenMs, facts) || Tell({}))
+        return facts;
     if (facts.heard.talk == LineTalk::Noise) ListenAtOtherRates(facts);
     if (facts.loss.empty() && !IsTaken(facts.heard.talk)) Ask(facts);
     if (facts.answer == Answer::Nothing && facts.loss.empty()) ListenOnceMore(facts);
@@ -96,7 +100,8 @@ LineFacts LineExamination::Run() {
 
 void LineExamination::ListenOnceMore(LineFacts& facts) {
     LineFacts later = facts;
-    if (Tell("Listening at " + mPort.as) || !Listen(mPort.as, ListenLongMs, later)) return;
+    if (Tell("Listening at " + mPort.as) || !Listen(mPort.as, ListenLongMs, later) || Tell({}))
+        return;
     if (later.heard.talk == LineTalk::Silence) return;
     // A printer that comes up greets a host at whatever settings: noise, but only once.
     if (later.heard.talk == LineTalk::Noise && !Listen(mPort.as, ListenMs, later)) return;
@@ -122,8 +127,9 @@ bool LineExamination::Listen(const std::string& settings, std::int32_t ms, LineF
     HeardLine heard;
     StopWatch whole(mPort.reactor);
     StopWatch silence(mPort.reactor);
-    while (mSerial.PortOpen() && whole.ElapsedMs() < ms && heard.bytes.size() < EnoughBytes) {
-        mSerial.WaitForReceive(ms - whole.ElapsedMs());
+    while (mSerial.PortOpen() && whole.ElapsedMs() < ms && heard.bytes.size() < EnoughBytes
+           && !Tell({})) {
+        mSerial.WaitForReceive(std::min(ms - whole.ElapsedMs(), TurnMs));
         const std::string came = mSerial.Read();
         heard.bytes += came;
         if (!came.empty()) silence.Restart();

@@ -55,10 +55,10 @@ constexpr std::array Rules{
          "console diagnosis trace serial assembly automation control printer link dialogs common "
          "platform"},
     Rule{"apps/qnsim", "qnsim", World::System, "endpoints simulator trace platform"},
-    Rule{"apps/qnterm", "qnterm", World::Toolkit,
-         "qt trace serial assembly automation terminal terminal/view control printer link dialogs "
-         "common "
-         "platform"},
+    Rule{
+        "apps/qnterm", "qnterm", World::Toolkit,
+        "qt diagnosis trace serial assembly automation terminal terminal/view control printer link "
+        "dialogs common platform"},
     Rule{"bindings", "bindings", World::System,
          "assembly automation control printer link dialogs common platform"},
 };

@@ -90,7 +90,7 @@ Diagnosis Examine(Session& session, const DoctorArguments& arguments) {
                                   .as = arguments.as,
                                   .trace = &trace,
                                   .progress = [&session](const std::string& doing) {
-                                      session.Status().Show(doing);
+                                      if (!doing.empty()) session.Status().Show(doing);
                                       return session.Interrupted();
                                   }});
     found.examined.line = line.Run();

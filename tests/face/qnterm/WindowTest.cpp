@@ -117,6 +117,18 @@ TEST_F(WindowTest, AnotherPortTakesThePrintersNameOffTheWindow) {
     EXPECT_THAT(Status(), Not(HasSubstr("R7G on ")));
 }
 
+TEST_F(WindowTest, RateAndFormatAreShownAsTheyAreFoundAndAsTheyChange) {
+    Open("sim:R7G?baud=57600&format=n,7,1");
+    AwaitPrinter();
+    EXPECT_THAT(Status(), HasSubstr(" at 57600,N,7,1"));
+    clsDataLink& link = Control().control().Link();
+    link.SetParity("E");
+    EXPECT_THAT(Status(), HasSubstr(" at 57600,E,7,1"));
+    link.SetDatabits("8");
+    link.SetStopbits("2");
+    EXPECT_THAT(Status(), HasSubstr(" at 57600,E,8,2"));
+}
+
 TEST_F(WindowTest, TheSetupIsReadIntoItsDock) {
     Open("sim:R7G");
     AwaitPrinter();

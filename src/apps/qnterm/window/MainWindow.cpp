@@ -2,6 +2,7 @@
 
 #include "AddressDialog.h"
 #include "DeviceBrowser.h"
+#include "Examination.h"
 #include "Icons.h"
 #include "LabelView.h"
 #include "LineRecorder.h"
@@ -13,12 +14,14 @@
 #include "StatusView.h"
 #include "Version.h"
 #include "WelcomePage.h"
+#include "WhyDialog.h"
 #include "WindowMemory.h"
 
 #include "assembly/AllChannelKinds.h"
 #include "common/QNError.h"
 #include "control/QNComm.h"
 #include "link/LiveState.h"
+#include "link/clsDataLink.h"
 #include "qt/Charset.h"
 #include "qt/Icons.h"
 #include "qt/QNCommWidget.h"
@@ -31,6 +34,7 @@
 #include <QMenu>
 #include <QMenuBar>
 #include <QMessageBox>
+#include <QPushButton>
 #include <QStackedWidget>
 #include <QStatusBar>
 
@@ -71,7 +75,6 @@ QString DoingText(int printer) {
         return {};
     }
 }
-
 constexpr int LeastDockCharacters = 54; // the width at which all the docks' tabs are readable
 constexpr int EndingPollMs = 20;
 
@@ -111,6 +114,7 @@ void MainWindow::BuildCentre(qncomm::TraceSink* trace) {
     mRecorder = std::make_shared<LineRecorder>(trace);
     options.trace = mRecorder.get();
     options.keep = mRecorder;
+    options.factory = mChannels.Factory();
     mControl = new qncomm::QNCommWidget(qncomm::QNCommWidget::RunMode, nullptr, std::move(options));
     mControl->setRegSettings(mBook.SettingsFor(port));
     mOperations = new Operations(mControl->control(),
@@ -195,6 +199,8 @@ void MainWindow::ConnectParts() {
     connect(mActions, &PrinterActions::QuitWanted, this, &QWidget::close);
     connect(mActions, &PrinterActions::AboutWanted, this, &MainWindow::ShowAbout);
     connect(mActions, &PrinterActions::Said, mStatus, &StatusView::Say);
+    connect(mActions, &PrinterActions::WhyWanted, this, &MainWindow::AskWhy);
+    connect(mStatus, &StatusView::WhyWanted, this, &MainWindow::AskWhy);
     connect(mActions, &PrinterActions::Watching, this, [this] {
         mDocks.back()->show();
         mDocks.back()->raise();
@@ -300,11 +306,29 @@ void MainWindow::ShowPortState() {
         facts.open = serial.PortOpen();
         facts.name = QString::fromStdString(mPort.address);
         facts.printer = mPrinter;
+        facts.settings = QString::fromStdString(mControl->control().Link().SettingsText());
         facts.doing = DoingText(mDoing);
+        facts.answered = Answered();
         if (!facts.open && serial.LastFailure())
             facts.failure = QString::fromStdString(serial.LastFailure()->description);
     }
     mStatus->ShowPort(facts);
+}
+
+/// Whether the printer on the chosen port has told its name and has not fallen silent since.
+bool MainWindow::Answered() const {
+    return mControl->assembly().Serial().PortOpen() && !mPrinter.isEmpty()
+           && mDoing != qncomm::PrinterSilent;
+}
+
+void MainWindow::AskWhy() {
+    const auto examined =
+        Examine({*mOperations, *mControl, mChannels}, mPort, mBook.SettingsFor(mPort));
+    if (!examined || mClosing) return;
+    auto* dialog = new WhyDialog(*examined, this);
+    dialog->setAttribute(Qt::WA_DeleteOnClose);
+    connect(dialog, &WhyDialog::AgainWanted, this, &MainWindow::AskWhy, Qt::QueuedConnection);
+    dialog->open();
 }
 
 /// A printer that may be another is called by no name until it has told its own.
@@ -338,6 +362,9 @@ void MainWindow::ShowFailure(const QString& title, const qncomm::QNError& error)
                      .arg(error.Number())
                      .arg(QString::fromStdString(error.Source()));
     box->setInformativeText(detail);
+    if (mPort && !Answered())
+        connect(box->addButton(tr("Wh&y?"), QMessageBox::ActionRole), &QPushButton::clicked, this,
+                &MainWindow::AskWhy, Qt::QueuedConnection);
     box->open();
 }
 

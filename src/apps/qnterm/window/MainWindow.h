@@ -2,6 +2,7 @@
 
 #include "CommandLine.h"
 #include "SentFiles.h"
+#include "SharedChannels.h"
 
 #include "assembly/PortBook.h"
 #include "platform/FileSettings.h"
@@ -75,12 +76,15 @@ class MainWindow final : public QMainWindow {
     void OnIdentified(const QString& model, const QString& firmware);
     void ShowFailure(const QString& title, const qncomm::QNError& error);
     void ShowAbout();
+    void AskWhy();
+    bool Answered() const;
 
     StartOptions mOptions;
     std::shared_ptr<qncomm::FileSettings> mStore;
     qncomm::PortBook mBook;
     qncomm::ChosenPort mPort;
     std::shared_ptr<LineRecorder> mRecorder;
+    SharedChannels mChannels;
     std::string mLabelFolder; ///< of the virtual printer; empty for other ports
     QString mPrinter;         ///< the model that answered on the port
     int mDoing = 0;           ///< what the printer does: an enumPrinterActivity

@@ -59,6 +59,8 @@ class Operations : public QObject {
 
     /// Refuses every operation from now on.
     void Shut() { mShut = true; }
+    /// Whether that was asked for: what runs should end.
+    bool IsShut() const { return mShut; }
 
   signals:
     void RunningChanged(bool bRunning);

@@ -61,6 +61,8 @@ constexpr MenuEntry Entries[] = {
      Needs::Printer, [](Actions& a) { a.Watch(); }},
     {"&Printer", "info", "&Identify", "Ask for model and firmware", "Ctrl+Shift+I", Needs::Printer,
      [](Actions& a) { a.Identify(); }},
+    {"&Printer", "", "Wh&y No Printer…", "Look why no printer answers; nothing is changed",
+     "Ctrl+Shift+Y", Needs::Printer, [](Actions& a) { emit a.WhyWanted(); }},
     {"&Printer", "", "", "", "", Needs::Nothing, nullptr},
     {"&Printer", "", "Change &Device…", "Make a device the current one", "", Needs::Printer,
      [](Actions& a) { a.ChangeDevice(); }},

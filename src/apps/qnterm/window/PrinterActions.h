@@ -60,6 +60,8 @@ class PrinterActions final : public QObject {
     void AboutWanted();
     /// The line is listened to: what comes is to be shown.
     void Watching();
+    /// The user wants to know why no printer answers.
+    void WhyWanted();
     /// A break, or the character that ends a program, whatever runs.
     void BreakWanted();
     void CtrlCWanted();

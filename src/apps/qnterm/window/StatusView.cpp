@@ -36,6 +36,7 @@ StatusView::StatusView(QStatusBar& bar, Operations& operations)
       mText(new QLabel),
       mProgress(new QProgressBar),
       mCancel(new QToolButton),
+      mWhy(new QToolButton),
       mPort(new QLabel),
       mSettle(new QTimer(this)),
       mWatch(new QTimer(this)) {
@@ -49,19 +50,26 @@ StatusView::StatusView(QStatusBar& bar, Operations& operations)
     mCancel->setToolButtonStyle(Qt::ToolButtonTextBesideIcon);
     mCancel->setAutoRaise(true);
     mCancel->setAccessibleName(tr("Cancel the operation"));
+    mWhy->setText(tr("Wh&y?"));
+    mWhy->setAutoRaise(true);
+    mWhy->setAccessibleName(tr("Why does no printer answer?"));
+    mWhy->setToolTip(tr("Look why no printer answers; nothing is changed"));
     mPort->setTextFormat(Qt::RichText);
     mPort->setAccessibleName(tr("Port"));
     mBar.addWidget(mText, 1);
     mBar.addWidget(mProgress);
     mBar.addWidget(mCancel);
+    mBar.addPermanentWidget(mWhy);
     mBar.addPermanentWidget(mPort);
     mProgress->hide();
     mCancel->hide();
+    mWhy->hide();
     mSettle->setSingleShot(true);
     connect(mSettle, &QTimer::timeout, this, [this] { Say({}); });
     mWatch->setInterval(WatchMs);
     connect(mWatch, &QTimer::timeout, this, [this] { OnRunning(mOperations.Busy()); });
     connect(mCancel, &QToolButton::clicked, &mOperations, &Operations::Cancel);
+    connect(mWhy, &QToolButton::clicked, this, &StatusView::WhyWanted);
     connect(&mOperations, &Operations::Progress, this, &StatusView::OnProgress);
     connect(&mOperations, &Operations::RunningChanged, this, &StatusView::OnRunning);
     connect(&mOperations, &Operations::Done, this, &StatusView::OnDone);
@@ -76,6 +84,7 @@ StatusView::StatusView(QStatusBar& bar, Operations& operations)
 void StatusView::OnRunning(bool running) {
     mProgress->setVisible(running);
     mCancel->setVisible(running);
+    mWhy->setVisible(!running && !mAnswered);
     mCancel->setEnabled(true);
     if (running) {
         mSettle->stop();
@@ -117,6 +126,8 @@ void StatusView::Rest() {
 
 void StatusView::ShowPort(const PortFacts& facts) {
     ShowLamp(facts);
+    mAnswered = facts.answered;
+    mWhy->setVisible(!mOperations.Running() && !mAnswered);
     mPort->setToolTip(facts.failure);
     const QString failure = facts.open ? QString() : facts.failure;
     if (std::exchange(mFailure, failure) == failure) return;
@@ -136,7 +147,8 @@ void StatusView::ShowLamp(const PortFacts& facts) {
         const QString printer =
             facts.printer.isEmpty() ? QString() : facts.printer.toHtmlEscaped() + tr(" on ");
         const QString doing = facts.doing.isEmpty() ? QString() : tr(", %1").arg(facts.doing);
-        mPort->setText(LampText(Lamp::On) + printer + name + doing);
+        const QString at = facts.settings.isEmpty() ? QString() : tr(" at %1").arg(facts.settings);
+        mPort->setText(LampText(Lamp::On) + printer + name + at + doing);
     } else if (!facts.failure.isEmpty()) {
         mPort->setText(LampText(Lamp::Fault) + tr("%1 lost").arg(name));
     } else {

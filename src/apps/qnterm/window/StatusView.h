@@ -16,10 +16,12 @@ class Operations;
 /// What is known of the port.
 struct PortFacts {
     bool open = false;
-    QString name;       ///< for the user, such as "COM3 (/dev/ttyUSB0)"; empty = none is chosen
-    QString printer;    ///< what answers there; empty = not known
-    QString failure;    ///< why it did not open or went away; empty = neither
-    QString doing = {}; ///< what the printer does, in a word; empty = nothing worth telling
+    QString name;          ///< for the user, such as "COM3 (/dev/ttyUSB0)"; empty = none is chosen
+    QString printer;       ///< what answers there; empty = not known
+    QString failure;       ///< why it did not open or went away; empty = neither
+    QString doing = {};    ///< what the printer does, in a word; empty = nothing worth telling
+    bool answered = true;  ///< a printer answers there, or nothing is expected to
+    QString settings = {}; ///< of the line, such as "9600,N,8,2"; empty = not told
 };
 
 /// The status bar: the state of the port, and of what runs its progress with a button that cancels
@@ -39,6 +41,10 @@ class StatusView final : public QObject {
     QString Message() const;
     bool OffersCancel() const;
 
+  signals:
+    /// The user wants to know why no printer answers.
+    void WhyWanted();
+
   private:
     void OnProgress(const QString& text, int percent);
     void OnRunning(bool running);
@@ -51,11 +57,13 @@ class StatusView final : public QObject {
     QLabel* mText;
     QProgressBar* mProgress;
     QToolButton* mCancel;
+    QToolButton* mWhy;
     QLabel* mPort;
-    QString mSaid;    ///< stands until mSettle
-    QString mFailure; ///< why the port is not open
-    QTimer* mSettle;  ///< takes the message about an ended operation away after a while
-    QTimer* mWatch;   ///< runs during operations that no action has started
+    QString mSaid;         ///< stands until mSettle
+    QString mFailure;      ///< why the port is not open
+    bool mAnswered = true; ///< as the facts have it
+    QTimer* mSettle;       ///< takes the message about an ended operation away after a while
+    QTimer* mWatch;        ///< runs during operations that no action has started
 };
 
 } // namespace qnterm

@@ -26,7 +26,8 @@ struct ExaminedPort {
     std::shared_ptr<const RegSettings> settings;
     std::string as;             ///< settings to listen at, such as "9600,n,8,2"; empty: remembered
     TraceSink* trace = nullptr; ///< hears what travels; may be null
-    /// Told what is being done; true ends the examination. May be empty.
+    /// Told what is being done, and asked several times a second, with an empty text, whether to
+    /// go on; true ends the examination. May be empty.
     std::function<bool(const std::string& sDoing)> progress = {};
     ChannelFactory factory = MakeChannel; ///< makes the byte channel of an address
 };
