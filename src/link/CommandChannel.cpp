@@ -163,6 +163,7 @@ void LinkState::AwaitReply(std::int32_t timeout, const ReplyRule& rule) {
     live.Printer(PrinterAtPrompt, LearntReply);
     inputLine = InputLine::Empty;
     loadSince.reset();
+    ForgetLoad();
 }
 
 bool LinkState::HoldsReply(const ReplyRule& rule) {

@@ -8,6 +8,7 @@
 
 #include <cstdint>
 #include <functional>
+#include <limits>
 #include <memory>
 #include <optional>
 #include <string>
@@ -131,10 +132,28 @@ struct LinkState {
 
     /// Waits for the prompt and returns what came, the prompt included; without one when nothing
     /// came for silence ms, when longest ms have passed or the port is closed. What came is dropped
-    /// from the port.
-    std::string ReadToPrompt(std::int32_t silence, std::int32_t longest);
-    /// Gives a printer that still waits for the rest of a load the silence that it needs.
-    void AwaitEndOfLoad();
+    /// from the port. With text, that came before. With behind, a prompt counts behind that alone.
+    std::string ReadToPrompt(std::int32_t silence, std::int32_t longest, std::string text = {},
+                             std::string_view behind = {});
+    /// The printer may take what it is sent for the rest of a load, for so long from now on.
+    void DeafFor(std::int32_t ms);
+    /// What may be missing of a load, and how it is known that the printer has taken it.
+    struct RestOfLoad {
+        std::string bytes;
+        std::int32_t travelMs;  ///< which the line needs for all that the printer has to take
+        std::string lastLine{}; ///< sent behind the bytes; the prompt behind its echo is the end
+    };
+    /// Sends the rest of a load and waits for the prompt; where that takes long, sends nothing and
+    /// is AwaitEndOfLoad.
+    LoadEnd EndLoad(const RestOfLoad& rest, std::int32_t longestMs);
+    /// Gives a printer that still waits for the rest of a load the silence that it needs, unless
+    /// that may be longer than longestMs. StatusEvent tells of it in both cases.
+    LoadEnd AwaitEndOfLoad(std::int32_t longestMs = std::numeric_limits<std::int32_t>::max());
+    void ForgetDeafness();
+    /// Deletes what a load has left: sends the line, and takes any reply.
+    void UndoLoad(const std::string& undo);
+    /// Brings a printer back that a program has left in the middle of a load when it died.
+    LoadEnd EndLoadOfAnother(const LoadNote& note);
 
     // -- InputLine.cpp
 
@@ -160,6 +179,12 @@ struct LinkState {
     void Recall();
     /// Keeps the settings, the channel and who it is of the printer that has answered on a port.
     void Remember(std::int16_t port, const PrinterIdentity& identity);
+    /// The section of the store for a port's printer.
+    std::string SectionOf(std::int16_t port) const;
+    /// Notes in the store that a load begins on the chosen port, for who comes after a death in it.
+    void NoteLoad(const LoadNote& note);
+    /// Takes that note back once nothing of the load is outstanding any more.
+    void ForgetLoad();
     /// Speaks to the printer that the chosen port had last, at the settings that the open port has.
     Meeting MeetRemembered();
     /// Tells that a printer was found, and where.
@@ -216,6 +241,8 @@ struct LinkState {
     bool endedInCr = false; ///< the text delivered last ended in a CR of its own
     InputLine inputLine;
 
+    std::string loadNotedIn; ///< the section that holds the note of a load; empty for none
+    std::string loadUndo;    ///< the line that deletes what comes of the load
     std::uintmax_t loadSize = 0;
     std::uintmax_t loadMissing = 0;     ///< bytes that were not sent
     std::optional<StopWatch> loadSince; ///< runs until its reply has come

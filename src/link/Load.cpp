@@ -6,6 +6,8 @@
 #include "common/Text.h"
 
 #include <algorithm>
+#include <limits>
+#include <optional>
 #include <utility>
 
 namespace qncomm {
@@ -16,6 +18,14 @@ namespace {
 constexpr std::int32_t LongestFillMs = 2000;
 constexpr std::int32_t PrinterPatience = 10'000;
 constexpr std::int32_t StoredTimeout = 5000; ///< a printer may write for a while
+constexpr std::int32_t UndoTimeout = 2000;
+/// Who gives a load up is not held up for longer than this by what the line still carries.
+constexpr std::int32_t LongestWaitMs = 20'000;
+/// What a device may keep of a program that has died: as much as a pseudo-terminal does.
+constexpr std::uintmax_t MostKept = 65'536;
+/// Behind the fill of another program's load: silence that ends the printer's refusals.
+constexpr std::int32_t RefusalQuietMs = 100;
+constexpr std::int32_t LongestQuietWait = 3000;
 
 // Of the bytes that a device has taken, only so many can have reached the printer: a
 // pseudo-terminal, a socket or an adapter keeps thousands of them.
@@ -28,13 +38,22 @@ std::int32_t TravelMs(std::uintmax_t bytes, const std::string& baudrate) {
     return ToInt32(static_cast<double>(bytes) / BytesIn(1, baudrate));
 }
 
-bool HasPrompt(const std::string& text) {
-    return text.find("Ok\r\n") != std::string::npos;
+/// What a printer says at the end of a load; nothing before that.
+std::optional<LoadEnd> EndIn(const std::string& said) {
+    const std::size_t prompt = said.find("Ok\r\n");
+    if (prompt == std::string::npos) return std::nullopt;
+    return said.substr(0, prompt).find("Error") == std::string::npos ? LoadEnd::Stored
+                                                                     : LoadEnd::Dropped;
 }
 
 } // namespace
 
-void clsDataLink::BeginLoad(std::uintmax_t lBytes) {
+void clsDataLink::BeginLoad(std::string_view sCommand, std::uintmax_t lBytes,
+                            std::string_view sUndo) {
+    const LoadNote note{lBytes, std::string(sUndo)};
+    mState->NoteLoad(note);
+    OutputText(std::string(sCommand));
+    mState->loadUndo = note.undo;
     mState->loadSize = mState->loadMissing = lBytes;
     mState->loadSince.emplace(mState->host.loop);
     if (lBytes > 0) mState->live.Printer(PrinterReceiving, LearntCommand);
@@ -58,32 +77,82 @@ std::int32_t clsDataLink::DeafMs() const {
 LoadEnd clsDataLink::GiveUpLoad() {
     const std::int32_t onTheWay = mState->Serial().LineTimeLeft();
     const std::uintmax_t missing = std::exchange(mState->loadMissing, 0);
-    if (missing == 0) return LoadEnd::Whole;
-    mState->deafMs = onTheWay + PrinterPatience;
-    mState->deafSince.emplace(mState->host.loop);
+    if (missing == 0 && (!mState->loadSince || mState->outOfStep)) return LoadEnd::Whole;
+    mState->DeafFor(onTheWay + PrinterPatience);
     if (!mState->Serial().PortOpen() || mState->outOfStep) return LoadEnd::Deaf; // all is said
-    mState->ClearReceived();
-    const std::int32_t fill = onTheWay + TravelMs(missing, mState->baudrate);
-    if (fill > LongestFillMs) {
-        mState->AwaitEndOfLoad();
-        return mState->deafSince ? LoadEnd::Deaf : LoadEnd::Dropped;
-    }
-    OutputText(std::string(static_cast<std::size_t>(missing), '\0'));
-    const std::string said = mState->ReadToPrompt(fill + StoredTimeout, fill + StoredTimeout);
-    if (!HasPrompt(said)) return LoadEnd::Deaf;
-    mState->deafSince.reset();
-    return said.find("Error") != std::string::npos ? LoadEnd::Dropped : LoadEnd::Stored;
+    const LoadEnd end =
+        mState->EndLoad({.bytes = std::string(static_cast<std::size_t>(missing), '\0'),
+                         .travelMs = onTheWay + TravelMs(missing, mState->baudrate)},
+                        LongestWaitMs);
+    if (end == LoadEnd::Stored) mState->UndoLoad(mState->loadUndo);
+    return end;
 }
 
-void LinkState::AwaitEndOfLoad() {
-    const std::int32_t left = link.DeafMs();
-    if (left > 0) {
+void LinkState::DeafFor(std::int32_t ms) {
+    deafMs = ms;
+    deafSince.emplace(host.loop);
+}
+
+LoadEnd LinkState::EndLoad(const RestOfLoad& rest, std::int32_t longestMs) {
+    ClearReceived();
+    if (rest.travelMs > LongestFillMs) return AwaitEndOfLoad(longestMs);
+    link.OutputText(rest.bytes + rest.lastLine);
+    const std::int32_t limit = rest.travelMs + StoredTimeout;
+    const std::string_view behind = rest.lastLine;
+    const std::string said =
+        ReadToPrompt(limit, limit, received, behind.substr(0, behind.find(CrLf)));
+    const auto end = EndIn(said);
+    if (end) ForgetDeafness();
+    return end.value_or(LoadEnd::Deaf);
+}
+
+LoadEnd LinkState::AwaitEndOfLoad(std::int32_t longestMs) {
+    std::optional<LoadEnd> end;
+    if (const std::int32_t left = link.DeafMs(); left > 0) {
         ReportStatus("The printer stays deaf for up to " + ToText((left + 500) / 1000)
                          + " s: it waits for the rest of a load",
                      -1);
-        if (!HasPrompt(ReadToPrompt(left, left)) && link.DeafMs() > 0) return;
+        if (left > longestMs) return LoadEnd::Deaf;
+        end = EndIn(ReadToPrompt(left, left));
+        if (!end && link.DeafMs() > 0) return LoadEnd::Deaf;
     }
+    ForgetDeafness();
+    return end.value_or(LoadEnd::Dropped);
+}
+
+void LinkState::ForgetDeafness() {
     deafSince.reset();
+    loadSince.reset();
+    ForgetLoad();
+}
+
+void LinkState::UndoLoad(const std::string& undo) {
+    if (undo.empty()) return;
+    link.OutputText(undo + std::string(CrLf));
+    std::vector<std::string> reply;
+    link.InputText(reply, true, UndoTimeout);
+}
+
+LoadEnd LinkState::EndLoadOfAnother(const LoadNote& note) {
+    inputLine = InputLine::MayHoldText;     // a printer that lacks little is typed what is too much
+    if (const auto end = EndIn(received)) { // little indeed: what was sent in greeting was enough
+        AwaitQuiet(RefusalQuietMs, LongestQuietWait);
+        return *end;
+    }
+    const std::int32_t travel = TravelMs(note.bytes, baudrate);
+    DeafFor(std::min(travel, TravelMs(MostKept, baudrate)) + PrinterPatience);
+    ReportStatus("A load of " + std::to_string(note.bytes)
+                     + " bytes was broken off: bringing the printer back",
+                 -1);
+    const std::string bytes(static_cast<std::size_t>(std::min(note.bytes, MostKept)), '\0');
+    // The number tells its echo from that of the greeting, which may come late.
+    const std::string last =
+        std::string(Spoiler()) + std::to_string(note.bytes) + std::string(CrLf);
+    // As much again may still be on its way from the program that has died.
+    const LoadEnd end = EndLoad({.bytes = bytes, .travelMs = travel, .lastLine = last},
+                                std::numeric_limits<std::int32_t>::max());
+    AwaitQuiet(RefusalQuietMs, LongestQuietWait);
+    return end;
 }
 
 } // namespace qncomm

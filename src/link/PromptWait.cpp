@@ -26,12 +26,17 @@ std::int32_t SilenceMs(const std::string& baudrate) {
 
 } // namespace
 
-std::string LinkState::ReadToPrompt(std::int32_t silence, std::int32_t longest) {
+std::string LinkState::ReadToPrompt(std::int32_t silence, std::int32_t longest, std::string text,
+                                    std::string_view behind) {
     const DetachedSink detached(*this); // what comes is read here
     const StopWatch whole(host.loop);
     StopWatch quiet(host.loop);
-    std::string text = Serial().Read();
-    while (text.find(Prompt) == std::string::npos) {
+    text += Serial().Read();
+    const auto prompted = [&] {
+        const std::size_t from = text.find(behind);
+        return from != std::string::npos && text.find(Prompt, from) != std::string::npos;
+    };
+    while (!prompted()) {
         const std::int32_t left =
             std::min(quiet.UntilExceeds(silence), whole.UntilExceeds(longest));
         if (!Serial().PortOpen()) return text;

@@ -22,8 +22,13 @@ constexpr std::string_view ChannelKey = "Channel";
 constexpr std::string_view ModelKey = "Model";
 constexpr std::string_view FirmwareKey = "Firmware";
 constexpr std::string_view AnsweredKey = "Answered";
+constexpr std::string_view LoadKey = "Load";
+constexpr std::string_view LoadUndoKey = "LoadUndo";
 /// As much of the time of the last answer as a new one must differ in to be written: the hour.
 constexpr std::size_t HourLength = std::string_view("2026-11-22T09").size();
+
+/// A number beyond this was not written by a load.
+constexpr double LargestLoad = 1e12;
 
 struct LineValue {
     std::string_view key;
@@ -42,12 +47,8 @@ constexpr std::array LineValues{
 /// The port's own section of the store.
 class KeptConnection {
   public:
-    KeptConnection(LinkState& state, std::int16_t port) : mState(state) {
-        const auto& addressOf = state.host.options.addressOf;
-        const std::string address = addressOf ? addressOf(port) : std::string();
-        mSection =
-            ConnectionSection(address.empty() ? "COM" + ToText(std::int32_t{port}) : address);
-    }
+    KeptConnection(LinkState& state, std::int16_t port)
+        : mState(state), mSection(state.SectionOf(port)) {}
 
     std::string Value(std::string_view key) const {
         return mState.settings->ReadValue(mSection, key, "");
@@ -58,6 +59,14 @@ class KeptConnection {
         if (channel < 1 || channel > 3) return {};
         return {ToInt16(channel), {Value(ModelKey), Value(FirmwareKey)}};
     }
+
+    LoadNote ReadLoad() const {
+        const double bytes = Val(Value(LoadKey));
+        if (bytes < 1 || bytes > LargestLoad) return {};
+        return {static_cast<std::uintmax_t>(bytes), Value(LoadUndoKey)};
+    }
+
+    const std::string& Section() const { return mSection; }
 
     void Write(const RememberedPrinter& printer) {
         for (const LineValue& line : LineValues)
@@ -91,6 +100,8 @@ constexpr std::int32_t ListenMs = 5;
 constexpr std::int32_t EchoMs = 100;
 constexpr std::int32_t ReplyMs = 1000; ///< the longest silence before the reply has ended
 constexpr std::int32_t LongestReply = 5000;
+constexpr std::int32_t TalkQuietMs = 100; ///< the end of what a printer says
+constexpr std::int32_t LongestTalk = 3000;
 
 constexpr std::size_t LongestRefusal = 64; ///< bytes with which a printer refuses a spoiled line
 
@@ -154,28 +165,86 @@ std::optional<std::vector<std::string>> Greet(LinkState& state, std::int16_t cha
     return lines;
 }
 
-/// Why the remembered printer was not met; empty when it was, and its identity is then known.
-std::string Meet(LinkState& state, RememberedPrinter& known) {
-    const std::string settings = "remembered settings " + LowerCase(state.link.SettingsText());
+/// What has come of speaking to the remembered printer once.
+enum class Greeted { Met, Talk, Silence, AnotherChannel, AnotherPrinter };
+
+struct GreetedText {
+    Greeted greeted;
+    std::string_view before;
+    std::string_view after;
+};
+
+constexpr std::array GreetedTexts{
+    GreetedText{Greeted::Talk, "Something speaks at the ", ""},
+    GreetedText{Greeted::Silence, "The ", " were not answered"},
+    GreetedText{Greeted::AnotherChannel, "Another channel answers at the ", ""},
+    GreetedText{Greeted::AnotherPrinter, "Another printer answers at the ", ""},
+};
+
+std::string WhyNotMet(Greeted greeted, const std::string& settings) {
+    const auto* const row =
+        std::find_if(GreetedTexts.begin(), GreetedTexts.end(),
+                     [greeted](const GreetedText& text) { return text.greeted == greeted; });
+    return std::string(row->before)
+        .append("remembered settings ")
+        .append(LowerCase(settings))
+        .append(row->after);
+}
+
+/// Met makes its identity known.
+Greeted Meet(LinkState& state, RememberedPrinter& known) {
     state.ClearReceived();
     if (AwaitSign(state, ListenMs, ListenMs, [&] { return !state.received.empty(); }))
-        return "Something speaks at the " + settings;
+        return Greeted::Talk;
     auto reply = Greet(state, known.channel);
     // A line that another program has left unfinished was refused together with the greeting.
     if (reply && !IdentityIn(*reply)) reply = Greet(state, known.channel);
-    if (!reply) return "The " + settings + " were not answered";
+    if (!reply) return Greeted::Silence;
     const auto identity = IdentityIn(*reply);
-    if (!identity) return "Another channel answers at the " + settings;
+    if (!identity) return Greeted::AnotherChannel;
     if (known.identity != PrinterIdentity{} && known.identity != *identity)
-        return "Another printer answers at the " + settings;
+        return Greeted::AnotherPrinter;
     known.identity = *identity;
-    return {};
+    return Greeted::Met;
+}
+
+/// The same of a printer that a program which died may have left in the middle of a load: one that
+/// says nothing is brought back first. A printer that answers is not, and the note is forgotten.
+Greeted MeetBehindLoad(LinkState& state, RememberedPrinter& known, const LoadNote& load) {
+    Greeted greeted = Meet(state, known);
+    if (greeted == Greeted::Talk) { // it may say that it has given the load up
+        state.AwaitQuiet(TalkQuietMs, LongestTalk);
+        greeted = Meet(state, known);
+    }
+    if (greeted == Greeted::Silence) {
+        const LoadEnd end = state.EndLoadOfAnother(load);
+        greeted = Meet(state, known);
+        if (greeted == Greeted::Met && end == LoadEnd::Stored) state.UndoLoad(load.undo);
+    }
+    state.ForgetDeafness();
+    return greeted;
+}
+
+void KeepLoad(LinkState& state, const std::string& bytes, const std::string& undo) {
+    const std::string& section = state.loadNotedIn;
+    try {
+        state.settings->WriteValues(
+            {{section, std::string(LoadKey), bytes}, {section, std::string(LoadUndoKey), undo}});
+    } catch (const QNError& error) { // the load is more than the note of it
+        state.host.desktop.Log(error.Description());
+    }
 }
 
 } // namespace
 
 std::string ConnectionSection(std::string_view sAddress) {
     return "Connection " + std::string(sAddress);
+}
+
+std::string LinkState::SectionOf(std::int16_t port) const {
+    const auto& addressOf = host.options.addressOf;
+    const std::string address = addressOf ? addressOf(port) : std::string();
+    return ConnectionSection(address.empty() ? "COM" + ToText(std::int32_t{port}) : address);
 }
 
 bool LinkState::RemembersPrinters() const {
@@ -211,16 +280,34 @@ void LinkState::Remember(std::int16_t port, const PrinterIdentity& identity) {
     }
 }
 
+void LinkState::NoteLoad(const LoadNote& note) {
+    if (!RemembersPrinters() || note.bytes == 0) return;
+    loadNotedIn = SectionOf(ToInt16(Val(commport)));
+    KeepLoad(*this, std::to_string(note.bytes), note.undo);
+}
+
+void LinkState::ForgetLoad() {
+    if (loadNotedIn.empty()) return;
+    if (RemembersPrinters()) KeepLoad(*this, "", "");
+    loadNotedIn.clear();
+}
+
 Meeting LinkState::MeetRemembered() {
     if (!RemembersPrinters() || outOfStep) return Meeting::NotMet;
     if (recalledPort != commport) Recall();
     const std::int16_t port = ToInt16(Val(commport));
-    RememberedPrinter known = KeptConnection(*this, port).Read();
+    const KeptConnection kept(*this, port);
+    RememberedPrinter known = kept.Read();
     if (known.channel == 0 || !Serial().PortOpen()) return Meeting::NotMet;
-    const std::string why = Meet(*this, known);
+    const LoadNote load = kept.ReadLoad();
+    if (load.bytes > 0) loadNotedIn = kept.Section();
+    const Greeted greeted =
+        load.bytes > 0 ? MeetBehindLoad(*this, known, load) : Meet(*this, known);
     ClearReceived();
-    if (!why.empty())
+    if (greeted != Greeted::Met) {
+        const std::string why = WhyNotMet(greeted, link.SettingsText());
         return ReportStatus(why + ". Searching...", 0) ? Meeting::Cancelled : Meeting::NotMet;
+    }
     stdio = known.channel;
     modelText = known.identity.model;
     versionText = known.identity.version;

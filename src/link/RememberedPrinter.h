@@ -3,6 +3,7 @@
 #include "Identity.h"
 
 #include <cstdint>
+#include <string>
 
 namespace qncomm {
 
@@ -10,6 +11,12 @@ namespace qncomm {
 struct RememberedPrinter {
     std::int16_t channel = 0; ///< the printer's channel that the host is wired to; 0: none answered
     PrinterIdentity identity; ///< empty texts where nobody has asked yet
+};
+
+/// A load that was begun on a port and of whose end nobody knows.
+struct LoadNote {
+    std::uintmax_t bytes = 0; ///< of its content; 0: there is no such load
+    std::string undo;         ///< the line that deletes what came of it; empty for none
 };
 
 /// What has come of speaking to the remembered printer.

@@ -20,6 +20,15 @@ struct clsQuorin::Exchange {
     std::vector<std::string> dirty{}; ///< paths whose devices change with it
 };
 
+/// A file of this machine on its way into the printer, and how it is undone.
+struct clsQuorin::FileLoad {
+    std::string_view command; ///< its name and length follow
+    const std::string& path;
+    std::string_view options{}; ///< behind the length
+    std::string_view removal;   ///< deletes what came of it; its name follows
+    std::int32_t timeout;       ///< ms for the reply
+};
+
 /// What the log says when an operation returns quietly.
 inline constexpr std::string_view PortRefused = "port not available";
 

@@ -68,8 +68,11 @@ void clsQuorin::InstallFont(const std::string& sFullFontPath, bool bPermanent) {
         claim.Release();
         RaiseError(ErrImageSettings, InstallFontSource);
     }
-    SendFile("IMAGE LOAD ", sFullFontPath, bPermanent ? R"(,"S")" : R"(,"")", "REMOVE FONT ");
-    Read(InstallFontTimeout);
+    LoadFile({.command = "IMAGE LOAD ",
+              .path = sFullFontPath,
+              .options = bPermanent ? R"(,"S")" : R"(,"")",
+              .removal = "REMOVE FONT ",
+              .timeout = InstallFontTimeout});
     claim.Release();
     SetDeviceDirty(FontsDevice);
 }

@@ -39,8 +39,11 @@ void clsQuorin::InstallImage(const std::string& sImageName, bool bPermanent) {
     if (!IsCommSetForImageLoad()) RefuseImage(claim, ErrImageSettings);
     if (!IsValidPcxImage(sImageName)) RefuseImage(claim, ErrImageFormat);
     RemoveImage(ImageName(sImageName));
-    SendFile("IMAGE LOAD ", sImageName, bPermanent ? R"(,"S")" : R"(,"")", "REMOVE IMAGE ");
-    Read(InstallImageTimeout);
+    LoadFile({.command = "IMAGE LOAD ",
+              .path = sImageName,
+              .options = bPermanent ? R"(,"S")" : R"(,"")",
+              .removal = "REMOVE IMAGE ",
+              .timeout = InstallImageTimeout});
     claim.Release();
     SetDeviceDirty(ImagesDevice);
 }

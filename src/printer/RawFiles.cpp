@@ -13,7 +13,6 @@ namespace {
 
 constexpr std::string_view InstallImageSource = "clsQuorin:InstallImage";
 constexpr std::int32_t FileloadTimeout = 1000;
-constexpr std::int32_t RemovalTimeout = 2000;
 constexpr std::string_view RawDatabits = "8";
 
 bool HasXonXoff(std::string_view flowcontrol) {
@@ -72,37 +71,38 @@ void clsQuorin::Fileload(const std::string& sFileName, std::string_view /*sDevic
     PortClaim claim = Claim();
     if (!claim) return;
     if (!IsCommSetForImageLoad()) RefuseImage(claim, ErrImageSettings);
-    SendFile("FILE& LOAD ", sFileName, {}, "KILL ");
-    Read(FileloadTimeout);
+    LoadFile({.command = "FILE& LOAD ",
+              .path = sFileName,
+              .removal = "KILL ",
+              .timeout = FileloadTimeout});
     claim.Release();
 }
 
-/// Announces a file of this machine by name and length and sends its bytes. It is opened before the
-/// printer hears of it: the printer waits for exactly as many bytes as were announced. What breaks
-/// off in between is given up in a way that the printer understands; removal is the command that
-/// undoes the load.
-void clsQuorin::SendFile(std::string_view command, const std::string& path,
-                         std::string_view options, std::string_view removal) {
-    const std::unique_ptr<HostFile> file = mFiles.Open(path);
-    const std::string name = Quoted(UpperCase(PrinterNameOf(path)));
-    Send(std::string(command) + name + "," + std::to_string(file->Length()) + std::string(options)
-         + "\r");
-    Link().BeginLoad(file->Length());
+/// Announces a file of this machine by name and length, sends its bytes and reads the reply. It is
+/// opened before the printer hears of it: the printer waits for exactly as many bytes as were
+/// announced. What breaks off in between is given up in a way that the printer understands.
+void clsQuorin::LoadFile(const FileLoad& load) {
+    const std::unique_ptr<HostFile> file = mFiles.Open(load.path);
+    const std::string name = Quoted(UpperCase(PrinterNameOf(load.path)));
+    Link().BeginLoad(std::string(load.command) + name + "," + std::to_string(file->Length())
+                         + std::string(load.options) + "\r",
+                     file->Length(), std::string(load.removal) + name);
     const ChunkSender sender(
         [this](std::string_view bytes) { Send(bytes); },
         [this](std::string& message, std::int16_t progress) { Report(message, progress); });
     try {
         sender.SendFile(*file);
+        Read(load.timeout);
     } catch (...) {
-        GiveUpLoad(std::string(removal) + name);
+        GiveUpLoad();
         throw;
     }
 }
 
 /// Whatever happens here, the error that has broken the load off is the one to report.
-void clsQuorin::GiveUpLoad(const std::string& removal) {
+void clsQuorin::GiveUpLoad() {
     try {
-        if (Link().GiveUpLoad() == LoadEnd::Stored) Ask(removal, RemovalTimeout, false);
+        Link().GiveUpLoad();
     } catch (const QNError& error) {
         mDesktop.Log("the printer may still wait for the rest of a load: " + error.Description());
     }

@@ -7,6 +7,7 @@
 #include "testing/stack/ManualReactor.h"
 #include "testing/stack/Stack.h"
 
+#include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
 namespace qncomm::testing {
@@ -93,6 +94,67 @@ TEST_P(CutLoad, LeavesThePrinterAtItsPromptAndNoFile) {
 INSTANTIATE_TEST_SUITE_P(Times, CutLoad,
                          ::testing::Values(Cut{"Early", 3000, 9000}, Cut{"Late", 10'500, 3500}),
                          [](const auto& cut) { return cut.param.name; });
+
+// -- A load in which a program has died
+
+struct Death {
+    const char* name;
+    std::int64_t bytes;
+    std::int64_t sent;    ///< of them, when the program died
+    std::int32_t laterMs; ///< when the next program comes
+    const char* said;     ///< by the next one
+    std::int64_t limitMs; ///< from its first claim to the reply
+};
+
+class DeathInALoad : public ::testing::TestWithParam<Death> {};
+
+std::vector<SettingValue> KeptAt9600(std::int64_t load) {
+    constexpr const char* section = "Connection COM1";
+    return {{section, "Baudrate", "9600"},
+            {section, "Parity", "None"},
+            {section, "Databits", "8"},
+            {section, "Stopbits", "2"},
+            {section, "FlowControl", "0"},
+            {section, "Channel", "1"},
+            {section, "Load", std::to_string(load)},
+            {section, "LoadUndo", "KILL \"LOAD.BIN\""}};
+}
+
+TEST_P(DeathInALoad, IsSeenByTheNextProgramWhichBringsThePrinterBack) {
+    const Death& death = GetParam();
+    ManualReactor reactor;
+    Stack stack(reactor, "sim:R7G?paced=on&baud=9600", KeptAt9600(death.bytes),
+                {.remembered = true, .spoil = true});
+    stack.mSerial.SetPortNumber(1);
+    stack.mSerial.SetPortSettings("9600,n,8,2");
+    stack.mSerial.SetPortOpen(true);
+    stack.mSerial.Write("FILE& LOAD \"LOAD.BIN\"," + std::to_string(death.bytes) + "\r"
+                        + std::string(static_cast<std::size_t>(death.sent), 'A'));
+    while (stack.mSerial.TransmitCount() > 0)
+        reactor.Pass(10);
+    reactor.Pass(stack.mSerial.LineTimeLeft() + death.laterMs);
+    stack.mSerial.SetPortOpen(false);
+
+    const std::int64_t begun = reactor.NowMs();
+    EXPECT_EQ(stack.Ask("PRINT 1").at(1), "1");
+    EXPECT_LE(reactor.NowMs() - begun, death.limitMs);
+    EXPECT_THAT(stack.mMessages.front(), ::testing::HasSubstr(death.said));
+    EXPECT_THAT(stack.mMessages,
+                ::testing::Not(::testing::Contains(::testing::HasSubstr("Searching"))));
+    EXPECT_EQ(stack.mSettings->ReadValue("Connection COM1", "Load", "none"), "");
+    clsQuorin quorin(stack.mLink, stack.mDesktop, SystemFiles());
+    EXPECT_EQ(quorin.PrinterFileExists("c:LOAD.BIN"), death.bytes == death.sent);
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    Loads, DeathInALoad,
+    ::testing::Values(
+        Death{"ThatLacksLittle", 1500, 1000, 100, "A load of 1500 bytes was broken off", 4000},
+        Death{"ThatLacksLessThanTheGreeting", 1500, 1490, 100, "Printer connected", 1500},
+        Death{"ThatLacksNothing", 1500, 1500, 100, "Printer connected", 1500},
+        Death{"ThatLacksMuch", 100'000, 1000, 100, "A load of 100000 bytes was broken off", 8000},
+        Death{"ThatThePrinterHasGivenUp", 100'000, 1000, 6000, "Printer connected", 1500}),
+    [](const auto& death) { return death.param.name; });
 
 // -- A module that was cut
 

@@ -3,6 +3,8 @@
 #include "LinkFixture.h"
 #include "common/Text.h"
 
+#include <algorithm>
+
 namespace qncomm::testing {
 
 /// A link on a line at whose end a printer answers to one combination of settings.
@@ -30,23 +32,36 @@ class SearchFixture : public LinkFixture {
     std::int32_t mAnswersAfter = 10; ///< ms for a line; they are answered one after another
     std::int32_t mOpenTakes = 0;     ///< ms more for a line that opens a channel
     std::int32_t mItemTakes = 0;     ///< ms for each line of the setup
+    std::size_t mLoadMissing = 0;    ///< bytes that it takes for the rest of a load first
+    std::string mLoadEnd = "Ok\r\n"; ///< what it says behind them
     Lines mHeard;                    ///< command lines, without their line end
     Lines mTried;                    ///< settings under which something was sent
 
   private:
     void Listen(std::string& sent) {
-        const std::string bytes = std::exchange(sent, {});
+        std::string bytes = std::exchange(sent, {});
         if (mTried.empty() || mTried.back() != mSerial.PortSettings())
             mTried.push_back(mSerial.PortSettings());
         if (!EqualNoCase(mSerial.PortSettings(), mSettingsThatWork)) return;
+        TakeLoad(bytes);
         std::string line;
         for (const char c : bytes) {
             if (c == '\r' || c == '\n') {
                 if (!line.empty()) Answer(std::exchange(line, {}));
-            } else if (c != '\x11') {
+            } else if (c != '\x11' && c != '\0') {
                 line += c;
             }
         }
+    }
+
+    void TakeLoad(std::string& bytes) {
+        if (mLoadMissing == 0) return;
+        const std::size_t taken = std::min(mLoadMissing, bytes.size());
+        bytes.erase(0, taken);
+        mLoadMissing -= taken;
+        if (mLoadMissing > 0) return;
+        mFreeAt = std::max(mFreeAt, mLoop.NowMs()) + mAnswersAfter;
+        Say(mLoadEnd);
     }
 
     void Answer(const std::string& line) {

@@ -40,8 +40,8 @@ enum enumProgramStop : std::int16_t {
 
 /// How a load has ended that was given up.
 enum class LoadEnd : std::int16_t {
-    Whole,   ///< nothing of it was missing
-    Stored,  ///< it was filled up, and the printer has taken it as it is
+    Whole,   ///< nothing of it was missing, and its reply has come or was given up
+    Stored,  ///< the printer has taken it as it is, filled up where something was missing
     Dropped, ///< the printer has given it up too, and is back at its prompt
     Deaf,    ///< the printer still waits for the rest of it
 };
@@ -314,17 +314,21 @@ class clsDataLink {
 
     // -- Loads: content that follows a command line which has announced its length, by no protocol.
 
-    /// The next lBytes that are sent are what the command before has announced. The printer takes
-    /// them as they are, and whatever comes in the place of what is missing too.
-    void BeginLoad(std::uintmax_t lBytes);
+    /// Sends sCommand, a line with its end which announces lBytes bytes: the next lBytes that are
+    /// sent are these. The printer takes them as they are, and whatever comes in the place of what
+    /// is missing too. sUndo is the line without an end that deletes what comes of the load. A link
+    /// that remembers printers keeps both in the store until the printer has replied, so that a
+    /// later one can end the load after this program's death. Raises what OutputText raises.
+    void BeginLoad(std::string_view sCommand, std::uintmax_t lBytes, std::string_view sUndo = {});
     /// Bytes of the last load.
     std::uintmax_t LoadSize() const;
     /// How many of them were sent and can have reached the printer at the line's rate.
     std::uintmax_t LoadBytes() const;
     /// Brings a printer back to its prompt that waits for the rest of a load: by as many zero bytes
     /// as are missing where the line carries the rest in 2 s, else by silence, which ends when the
-    /// printer has lost patience, 10 s behind the last byte at most. StatusEvent tells of that.
-    /// Raises what OutputText raises.
+    /// printer has lost patience, 10 s behind the last byte at most. StatusEvent tells of that; a
+    /// silence that may last longer than 20 s is left to the next claim. What was stored is deleted
+    /// by the undo that BeginLoad was given. Raises what OutputText and InputText raise.
     LoadEnd GiveUpLoad();
     /// For how many ms the printer may still take what it is sent for the rest of a load that was
     /// given up; 0 when it does not. The next claim waits for that long, or for the prompt.

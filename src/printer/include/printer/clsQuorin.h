@@ -233,6 +233,7 @@ class clsQuorin {
     using Reply = std::vector<std::string>;
     using AddRow = std::function<bool(PrinterFiles&, std::string_view)>;
     struct Exchange;
+    struct FileLoad;
     struct Listing;
 
     /// Exchange.cpp
@@ -291,9 +292,8 @@ class clsQuorin {
     [[noreturn]] static void RefuseImage(PortClaim& claim, std::int32_t number);
     bool CarriesRawBytes();
     void AdjustSettings();
-    void SendFile(std::string_view command, const std::string& path, std::string_view options,
-                  std::string_view removal);
-    void GiveUpLoad(const std::string& removal);
+    void LoadFile(const FileLoad& load);
+    void GiveUpLoad();
 
     clsDataLink* mLink;
     Desktop& mDesktop;
