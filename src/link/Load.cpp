@@ -20,7 +20,7 @@ constexpr std::int32_t PrinterPatience = 10'000;
 constexpr std::int32_t StoredTimeout = 5000; ///< a printer may write for a while
 constexpr std::int32_t UndoTimeout = 2000;
 /// Who gives a load up is not held up for longer than this by what the line still carries.
-constexpr std::int32_t LongestWaitMs = 20'000;
+constexpr std::int32_t LongestWaitMs = 30'000;
 /// What a device may keep of a program that has died: as much as a pseudo-terminal does.
 constexpr std::uintmax_t MostKept = 65'536;
 /// Behind the fill of another program's load: silence that ends the printer's refusals.

@@ -327,7 +327,7 @@ class clsDataLink {
     /// Brings a printer back to its prompt that waits for the rest of a load: by as many zero bytes
     /// as are missing where the line carries the rest in 2 s, else by silence, which ends when the
     /// printer has lost patience, 10 s behind the last byte at most. StatusEvent tells of that; a
-    /// silence that may last longer than 20 s is left to the next claim. What was stored is deleted
+    /// silence that may last longer than 30 s is left to the next claim. What was stored is deleted
     /// by the undo that BeginLoad was given. Raises what OutputText and InputText raise.
     LoadEnd GiveUpLoad();
     /// For how many ms the printer may still take what it is sent for the rest of a load that was
