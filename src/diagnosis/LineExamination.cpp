@@ -15,9 +15,9 @@ constexpr std::int32_t ListenMs = 1000;
 constexpr std::int32_t ListenShortlyMs = 300;
 /// Bytes that were on their way while the settings changed are over by then.
 constexpr std::int32_t SettleMs = 100;
-/// A receiver that waits for a file asks for it again every few seconds, and a printer that starts
-/// takes as many.
-constexpr std::int32_t ListenLongMs = 5000;
+/// A receiver that waits for a file asks for it again after eight seconds at the most, and a
+/// printer that starts takes a few.
+constexpr std::int32_t ListenLongMs = 9000;
 /// The program that examines goes on meanwhile: its loop has a turn at least this often.
 constexpr std::int32_t TurnMs = 20;
 constexpr std::int32_t BufferBytes = 65'536;
@@ -60,7 +60,7 @@ void UseSettings(clsDataLink& link, const std::string& text) {
 /// By which ZModem and Kermit receivers give up.
 std::string_view CancelOf(LineTalk talk) {
     constexpr std::string_view zmodem = "\x18\x18\x18\x18\x18\x18\x18\x18\b\b\b\b\b\b\b\b";
-    constexpr std::string_view kermit = "\x01# E&\r";
+    constexpr std::string_view kermit = "\x01# E*\r";
     if (talk == LineTalk::ZModemReceiver) return zmodem;
     return talk == LineTalk::KermitReceiver ? kermit : std::string_view();
 }
@@ -92,10 +92,17 @@ LineFacts LineExamination::Run() {
         return facts;
     if (facts.heard.talk == LineTalk::Noise) ListenAtOtherRates(facts);
     if (facts.loss.empty() && !IsTaken(facts.heard.talk)) Ask(facts);
-    if (facts.answer == Answer::Nothing && facts.loss.empty()) ListenOnceMore(facts);
-    // A printer that came up meanwhile has greeted a host at other settings.
-    if (facts.answer == Answer::Noise && facts.loss.empty()) Ask(facts);
+    AskOnceMoreAfterNoise(facts);
+    if (facts.answer == Answer::Nothing && facts.loss.empty()) {
+        ListenOnceMore(facts);
+        AskOnceMoreAfterNoise(facts);
+    }
     return facts;
+}
+
+// What came up meanwhile has greeted a host at other settings, or has asked for its file.
+void LineExamination::AskOnceMoreAfterNoise(LineFacts& facts) {
+    if (facts.answer == Answer::Noise && facts.loss.empty()) Ask(facts);
 }
 
 void LineExamination::ListenOnceMore(LineFacts& facts) {

@@ -62,6 +62,7 @@ class LineExamination {
     void Settle();
     void ListenAtOtherRates(LineFacts& facts);
     void ListenOnceMore(LineFacts& facts);
+    void AskOnceMoreAfterNoise(LineFacts& facts);
     void Ask(LineFacts& facts);
     void Identify(LineFacts& facts);
 
