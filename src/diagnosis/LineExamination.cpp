@@ -15,9 +15,9 @@ constexpr std::int32_t ListenMs = 1000;
 constexpr std::int32_t ListenShortlyMs = 300;
 /// Bytes that were on their way while the settings changed are over by then.
 constexpr std::int32_t SettleMs = 100;
-/// A receiver that waits for a file asks for it again after eight seconds at the most, and a
-/// printer that starts takes a few.
-constexpr std::int32_t ListenLongMs = 9000;
+/// A receiver that waits for a file asks for it again after eight seconds at the most, a printer
+/// that starts takes a few, and one that waits for the rest of a load gives it up after ten.
+constexpr std::int32_t ListenLongMs = 11'000;
 /// The program that examines goes on meanwhile: its loop has a turn at least this often.
 constexpr std::int32_t TurnMs = 20;
 constexpr std::int32_t BufferBytes = 65'536;

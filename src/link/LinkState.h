@@ -171,6 +171,21 @@ struct LinkState {
         return host.options.spoil ? InputLine::MayHoldText : InputLine::Empty;
     }
 
+    // -- Poll.cpp
+
+    /// ms from one poll to the next at the present rate.
+    std::int32_t PollInterval() const;
+    /// Polls from now on if the host and the terminal want it, and not otherwise.
+    void SchedulePolls();
+    bool MayPoll() const;
+    void Poll();
+    /// Takes what the terminal would show while an answer is awaited; false when none is.
+    bool TakeForPoll(const std::string& text);
+    void EndPoll();
+    /// Nobody waits for the answer any longer; what comes of it stands before the echo of what is
+    /// sent next, and is nobody's.
+    void AbandonPoll();
+
     // -- RememberedPrinter.cpp
 
     /// Whether anything is kept of the printers; never once the link was torn down.
@@ -228,6 +243,10 @@ struct LinkState {
     int hostCalls = 0;                         ///< how deep the link is in code of the host
     std::int32_t owedReleases = 0;             ///< releases that came while another held the mark
     std::unique_ptr<RunningTimer> reopenTimer; ///< runs while the terminal's device is away
+    std::unique_ptr<RunningTimer> pollTimer;
+    std::int32_t pollEveryMs = 0;
+    std::unique_ptr<RunningTimer> pollLimit; ///< runs while a poll's answer is awaited
+    std::string pollHeard;                   ///< what came meanwhile
 
     std::string received;       ///< received text with CR LF line ends, in receive mode 0
     std::uint64_t arrivals = 0; ///< how often something was received

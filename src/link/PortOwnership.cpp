@@ -32,6 +32,7 @@ PortClaim LinkState::ClaimLine(bool exclusive) {
     if (hostCalls > 0 || IsExclusive()) return {};
     if (exclusive) Serial().SetTag(ExclusiveMark);
     PortClaim claim(*this, ++useCount, exclusive);
+    AbandonPoll();
     if (useCount == 1 || portLost) OpenPort();
     Serial().SetReceiveMode(ReceiveToLink);
     return claim;
@@ -102,11 +103,13 @@ void LinkState::Settle() {
         ++useCount;
         if (useCount == 1 || portLost) OpenPort();
         if (useCount == 1) Serial().SetReceiveMode(ReceiveToTerminal);
+        SchedulePolls();
     }
 }
 
 void LinkState::ReleaseTerminal() {
     reopenTimer.reset();
+    SchedulePolls();
     link.ReleasePort();
 }
 
@@ -145,6 +148,7 @@ void LinkState::RaisePortState(bool open) {
 
 void LinkState::OnPortLost() {
     portLost = true;
+    AbandonPoll();
     live.Line(LineLost, Serial().WhyClosed());
     inputLine = UnknownInputLine();
     link.SetImmediateMode(false);

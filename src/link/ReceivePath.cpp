@@ -53,6 +53,7 @@ void LinkState::OnReceive() {
 
 void LinkState::Deliver(const std::string& text) {
     const bool toTerminal = Serial().ReceiveMode() != ReceiveToLink;
+    if (toTerminal && TakeForPoll(text)) return;
     if (toTerminal) {
         Serial().WriteTerminal(text);
     } else if (received.size() + text.size() > ReceiveLimit) {

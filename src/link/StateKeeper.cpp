@@ -22,6 +22,11 @@ bool IsText(std::string_view bytes) {
     });
 }
 
+/// A line that goes into the program: the prompt stays as it is.
+bool IsProgramLine(std::string_view line) {
+    return !line.empty() && line.front() >= '0' && line.front() <= '9';
+}
+
 std::string_view LastLine(std::string_view lines) {
     const std::size_t before = lines.rfind(CrLf);
     return before == std::string_view::npos ? lines : lines.substr(before + CrLf.size());
@@ -29,7 +34,7 @@ std::string_view LastLine(std::string_view lines) {
 
 } // namespace
 
-StateKeeper::StateKeeper(const MessageLoop& loop, std::int32_t firstGeneration,
+StateKeeper::StateKeeper(MessageLoop& loop, std::int32_t firstGeneration,
                          std::function<void()> changed)
     : mLoop(loop), mChanged(std::move(changed)) {
     mNow.generation = firstGeneration;
@@ -105,20 +110,42 @@ void StateKeeper::LeftAlone() {
 
 void StateKeeper::Heard(std::string_view text, bool byTerminal) {
     mLine += text;
+    mHeardAt = mLoop.NowMs();
     const bool noise = !IsText(mLine);
     const std::size_t end = mLine.rfind(CrLf);
     const bool ended = end != std::string::npos;
-    const bool prompt =
-        ended && Trim(LastLine(std::string_view(mLine).substr(0, end))) == PromptText;
+    const std::string_view line =
+        ended ? LastLine(std::string_view(mLine).substr(0, end)) : std::string_view();
+    const bool prompt = Trim(line) == PromptText;
+    const bool typed = mNow.printer.value == PrinterAtPrompt && IsProgramLine(line);
     if (ended) mLine.erase(0, end + CrLf.size());
     if (mLine.size() > KeptOfLine) mLine.erase(0, mLine.size() - KeptOfLine);
     if (noise) return;
     const bool asks = Trim(mLine).ends_with('?');
-    const bool runs = ended || mNow.printer.value == PrinterRunning;
-    if (prompt && mLine.empty())
+    const bool prompted = prompt && mLine.empty();
+    const bool runs =
+        byTerminal && !prompted && ((ended && !typed) || mNow.printer.value == PrinterRunning);
+    AwaitEndOfLine(runs && !asks && !mLine.empty());
+    if (prompted)
         Printer(PrinterAtPrompt, LearntText);
-    else if (byTerminal && runs)
+    else if (runs)
         Printer(asks ? PrinterAsking : PrinterRunning, LearntText);
+}
+
+void StateKeeper::AwaitEndOfLine(bool unfinished) {
+    if (!unfinished)
+        mLineTimer.reset();
+    else if (mLineTimer == nullptr)
+        mLineTimer = mLoop.StartTimer(UnfinishedLineMs, [this] { OnLineTimer(); });
+}
+
+void StateKeeper::OnLineTimer() {
+    if (mNow.printer.value != PrinterRunning) {
+        mLineTimer.reset();
+    } else if (mLoop.NowMs() - mHeardAt >= UnfinishedLineMs) {
+        mLineTimer.reset();
+        Printer(PrinterAsking, LearntSilence);
+    }
 }
 
 } // namespace qncomm

@@ -4,6 +4,7 @@
 #include "link/LiveState.h"
 
 #include <functional>
+#include <memory>
 #include <string>
 #include <string_view>
 
@@ -15,10 +16,15 @@ class StateKeeper {
   public:
     /// changed is called after each change of a value or of the generation, not when a known one is
     /// only proven once more.
-    StateKeeper(const MessageLoop& loop, std::int32_t firstGeneration,
-                std::function<void()> changed);
+    StateKeeper(MessageLoop& loop, std::int32_t firstGeneration, std::function<void()> changed);
 
     const LiveState& Now() const { return mNow; }
+    /// Whether the printer is known to wait at its prompt, nothing has proven so since that time
+    /// (ms) and nothing stands in the line that it is typed.
+    bool IsIdleSince(std::int64_t time) const {
+        return mNow.printer.value == PrinterAtPrompt && mNow.printer.at <= time && mHeardAt <= time
+               && mLine.empty();
+    }
 
     /// A line that is not open says nothing more of the printer; one that was lost may come back
     /// with another printer.
@@ -36,21 +42,27 @@ class StateKeeper {
     /// Whoever had the line has done with it: a command whose reply has not come is under way.
     void LeftAlone();
     /// Text has come, with CR LF line ends. What a person types at a terminal is not known here, so
-    /// that there only whole lines say that something runs.
+    /// that there only whole lines say that something runs, and a numbered one at the prompt is a
+    /// line of a program that was typed. A line that a running program leaves unfinished for
+    /// UnfinishedLineMs is taken for its question.
     void Heard(std::string_view text, bool byTerminal);
 
   private:
     template <class T>
     bool Learn(Learnt<T>& known, const T& value, enumLearntFrom from);
     void NextGeneration();
+    void AwaitEndOfLine(bool unfinished);
+    void OnLineTimer();
     void SayIf(bool changed);
 
-    const MessageLoop& mLoop;
+    MessageLoop& mLoop;
     std::function<void()> mChanged;
     LiveState mNow;
     PrinterIdentity mFormer; ///< who answered last in this generation
     std::string mLine;       ///< the end of what was heard, from the last line's beginning
     bool mTold = false;
+    std::int64_t mHeardAt = 0;                ///< ms, when text came last
+    std::unique_ptr<RunningTimer> mLineTimer; ///< runs while a program's line is unfinished
 };
 
 } // namespace qncomm

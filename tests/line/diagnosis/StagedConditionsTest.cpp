@@ -95,6 +95,8 @@ const std::vector<Condition>& Conditions() {
         {"AZModemReceiverOfThePrinter", "zmodem", Anywhere, "R7G", "TRANSFER Z \"R\"\r"},
         {"AKermitReceiverOfThePrinter", "kermit", Anywhere, "R7G", "TRANSFER K \"R\"\r"},
         {"HalfALineOfAnEarlierHost", "healthy", Anywhere, "R7G", "PRINT \"half"},
+        {"ALoadThatBrokeOff", "healthy", Anywhere, "R7G", "FILE& LOAD \"A\",100000\r"},
+        {"AnImageThatBrokeOff", "healthy", Anywhere, "R7G", "IMAGE LOAD \"A.1\",90000,\"\"\r"},
         {"NoiseAllTheTime", "noise", Anywhere, "", "", "", Noisy},
         {"NoiseForAnAnswer", "noise", Anywhere, "", "", "", NoisyAnswers},
         {"ALoopBackPlug", "echo", Anywhere, "", "", "", LoopBack},

@@ -3,6 +3,7 @@
 #include "common/modErrorHandling.h"
 #include "link/clsDataLink.h"
 #include "testing/core/ExpectRaised.h"
+#include "testing/printer/TestPictures.h"
 #include "testing/stack/AssembledFixture.h"
 
 namespace qncomm::testing {
@@ -52,6 +53,21 @@ TEST_F(LiveStateOfASession, FollowsAnUpload) {
     Control().KermitUpload(mFolder.Write("A.TXT", "hello\r\n"), "tmp:A.TXT");
     EXPECT_THAT(mDid, Contains("receiving"));
     EXPECT_EQ(Fact("printer"), "at prompt");
+}
+
+TEST_F(LiveStateOfASession, FollowsTheLoadsOfAFontAndOfAnImage) {
+    Show();
+    const std::pair<const char*, std::function<void()>> loads[] = {
+        {"font", [this] { Control().InstallFont(mFolder.Write("mine.ttf", TestFont())); }},
+        {"image", [this] { Control().InstallImage(mFolder.Write("logo.pcx", TestPcx(8, 8))); }},
+    };
+    for (const auto& [name, load] : loads) {
+        mDid.clear();
+        Watch();
+        load();
+        EXPECT_THAT(mDid, Contains("receiving")) << name;
+        EXPECT_EQ(Fact("printer"), "at prompt") << name;
+    }
 }
 
 TEST_F(LiveStateOfASession, AnotherPrinterOnTheSamePortIsAnotherGeneration) {

@@ -165,6 +165,47 @@ TEST_F(LiveStateOfALink, TheTerminalShowsWhatThePrinterDoes) {
     EXPECT_EQ(mSerial.mSent, "");
 }
 
+TEST_F(LiveStateOfALink, AnyTextThatARunningProgramLeavesUnfinishedIsItsQuestion) {
+    mLink.SetTerminalActive(true);
+    Shown("RUN\r\nLABEL 1\r\nPress a key to go on: ");
+    EXPECT_EQ(Printer(), "running");
+    mLoop.Yield(UnfinishedLineMs - 10);
+    EXPECT_EQ(Printer(), "running") << "it may be at it still";
+    mTold.clear();
+    for (int turn = 0; turn < 4; ++turn)
+        mLoop.Yield(UnfinishedLineMs);
+    EXPECT_EQ(Printer(), "asking");
+    EXPECT_EQ(Now().printer.from, LearntSilence);
+    EXPECT_THAT(mTold, ElementsAre("open, asking, 1")) << "once";
+    Shown("y");
+    EXPECT_EQ(Printer(), "asking");
+    Shown("\r\nLABEL 2\r\n");
+    EXPECT_EQ(Printer(), "running");
+    EXPECT_EQ(Now().printer.from, LearntText);
+}
+
+TEST_F(LiveStateOfALink, AProgramThatPrintsALineInPiecesRuns) {
+    mLink.SetTerminalActive(true);
+    Shown("RUN\r\n");
+    for (int piece = 0; piece < 20; ++piece) {
+        Shown("* ");
+        mLoop.Yield(UnfinishedLineMs - 50);
+        EXPECT_EQ(Printer(), "running");
+    }
+}
+
+TEST_F(LiveStateOfALink, ALineThatIsTypedAtThePromptIsNoQuestionHoweverSlowlyItComes) {
+    mLink.SetTerminalActive(true);
+    Shown("Ok\r\n");
+    for (const char* text : {"10 PRINT", " 1\r\n", "20 GO", "TO 10\r\n", "RU"}) {
+        Shown(text);
+        mLoop.Yield(2 * UnfinishedLineMs);
+        EXPECT_EQ(Printer(), "at prompt") << text;
+    }
+    Shown("N\r\n");
+    EXPECT_EQ(Printer(), "running");
+}
+
 TEST_F(LiveStateOfALink, NoiseSaysNothing) {
     mLink.SetTerminalActive(true);
     Shown("\x01\xFE\n\x02");

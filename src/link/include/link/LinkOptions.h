@@ -17,6 +17,12 @@ struct LinkOptions {
     /// out: before the printer is first spoken to, that line is made one that no printer
     /// understands.
     bool spoil = false;
+    /// Asks a printer that waits at its prompt now and then whether it still does, so that
+    /// LiveState tells of one that falls silent: by "PRINT 0" while the terminal has the port, at
+    /// most once a second and for at most a hundredth of what the line can carry. Never while a
+    /// program runs, an operation or a transfer is under way or a line is being typed. The terminal
+    /// shows none of it.
+    bool polled = false;
     /// What a port number stands for, such as "/dev/ttyUSB0": what is remembered belongs to that.
     /// Empty, or an empty answer: to the number.
     std::function<std::string(std::int16_t)> addressOf = {};

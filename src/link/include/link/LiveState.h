@@ -17,21 +17,29 @@ enum enumLineState : std::int16_t {
 
 /// What the printer does.
 enum enumPrinterActivity : std::int16_t {
-    PrinterUnknown = 0,   ///< nothing says; always so on a line that is not open
-    PrinterSilent = 1,    ///< it was asked and did not answer
-    PrinterAtPrompt = 2,  ///< it takes commands
-    PrinterRunning = 3,   ///< it carries something out, its program or a command
-    PrinterAsking = 4,    ///< its program waits for a line to be typed
+    PrinterUnknown = 0,  ///< nothing says; always so on a line that is not open
+    PrinterSilent = 1,   ///< it was asked and did not answer
+    PrinterAtPrompt = 2, ///< it takes commands
+    PrinterRunning = 3,  ///< it carries something out, its program or a command
+    /// Its program waits for a line to be typed. A question mark at the end of what it says tells
+    /// that at once (LearntText); any other text does when its line stays unfinished for
+    /// UnfinishedLineMs (LearntSilence), though a program that works long in the middle of a line
+    /// looks the same. It ends with that line.
+    PrinterAsking = 4,
     PrinterReceiving = 5, ///< it takes the bytes of a file
     PrinterRebooting = 6, ///< it was told to restart and has not answered since
 };
+
+/// How long, in ms, a line of a running program may stay unfinished before it is taken for a
+/// question.
+inline constexpr std::int32_t UnfinishedLineMs = 500;
 
 /// What something was learnt from.
 enum enumLearntFrom : std::int16_t {
     LearntNot = 0,      ///< from nothing: it is not known
     LearntReply = 1,    ///< the reply to a command of this link, known by its echo
     LearntText = 2,     ///< text that came by itself or was asked for elsewhere
-    LearntSilence = 3,  ///< a wait that ended without an answer
+    LearntSilence = 3,  ///< a wait that ended without an answer, or without the end of a line
     LearntCommand = 4,  ///< what was sent, whose reply has not been seen
     LearntTransfer = 5, ///< a file transfer
     LearntSearch = 6,   ///< the search for the printer
@@ -67,8 +75,8 @@ struct PrinterPlace {
     bool operator==(const PrinterPlace&) const = default;
 };
 
-/// What is known of line and printer at a moment: learnt from what passes on the line anyway,
-/// nothing is sent for it. A plain value.
+/// What is known of line and printer at a moment: learnt from what passes on the line anyway;
+/// nothing is sent for it unless the host has asked for that (LinkOptions::polled). A plain value.
 struct LiveState {
     Learnt<enumLineState> line;          ///< the line
     std::string lineDetail;              ///< why it was lost or refused, who holds it; for a person
