@@ -4,7 +4,6 @@
 #include "PrinterError.h"
 #include "common/Numbers.h"
 #include "common/QNError.h"
-#include "common/StopWatch.h"
 #include "common/Text.h"
 #include "common/modErrorHandling.h"
 
@@ -38,6 +37,12 @@ class SentPrefix {
     std::size_t mSent = 0;
 };
 
+/// Of two times in ms, as far as there is time.
+std::int32_t Sum(std::int32_t one, std::int32_t other) {
+    return static_cast<std::int32_t>(
+        std::min<std::int64_t>(std::int64_t{one} + other, WaitBounds::Endless));
+}
+
 bool HoldsOk(std::string_view received) {
     return received.find(EndOfReply) != std::string_view::npos;
 }
@@ -48,46 +53,52 @@ void clsDataLink::OutputText(std::string& sText, bool bWaitForEcho) {
     const bool endsALine = sText.find('\n') != std::string::npos;
     mState->Queue(sText);
     if (endsALine) mState->live.Told();
-    const StopWatch watch(mState->host.loop);
-    while (mState->Serial().TransmitCount() > 0)
-        mState->AwaitOutput(watch, DrainTimeout);
+    Wait wait(mState->host.loop, {.wholeMs = DrainTimeout});
+    mState->AwaitOutput(wait, [this] { return mState->Serial().TransmitCount() <= 0; });
     if (bWaitForEcho) mState->WaitForEcho();
+}
+
+WaitBounds LinkState::BoundsOfSending(std::size_t bytes, std::int32_t silence) const {
+    // A peer that lets a byte through now and then does not hold us for ever.
+    constexpr std::int32_t pauses = 600'000;
+    return {.wholeMs = Sum(pauses, TravelMs(bytes)), .silenceMs = silence};
 }
 
 void LinkState::Queue(std::string& text) {
     SentPrefix sent(text);
-    StopWatch watch(host.loop);
+    Wait wait(host.loop, BoundsOfSending(text.size(), SendTimeout));
+    const auto space = [this] { return Serial().TransmitBufferSize() - Serial().TransmitCount(); };
     RequireWritable();
     while (!sent.Left().empty()) {
-        const std::int32_t space = Serial().TransmitBufferSize() - Serial().TransmitCount();
-        if (space <= 0) {
-            AwaitOutput(watch, SendTimeout);
-            continue;
-        }
-        const std::string_view piece = sent.Left().substr(0, static_cast<std::size_t>(space));
+        AwaitOutput(wait, [&] { return space() > 0; });
+        const std::string_view piece = sent.Left().substr(0, static_cast<std::size_t>(space()));
         Serial().Write(piece);
         NoteSent(piece);
         sent.Advance(piece.size());
-        watch.Restart();
+        wait.Heard();
     }
 }
 
 void LinkState::OutputPart(std::string_view text) {
     std::string part(text);
     Queue(part);
-    StopWatch watch(host.loop);
-    for (std::int32_t waiting = Serial().TransmitCount(); waiting > 0;) {
-        AwaitOutput(watch, SendTimeout);
+    Wait wait(host.loop, BoundsOfSending(text.size(), SendTimeout));
+    std::int32_t waiting = Serial().TransmitCount();
+    AwaitOutput(wait, [&] {
         if (Serial().TransmitCount() < std::exchange(waiting, Serial().TransmitCount()))
-            watch.Restart();
-    }
+            wait.Heard();
+        return waiting <= 0;
+    });
 }
 
-void LinkState::AwaitOutput(const StopWatch& watch, std::int32_t limit) {
-    const std::int32_t left = watch.UntilExceeds(limit);
-    if (left == 0) Fail(ErrOutputTimeout, OutputSource);
-    Yield(left);
-    RequireWritable();
+void LinkState::AwaitOutput(Wait& wait, const std::function<bool()>& done) {
+    if (done()) return;
+    const auto sent = [&] {
+        RequireWritable();
+        return done();
+    };
+    const WaitEnd end = wait.Until(sent, [this](std::int32_t ms) { Yield(ms); });
+    if (end != WaitEnd::Met) Fail(ErrOutputTimeout, OutputSource);
 }
 
 void LinkState::RequireWritable() {
@@ -100,12 +111,7 @@ void LinkState::WaitForEcho() {
         return;
     }
     // The line stays in the receive buffer: it is index 0 of the reply.
-    const StopWatch watch(host.loop);
-    while (!BeginsWithEcho() && Serial().PortOpen()) {
-        const std::int32_t left = watch.UntilExceeds(EchoTimeout);
-        if (left == 0) return;
-        Yield(left);
-    }
+    Await({.wholeMs = EchoTimeout}, [this] { return BeginsWithEcho() || !Serial().PortOpen(); });
 }
 
 std::int32_t clsDataLink::InputText(std::vector<std::string>& sInputLines, bool bNoQNErrorCheck,
@@ -136,29 +142,23 @@ std::int32_t clsDataLink::InputTextUntilQuiet(std::vector<std::string>& sInputLi
 }
 
 void LinkState::AwaitReply(std::int32_t timeout, const ReplyRule& rule) {
-    StopWatch watch(host.loop);
     const std::uint64_t before = arrivals;
     std::uint64_t heard = arrivals;
     // The printer's time begins when what was sent can have reached it.
-    const auto limitFromHere = [&] {
-        constexpr std::int64_t longest = std::numeric_limits<std::int32_t>::max();
-        const std::int64_t limit = std::int64_t{timeout} + Serial().LineTimeLeft();
-        return static_cast<std::int32_t>(std::min(limit, longest));
-    };
-    std::int32_t limit = limitFromHere();
-    while (!HoldsReply(rule)) {
+    const auto limitFromHere = [&] { return Sum(timeout, Serial().LineTimeLeft()); };
+    // Who needs longer than the line does for the longest reply does not reply.
+    Wait wait(host.loop,
+              {.wholeMs = Sum(timeout, TravelMs(ReceiveLimit)), .silenceMs = limitFromHere()});
+    const WaitEnd end = Await(wait, [&] {
+        if (HoldsReply(rule)) return true;
         RequireReadable();
-        if (std::exchange(heard, arrivals) != arrivals) {
-            watch.Restart();
-            limit = limitFromHere();
-        }
-        const std::int32_t left = watch.UntilExceeds(limit);
-        if (left == 0) {
-            live.Printer(arrivals == before ? PrinterSilent : PrinterUnknown, LearntSilence);
-            const bool another = !BeginsWithEcho() && HoldsOk(received);
-            Fail(another ? ErrProtocol : ErrInputTimeout, InputSource);
-        }
-        Yield(left);
+        if (std::exchange(heard, arrivals) != arrivals) wait.Heard(limitFromHere());
+        return false;
+    });
+    if (end != WaitEnd::Met) {
+        live.Printer(arrivals == before ? PrinterSilent : PrinterUnknown, LearntSilence);
+        const bool another = !BeginsWithEcho() && HoldsOk(received);
+        Fail(another ? ErrProtocol : ErrInputTimeout, InputSource);
     }
     live.Printer(PrinterAtPrompt, LearntReply);
     inputLine = InputLine::Empty;
@@ -188,15 +188,10 @@ bool LinkState::BeginsWithEcho() {
 }
 
 void LinkState::AwaitQuiet(std::int32_t quiet, std::int32_t longest) {
-    const StopWatch whole(host.loop);
-    StopWatch watch(host.loop);
-    std::uint64_t heard = arrivals;
-    while (const std::int32_t left =
-               std::min(watch.UntilExceeds(quiet), whole.UntilExceeds(longest))) {
-        Yield(left);
+    Await({.wholeMs = longest, .silenceMs = quiet}, [this] {
         RequireReadable();
-        if (std::exchange(heard, arrivals) != arrivals) watch.Restart();
-    }
+        return false;
+    });
 }
 
 void LinkState::RequireReadable() {
@@ -219,28 +214,6 @@ void LinkState::GetPrinterError(std::string_view line) {
 
 bool clsDataLink::WaitForEchoLine(std::string_view sEcho, std::int32_t lTimeout) {
     return mState->Serial().ReadLine(lTimeout).append(CrLf) == sEcho;
-}
-
-bool clsDataLink::WaitForOk(std::int32_t lTimeout) {
-    std::string text;
-    StopWatch watch(mState->host.loop);
-    for (;;) {
-        const std::string chunk = mState->Serial().Read();
-        if (!chunk.empty()) {
-            const std::size_t searchFrom =
-                text.size() - std::min(text.size(), EndOfReply.size() - 1);
-            text += NormalizeLineEnds(chunk);
-            if (text.find(EndOfReply, searchFrom) != std::string::npos) {
-                mState->live.Printer(PrinterAtPrompt, LearntText);
-                return true;
-            }
-            watch.Restart();
-        }
-        const std::int32_t left = watch.UntilExceeds(lTimeout);
-        if (left == 0 || !mState->Serial().PortOpen())
-            return false; // a lost line says nothing more
-        mState->Serial().WaitForReceive(left);
-    }
 }
 
 void clsDataLink::PurgePort() {

@@ -1,11 +1,13 @@
 #pragma once
 
+#include <cstdint>
+
 namespace qncomm {
 
 struct LinkState;
 
 /// Takes the link off the serial control's events while it lives, so that received bytes can be
-/// read directly, and puts it back with a threshold of 1.
+/// read directly, and puts it back with the threshold that was.
 class DetachedSink {
   public:
     explicit DetachedSink(LinkState& state);
@@ -18,6 +20,7 @@ class DetachedSink {
 
   private:
     LinkState& mState;
+    std::int16_t mThreshold;
 };
 
 } // namespace qncomm

@@ -5,8 +5,6 @@
 
 #include "common/Numbers.h"
 #include "common/QNError.h"
-#include "common/RuntimeErrors.h"
-#include "common/StopWatch.h"
 #include "common/Text.h"
 #include "common/Utf8.h"
 #include "common/modErrorHandling.h"
@@ -20,6 +18,7 @@ namespace {
 
 constexpr std::int32_t FailureDelay = 1000;
 constexpr std::int32_t OkTimeout = 2000;
+constexpr std::int32_t OkMost = 15'000;      ///< a printer that talks on has no prompt to give
 constexpr std::int32_t RefusalTimeout = 400; ///< a printer looks for the device and the file first
 constexpr std::int32_t WakeInterval = 1000;  ///< states come as events; this only bounds a sleep
 constexpr std::int32_t AbortLimit = 10000;   ///< a control that does not end is left to its fate
@@ -109,13 +108,14 @@ bool FileTransfer::Run(const std::function<void()>& start, std::int32_t holdMs) 
     mState.live.Printer(mJob.verb == UploadVerb ? PrinterReceiving : PrinterRunning,
                         LearntTransfer);
     start();
-    for (;;) {
-        const Step step = Follow(mState.transferState);
-        if (step == Step::Failed && !mRefusal->said) mState.link.Delay(FailureDelay);
-        if (step != Step::GoOn) return step == Step::Over;
-        mState.Yield(WakeInterval);
-        if (mState.serial == nullptr) RaiseRuntimeError(RtObjectNotSet, "clsDataLink");
-    }
+    // The protocol has deadlines of its own, however large the file is.
+    Step step = Step::GoOn;
+    mState.Await({.wholeMs = WaitBounds::Endless, .stepMs = WakeInterval}, [&] {
+        step = Follow(mState.transferState);
+        return step != Step::GoOn;
+    });
+    if (step == Step::Failed && !mRefusal->said) mState.link.Delay(FailureDelay);
+    return step == Step::Over;
 }
 
 /// A printer that says an error, or is back at its prompt, will not begin. Lines count when they
@@ -193,11 +193,11 @@ void FileTransfer::Report(std::int16_t percent) {
 
 void FileTransfer::Abort() {
     try {
-        const StopWatch watch(mState.host.loop);
-        while (Serial().TransferState() >= TransferStarted && watch.ElapsedMs() <= AbortLimit) {
+        mState.Await({.wholeMs = AbortLimit, .stepMs = WakeInterval}, [this] {
+            if (Serial().TransferState() < TransferStarted) return true;
             Serial().SetTransferState(TransferAborting);
-            mState.Yield(WakeInterval);
-        }
+            return false;
+        });
     } catch (const QNError& error) {
         mState.host.desktop.Log(error.Description());
     }
@@ -217,7 +217,7 @@ bool LinkState::RunKermit(PortClaim claim, FileTransfer& transfer, const std::st
     if (!command.empty()) link.OutputText(std::string(command), true);
     const bool done = transfer.Run(start, command.empty() ? 0 : RefusalTimeout);
     transfer.Report(AllDone);
-    link.WaitForOk(OkTimeout);
+    ReadToPrompt(OkTimeout, OkMost);
     transfer.Report(NoProgress);
     transfer.Abort();
     claim.Release();

@@ -6,6 +6,7 @@
 
 #include <algorithm>
 #include <cstdint>
+#include <utility>
 
 namespace qncomm {
 namespace {
@@ -13,6 +14,8 @@ namespace {
 /// Closes what was not opened: an error wherever it stands, so that no printer carries out a line
 /// that ends in it.
 constexpr std::string_view Nonsense = ")(";
+/// A line that takes no byte for so long takes none.
+constexpr std::int32_t DeafMs = 100;
 
 } // namespace
 
@@ -36,8 +39,27 @@ void LinkState::NoteSent(std::string_view text) {
     inputLine = ended ? InputLine::Empty : InputLine::MayHoldText;
 }
 
-void clsDataLink::EndUnfinishedLine() {
-    if (mState->Serial().PortOpen()) mState->SpoilInputLine();
+void clsDataLink::EndUnfinishedLine(std::string_view sThen) {
+    LinkState& state = *mState;
+    if (!state.Serial().PortOpen()) return;
+    const bool cut = state.Serial().TransmitCount() > 0;
+    if (cut) PurgePort(); // what has not left keeps nobody waiting
+    std::string last(cut && state.Spoiler().empty() ? CrLf : std::string_view());
+    last.append(sThen);
+    state.SpoilInputLine();
+    state.Serial().Write(last);
+    state.NoteSent(last);
+    state.AwaitLastBytes(last.size());
+}
+
+void LinkState::AwaitLastBytes(std::size_t bytes) {
+    Wait wait(host.loop, {.wholeMs = DeafMs + TravelMs(bytes), .silenceMs = DeafMs});
+    std::int32_t waiting = Serial().TransmitCount();
+    Await(wait, [&] {
+        const std::int32_t before = std::exchange(waiting, Serial().TransmitCount());
+        if (waiting < before) wait.Heard();
+        return waiting <= 0;
+    });
 }
 
 } // namespace qncomm

@@ -4,6 +4,7 @@
 #include "RememberedPrinter.h"
 #include "StateKeeper.h"
 #include "common/StopWatch.h"
+#include "common/Wait.h"
 #include "link/clsDataLink.h"
 
 #include <cstdint>
@@ -13,6 +14,7 @@
 #include <optional>
 #include <string>
 #include <string_view>
+#include <utility>
 #include <vector>
 
 namespace qncomm {
@@ -24,6 +26,9 @@ class QNError;
 /// What the parts of one link share: what is known of the port and of the printer, and what each
 /// part asks of the others. It lives and dies with its link.
 struct LinkState {
+    /// The most bytes that a reply may have.
+    static constexpr std::size_t ReceiveLimit = std::size_t{16} * 1024 * 1024;
+
     LinkState(clsDataLink& owner, const LinkHost& where)
         : link(owner),
           host(where),
@@ -38,7 +43,27 @@ struct LinkState {
     SerialControl& Serial() const;
     void AttachSink();
     /// Sleeps for at most limit ms and dispatches what is due; claims from there are refused.
+    /// Raises 91 when the link was torn down meanwhile: what had waited for its printer ends there.
     void Yield(std::int32_t limit);
+    /// Waits on the host's loop until done, which is asked before each sleep. What the link
+    /// receives counts as heard. Raises what Yield raises, and what done raises.
+    template <class Done>
+    WaitEnd Await(Wait& wait, Done done) {
+        std::uint64_t heard = arrivals;
+        return wait.Until(
+            [&] {
+                if (std::exchange(heard, arrivals) != arrivals) wait.Heard();
+                return done();
+            },
+            [this](std::int32_t ms) { Yield(ms); });
+    }
+    template <class Done>
+    WaitEnd Await(const WaitBounds& bounds, Done done) {
+        Wait wait(host.loop, bounds);
+        return Await(wait, done);
+    }
+    /// What the line needs for that many bytes, in ms.
+    std::int32_t TravelMs(std::uintmax_t bytes) const;
     /// Raises StatusEvent; True when a handler cancels. What it makes of the message stays.
     bool ReportStatus(std::string& message, std::int16_t progress);
     bool ReportStatus(std::string&& message, std::int16_t progress) {
@@ -100,8 +125,11 @@ struct LinkState {
     /// Sends what stands before the end of a longer text, and waits until it has left: for at most
     /// 5000 ms without progress, as for a longer text there is to be space.
     void OutputPart(std::string_view text);
-    /// Yields while output waits; raises 1007 when the watch exceeds limit ms.
-    void AwaitOutput(const StopWatch& watch, std::int32_t limit);
+    /// Waits until output has left, as done says; raises 1007 when the wait ends before that, and
+    /// 1024 when the port closes meanwhile.
+    void AwaitOutput(Wait& wait, const std::function<bool()>& done);
+    /// What bounds the sending of that many bytes, of which some must leave within silence ms.
+    WaitBounds BoundsOfSending(std::size_t bytes, std::int32_t silence) const;
     /// Raises 1024 when the port is closed.
     void RequireWritable();
     void WaitForEcho();
@@ -130,9 +158,10 @@ struct LinkState {
 
     // -- PromptWait.cpp, Load.cpp
 
-    /// Waits for the prompt and returns what came, the prompt included; without one when nothing
-    /// came for silence ms, when longest ms have passed or the port is closed. What came is dropped
-    /// from the port. With text, that came before. With behind, a prompt counts behind that alone.
+    /// Waits for the prompt and returns what came with CR LF line ends, the prompt included;
+    /// without one when nothing came for silence ms, when longest ms have passed, when more came
+    /// than any printer says, or the port is closed. What came is dropped from the port. With text,
+    /// that came before. With behind, a prompt counts behind that alone.
     std::string ReadToPrompt(std::int32_t silence, std::int32_t longest, std::string text = {},
                              std::string_view behind = {});
     /// The printer may take what it is sent for the rest of a load, for so long from now on.
@@ -164,6 +193,9 @@ struct LinkState {
     std::string_view Spoiler() const;
     /// Ends the input line so, and reads no reply.
     void SpoilInputLine();
+    /// Waits for the last bytes of an operation that was ended, for as long as they travel; not on
+    /// a line that is deaf.
+    void AwaitLastBytes(std::size_t bytes);
     /// Notes what was sent: a line that has not ended may be left in the printer.
     void NoteSent(std::string_view text);
     /// What is taken for true of a line that this link has not seen typed.
@@ -234,6 +266,7 @@ struct LinkState {
     Collection<std::string> autoConnectBaudrates;
     Collection<std::string> frameFormats;
 
+    int teardowns = 0; ///< how often the link was torn down
     std::int32_t useCount = 0;
     bool dsrDetectActive = false;
     bool terminalActive = false; ///< what the host asked for

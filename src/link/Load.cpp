@@ -34,10 +34,6 @@ double BytesIn(std::int32_t ms, const std::string& baudrate) {
     return std::max(Val(baudrate), 300.0) * ms / (1000 * bitsOfOne);
 }
 
-std::int32_t TravelMs(std::uintmax_t bytes, const std::string& baudrate) {
-    return ToInt32(static_cast<double>(bytes) / BytesIn(1, baudrate));
-}
-
 /// What a printer says at the end of a load; nothing before that.
 std::optional<LoadEnd> EndIn(const std::string& said) {
     const std::size_t prompt = said.find("Ok\r\n");
@@ -82,7 +78,7 @@ LoadEnd clsDataLink::GiveUpLoad() {
     if (!mState->Serial().PortOpen() || mState->outOfStep) return LoadEnd::Deaf; // all is said
     const LoadEnd end =
         mState->EndLoad({.bytes = std::string(static_cast<std::size_t>(missing), '\0'),
-                         .travelMs = onTheWay + TravelMs(missing, mState->baudrate)},
+                         .travelMs = onTheWay + mState->TravelMs(missing)},
                         LongestWaitMs);
     if (end == LoadEnd::Stored) mState->UndoLoad(mState->loadUndo);
     return end;
@@ -139,8 +135,8 @@ LoadEnd LinkState::EndLoadOfAnother(const LoadNote& note) {
         AwaitQuiet(RefusalQuietMs, LongestQuietWait);
         return *end;
     }
-    const std::int32_t travel = TravelMs(note.bytes, baudrate);
-    DeafFor(std::min(travel, TravelMs(MostKept, baudrate)) + PrinterPatience);
+    const std::int32_t travel = TravelMs(note.bytes);
+    DeafFor(std::min(travel, TravelMs(MostKept)) + PrinterPatience);
     ReportStatus("A load of " + std::to_string(note.bytes)
                      + " bytes was broken off: bringing the printer back",
                  -1);

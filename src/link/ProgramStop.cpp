@@ -8,6 +8,7 @@
 #include <algorithm>
 #include <array>
 #include <functional>
+#include <utility>
 
 namespace qncomm {
 namespace {
@@ -29,13 +30,14 @@ constexpr std::string_view Proof = "15838\r\nOk\r\n";
 constexpr std::int32_t ProofMs = 1000;
 constexpr std::int32_t ProofMost = 3000;
 
-/// The line held in the break condition, which ends with it, whatever happens meanwhile.
+/// The line held in the break condition, which ends with it, whatever happens meanwhile; a link
+/// that was torn down has closed the port, and the condition with it.
 class HeldBreak {
   public:
-    explicit HeldBreak(SerialControl& serial) : mSerial(serial) { mSerial.HoldBreak(true); }
+    explicit HeldBreak(LinkState& state) : mState(state) { mState.Serial().HoldBreak(true); }
     ~HeldBreak() {
         try {
-            mSerial.HoldBreak(false);
+            if (mState.serial != nullptr) mState.serial->HoldBreak(false);
         } catch (const QNError&) { // NOLINT(bugprone-empty-catch): a line that is gone holds none
         }
     }
@@ -43,7 +45,7 @@ class HeldBreak {
     HeldBreak& operator=(const HeldBreak&) = delete;
 
   private:
-    SerialControl& mSerial;
+    LinkState& mState;
 };
 
 void RequireOpen(LinkState& state, std::string_view source) {
@@ -54,19 +56,12 @@ void RequireOpen(LinkState& state, std::string_view source) {
 /// True. False when nothing came for quiet ms or most ms have passed.
 bool Await(LinkState& state, std::int32_t quiet, std::int32_t most,
            const std::function<bool()>& arrived) {
-    const StopWatch whole(state.host.loop);
-    StopWatch silence(state.host.loop);
     std::uint64_t heard = state.arrivals;
-    while (const std::int32_t left =
-               std::min(silence.UntilExceeds(quiet), whole.UntilExceeds(most))) {
-        state.Yield(left);
+    const WaitEnd end = state.Await({.wholeMs = most, .silenceMs = quiet}, [&] {
         RequireOpen(state, StopSource);
-        if (state.arrivals == heard) continue;
-        heard = state.arrivals;
-        silence.Restart();
-        if (arrived()) return true;
-    }
-    return false;
+        return std::exchange(heard, state.arrivals) != state.arrivals && arrived();
+    });
+    return end == WaitEnd::Met;
 }
 
 /// What a printer does after it was told to stop.
@@ -124,7 +119,7 @@ bool Send(const Means& means, clsDataLink& link) {
 
 void clsDataLink::SendBreak(std::int32_t lMilliseconds) {
     RequireOpen(*mState, BreakSource);
-    const HeldBreak held(mState->Serial());
+    const HeldBreak held(*mState);
     Delay(lMilliseconds);
 }
 

@@ -1,11 +1,13 @@
-// Waiting for the printer's prompt after a transfer has been cancelled.
+// Waiting for the printer's prompt after a transfer.
 
 #include "DetachedSink.h"
 #include "LinkState.h"
 #include "common/Numbers.h"
-#include "common/StopWatch.h"
+#include "common/Text.h"
 
 #include <algorithm>
+#include <string_view>
+#include <utility>
 
 namespace qncomm {
 namespace {
@@ -15,6 +17,43 @@ constexpr std::string_view Prompt = "Ok\r\n";
 constexpr std::int32_t PromptMs = 400;
 /// A line that still carries something is not waited for any longer.
 constexpr std::int32_t MostMs = 15'000;
+/// No printer says more before its prompt, be it the echo of a load's rest.
+constexpr std::size_t MostBytes = std::size_t{256} * 1024;
+
+/// Looks for the prompt in what comes in pieces.
+class PromptFinder {
+  public:
+    /// text came before; with behind, a prompt counts behind that alone.
+    explicit PromptFinder(std::string text = {}, std::string_view behind = {})
+        : mText(std::move(text)), mBehind(behind) {}
+
+    /// Whether the text so far holds it, more included.
+    bool Feed(std::string_view more) {
+        mText += NormalizeLineEnds(more);
+        if (!Find(mBehind)) return false;
+        mBehind = {}; // from here on the prompt alone is looked for
+        return mFound = mFound || Find(Prompt);
+    }
+    bool Found() const { return mFound; }
+    std::string& Text() { return mText; }
+
+  private:
+    /// Looks on from where it has looked before.
+    bool Find(std::string_view what) {
+        const std::size_t at = mText.find(what, mLooked);
+        if (at != std::string::npos) {
+            mLooked = at;
+            return true;
+        }
+        mLooked = std::max(mLooked, mText.size() - std::min(mText.size(), what.size() - 1));
+        return false;
+    }
+
+    std::string mText;
+    std::string_view mBehind;
+    std::size_t mLooked = 0;
+    bool mFound = false;
+};
 
 /// How long a printer may say nothing while it takes what is on its way: two thousand bytes at the
 /// line's rate, the most that travels between two acknowledgements on a slow line.
@@ -29,28 +68,33 @@ std::int32_t SilenceMs(const std::string& baudrate) {
 std::string LinkState::ReadToPrompt(std::int32_t silence, std::int32_t longest, std::string text,
                                     std::string_view behind) {
     const DetachedSink detached(*this); // what comes is read here
-    const StopWatch whole(host.loop);
-    StopWatch quiet(host.loop);
-    text += Serial().Read();
-    const auto prompted = [&] {
-        const std::size_t from = text.find(behind);
-        return from != std::string::npos && text.find(Prompt, from) != std::string::npos;
-    };
-    while (!prompted()) {
-        const std::int32_t left =
-            std::min(quiet.UntilExceeds(silence), whole.UntilExceeds(longest));
-        if (!Serial().PortOpen()) return text;
-        if (left == 0) {
-            live.Printer(text.empty() ? PrinterSilent : PrinterUnknown, LearntSilence);
-            return text;
-        }
-        Yield(left);
+    PromptFinder prompt(std::move(text), behind);
+    Wait wait(host.loop, {.wholeMs = longest, .silenceMs = silence, .bytes = MostBytes});
+    Await(wait, [&] {
         const std::string more = Serial().Read();
-        if (!more.empty()) quiet.Restart();
-        text += more;
-    }
-    live.Printer(PrinterAtPrompt, LearntText);
-    return text;
+        wait.Came(more.size());
+        return prompt.Feed(more) || !Serial().PortOpen();
+    });
+    if (prompt.Found())
+        live.Printer(PrinterAtPrompt, LearntText);
+    else if (Serial().PortOpen())
+        live.Printer(prompt.Text().empty() ? PrinterSilent : PrinterUnknown, LearntSilence);
+    return std::move(prompt.Text());
+}
+
+bool clsDataLink::WaitForOk(std::int32_t lTimeout) {
+    PromptFinder prompt;
+    SerialControl& serial = mState->Serial();
+    Wait wait(mState->host.loop, {.wholeMs = MostMs, .silenceMs = lTimeout, .bytes = MostBytes});
+    wait.Until(
+        [&] {
+            const std::string more = serial.Read();
+            wait.Came(more.size());
+            return prompt.Feed(more) || !serial.PortOpen(); // a lost line says nothing more
+        },
+        [&](std::int32_t ms) { serial.WaitForReceive(ms); });
+    if (prompt.Found()) mState->live.Printer(PrinterAtPrompt, LearntText);
+    return prompt.Found();
 }
 
 bool clsDataLink::AwaitPrompt(bool bMoving) {

@@ -35,18 +35,19 @@ class Restarting {
 
 } // namespace
 
-DetachedSink::DetachedSink(LinkState& state) : mState(state) {
+DetachedSink::DetachedSink(LinkState& state)
+    : mState(state), mThreshold(state.Serial().ReceiveThreshold()) {
     Detach();
 }
 
 void DetachedSink::Detach() {
     mState.Serial().SetEventSink({});
-    mState.Serial().SetReceiveThreshold(0);
+    if (mState.Serial().ReceiveThreshold() != 0) mState.Serial().SetReceiveThreshold(0);
 }
 
 DetachedSink::~DetachedSink() {
     if (mState.serial == nullptr) return;
-    mState.serial->SetReceiveThreshold(1);
+    if (mThreshold != 0) mState.serial->SetReceiveThreshold(mThreshold);
     mState.AttachSink();
 }
 
@@ -59,9 +60,11 @@ void clsDataLink::Reboot() {
         const Restarting restarting(*mState);
         mState->Serial().Write("REBOOT\r\n");
         Delay(BeforeDsrTest);
-        while (mState->dsrDetectActive && !mState->Serial().DSRState()
-               && mState->Serial().PortOpen())
-            mState->Yield(DsrPoll);
+        // Nobody tells of the line's change; how long a printer is off is up to a person.
+        mState->Await({.wholeMs = WaitBounds::Endless, .stepMs = DsrPoll}, [this] {
+            return !mState->dsrDetectActive || mState->Serial().DSRState()
+                   || !mState->Serial().PortOpen();
+        });
         PurgePort();
         Delay(BootTime);
         mState->WaitForBoot(detached);

@@ -2,14 +2,12 @@
 // that went away.
 
 #include "LinkState.h"
-#include "common/StopWatch.h"
 #include "common/Text.h"
 
 namespace qncomm {
 namespace {
 
 constexpr std::int32_t HoldForLineFeed = 50;
-constexpr std::size_t ReceiveLimit = std::size_t{16} * 1024 * 1024;
 
 } // namespace
 
@@ -30,19 +28,15 @@ void LinkState::OnSerialEvent(SerialEvent event) {
 }
 
 void LinkState::OnReceive() {
-    std::string text;
-    const StopWatch watch(host.loop);
-    for (;;) {
-        const std::string chunk = Serial().Read();
-        if (!chunk.empty()) {
-            text += chunk;
-            if (!text.ends_with('\r')) break;
-        }
-        // A CR alone: its line feed may be on its way, and the pair should not be taken apart.
-        const std::int32_t left = watch.UntilExceeds(HoldForLineFeed);
-        if (left == 0 || !text.ends_with('\r')) break;
-        if (!Serial().WaitForReceive(left)) break; // a lost port waits for nothing
-    }
+    std::string text = Serial().Read();
+    // A CR alone: its line feed may be on its way, and the pair should not be taken apart.
+    bool more = true;
+    Wait wait(host.loop, {.wholeMs = HoldForLineFeed});
+    wait.Until([&] { return !more || !text.ends_with('\r'); },
+               [&](std::int32_t ms) {
+                   more = Serial().WaitForReceive(ms); // a lost port waits for nothing
+                   text += Serial().Read();
+               });
     if (text.empty()) return;
     ++arrivals;
     const bool endsInCr = text.ends_with('\r');

@@ -116,27 +116,16 @@ std::string GreetingFor(std::int16_t channel) {
            + ":\" FOR OUTPUT AS #68:PRINT#68,VERSION$(0):PRINT#68,VERSION$(1):CLOSE68\r\n";
 }
 
-std::int32_t TravelMs(std::size_t bytes, const std::string& baudrate) {
-    constexpr double bitsOfOne = 11;
-    return static_cast<std::int32_t>(1000 * bitsOfOne * static_cast<double>(bytes)
-                                     / std::max(Val(baudrate), 300.0));
-}
-
 /// Waits until done says that it is enough: then True. False when nothing came for silence ms, when
 /// longest ms have passed or the port is closed.
 template <class Done>
 bool AwaitSign(LinkState& state, std::int32_t silence, std::int32_t longest, Done done) {
-    const StopWatch whole(state.host.loop);
-    StopWatch quiet(state.host.loop);
-    std::uint64_t heard = state.arrivals;
-    while (!done()) {
-        if (std::exchange(heard, state.arrivals) != state.arrivals) quiet.Restart();
-        const std::int32_t left =
-            std::min(quiet.UntilExceeds(silence), whole.UntilExceeds(longest));
-        if (left == 0 || !state.Serial().PortOpen()) return false;
-        state.Yield(left);
-    }
-    return true;
+    bool met = false;
+    state.Await({.wholeMs = longest, .silenceMs = silence}, [&] {
+        met = done();
+        return met || !state.Serial().PortOpen();
+    });
+    return met;
 }
 
 /// What the greeted printer has said; nothing when nobody has answered.
@@ -148,16 +137,14 @@ std::optional<std::vector<std::string>> Greet(LinkState& state, std::int16_t cha
     const std::string before = spoiler.empty() ? "" : std::string(spoiler).append(CrLf);
     state.Serial().Write(before + greeting);
     state.echo.Sent(greeting);
-    const std::int32_t echoMs = EchoMs + TravelMs(FirstWord.size() + refusal, state.baudrate);
+    const std::int32_t echoMs = EchoMs + state.TravelMs(FirstWord.size() + refusal);
     if (!AwaitSign(state, echoMs, echoMs, [&] {
             return Strip8thBit(state.received).find(FirstWord) != std::string::npos;
         }))
         return std::nullopt;
-    if (!AwaitSign(state, ReplyMs, LongestReply + TravelMs(2 * greeting.size(), state.baudrate),
-                   [&] {
-                       return state.BeginsWithEcho()
-                              && state.received.find(EndOfReply) != std::string::npos;
-                   }))
+    if (!AwaitSign(state, ReplyMs, LongestReply + state.TravelMs(2 * greeting.size()), [&] {
+            return state.BeginsWithEcho() && state.received.find(EndOfReply) != std::string::npos;
+        }))
         return std::nullopt;
     std::vector<std::string> lines;
     state.TakeReceivedLines(lines);

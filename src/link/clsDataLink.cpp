@@ -2,12 +2,13 @@
 #include "link/clsDataLink.h"
 
 #include "LinkState.h"
+#include "common/Numbers.h"
 #include "common/QNError.h"
 #include "common/RuntimeErrors.h"
-#include "common/StopWatch.h"
 #include "common/modErrorHandling.h"
 #include "link/HostCall.h"
 
+#include <algorithm>
 #include <array>
 #include <utility>
 
@@ -61,6 +62,7 @@ void clsDataLink::SetRegSettings(std::shared_ptr<qncomm::RegSettings> settings) 
 }
 
 void clsDataLink::TearDown() {
+    ++mState->teardowns;
     if (mState->serial != nullptr) {
         SerialControl& serial = *std::exchange(mState->serial, nullptr);
         serial.SetEventSink({});
@@ -80,13 +82,21 @@ void LinkState::AttachSink() {
 
 void LinkState::Yield(std::int32_t limit) {
     const HostCall guard(link);
+    const int before = teardowns;
     host.loop.Yield(limit);
+    if (teardowns != before) RaiseRuntimeError(RtObjectNotSet, "clsDataLink");
+}
+
+std::int32_t LinkState::TravelMs(std::uintmax_t bytes) const {
+    constexpr double bitsOfOne = 11;
+    constexpr double slowest = 300;
+    const double ms =
+        1000 * bitsOfOne * static_cast<double>(bytes) / std::max(Val(baudrate), slowest);
+    return static_cast<std::int32_t>(std::min<double>(ms, WaitBounds::Endless));
 }
 
 void clsDataLink::Delay(std::int32_t lMilliseconds) {
-    const StopWatch watch(mState->host.loop);
-    while (const std::int32_t left = watch.UntilExceeds(lMilliseconds))
-        mState->Yield(left);
+    mState->Await({.wholeMs = lMilliseconds}, [] { return false; });
 }
 
 bool LinkState::ReportStatus(std::string& message, std::int16_t progress) {

@@ -37,6 +37,7 @@ std::int32_t RuntimeNumber(int systemError) {
 
 void RaiseUnless(const IoResult& result) {
     if (result.Ok()) return;
+    if (result.systemNumber == ECANCELED) throw OperationCancelled();
     const std::int32_t number = RuntimeNumber(result.systemNumber);
     throw QNError(number, "FileSettings:WriteValue",
                   RuntimeErrorText(number) + " (" + result.text + ")");
@@ -51,8 +52,8 @@ std::string HomeFolder() {
 
 } // namespace
 
-FileSettings::FileSettings(std::string sPath, Warning warn)
-    : mPath(std::move(sPath)), mWarn(std::move(warn)) {
+FileSettings::FileSettings(std::string sPath, Warning warn, const Interrupt* interrupt)
+    : mPath(std::move(sPath)), mWarn(std::move(warn)), mInterrupt(interrupt) {
     // A link to the file stays a link: what it points at is replaced, not the link itself.
     std::error_code ignored;
     const auto target = std::filesystem::canonical(mPath, ignored);
@@ -85,7 +86,7 @@ void FileSettings::WriteValues(const std::vector<SettingValue>& values) {
     RaiseUnless(MakeFoldersFor(mPath));
     std::string movedTo;
     {
-        const FileLock lock(mPath, LockTimeoutMs);
+        const FileLock lock(mPath, LockTimeoutMs, mInterrupt);
         RaiseUnless(lock.Result());
         std::string text;
         RaiseUnless(ReadWholeFile(mPath, text));
@@ -137,7 +138,7 @@ void FileSettings::MoveDamagedAside() const {
     std::string movedTo;
     IoResult result;
     {
-        const FileLock lock(mPath, LockTimeoutMs);
+        const FileLock lock(mPath, LockTimeoutMs, mInterrupt);
         result = lock.Result();
         std::string text;
         if (result.Ok()) result = ReadWholeFile(mPath, text);

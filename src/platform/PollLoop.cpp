@@ -5,6 +5,7 @@
 #include "platform/Interrupt.h"
 
 #include <algorithm>
+#include <array>
 #include <utility>
 
 namespace qncomm {
@@ -44,7 +45,8 @@ PollLoop::PollLoop(Interrupt* interrupt, std::int32_t lGraceMs)
       mHandlers(1),
       mInterrupt(interrupt),
       mGraceUs(std::int64_t{lGraceMs} * 1000),
-      mCancelAt(Never) {}
+      mCancelAt(Never),
+      mUnwoundAt(Never) {}
 
 PollLoop::~PollLoop() = default;
 
@@ -62,6 +64,22 @@ void PollLoop::Yield(std::int32_t lLimit) {
         CheckInterrupt(later);
         mAlarms.RunDue(later);
     }
+}
+
+FdEvents PollLoop::WaitFor(int fd, FdEvents events, std::int64_t lLimitUs) {
+    std::int64_t now = NowUs();
+    const std::int64_t until = LaterBy(now, std::max<std::int64_t>(lLimitUs, 0));
+    do {
+        CheckInterrupt(now);
+        // The signals' descriptor stays readable until they are collected.
+        std::array entries{pollfd{fd, PollBits(events), 0}, mPoll[InterruptSlot]};
+        const std::int64_t end = std::min({until, mCancelAt, mUnwoundAt});
+        Sleep(entries.data(), entries.size(), std::max<std::int64_t>(end - now, 0));
+        mPoll[InterruptSlot].revents = entries[1].revents;
+        if (entries[0].revents != 0) return EventsOf(entries[0].revents);
+        now = NowUs();
+    } while (now < std::min(until, mUnwoundAt));
+    return {};
 }
 
 void PollLoop::RunWatches() {
@@ -83,12 +101,14 @@ void PollLoop::CheckInterrupt(std::int64_t now) {
     if (count == 0) mSignalsThrown = 0;
     if (count <= mSignalsThrown) {
         mCancelAt = Never;
+        if (count == 0) mUnwoundAt = Never;
         return;
     }
     if (mCancelAt == Never) mCancelAt = now + mGraceUs;
     if (count - mSignalsThrown < 2 && now < mCancelAt) return;
     mSignalsThrown = count;
     mCancelAt = Never;
+    mUnwoundAt = now + mGraceUs;
     throw OperationCancelled();
 }
 

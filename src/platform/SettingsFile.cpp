@@ -1,13 +1,15 @@
 #include "SettingsFile.h"
 
 #include "common/HostPath.h"
+#include "common/Wait.h"
 #include "platform/DurableFile.h"
+#include "platform/FdWait.h"
+#include "platform/Interrupt.h"
 #include "platform/SystemErrors.h"
 
 #include <array>
 #include <cerrno>
 #include <cstdio>
-#include <ctime>
 #include <filesystem>
 
 #include <fcntl.h>
@@ -69,7 +71,7 @@ IoResult MoveAside(const std::string& sPath, std::string& sNewPath) {
     return Failed(sPath);
 }
 
-FileLock::FileLock(const std::string& sPath, std::int32_t lTimeout) {
+FileLock::FileLock(const std::string& sPath, std::int32_t lTimeout, const Interrupt* interrupt) {
     const std::string path = sPath + ".lock";
     mFile.Reset(::open(path.c_str(), O_RDWR | O_CREAT | O_CLOEXEC, 0600));
     if (!mFile) {
@@ -77,16 +79,23 @@ FileLock::FileLock(const std::string& sPath, std::int32_t lTimeout) {
         return;
     }
     constexpr std::int32_t step = 5; // ms; a holder writes one small file
-    for (std::int32_t waited = 0; ::flock(mFile.Get(), LOCK_EX | LOCK_NB) != 0; waited += step) {
-        const bool held = errno == EWOULDBLOCK;
-        if (waited >= lTimeout || (!held && errno != EINTR)) {
-            mResult = Failed(path);
-            if (held) mResult.text = path + ": another program holds the lock";
-            return;
-        }
-        const timespec pause{0, step * 1'000'000L};
-        ::nanosleep(&pause, nullptr);
-    }
+    const SystemClock clock;
+    int error = 0;
+    bool cancelled = false;
+    const auto isOver = [&] {
+        error = ::flock(mFile.Get(), LOCK_EX | LOCK_NB) == 0 ? 0 : errno;
+        return cancelled || (error != EWOULDBLOCK && error != EINTR);
+    };
+    const auto sleep = [&](std::int32_t ms) {
+        const int signals = interrupt != nullptr ? interrupt->Handle() : -1;
+        cancelled = WaitForFd(signals, {.readable = true}, std::int64_t{ms} * 1000).readable;
+    };
+    Wait wait(clock, {.wholeMs = lTimeout, .stepMs = step});
+    wait.Until(isOver, sleep);
+    if (error == 0) return;
+    mResult = FileFailure(cancelled ? ECANCELED : error, path);
+    if (error == EWOULDBLOCK && !cancelled)
+        mResult.text = path + ": another program holds the lock";
 }
 
 } // namespace qncomm

@@ -9,6 +9,8 @@
 
 namespace qncomm {
 
+class Interrupt;
+
 /// Reads a whole file; a file that is not there reads as an empty text.
 IoResult ReadWholeFile(const std::string& sPath, std::string& sText);
 
@@ -28,8 +30,9 @@ IoResult MoveAside(const std::string& sPath, std::string& sNewPath);
 /// lives.
 class FileLock {
   public:
-    /// Waits up to lTimeout ms for the holder.
-    FileLock(const std::string& sPath, std::int32_t lTimeout);
+    /// Waits up to lTimeout ms for the holder. A signal of the interrupt, if there is one, ends the
+    /// wait: the result's number is then ECANCELED.
+    FileLock(const std::string& sPath, std::int32_t lTimeout, const Interrupt* interrupt);
 
     const IoResult& Result() const { return mResult; }
 

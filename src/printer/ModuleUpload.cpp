@@ -90,9 +90,10 @@ clsQuorin::Reply clsQuorin::TypeModule(const std::vector<std::string>& lines, st
     } catch (...) {
         // The printer must not stay in typing mode; the first error is the one to report.
         try {
-            Link().EndUnfinishedLine();
+            std::string end;
             for (const std::string_view line : EndTypingLines)
-                SendLine(line);
+                end.append(line).append(CrLf);
+            Link().EndUnfinishedLine(end);
         } catch (const std::exception& error) {
             mDesktop.Log(std::string("the printer stayed in typing mode: ") + error.what());
         }

@@ -45,13 +45,16 @@ void ComPortClient::Receive(std::string_view bytes, std::string& data) {
 
 void ComPortClient::Sent(std::size_t count) {
     mSent += count;
-    if (mSent < mOutput.size()) return;
-    mOutput.clear();
+    if (mSent < mOutput.size() - mSent) return; // what has gone is cut off rarely, but it is
+    mOutput.erase(0, mSent);
     mSent = 0;
 }
 
 void ComPortClient::OnData(std::string_view bytes) {
-    if (!Purging()) mData->append(bytes);
+    if (Purging()) return;
+    const std::size_t room = MostData - std::min(MostData, mData->size());
+    mData->append(bytes.substr(0, room));
+    if (bytes.size() > room) mLineErrors.overflow = true;
 }
 
 // -- Options
@@ -92,6 +95,10 @@ void ComPortClient::OnOption(char verb, char option) {
 }
 
 void ComPortClient::Say(char verb, char option) {
+    if (Output().size() >= MostOwed) {
+        Refuse("the server there asks without end and takes no answer");
+        return;
+    }
     mOutput += {telnet::Iac, verb, option};
 }
 

@@ -21,9 +21,15 @@ namespace qncomm {
 /// the talk stands. Requests are sent as they are made; nothing here waits for their answers.
 class ComPortClient final : private TelnetSink {
   public:
+    /// The most bytes of the line that wait for a reader; those beyond are an overflow.
+    static constexpr std::size_t MostData = std::size_t{64} * 1024;
+    /// The most bytes of answers that wait to be sent: a server that asks for more is refused.
+    static constexpr std::size_t MostOwed = 4096;
+
     // -- The connection
 
-    /// Takes what the connection brought and appends the bytes of the line among it to data.
+    /// Takes what the connection brought and appends the bytes of the line among it to data, which
+    /// grows to MostData at most.
     void Receive(std::string_view bytes, std::string& data);
     /// What is to be sent, in its order; Sent removes from its start.
     std::string_view Output() const { return std::string_view(mOutput).substr(mSent); }

@@ -1,6 +1,7 @@
 #include "Rfc2217Channel.h"
 
 #include "SocketPlace.h"
+#include "common/Wait.h"
 #include "platform/SystemErrors.h"
 
 #include <algorithm>
@@ -55,8 +56,27 @@ Rfc2217Channel::~Rfc2217Channel() {
 
 // -- Opening and closing
 
+/// Ends the connection unless the talk on it was brought to its end: a cancel too leaves none whose
+/// answers would be taken for those of the next.
+class Rfc2217Channel::WholeTalk {
+  public:
+    explicit WholeTalk(Rfc2217Channel& channel) : mChannel(channel) {}
+    ~WholeTalk() {
+        if (!mKept) mChannel.Drop();
+    }
+    WholeTalk(const WholeTalk&) = delete;
+    WholeTalk& operator=(const WholeTalk&) = delete;
+
+    void Keep() { mKept = true; }
+
+  private:
+    Rfc2217Channel& mChannel;
+    bool mKept = false;
+};
+
 IoResult Rfc2217Channel::Open(const LineSettings& settings) {
     mParkEnd->Clear();
+    WholeTalk talk(*this);
     IoResult result;
     if (mSession) result = PutSettings(settings);
     if (result.status == IoStatus::Lost) Drop(); // it ended while it was parked
@@ -64,10 +84,8 @@ IoResult Rfc2217Channel::Open(const LineSettings& settings) {
         result = Connect();
         if (result.Ok()) result = PutSettings(settings);
     }
-    if (!result.Ok()) {
-        Drop();
-        return result;
-    }
+    if (!result.Ok()) return result;
+    talk.Keep();
     mSession->received.clear();
     mSession->protocol.TakeLineErrors();
     mWanted = {};
@@ -91,12 +109,12 @@ void Rfc2217Channel::Close() {
 IoResult Rfc2217Channel::Probe() {
     if (mWatch) return {};
     mParkEnd->Clear();
+    WholeTalk talk(*this);
     if (mSession && !Receive(PieceSize).Ok()) Drop();
     IoResult result = mSession ? IoResult{} : Connect();
-    if (result.Ok())
-        mParkEnd->SetDue(mReactor.NowUs() + ParkUs);
-    else
-        Drop();
+    if (!result.Ok()) return result;
+    mParkEnd->SetDue(mReactor.NowUs() + ParkUs);
+    talk.Keep();
     return result;
 }
 
@@ -157,17 +175,21 @@ IoResult Rfc2217Channel::SetBreak(bool bOn) {
 
 template <typename Condition>
 IoResult Rfc2217Channel::Await(Condition isMet, std::int64_t lLimitUs) {
-    const std::int64_t until = mReactor.NowUs() + lLimitUs;
-    for (;;) {
-        if (IoResult flushed = Flush(); !flushed.Ok()) return flushed;
-        if (isMet()) return {};
+    IoResult failure;
+    const auto done = [&] {
+        if (failure.Ok()) failure = Flush();
+        return !failure.Ok() || isMet();
+    };
+    const auto sleep = [&](std::int32_t ms) {
         const bool unsent = !mSession->protocol.Output().empty();
         const FdEvents ready = mReactor.WaitFor(
-            mSession->fd.Get(), {.readable = true, .writable = unsent}, until - mReactor.NowUs());
-        if (!ready.Any()) return {IoStatus::TimedOut, ETIMEDOUT, {}};
-        if (!ready.readable && !ready.hungUp) continue;
-        if (IoResult received = Receive(PieceSize); !received.Ok()) return received;
-    }
+            mSession->fd.Get(), {.readable = true, .writable = unsent}, std::int64_t{ms} * 1000);
+        if (ready.readable || ready.hungUp) failure = Receive(PieceSize);
+    };
+    qncomm::Wait wait(mReactor, {.wholeMs = static_cast<std::int32_t>(lLimitUs / 1000)});
+    const WaitEnd end = wait.Until(done, sleep);
+    if (!failure.Ok() || end == WaitEnd::Met) return failure;
+    return {IoStatus::TimedOut, ETIMEDOUT, {}};
 }
 
 // -- The socket

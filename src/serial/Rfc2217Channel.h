@@ -19,7 +19,8 @@ namespace qncomm {
 /// Connecting, agreeing on the protocol and putting the settings on the remote line are part of
 /// Open, each bounded in time and ended by the answer that was awaited; the line is ready when Open
 /// returns. Configure too returns with the answers. A setting that the server does not take makes
-/// them fail with what it said instead.
+/// them fail with what it said instead. What a server says meanwhile makes no wait longer, and is
+/// kept only within ComPortClient's bounds; a cancel ends the connection.
 ///
 /// A connection that is closed stays up for a moment and the next Open takes it up again with all
 /// that was agreed, as a raw socket's does.
@@ -55,6 +56,8 @@ class Rfc2217Channel final : public ByteChannel {
     FdEvents Wait(FdEvents events, std::int64_t lLimitUs) override;
 
   private:
+    class WholeTalk;
+
     /// A connection and what was said on it.
     struct Session {
         Fd fd;

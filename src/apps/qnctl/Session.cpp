@@ -28,10 +28,11 @@ std::int32_t TerminalWidth() {
     return ::ioctl(STDERR_FILENO, TIOCGWINSZ, &size) == 0 && size.ws_col > 0 ? size.ws_col : usual;
 }
 
-std::shared_ptr<qncomm::FileSettings> StoreFor(const GlobalOptions& options) {
+std::shared_ptr<qncomm::FileSettings> StoreFor(const GlobalOptions& options,
+                                               const qncomm::Interrupt& interrupt) {
     return std::make_shared<qncomm::FileSettings>(
         options.settings.empty() ? qncomm::FileSettings::DefaultPath() : options.settings,
-        [](std::string_view line) { std::cerr << "qnctl: " << line << std::endl; });
+        [](std::string_view line) { std::cerr << "qnctl: " << line << std::endl; }, &interrupt);
 }
 
 } // namespace
@@ -45,7 +46,7 @@ Session::Session(const GlobalOptions& options, const Output& output)
              .style = StyleFor(options),
              .width = TerminalWidth(),
              .log = [this](std::string_view line) { Note(line); }}),
-      mStore(StoreFor(options)),
+      mStore(StoreFor(options, mInterrupt)),
       mBook(mStore, qncomm::AllChannelKinds()) {
     for (const std::string& line : mBook.Warnings())
         std::cerr << "qnctl: " << line << std::endl;

@@ -64,6 +64,19 @@ TEST(Signals, ASecondSignalEndsTheOperationAtOnce) {
     EXPECT_THROW(while (true) loop.Yield(LongMs), OperationCancelled);
 }
 
+TEST(Signals, AWaitThatDispatchesNothingIsEndedAfterTheGracePeriodToo) {
+    Interrupt interrupt;
+    PollLoop loop(&interrupt, 20);
+    constexpr std::int64_t hourUs = std::int64_t{LongMs} * 1000;
+    const std::int64_t begun = loop.NowUs();
+    ::raise(SIGHUP);
+    EXPECT_THROW(loop.WaitFor(-1, {}, hourUs), OperationCancelled);
+    EXPECT_GE(loop.NowUs() - begun, 20'000);
+    EXPECT_FALSE(loop.WaitFor(-1, {}, hourUs).Any()) << "what unwinds waits as long at most";
+    interrupt.Clear();
+    EXPECT_FALSE(loop.WaitFor(-1, {}, 1000).Any());
+}
+
 TEST(Signals, TheFormerHandlingIsBackWhenTheFlagGoes) {
     sigset_t before{};
     ::pthread_sigmask(SIG_SETMASK, nullptr, &before);

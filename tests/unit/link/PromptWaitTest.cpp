@@ -45,6 +45,23 @@ TEST_F(PromptWait, ALineThatNeverFallsSilentIsLeftAfterFifteenSeconds) {
     EXPECT_FALSE(mFound);
 }
 
+TEST_F(PromptWait, ALineOfNoiseIsLeftWhenItHasSaidMoreThanAnyPrinter) {
+    const std::string noise(4000, '~');
+    for (int ms = 0; ms < 20'000; ++ms)
+        mSerial.Arrive(noise, ms);
+    EXPECT_LE(Wait(false), 100);
+    EXPECT_FALSE(mFound);
+}
+
+TEST_F(PromptWait, TheOkOfALineThatTalksOnIsWaitedForFifteenSecondsWithoutYieldingToo) {
+    mSerial.SetReceiveThreshold(0);
+    for (int ms = 0; ms < 60'000; ms += 400)
+        mSerial.Arrive("not yet\r\n", ms);
+    const std::int64_t start = mLoop.NowMs();
+    EXPECT_FALSE(mLink.WaitForOk());
+    EXPECT_NEAR(static_cast<double>(mLoop.NowMs() - start), 15'000, 1);
+}
+
 TEST_F(PromptWait, EndsWhenThePortGoesAwayAndTakesTheReceivePathBack) {
     const auto alarm = mLoop.StartTimer(50, [this] { mSerial.Vanish(); });
     EXPECT_LE(Wait(false), 60);

@@ -2,10 +2,14 @@
 
 #include "common/QNError.h"
 #include "common/RuntimeErrors.h"
+#include "platform/Fd.h"
+#include "platform/FdWait.h"
+#include "platform/Interrupt.h"
 
 #include <gmock/gmock.h>
 
 #include <array>
+#include <csignal>
 #include <cstdlib>
 #include <filesystem>
 #include <fstream>
@@ -261,6 +265,30 @@ TEST_F(FileSettingsTest, AFullDiskIsError61AndLeavesTheOldSettings) {
     EXPECT_EQ(status, qncomm::RtDiskFull);
     EXPECT_EQ(TextOf(Path()), before);
     EXPECT_THAT(FilesThere(), UnorderedElementsAre("settings.ini", "settings.ini.lock"));
+}
+
+TEST_F(FileSettingsTest, ASignalEndsTheWaitForTheLock) {
+    const qncomm::Fd held(::open((Path() + ".lock").c_str(), O_RDWR | O_CREAT | O_CLOEXEC, 0600));
+    ASSERT_EQ(::flock(held.Get(), LOCK_EX), 0);
+    qncomm::Interrupt interrupt;
+    FileSettings store(Path(), {}, &interrupt);
+    ::raise(SIGINT);
+    const std::int64_t begun = qncomm::MonotonicUs();
+    EXPECT_THROW(store.WriteValue("Settings", "Key", "new"), qncomm::OperationCancelled);
+    EXPECT_LT(qncomm::MonotonicUs() - begun, 1'000'000) << "a holder is given 5 s";
+    EXPECT_TRUE(interrupt.Raised()) << "the program hears of it too";
+    EXPECT_FALSE(std::filesystem::exists(Path()));
+}
+
+TEST_F(FileSettingsTest, TheLockIsWaitedForAsLongAsTheClockSays) {
+    const qncomm::Fd held(::open((Path() + ".lock").c_str(), O_RDWR | O_CREAT | O_CLOEXEC, 0600));
+    ASSERT_EQ(::flock(held.Get(), LOCK_EX), 0);
+    FileSettings store = Store();
+    const std::int64_t begun = qncomm::MonotonicUs();
+    EXPECT_EQ(ErrorOfWriting(store).value().Number(), qncomm::RtPermissionDenied);
+    const std::int64_t ms = (qncomm::MonotonicUs() - begun) / 1000;
+    EXPECT_GE(ms, 5000);
+    EXPECT_LE(ms, 5200) << "however late each of its short sleeps ends";
 }
 
 TEST_F(FileSettingsTest, TheDefaultPathFollowsTheConfigurationFolder) {

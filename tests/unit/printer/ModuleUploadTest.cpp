@@ -218,6 +218,25 @@ TEST_F(ModuleUpload, AnErrorWhileTypingLeavesTheTypingMode) {
     EXPECT_TRUE(mSerial.ScriptDone());
 }
 
+TEST_F(ModuleUpload, ACancelOnALineThatTakesNothingIsObeyedAtOnce) {
+    KnowCleanDevices("R7A");
+    std::int64_t cancelled = 0;
+    mOnStatus = [&](const std::string&, std::int16_t progress) {
+        if (progress != 0) return false;
+        mSerial.mDrainPerMs = 0;
+        mLoop.After(300, [&] {
+            cancelled = mLoop.NowMs();
+            throw OperationCancelled();
+        });
+        return false;
+    };
+    ScriptBegin("ram:M");
+    ScriptTyped({"10 REM"});
+    mSerial.Expect(")(\r\n").Expect("IMMEDIATE ON\r\nSYSVAR(18)=-1:SYSVAR(19)=1\r\n");
+    EXPECT_THROW(Upload("ram:M", "10 REM\r\n20 REM"), OperationCancelled);
+    EXPECT_LE(mLoop.NowMs() - cancelled, 150);
+}
+
 // -- Progress and cancelling
 
 TEST_F(ModuleUpload, ProgressIsReportedInTensAndEachOnce) {

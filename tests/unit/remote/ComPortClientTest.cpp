@@ -244,6 +244,35 @@ TEST(ComPortClient, DamagedAndEndlessCommandsDoNotTakeTheDataWithThem) {
     EXPECT_EQ(client.protocol.Dsr(), true);
 }
 
+TEST(ComPortClient, KeepsNoMoreOfTheLineThanItsBound) {
+    Client client;
+    client.Agree();
+    const std::string piece(1000, 'x');
+    for (int count = 0; count < 65; ++count)
+        client.Hear(piece);
+    EXPECT_FALSE(client.protocol.TakeLineErrors().overflow);
+    EXPECT_EQ(client.data.size(), 65'000U);
+    for (int count = 0; count < 65; ++count)
+        client.Hear(piece);
+    EXPECT_TRUE(client.protocol.TakeLineErrors().overflow);
+    EXPECT_EQ(client.data.size(), ComPortClient::MostData);
+    client.data.clear();
+    client.Hear(piece);
+    EXPECT_EQ(client.data, piece);
+}
+
+TEST(ComPortClient, OwesAServerThatAsksWithoutEndNoMoreThanItsBound) {
+    for (const std::string& asked : {Option(Do, 5), Option(Will, 0) + Option(Wont, 0)}) {
+        Client client;
+        client.protocol.Offer();
+        client.TakeOutput();
+        for (int count = 0; count < 100'000; ++count)
+            client.protocol.Receive(asked, client.data); // and takes no answer
+        EXPECT_LE(client.protocol.Output().size(), ComPortClient::MostOwed + 3);
+        EXPECT_FALSE(client.protocol.Refusal().Ok());
+    }
+}
+
 /// Everything that a client can hear, in one stream.
 const std::string LongTalk = AllAgreed + Option(Will, 1) + "first" + Bytes({255, 255})
                              + Command(112, {1}) + "data" + Command(101, {0, 0, 225, 0})

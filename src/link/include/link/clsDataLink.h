@@ -224,8 +224,8 @@ class clsDataLink {
     /// Whether the next received line, with CR LF, equals sEcho. Takes it off the port; does not
     /// yield.
     bool WaitForEchoLine(std::string_view sEcho, std::int32_t lTimeout = 500);
-    /// Whether "Ok" CR LF arrives before lTimeout ms pass without received text. Takes it off the
-    /// port; does not yield.
+    /// Whether "Ok" CR LF arrives before lTimeout ms pass without received text; a line that talks
+    /// on for 15 s or 64 KiB has none to give. Takes what comes off the port; does not yield.
     bool WaitForOk(std::int32_t lTimeout = 500);
     /// Holds the line in the break condition for lMilliseconds, yielding meanwhile; that condition
     /// ends with the call also when an error ends it. Claims nothing. Raises 1024 (port closed),
@@ -245,8 +245,10 @@ class clsDataLink {
     std::int16_t StopProgram();
     /// Ends a line that was sent in part, in a way in which the printer does not carry it out; its
     /// reply is nobody's. Does nothing where every line has ended. Claims of a later time do the
-    /// same by themselves before they say anything.
-    void EndUnfinishedLine();
+    /// same by themselves before they say anything. Says sThen behind it: the last that an
+    /// operation which is given up has to say. What still waits to be sent is dropped, and a line
+    /// that takes nothing for 100 ms is left.
+    void EndUnfinishedLine(std::string_view sThen = {});
     /// Empties the port's two buffers and the link's receive buffer.
     void PurgePort();
     /// Yields until lMilliseconds have passed.

@@ -11,6 +11,8 @@
 
 namespace qncomm {
 
+class Interrupt;
+
 /// The settings store of one user: a text file that several processes may use at the same time.
 ///
 /// A write takes the file's lock, reads what is there, sets its values and puts a complete new
@@ -25,8 +27,10 @@ class FileSettings : public RegSettings {
     using Warning = std::function<void(std::string_view)>;
 
     /// The file need not exist, nor the folders above it: a write makes them, for this person
-    /// alone.
-    explicit FileSettings(std::string sPath, Warning warn = {});
+    /// alone. A signal of the interrupt, if there is one, ends a write's wait for the lock: it then
+    /// throws OperationCancelled. The interrupt must outlive the store.
+    explicit FileSettings(std::string sPath, Warning warn = {},
+                          const Interrupt* interrupt = nullptr);
 
     /// "qncomm/settings.ini" under $XDG_CONFIG_HOME, or under ~/.config without it.
     static std::string DefaultPath();
@@ -65,6 +69,7 @@ class FileSettings : public RegSettings {
 
     std::string mPath;
     Warning mWarn;
+    const Interrupt* mInterrupt;
     mutable SettingsDocument mDocument;
     mutable Version mVersion;
     mutable bool mDamaged = false;

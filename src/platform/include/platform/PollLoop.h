@@ -21,11 +21,12 @@ class Interrupt;
 /// With an Interrupt (not owned, outlives the loop) Yield returns early when a signal comes, so
 /// that the running operation can see the flag and end by itself. It throws OperationCancelled when
 /// the flag is still up after the grace period, or at once for a second signal; then not again
-/// until a further signal, so that what unwinds can still yield.
+/// until a further signal, so that what unwinds can still yield. WaitFor, whose caller sees no
+/// flag, throws just so; what unwinds may wait there for as long as the grace period at most.
 class PollLoop final : public SystemReactor {
   public:
     /// How long an operation that was interrupted may go on before Yield ends it, in ms.
-    static constexpr std::int32_t GraceMs = 500;
+    static constexpr std::int32_t GraceMs = 150;
 
     /// A loop that heeds the interrupt, if there is one. lGraceMs is in milliseconds.
     explicit PollLoop(Interrupt* interrupt = nullptr, std::int32_t lGraceMs = GraceMs);
@@ -35,6 +36,8 @@ class PollLoop final : public SystemReactor {
 
     /// As in MessageLoop; throws OperationCancelled as the class says.
     void Yield(std::int32_t lLimit) override;
+    /// As in Reactor; throws OperationCancelled as the class says.
+    FdEvents WaitFor(int fd, FdEvents events, std::int64_t lLimitUs) override;
     [[nodiscard]] std::unique_ptr<FdWatch> Watch(int fd, FdEvents events,
                                                  std::function<void(FdEvents)> handler) override;
 
@@ -53,6 +56,7 @@ class PollLoop final : public SystemReactor {
     Interrupt* mInterrupt;
     std::int64_t mGraceUs;
     std::int64_t mCancelAt;          ///< when a raised interrupt ends the running operation
+    std::int64_t mUnwoundAt;         ///< until when what unwinds may wait without dispatching
     std::int32_t mSignalsThrown = 0; ///< how many signals had come when Yield threw last
 };
 

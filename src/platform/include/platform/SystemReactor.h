@@ -19,7 +19,7 @@ class SystemReactor : public Reactor {
     [[nodiscard]] std::unique_ptr<RunningTimer> StartTimer(std::int32_t lInterval,
                                                            std::function<void()> handler) final;
     [[nodiscard]] std::unique_ptr<Alarm> CreateAlarm(std::function<void()> handler) final;
-    FdEvents WaitFor(int fd, FdEvents events, std::int64_t lLimitUs) final;
+    FdEvents WaitFor(int fd, FdEvents events, std::int64_t lLimitUs) override;
 
   protected:
     /// earlier, which may be empty, is told whenever something may be due sooner than before.
