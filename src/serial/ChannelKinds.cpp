@@ -7,7 +7,7 @@
 namespace qncomm {
 
 ChannelKinds SerialChannelKinds() {
-    return {&TtyKind, &TcpKind, &Rfc2217Kind};
+    return {&TtyKind, &UsbKind, &TcpKind, &Rfc2217Kind};
 }
 
 } // namespace qncomm

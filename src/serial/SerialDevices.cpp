@@ -1,5 +1,7 @@
 #include "serial/SerialDevices.h"
 
+#include "serial/ChannelKind.h"
+
 #include <algorithm>
 #include <array>
 #include <charconv>
@@ -92,6 +94,21 @@ std::optional<UsbAdapter> FindUsbAdapter(const std::string& sName, const DeviceF
         folder = folder.parent_path();
     }
     return std::nullopt;
+}
+
+std::string FindUsbDevice(const std::string& sSerial, const DeviceFolders& folders) {
+    if (sSerial.empty()) return {};
+    for (const SerialDevice& device : FindSerialDevices(folders)) {
+        const auto adapter = FindUsbAdapter(fs::path(device.path).filename().string(), folders);
+        if (adapter && adapter->serial == sSerial) return device.path;
+    }
+    return {};
+}
+
+std::string DevicePathOf(const std::string& sAddress) {
+    if (sAddress.starts_with(TtyKind.scheme)) return sAddress;
+    if (!sAddress.starts_with(UsbKind.scheme)) return {};
+    return FindUsbDevice(sAddress.substr(UsbKind.scheme.size()));
 }
 
 } // namespace qncomm

@@ -5,6 +5,7 @@
 #include "platform/SystemErrors.h"
 #include "serial/ChannelKind.h"
 #include "serial/PortHolder.h"
+#include "serial/SerialDevices.h"
 
 #include <cerrno>
 #include <sys/ioctl.h>
@@ -27,6 +28,15 @@ PortState StateOf(IoStatus status) {
     }
 }
 
+/// "A50285BI" of "usb:A50285BI".
+std::string SerialNumberIn(std::string_view address) {
+    return std::string(address.substr(UsbKind.scheme.size()));
+}
+
+IoResult NotPluggedIn() {
+    return {IoStatus::Missing, 0, "no USB adapter with that serial number is plugged in"};
+}
+
 } // namespace
 
 constinit const ChannelKind TtyKind{
@@ -44,12 +54,37 @@ constinit const ChannelKind TtyKind{
     },
 };
 
+constinit const ChannelKind UsbKind{
+    .scheme = "usb:",
+    .form = "usb:SERIAL of an adapter",
+    .check = [](std::string_view address) -> std::string {
+        return SerialNumberIn(address).empty() ? "the adapter's serial number is missing" : "";
+    },
+    .make = [](std::string_view address, Reactor& reactor) -> std::unique_ptr<ByteChannel> {
+        return std::make_unique<TtyChannel>(
+            reactor, [serial = SerialNumberIn(address)] { return FindUsbDevice(serial); });
+    },
+    .look = [](std::string_view address) -> PortStatus {
+        const std::string path = FindUsbDevice(SerialNumberIn(address));
+        return path.empty() ? PortStatus{PortState::Missing, NotPluggedIn().text}
+                            : TtyKind.look(path);
+    },
+};
+
 TtyChannel::TtyChannel(Reactor& reactor, std::string sPath, CountErrors count)
+    : TtyChannel(
+        reactor, [path = std::move(sPath)] { return path; }, std::move(count)) {}
+
+TtyChannel::TtyChannel(Reactor& reactor, Locate locate, CountErrors count)
     : FdChannel(reactor, "the device went away"),
-      mPath(std::move(sPath)),
+      mLocate(std::move(locate)),
       mCountErrors(std::move(count)) {}
 
 IoResult TtyChannel::Open(const LineSettings& settings) {
+    std::string path = mLocate();
+    if (path.empty()) return NotPluggedIn();
+    if (path != mPath) mReserved.Reset(); // the mark is on the device of the former name
+    mPath = std::move(path);
     Fd fd;
     if (IoResult claimed = ClaimTty(mPath, fd, static_cast<bool>(mReserved)); !claimed.Ok())
         return claimed;
@@ -78,7 +113,10 @@ void TtyChannel::Close() {
 }
 
 IoResult TtyChannel::Probe() {
-    return Handle() >= 0 ? IoResult{} : ProbeTty(mPath, static_cast<bool>(mReserved));
+    if (Handle() >= 0) return {};
+    const std::string path = mLocate();
+    if (path.empty()) return NotPluggedIn();
+    return ProbeTty(path, path == mPath && static_cast<bool>(mReserved));
 }
 
 void TtyChannel::Keep(bool bOn) {

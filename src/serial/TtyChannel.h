@@ -21,7 +21,12 @@ class TtyChannel final : public FdChannel {
     /// How to look at a device's counts of line errors.
     using CountErrors = std::function<std::optional<TtyErrorCounts>(int fd)>;
 
+    /// Where the device is now; empty when it is not there.
+    using Locate = std::function<std::string()>;
+
     TtyChannel(Reactor& reactor, std::string sPath, CountErrors count = ErrorCountsOf);
+    /// A device that is looked for at each opening: it may come back under another name.
+    TtyChannel(Reactor& reactor, Locate locate, CountErrors count = ErrorCountsOf);
     ~TtyChannel() override { Close(); }
     TtyChannel(const TtyChannel&) = delete;
     TtyChannel& operator=(const TtyChannel&) = delete;
@@ -44,7 +49,8 @@ class TtyChannel final : public FdChannel {
   private:
     IoResult Apply(int fd, const LineSettings& settings) const;
 
-    std::string mPath;
+    Locate mLocate;
+    std::string mPath; ///< of the last opening
     CountErrors mCountErrors;
     std::optional<TtyErrorCounts> mErrorCounts; ///< at the last look; nothing = it does not count
     termios mFormer{};

@@ -57,7 +57,7 @@ std::vector<std::string> MachineIn(const ScratchFolder& folder) {
             "-chardev",
             socket("usb"),
             "-device",
-            "usb-serial,chardev=usb",
+            "usb-serial,chardev=usb,serial=" + std::string(AdapterSerial),
             "-trace",
             "usb_serial_*",
             "-D",
@@ -101,10 +101,10 @@ void Guest::BreakUart() {
     Order("chardev-send-break", R"({"id":"line"})");
 }
 
-std::unique_ptr<Relay> Guest::PlugIn(const std::string& printer) {
+std::unique_ptr<Relay> Guest::PlugIn(const std::string& printer, const std::string& device) {
     Run("while test -e /dev/ttyUSB0; do sleep 0.1; done"); // the one that was pulled out before
     auto wire = std::make_unique<Relay>(mLoop, mFolder.File("usb"), printer);
-    Run("until test -e /dev/ttyUSB0; do sleep 0.1; done");
+    Run("until test -e " + device + "; do sleep 0.1; done");
     return wire;
 }
 

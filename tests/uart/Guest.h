@@ -11,6 +11,9 @@
 
 namespace qncomm::testing {
 
+/// The serial number of the guest's USB adapter.
+inline constexpr const char* AdapterSerial = "QN4711";
+
 /// A machine of its own, under qemu: a Linux kernel with real drivers on a 16550 (/dev/ttyS1) and,
 /// when it is plugged in, a USB adapter (/dev/ttyUSB0). Boots when it is made, in ten to thirty
 /// seconds; everything waits with a limit that only a hang reaches.
@@ -35,7 +38,8 @@ class Guest {
 
     /// Plugs the adapter in, with a printer such as tcp://127.0.0.1:5000 at its other end, and
     /// waits for its device. The wire pulls it out, at the latest when it goes.
-    std::unique_ptr<Relay> PlugIn(const std::string& printer);
+    std::unique_ptr<Relay> PlugIn(const std::string& printer,
+                                  const std::string& device = "/dev/ttyUSB0");
 
     /// What the machine's devices were set to so far, as qemu traced it, a line each.
     std::string DeviceTrace() const { return mFolder.Read("trace"); }

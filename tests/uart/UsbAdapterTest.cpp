@@ -44,6 +44,26 @@ TEST_F(UsbAdapter, AnswersAsTheUartDoes) {
     EXPECT_EQ(TheGuest().Run("qnctl --port /dev/ttyUSB0 send 'PRINT 1+1'").text, "2\n");
 }
 
+TEST_F(UsbAdapter, IsFoundByItsSerialNumberUnderWhateverNameItComesBack) {
+    Guest& guest = TheGuest();
+    const std::string address = std::string(" usb:") + AdapterSerial;
+    const std::string qnctl = "qnctl --quiet --port" + address + " send 'PRINT 1+1'";
+    EXPECT_EQ(guest.Run(qnctl).text, "2\n");
+    // Who has the old name open keeps it from being used again.
+    EXPECT_EQ(guest.Run("sleep 600 </dev/ttyUSB0 >/dev/null 2>&1 & echo $! >/tmp/holder").status,
+              0);
+    mWire.reset();
+    EXPECT_THAT(guest.Run("sleep 1; " + qnctl).status, 4);
+    mWire = guest.PlugIn(mPrinter->Address(), "/dev/ttyUSB1");
+    EXPECT_NE(guest.Run("test -e /dev/ttyUSB0").status, 0);
+    EXPECT_EQ(guest.Run(qnctl).text, "2\n");
+    const Guest::Ended control = guest.Run("timeout 60 host-console" + address);
+    EXPECT_EQ(control.status, 0) << control.text;
+    EXPECT_THAT(control.text, HasSubstr("R7G"));
+    mWire.reset();
+    guest.Run("kill $(cat /tmp/holder); while test -e /dev/ttyUSB1; do sleep 0.1; done");
+}
+
 struct Operation {
     const char* name;
     const char* command;

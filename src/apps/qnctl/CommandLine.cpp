@@ -14,8 +14,8 @@ namespace {
 
 void DeclareGlobals(CLI::App& app, GlobalOptions& options) {
     app.add_option("--port", options.port,
-                   "The port: /dev/…, tcp://HOST:PORT, rfc2217://HOST:PORT, sim:MODEL, or a number "
-                   "such as COM3")
+                   "The port: /dev/…, usb:SERIAL, tcp://HOST:PORT, rfc2217://HOST:PORT, sim:MODEL, "
+                   "or a number such as COM3")
         ->type_name("ADDRESS");
     app.add_option("--settings", options.settings, "The settings file, instead of your own")
         ->type_name("FILE");

@@ -8,6 +8,7 @@
 #include "platform/DurableFile.h"
 #include "serial/LineSettings.h"
 #include "serial/PortAddress.h"
+#include "serial/SerialDevices.h"
 #include "trace/TraceReader.h"
 #include "trace/TraceRedaction.h"
 
@@ -70,16 +71,12 @@ struct Diagnosis {
     Json trace = Json::array(); ///< what travelled meanwhile, redacted
 };
 
-bool IsDevice(const std::string& address) {
-    return address.starts_with('/');
-}
-
 Diagnosis Examine(Session& session, const DoctorArguments& arguments) {
     Diagnosis found;
     KeptTrace trace(session.Trace());
     found.examined.port = session.Port().address;
-    if (IsDevice(found.examined.port))
-        found.examined.machine = qncomm::ReadMachine(found.examined.port);
+    if (const std::string device = qncomm::DevicePathOf(found.examined.port); !device.empty())
+        found.examined.machine = qncomm::ReadMachine(device);
     const qncomm::ControlServices services = session.Desk().Services();
     qncomm::LineExamination line({.reactor = session.Loop(),
                                   .desktop = services.desktop,

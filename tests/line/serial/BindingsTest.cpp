@@ -86,11 +86,12 @@ TEST(Address, SaysWhatIsWrong) {
 
 TEST(Address, IsOfTheKindsThatTheProgramKnows) {
     EXPECT_EQ(ParsePortAddress("sim:R7G").error,
-              "\"sim:R7G\": an address is a device such as /dev/ttyUSB0, tcp://host:port, or "
-              "rfc2217://host:port");
+              "\"sim:R7G\": an address is a device such as /dev/ttyUSB0, usb:SERIAL of an "
+              "adapter, tcp://host:port, or rfc2217://host:port");
     EXPECT_EQ(ParsePortAddress("ttyUSB0", AllChannelKinds()).error,
-              "\"ttyUSB0\": an address is a device such as /dev/ttyUSB0, tcp://host:port, "
-              "rfc2217://host:port, or sim:MODEL for the virtual printer");
+              "\"ttyUSB0\": an address is a device such as /dev/ttyUSB0, usb:SERIAL of an "
+              "adapter, tcp://host:port, rfc2217://host:port, or sim:MODEL for the virtual "
+              "printer");
 }
 
 TEST(Address, ReadsPortNumbers) {
@@ -222,6 +223,32 @@ TEST_F(DevicesTest, AUsbAdapterIsCalledByItsName) {
     const auto devices = FindSerialDevices({mFolder.File("tty"), "/dev"});
     ASSERT_THAT(devices, SizeIs(1));
     EXPECT_EQ(devices[0].description, "Somebody Serial Adapter");
+}
+
+TEST_F(DevicesTest, AnAdapterIsFoundByItsSerialNumberUnderItsPresentName) {
+    const DeviceFolders folders{mFolder.File("tty"), "/dev"};
+    for (const char* name : {"ttyUSB0", "ttyUSB3"}) {
+        const std::filesystem::path usb = mFolder.File("usb-" + std::string(name));
+        std::filesystem::create_directories(usb / "1-1:1.0" / name);
+        std::ofstream(usb / "product") << "Serial Adapter\n";
+        if (name[6] == '3') std::ofstream(usb / "serial") << "QN4711\n";
+        std::filesystem::create_directories(folders.tty + "/" + name);
+        std::filesystem::create_symlink(usb / "1-1:1.0" / name,
+                                        folders.tty + "/" + name + "/device");
+    }
+    EXPECT_EQ(FindUsbDevice("QN4711", folders), "/dev/ttyUSB3");
+    EXPECT_EQ(FindUsbDevice("QN4712", folders), "");
+    EXPECT_EQ(FindUsbDevice("", folders), "") << "one without a number is nobody's";
+}
+
+TEST(Address, OfAnAdapterHoldsItsSerialNumber) {
+    const auto parsed = ParsePortAddress("usb:A50285BI");
+    ASSERT_TRUE(parsed.address) << parsed.error;
+    EXPECT_EQ(parsed.address->kind, &UsbKind);
+    EXPECT_FALSE(ParsePortAddress("usb:").address);
+    const PortStatus status = UsbKind.look("usb:no-such-adapter");
+    EXPECT_EQ(status.state, PortState::Missing);
+    EXPECT_THAT(status.detail, HasSubstr("plugged in"));
 }
 
 TEST_F(DevicesTest, AMachineWithoutThemHasNone) {

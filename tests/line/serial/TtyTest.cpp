@@ -1,5 +1,6 @@
 // What only a tty has: attributes, former settings, locks, holders.
 
+#include "TtyChannel.h"
 #include "TtyLine.h"
 #include "common/QNError.h"
 #include "platform/PollLoop.h"
@@ -60,6 +61,28 @@ class TtyTest : public ::testing::Test {
     PollLoop mLoop;
     PDQComm mPort{mLoop, {}};
 };
+
+// -- A device that is looked for
+
+TEST_F(TtyTest, ADeviceThatIsLookedForIsFoundAgainUnderAnotherName) {
+    const PtyPair other = OpenPty();
+    std::string now;
+    TtyChannel channel(mLoop, [&now] { return now; });
+    const LineSettings settings = *ParseLineSettings("9600,n,8,1");
+    EXPECT_EQ(channel.Probe().status, IoStatus::Missing);
+    EXPECT_EQ(channel.Open(settings).status, IoStatus::Missing);
+    channel.Keep(true);
+    for (const PtyPair* place : std::array<const PtyPair*, 2>{&mPty, &other}) {
+        now = place->path;
+        EXPECT_TRUE(channel.Probe().Ok());
+        ASSERT_TRUE(channel.Open(settings).Ok());
+        EXPECT_EQ(channel.Write("x").count, 1U);
+        char byte = 0;
+        EXPECT_EQ(::read(place->master.Get(), &byte, 1), 1);
+        channel.Close();
+    }
+    mPort.SetPortOpen(true); // the former name is anybody's again
+}
 
 // -- Attributes
 

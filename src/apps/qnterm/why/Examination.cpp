@@ -8,6 +8,7 @@
 #include "platform/SystemFiles.h"
 #include "qt/QNCommWidget.h"
 #include "qt/QtReactor.h"
+#include "serial/SerialDevices.h"
 
 #include <utility>
 
@@ -52,7 +53,8 @@ std::optional<qncomm::Examined> Examine(const ExaminationParts& parts,
     qncomm::Examined examined{.port = port.address, .machine = {}, .line = {}};
     NoBoxes desktop;
     const bool done = operations.Run(Operations::tr("Why"), [&](qncomm::QNComm&) {
-        if (port.address.starts_with('/')) examined.machine = qncomm::ReadMachine(port.address);
+        if (const std::string device = qncomm::DevicePathOf(port.address); !device.empty())
+            examined.machine = qncomm::ReadMachine(device);
         const PortGivenBack given(parts.control);
         qncomm::LineExamination line({.reactor = qncomm::QtReactor::OfApplication(),
                                       .desktop = desktop,

@@ -19,8 +19,8 @@ struct ValueOption {
 };
 constexpr ValueOption ValueOptions[] = {
     {"port", "ADDRESS", &StartOptions::port,
-     "the port for this run: a device, tcp://HOST:PORT, rfc2217://HOST:PORT, sim:MODEL (the "
-     "virtual printer), or a number such as COM3"},
+     "the port for this run: a device, usb:SERIAL, tcp://HOST:PORT, rfc2217://HOST:PORT, sim:MODEL "
+     "(the virtual printer), or a number such as COM3"},
     {"settings", "FILE", &StartOptions::settings, "the settings file, instead of your own"},
     {"labels", "FOLDER", &StartOptions::labels,
      "where the virtual printer puts pictures of its labels"},

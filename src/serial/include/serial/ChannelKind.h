@@ -50,6 +50,9 @@ using ChannelKinds = std::vector<const ChannelKind*>;
 
 /// A device of this machine: an absolute path.
 extern const ChannelKind TtyKind;
+/// A USB adapter by its serial number, "usb:A50285BI": the device is looked for at each opening,
+/// whatever name it has got.
+extern const ChannelKind UsbKind;
 
 /// The kinds that lead out of the program: devices, sockets, remote serial ports.
 ChannelKinds SerialChannelKinds();

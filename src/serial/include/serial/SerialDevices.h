@@ -37,4 +37,12 @@ std::vector<SerialDevice> FindSerialDevices(const DeviceFolders& folders = {});
 std::optional<UsbAdapter> FindUsbAdapter(const std::string& sName,
                                          const DeviceFolders& folders = {});
 
+/// Where the USB adapter with that serial number is now, such as "/dev/ttyUSB1"; empty where none
+/// is plugged in, and for an empty number.
+std::string FindUsbDevice(const std::string& sSerial, const DeviceFolders& folders = {});
+
+/// The device of this machine that an address stands for now, such as "/dev/ttyUSB1" for
+/// "usb:A50285BI"; empty for an address of another kind, and for an adapter that is not there.
+std::string DevicePathOf(const std::string& sAddress);
+
 } // namespace qncomm
