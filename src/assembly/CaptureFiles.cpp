@@ -1,10 +1,11 @@
 #include "assembly/CaptureFiles.h"
 
+#include "platform/Fd.h"
+#include "platform/FileOpening.h"
+
 #include <array>
-#include <cerrno>
-#include <cstdio>
-#include <filesystem>
 #include <system_error>
+#include <utility>
 
 namespace qncomm {
 namespace {
@@ -38,39 +39,27 @@ CaptureResult FailureOf(int number) {
     return {status, number, code.message()};
 }
 
-struct CloseFile {
-    // Nothing is buffered, so closing has nothing left to fail at.
-    void operator()(std::FILE* file) const { static_cast<void>(std::fclose(file)); }
-};
-using FileHandle = std::unique_ptr<std::FILE, CloseFile>;
-
 class DiskCaptureFile final : public CaptureFile {
   public:
-    explicit DiskCaptureFile(FileHandle file) : mFile(std::move(file)) {}
+    explicit DiskCaptureFile(Fd file) : mFile(std::move(file)) {}
 
     CaptureResult Append(std::string_view sBytes) override {
-        errno = 0;
-        const std::size_t written = std::fwrite(sBytes.data(), 1, sBytes.size(), mFile.get());
-        return written == sBytes.size() ? CaptureResult() : FailureOf(errno);
+        const int error = WriteAll(mFile.Get(), sBytes);
+        return error == 0 ? CaptureResult() : FailureOf(error);
     }
 
   private:
-    FileHandle mFile;
+    Fd mFile;
 };
 
 } // namespace
 
 CaptureOpening OpenCaptureFile(const std::string& sPath) {
-    std::error_code ignored; // what cannot be looked at says why when it is opened
-    const std::filesystem::file_status status = std::filesystem::status(sPath, ignored);
-    if (std::filesystem::is_directory(status))
-        return {nullptr, {CaptureStatus::Unsupported, 0, "this is a folder"}};
-    if (std::filesystem::is_fifo(status))
-        return {nullptr, {CaptureStatus::Unsupported, 0, "this is a pipe"}};
-    FileHandle file(std::fopen(sPath.c_str(), "ab"));
-    if (!file) return {nullptr, FailureOf(errno)};
-    // Unbuffered: each piece is with the system as soon as it is appended.
-    if (std::setvbuf(file.get(), nullptr, _IONBF, 0) != 0) return {nullptr, FailureOf(errno)};
+    Fd file;
+    const IoResult opened = OpenToWrite(sPath, FileStart::End, {.streams = true}, 0666, file);
+    if (opened.status == IoStatus::Unsupported)
+        return {nullptr, {CaptureStatus::Unsupported, 0, opened.text.substr(sPath.size() + 2)}};
+    if (!opened.Ok()) return {nullptr, FailureOf(opened.systemNumber)};
     return {std::make_unique<DiskCaptureFile>(std::move(file)), {}};
 }
 

@@ -2,12 +2,12 @@
 
 #include "diagnosis/MachineFacts.h"
 #include "platform/Fd.h"
+#include "platform/FileOpening.h"
 
 #include <algorithm>
 #include <array>
 #include <cctype>
 #include <cerrno>
-#include <fcntl.h>
 #include <unistd.h>
 
 namespace qncomm {
@@ -48,8 +48,8 @@ bool Names(std::string_view text, std::string_view device) {
 
 std::optional<std::vector<std::string>> ReadKernelMessages(const std::string& sFile,
                                                            std::string_view sDevice) {
-    const Fd file(::open(sFile.c_str(), O_RDONLY | O_NONBLOCK | O_CLOEXEC));
-    if (!file) return std::nullopt;
+    Fd file;
+    if (!OpenToRead(sFile, {.streams = true}, file).Ok()) return std::nullopt;
     const auto read = ReadAll(file.Get());
     if (!read) return std::nullopt;
     const std::string& all = *read;

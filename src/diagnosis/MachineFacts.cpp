@@ -1,12 +1,13 @@
 #include "diagnosis/MachineFacts.h"
 
 #include "KernelMessages.h"
+#include "platform/FileOpening.h"
 
 #include <algorithm>
 #include <array>
 #include <charconv>
+#include <cstdint>
 #include <filesystem>
-#include <fstream>
 #include <iterator>
 #include <sstream>
 #include <sys/stat.h>
@@ -21,8 +22,10 @@ using Strings = std::vector<std::string>;
 using Number = unsigned long;
 
 std::string ContentOf(const fs::path& file) {
-    std::ifstream stream(file, std::ios::binary);
-    return {std::istreambuf_iterator<char>(stream), {}};
+    constexpr std::uint64_t most = 16U << 20U;
+    std::string content;
+    static_cast<void>(ReadWholeFile(file, {.limit = most}, content));
+    return content;
 }
 
 Strings Split(const std::string& text, char at) {

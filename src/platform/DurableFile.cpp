@@ -1,16 +1,18 @@
 #include "platform/DurableFile.h"
 
 #include "common/HostPath.h"
+#include "platform/FileOpening.h"
 #include "platform/SystemErrors.h"
 
 #include <algorithm>
 #include <cerrno>
 #include <cstdio>
-#include <cstdlib>
 #include <filesystem>
 #include <system_error>
+#include <utility>
 
 #include <fcntl.h>
+#include <sys/file.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -20,7 +22,7 @@ namespace {
 namespace fs = std::filesystem;
 
 constexpr mode_t PrivateMode = 0600;
-constexpr mode_t PermissionBits = 0777;
+constexpr std::uint32_t PermissionBits = 0777;
 
 /// Read and write for everybody, as far as the process's umask leaves it. The only way to read the
 /// mask is to set it.
@@ -30,18 +32,49 @@ mode_t UsualMode() {
     return 0666U & ~mask;
 }
 
-mode_t ModeFor(FileMode mode, const std::string& target) {
-    if (mode == FileMode::Private) return PrivateMode;
-    struct ::stat there {};
-    if (mode == FileMode::Replaced && ::stat(target.c_str(), &there) == 0)
-        return there.st_mode & PermissionBits;
-    return UsualMode();
-}
+/// Where no file stands that is being written, in the folder of the target: the first of a row of
+/// names that no writer holds. A name does not contain the target's, which with an ending could be
+/// too long or another file's. A writer holds its file's lock, so that what a killed one left is
+/// known and cleared by the next.
+class FreePlace {
+  public:
+    explicit FreePlace(const std::string& target) : mStem(FolderOf(target) + ".qncomm-") {}
 
-bool IsFolder(const std::string& path) {
-    struct ::stat there {};
-    return ::stat(path.c_str(), &there) == 0 && S_ISDIR(there.st_mode);
-}
+    /// Makes the file and locks it. Returns 0 with path and fd set, or errno.
+    int Take(std::string& path, Fd& fd) {
+        for (int n = 1; n <= Most; ++n) {
+            path = mStem + std::to_string(n);
+            ClearLeftOver(path);
+            fd.Reset(::open(path.c_str(), O_RDWR | O_CREAT | O_EXCL | O_CLOEXEC, PrivateMode));
+            if (!fd && errno != EEXIST) return errno;
+            // Another writer may have taken it for a left-over before it was locked.
+            if (fd && Lock(path, fd)) return 0;
+        }
+        return EEXIST;
+    }
+
+    /// Locks an open file and tells whether it is still the one at that path.
+    static bool Lock(const std::string& path, const Fd& fd) {
+        struct ::stat open {};
+        struct ::stat there {};
+        return ::flock(fd.Get(), LOCK_EX | LOCK_NB) == 0 && ::fstat(fd.Get(), &open) == 0
+               && ::lstat(path.c_str(), &there) == 0 && open.st_dev == there.st_dev
+               && open.st_ino == there.st_ino;
+    }
+
+  private:
+    static constexpr int Most = 1000;
+
+    static void ClearLeftOver(const std::string& path) {
+        struct ::stat there {};
+        Fd former;
+        if (OpenToRead(path, {.links = false}, former).Ok() && Lock(path, former)
+            && ::fstat(former.Get(), &there) == 0 && there.st_uid == ::geteuid())
+            ::unlink(path.c_str());
+    }
+
+    std::string mStem;
+};
 
 /// Brings the folder's list of names to the disk. A folder that may be written but not read, and a
 /// file system that cannot do this for folders, are left as they are.
@@ -52,9 +85,10 @@ bool SyncFolder(const std::string& folder) {
 }
 
 IoResult WriteInto(const std::string& path, std::string_view bytes) {
-    const Fd fd(::open(path.c_str(), O_WRONLY | O_CLOEXEC));
-    const int error = fd ? WriteAll(fd.Get(), bytes) : errno;
-    return error == 0 ? IoResult{} : FileFailure(error, path);
+    Fd fd;
+    IoResult result = OpenToWrite(path, FileStart::End, {.streams = true}, PrivateMode, fd);
+    const int error = result.Ok() ? WriteAll(fd.Get(), bytes) : 0;
+    return error == 0 ? result : FileFailure(error, path);
 }
 
 } // namespace
@@ -62,23 +96,25 @@ IoResult WriteInto(const std::string& path, std::string_view bytes) {
 IoResult DurableFile::Create(const std::string& sTarget) {
     Discard();
     mTarget = sTarget;
-    // Not made of the target's name, which with an ending could be too long or another file's.
-    mBeside = FolderOf(sTarget) + ".qncomm-XXXXXX";
-    return IsFolder(sTarget) ? Failure(EISDIR) : Adopt(::mkostemp(mBeside.data(), O_CLOEXEC));
+    if (IoResult resolved = ResolveTarget(mTarget); !resolved.Ok()) return resolved;
+    const int error = FreePlace(mTarget).Take(mBeside, mFile);
+    mLength = 0;
+    return error == 0 ? IoResult{} : Failure(error);
 }
 
-IoResult DurableFile::Open(const std::string& sTarget, const std::string& sBeside) {
+IoResult DurableFile::Open(const std::string& sTarget, const std::string& sEnding) {
     Discard();
     mTarget = sTarget;
-    mBeside = sBeside;
-    constexpr int flags = O_RDWR | O_CREAT | O_CLOEXEC | O_NOFOLLOW;
-    return IsFolder(sTarget) ? Failure(EISDIR) : Adopt(::open(mBeside.c_str(), flags, PrivateMode));
-}
-
-IoResult DurableFile::Adopt(int fd) {
-    if (fd < 0) return Failure(errno);
-    mFile.Reset(fd);
-    const off_t end = ::lseek(fd, 0, SEEK_END);
+    if (IoResult resolved = ResolveTarget(mTarget); !resolved.Ok()) return resolved;
+    mBeside = mTarget + sEnding;
+    Fd file;
+    IoResult opened =
+        OpenToWrite(mBeside, FileStart::Kept, {.links = false, .own = true}, PrivateMode, file);
+    if (!opened.Ok()) return opened;
+    if (!FreePlace::Lock(mBeside, file))
+        return {IoStatus::Busy, EBUSY, mBeside + ": another program writes it"};
+    mFile = std::move(file);
+    const off_t end = ::lseek(mFile.Get(), 0, SEEK_END);
     mLength = end > 0 ? static_cast<std::uint64_t>(end) : 0;
     return {};
 }
@@ -100,13 +136,33 @@ IoResult DurableFile::Clear() {
     return {};
 }
 
+std::int64_t DurableFile::Modified() const {
+    struct ::stat facts {};
+    return ::fstat(mFile.Get(), &facts) == 0 ? facts.st_mtim.tv_sec : 0;
+}
+
 IoResult DurableFile::SetModified(std::int64_t lSeconds) {
     const timespec times[2] = {{0, UTIME_OMIT}, {static_cast<time_t>(lSeconds), 0}};
     return ::futimens(mFile.Get(), times) == 0 ? IoResult{} : Failure(errno);
 }
 
+IoResult DurableFile::ReadAt(std::uint64_t lOffset, std::size_t lMost, std::string& sBytes) const {
+    sBytes.resize(lMost);
+    ssize_t got = 0;
+    do
+        got = ::pread(mFile.Get(), sBytes.data(), lMost, static_cast<off_t>(lOffset));
+    while (got < 0 && errno == EINTR);
+    sBytes.resize(got > 0 ? static_cast<std::size_t>(got) : 0);
+    return got < 0 ? Failure(errno) : IoResult{};
+}
+
 IoResult DurableFile::Commit(FileMode mode) {
-    return Commit(ModeFor(mode, mTarget));
+    if (mode == FileMode::Private) return Commit(std::uint32_t{PrivateMode});
+    struct ::stat there {};
+    if (::stat(mTarget.c_str(), &there) != 0) return Commit(std::uint32_t{UsualMode()});
+    // Only the superuser can give a file away; to anybody else it becomes one of their own.
+    static_cast<void>(::fchown(mFile.Get(), there.st_uid, there.st_gid) == 0);
+    return Commit(std::uint32_t{there.st_mode});
 }
 
 IoResult DurableFile::Commit(std::uint32_t lPermissions) {
@@ -137,12 +193,11 @@ IoResult ReplaceFile(const std::string& sTarget, std::string_view sBytes, FileMo
 IoResult SaveFile(const std::string& sPath, std::string_view sBytes) {
     std::error_code ignored;
     const fs::file_status there = fs::status(sPath, ignored);
-    if (!fs::exists(there)) return ReplaceFile(sPath, sBytes, FileMode::Usual);
+    if (!fs::exists(there)) return ReplaceFile(sPath, sBytes);
     const bool direct = !fs::is_regular_file(there);
     if (IoResult allowed = WriteInto(sPath, direct ? sBytes : ""); direct || !allowed.Ok())
         return allowed;
-    IoResult result =
-        ReplaceFile(fs::canonical(sPath, ignored).string(), sBytes, FileMode::Replaced);
+    IoResult result = ReplaceFile(sPath, sBytes);
     // Folders of the kernel's own, such as /proc, refuse a new name as if the path were not there.
     return result.systemNumber == ENOENT ? FileFailure(EROFS, sPath) : result;
 }

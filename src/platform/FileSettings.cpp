@@ -3,6 +3,9 @@
 #include "SettingsFile.h"
 #include "common/QNError.h"
 #include "common/RuntimeErrors.h"
+#include "platform/DurableFile.h"
+#include "platform/FileOpening.h"
+#include "platform/SystemErrors.h"
 
 #include <array>
 #include <cerrno>
@@ -20,6 +23,9 @@ namespace {
 
 constexpr std::int32_t LockTimeoutMs = 5000;
 
+/// Bytes: some ten thousand connections with all that is kept of them.
+constexpr std::uint64_t LargestSettings = 8U << 20U;
+
 std::int32_t RuntimeNumber(int systemError) {
     static constexpr std::array<std::pair<int, std::int32_t>, 7> table{{
         {EACCES, RtPermissionDenied},
@@ -33,6 +39,17 @@ std::int32_t RuntimeNumber(int systemError) {
     for (const auto& [error, number] : table)
         if (error == systemError) return number;
     return RtPathFileAccess;
+}
+
+/// A file that is not there reads as an empty text.
+IoResult ReadSettings(const std::string& path, std::string& text) {
+    IoResult result = ReadWholeFile(path, {.limit = LargestSettings}, text);
+    return result.systemNumber == ENOENT ? IoResult{} : result;
+}
+
+IoResult WriteSettings(const std::string& path, const std::string& text) {
+    if (text.size() > LargestSettings) return FileFailure(EFBIG, path);
+    return ReplaceFile(path, text, FileMode::Private);
 }
 
 void RaiseUnless(const IoResult& result) {
@@ -89,7 +106,7 @@ void FileSettings::WriteValues(const std::vector<SettingValue>& values) {
         const FileLock lock(mPath, LockTimeoutMs, mInterrupt);
         RaiseUnless(lock.Result());
         std::string text;
-        RaiseUnless(ReadWholeFile(mPath, text));
+        RaiseUnless(ReadSettings(mPath, text));
         auto document = SettingsDocument::Parse(text);
         if (!document) {
             RaiseUnless(MoveAside(mPath, movedTo));
@@ -101,7 +118,7 @@ void FileSettings::WriteValues(const std::vector<SettingValue>& values) {
             document->SetValue(section, key, value);
             changed = true;
         }
-        if (changed) RaiseUnless(ReplaceSettings(mPath, document->Text()));
+        if (changed) RaiseUnless(WriteSettings(mPath, document->Text()));
     }
     if (!movedTo.empty()) Warn("The settings in " + mPath + " were damaged; kept as " + movedTo);
 }
@@ -124,7 +141,7 @@ void FileSettings::Read() const {
     mDocument = {};
     mDamaged = false;
     std::string text;
-    if (const IoResult result = ReadWholeFile(mPath, text); !result.Ok()) {
+    if (const IoResult result = ReadSettings(mPath, text); !result.Ok()) {
         Warn("The settings cannot be read: " + result.text);
         return;
     }
@@ -141,7 +158,7 @@ void FileSettings::MoveDamagedAside() const {
         const FileLock lock(mPath, LockTimeoutMs, mInterrupt);
         result = lock.Result();
         std::string text;
-        if (result.Ok()) result = ReadWholeFile(mPath, text);
+        if (result.Ok()) result = ReadSettings(mPath, text);
         if (result.Ok() && !SettingsDocument::Parse(text)) result = MoveAside(mPath, movedTo);
     }
     if (!result.Ok())

@@ -41,7 +41,7 @@ void ForgetThisProcess() {
     sigset_t none;
     ::sigemptyset(&none);
     ::sigprocmask(SIG_SETMASK, &none, nullptr);
-    for (const int ignored : {SIGPIPE, SIGINT, SIGTERM, SIGHUP, SIGCHLD})
+    for (const int ignored : {SIGPIPE, SIGXFSZ, SIGINT, SIGTERM, SIGHUP, SIGCHLD})
         ::signal(ignored, SIG_DFL);
     ::setsid();
     const int nowhere = ::open("/dev/null", O_RDWR | O_CLOEXEC);

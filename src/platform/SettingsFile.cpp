@@ -2,12 +2,11 @@
 
 #include "common/HostPath.h"
 #include "common/Wait.h"
-#include "platform/DurableFile.h"
 #include "platform/FdWait.h"
+#include "platform/FileOpening.h"
 #include "platform/Interrupt.h"
 #include "platform/SystemErrors.h"
 
-#include <array>
 #include <cerrno>
 #include <cstdio>
 #include <filesystem>
@@ -25,29 +24,6 @@ IoResult Failed(const std::string& path) {
 }
 
 } // namespace
-
-IoResult ReadWholeFile(const std::string& sPath, std::string& sText) {
-    sText.clear();
-    const Fd file(::open(sPath.c_str(), O_RDONLY | O_CLOEXEC));
-    if (!file) return errno == ENOENT ? IoResult{} : Failed(sPath);
-    std::array<char, 16384> part; // NOLINT(*-member-init): filled by read
-    for (;;) {
-        const ssize_t got = ::read(file.Get(), part.data(), part.size());
-        if (got < 0 && errno == EINTR) continue;
-        if (got < 0) return Failed(sPath);
-        if (got == 0) return {};
-        sText.append(part.data(), static_cast<std::size_t>(got));
-    }
-}
-
-IoResult ReplaceSettings(const std::string& sPath, std::string_view sText) {
-    DurableFile file;
-    IoResult result = file.Open(sPath, sPath + ".new");
-    if (result.Ok()) result = file.Clear();
-    if (result.Ok()) result = file.Append(sText);
-    if (result.Ok()) result = file.Commit(FileMode::Private);
-    return result;
-}
 
 IoResult MakeFoldersFor(const std::string& sPath) {
     std::filesystem::path made;
@@ -73,11 +49,8 @@ IoResult MoveAside(const std::string& sPath, std::string& sNewPath) {
 
 FileLock::FileLock(const std::string& sPath, std::int32_t lTimeout, const Interrupt* interrupt) {
     const std::string path = sPath + ".lock";
-    mFile.Reset(::open(path.c_str(), O_RDWR | O_CREAT | O_CLOEXEC, 0600));
-    if (!mFile) {
-        mResult = Failed(path);
-        return;
-    }
+    mResult = OpenToWrite(path, FileStart::Kept, {}, 0600, mFile);
+    if (!mResult.Ok()) return;
     constexpr std::int32_t step = 5; // ms; a holder writes one small file
     const SystemClock clock;
     int error = 0;

@@ -5,19 +5,10 @@
 
 #include <cstdint>
 #include <string>
-#include <string_view>
 
 namespace qncomm {
 
 class Interrupt;
-
-/// Reads a whole file; a file that is not there reads as an empty text.
-IoResult ReadWholeFile(const std::string& sPath, std::string& sText);
-
-/// Puts sText in the place of the settings file at sPath, readable for its owner alone, so that a
-/// reader, now or after a power cut, sees either the old or the new text, whole. The caller holds
-/// the file's lock: what a writer that was killed left behind is written over.
-IoResult ReplaceSettings(const std::string& sPath, std::string_view sText);
 
 /// Makes the folders above sPath, readable for this user alone.
 IoResult MakeFoldersFor(const std::string& sPath);

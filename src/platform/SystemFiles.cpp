@@ -3,6 +3,7 @@
 #include "common/RuntimeErrors.h"
 #include "platform/DurableFile.h"
 #include "platform/Fd.h"
+#include "platform/FileOpening.h"
 
 #include <array>
 #include <cerrno>
@@ -10,7 +11,6 @@
 #include <system_error>
 #include <utility>
 
-#include <fcntl.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -74,10 +74,7 @@ class FilesOfSystem final : public HostFiles {
         return error ? 0 : size;
     }
 
-    bool CanCreate(const std::string& sPath) override {
-        const Fd probe(::open(sPath.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, 0600));
-        return probe && ::unlink(sPath.c_str()) == 0;
-    }
+    bool CanCreate(const std::string& sPath) override { return CanCreateFile(sPath); }
 
     std::string CurrentFolder() override {
         std::error_code error;
@@ -85,11 +82,11 @@ class FilesOfSystem final : public HostFiles {
     }
 
     std::unique_ptr<HostFile> Open(const std::string& sPath) override {
-        // A pipe that nobody writes to would otherwise be waited for.
-        Fd file(::open(sPath.c_str(), O_RDONLY | O_NONBLOCK | O_CLOEXEC));
+        Fd file;
         struct ::stat is {};
-        if (!file || ::fstat(file.Get(), &is) != 0) RaiseFileError(errno, RtFileNotFound);
-        if (!S_ISREG(is.st_mode)) RaiseRuntimeError(RtPathFileAccess);
+        const IoResult opened = OpenToRead(sPath, {}, file);
+        if (!opened.Ok()) RaiseFileError(opened.systemNumber, RtFileNotFound);
+        if (::fstat(file.Get(), &is) != 0) RaiseFileError(errno, RtFileNotFound);
         return std::make_unique<OpenedFile>(sPath, static_cast<std::uintmax_t>(is.st_size),
                                             std::move(file));
     }

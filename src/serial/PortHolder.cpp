@@ -1,13 +1,15 @@
 #include "serial/PortHolder.h"
 
+#include "platform/FileOpening.h"
+
 #include <algorithm>
 #include <cerrno>
 #include <charconv>
 #include <csignal>
 #include <cstddef>
+#include <cstdint>
 #include <cstring>
 #include <filesystem>
-#include <fstream>
 #include <iterator>
 #include <optional>
 #include <sstream>
@@ -26,11 +28,20 @@ namespace fs = std::filesystem;
 
 constexpr const char* Proc = "/proc";
 
+constexpr std::uint64_t LargestList = 16U << 20U; ///< bytes of a list that the kernel keeps
+constexpr std::uint64_t LargestLockFile = 256;    ///< bytes; it holds a number and maybe two names
+
+/// What the file holds; nothing when it cannot be read, is no file or is larger than that. A folder
+/// of lock files is open to everybody, so that anything can stand there.
+std::string TextOf(const fs::path& file, std::uint64_t most = LargestList) {
+    std::string text;
+    static_cast<void>(ReadWholeFile(file, {.limit = most}, text));
+    return text;
+}
+
 PortHolder HolderFor(pid_t process, const fs::path& proc = Proc) {
-    std::ifstream stream(proc / std::to_string(process) / "comm");
-    PortHolder holder{process, {}};
-    std::getline(stream, holder.name);
-    return holder;
+    const std::string name = TextOf(proc / std::to_string(process) / "comm");
+    return {process, name.substr(0, name.find('\n'))};
 }
 
 std::optional<pid_t> ProcessNumber(const std::string& text) {
@@ -52,7 +63,7 @@ std::optional<pid_t> LockOwner(const struct stat& device, const fs::path& proc) 
         node << part << ':';
     }
     node << std::dec << device.st_ino;
-    std::ifstream locks(proc / "locks");
+    std::istringstream locks(TextOf(proc / "locks"));
     for (std::string line; std::getline(locks, line);) {
         std::istringstream stream(line);
         const std::vector<std::string> words{std::istream_iterator<std::string>(stream), {}};
@@ -107,8 +118,7 @@ PortHolder HolderOf(const struct stat& device) {
 
 /// The process number in a lock file: text, or a binary number in the oldest form.
 std::optional<pid_t> LockFileProcess(const fs::path& file) {
-    std::ifstream stream(file, std::ios::binary);
-    const std::string text{std::istreambuf_iterator<char>(stream), {}};
+    const std::string text = TextOf(file, LargestLockFile);
     std::istringstream words(text);
     std::string first;
     words >> first;

@@ -4,6 +4,7 @@
 #include "serial/TransferPreferences.h"
 #include "transfer/TransferFiles.h"
 
+#include <cstdint>
 #include <functional>
 #include <string>
 
@@ -27,6 +28,8 @@ class ReceivedFile final : public transfer::FileSink {
 
   private:
     IoResult Open();
+    bool MayGoOn(const transfer::FileInfo& file) const;
+    IoResult Sum(std::uint32_t& lSum) const;
     IoResult PutInPlace();
     void Abandon();
 

@@ -1,9 +1,9 @@
 #include "SentFile.h"
 
+#include "platform/FileOpening.h"
 #include "platform/SystemErrors.h"
 
 #include <cerrno>
-#include <fcntl.h>
 #include <sys/stat.h>
 #include <unistd.h>
 #include <utility>
@@ -11,15 +11,8 @@
 namespace qncomm {
 
 SentFile::SentFile(std::string path, bool resume, NameFor nameFor)
-    : mPath(std::move(path)),
-      mResume(resume),
-      mNameFor(std::move(nameFor)),
-      mFile(::open(mPath.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK)) {
-    struct ::stat facts {};
-    if (!mFile || ::fstat(mFile.Get(), &facts) != 0)
-        mRefusal = mPath + ": " + SystemText(errno);
-    else if (!S_ISREG(facts.st_mode))
-        mRefusal = mPath + ": not a regular file";
+    : mPath(std::move(path)), mResume(resume), mNameFor(std::move(nameFor)) {
+    mRefusal = OpenToRead(mPath, {}, mFile).text;
 }
 
 std::optional<transfer::FileInfo> SentFile::Next() {

@@ -1,12 +1,13 @@
 #include "serial/SerialDevices.h"
 
+#include "platform/FileOpening.h"
 #include "serial/ChannelKind.h"
 
 #include <algorithm>
 #include <array>
 #include <charconv>
+#include <cstdint>
 #include <filesystem>
-#include <fstream>
 #include <optional>
 #include <string_view>
 #include <system_error>
@@ -21,10 +22,10 @@ namespace fs = std::filesystem;
 constexpr std::array<std::string_view, 3> Families{"ttyUSB", "ttyACM", "ttyS"};
 
 std::string FirstLine(const fs::path& file) {
-    std::ifstream stream(file);
-    std::string line;
-    std::getline(stream, line);
-    return line;
+    constexpr std::uint64_t most = 4096; // bytes of an attribute
+    std::string text;
+    static_cast<void>(ReadWholeFile(file, {.limit = most}, text));
+    return text.substr(0, text.find('\n'));
 }
 
 struct DeviceName {

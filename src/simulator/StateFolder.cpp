@@ -1,11 +1,11 @@
 #include "StateFolder.h"
 
 #include "platform/DurableFile.h"
+#include "platform/FileOpening.h"
 
 #include <array>
+#include <cstdint>
 #include <filesystem>
-#include <fstream>
-#include <iterator>
 #include <optional>
 #include <system_error>
 
@@ -14,6 +14,8 @@ namespace {
 
 constexpr char PlainMark = 'f';
 constexpr char SystemMark = 's';
+/// Bytes; beyond the memory of any model.
+constexpr std::uint64_t LargestFile = 256U << 20U;
 constexpr std::string_view SetupName = "setup.txt";
 
 bool IsPlain(char c) {
@@ -68,10 +70,8 @@ std::optional<PrinterName> ReadHostName(const std::string& hostName) {
 }
 
 std::optional<std::string> ReadFile(const std::filesystem::path& path) {
-    std::ifstream file(path, std::ios::binary);
-    if (!file) return std::nullopt;
-    std::string content{std::istreambuf_iterator<char>(file), std::istreambuf_iterator<char>()};
-    if (file.bad()) return std::nullopt;
+    std::string content;
+    if (!qncomm::ReadWholeFile(path, {.limit = LargestFile}, content).Ok()) return std::nullopt;
     return content;
 }
 
@@ -83,7 +83,7 @@ std::string StateFolder::DeviceFolder(const Device& device) const {
 
 bool StateFolder::WriteFile(const std::string& path, const std::string& content) {
     // Until it is in place the file has a name that ReadHostName does not take for a printer's.
-    const bool written = qncomm::ReplaceFile(path, content, qncomm::FileMode::Usual).Ok();
+    const bool written = qncomm::ReplaceFile(path, content).Ok();
     mSound = mSound && written;
     return written;
 }
@@ -97,7 +97,7 @@ bool StateFolder::Attach(Storage& storage, SetupTree& setup) {
     const bool known = std::filesystem::exists(mFolder + "/" + std::string(SetupName), unknown);
     if (known && !Load(storage, setup)) return mSound = false;
     storage.OnChanged(
-        [this](const Device& device, const std::string& name) { Keep(device, name); });
+        [this](const Device& device, const std::string& name) { return Keep(device, name); });
     if (known) return true;
     for (const Device* device : storage.Devices()) {
         if (device->readOnly || device->isVolatile) continue;
@@ -136,22 +136,24 @@ bool StateFolder::LoadDevice(Storage& storage, Device& device) {
     return !error;
 }
 
-void StateFolder::Keep(const Device& device, const std::string& name) {
-    if (device.readOnly || device.isVolatile) return;
+bool StateFolder::Keep(const Device& device, const std::string& name) {
+    if (device.readOnly || device.isVolatile) return true;
     const std::string folder = DeviceFolder(device) + "/";
     const auto file = device.files.find(name);
     const bool there = file != device.files.end();
-    if (there && file->second.hidden) return; // the permanent file stays as it is kept
-    const bool kept = there && file->second.permanent;
+    if (there && file->second.hidden) return true; // the permanent file stays as it is kept
+    const bool permanent = there && file->second.permanent;
+    bool kept = true;
     for (const bool system : {false, true}) {
         const std::string path = folder + HostName(name, system);
         std::error_code error;
-        if (kept && file->second.system == system) {
-            WriteFile(path, file->second.content);
-        } else if (!std::filesystem::remove(path, error) && error) {
-            mSound = false;
-        }
+        if (permanent && file->second.system == system)
+            kept = WriteFile(path, file->second.content) && kept;
+        else if (!std::filesystem::remove(path, error) && error)
+            kept = false;
     }
+    mSound = mSound && kept;
+    return kept;
 }
 
 } // namespace qnsim

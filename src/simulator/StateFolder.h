@@ -23,13 +23,13 @@ class StateFolder {
 
     bool SaveSetup(const SetupTree& setup);
 
-    /// Everything up to now has been kept.
+    /// Whether everything up to now has been kept.
     bool IsSound() const { return mSound; }
 
   private:
     bool Load(Storage& storage, SetupTree& setup);
     bool LoadDevice(Storage& storage, Device& device);
-    void Keep(const Device& device, const std::string& name);
+    bool Keep(const Device& device, const std::string& name);
     std::string DeviceFolder(const Device& device) const;
     bool WriteFile(const std::string& path, const std::string& content);
 

@@ -70,6 +70,11 @@ void Storage::Install(Device& device, std::string name, StoredFile file) {
     place = std::move(file);
 }
 
+Storage::Files::iterator Storage::Remove(Device& device, Files::iterator file) {
+    device.used -= file->second.Size();
+    return device.files.erase(file);
+}
+
 Device* Storage::FindDevice(std::string_view name) {
     const std::string wanted = name.empty() || name == "." ? mCurrent : Lower(Trim(name));
     const auto found = std::find_if(mDevices.begin(), mDevices.end(),
@@ -113,8 +118,8 @@ const StoredFile* Storage::Find(std::string_view path) {
     return found == place.device->files.end() ? nullptr : &found->second;
 }
 
-void Storage::Tell(const Device& device, const std::string& name) const {
-    if (mChanged) mChanged(device, name);
+bool Storage::Tell(const Device& device, const std::string& name) const {
+    return !mChanged || mChanged(device, name);
 }
 
 Error Storage::WriteTo(Device& device, std::string_view name, StoredFile file) {
@@ -126,9 +131,15 @@ Error Storage::WriteTo(Device& device, std::string_view name, StoredFile file) {
         file.hidden =
             old->second.permanent ? std::optional(old->second.content) : old->second.hidden;
     if (file.Size() > device.Free() + (replaces ? old->second.Size() : 0)) return Error::DeviceFull;
+    std::optional<StoredFile> former;
+    if (replaces) former = old->second;
     Install(device, kept, std::move(file));
-    Tell(device, kept);
-    return Error::None;
+    if (Tell(device, kept)) return Error::None;
+    if (former)
+        Install(device, kept, std::move(*former));
+    else
+        Remove(device, device.files.find(kept));
+    return Error::DeviceFull;
 }
 
 Error Storage::Write(std::string_view path, std::string content) {
@@ -142,10 +153,11 @@ Error Storage::KillOn(Device& device, std::string_view name) {
     const auto found = device.files.find(name);
     if (found == device.files.end()) return Error::FileNotFound;
     const std::string removed = found->first;
-    device.used -= found->second.Size();
-    device.files.erase(found);
-    Tell(device, removed);
-    return Error::None;
+    StoredFile former = found->second;
+    Remove(device, found);
+    if (Tell(device, removed)) return Error::None;
+    Install(device, removed, std::move(former));
+    return Error::WriteProtected;
 }
 
 Error Storage::Kill(std::string_view path) {
@@ -171,9 +183,8 @@ void Storage::RemoveIf(Device& device, const std::function<bool(const StoredFile
             continue;
         }
         const std::string name = file->first;
-        device.used -= file->second.Size();
-        file = device.files.erase(file);
-        Tell(device, name);
+        file = Remove(device, file);
+        static_cast<void>(Tell(device, name)); // the folder is not sound then, which is told
     }
 }
 

@@ -54,8 +54,9 @@ class Storage {
     Storage(const Storage&) = delete;
     Storage& operator=(const Storage&) = delete;
 
-    /// Called after a file was written or removed (its content is gone then).
-    using Changed = std::function<void(const Device& device, const std::string& name)>;
+    /// Called after a file was written or removed (its content is gone then); false when that could
+    /// not be kept, which takes the change back.
+    using Changed = std::function<bool(const Device& device, const std::string& name)>;
     void OnChanged(Changed changed) { mChanged = std::move(changed); }
 
     /// A device by its name with or without regard to case, or the current one for an empty name or
@@ -88,8 +89,12 @@ class Storage {
     void Install(Device& device, std::string name, StoredFile file);
 
   private:
+    using Files = decltype(Device::files);
+
+    /// Takes a file out without a word; returns the one behind it.
+    static Files::iterator Remove(Device& device, Files::iterator file);
     void Preinstall(const Model& model);
-    void Tell(const Device& device, const std::string& name) const;
+    bool Tell(const Device& device, const std::string& name) const;
     void RemoveIf(Device& device, const std::function<bool(const StoredFile&)>& condition);
 
     std::vector<Device> mDevices;

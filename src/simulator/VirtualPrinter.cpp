@@ -26,6 +26,10 @@ constexpr std::size_t PacedWireTakes = 128;
 constexpr char Xon = '\x11';
 constexpr char Xoff = '\x13';
 
+std::string StateLost(const std::string& folder) {
+    return "the state cannot be kept in " + folder;
+}
+
 } // namespace
 
 class VirtualPrinter::Impl {
@@ -67,6 +71,7 @@ class VirtualPrinter::Impl {
     int mBootMs;
     std::size_t mLineTakes;
     Machine mMachine;
+    std::string mStateDir;
     std::optional<StateFolder> mState;
     std::string mProblem;
     std::unique_ptr<Console> mConsole;
@@ -92,9 +97,9 @@ VirtualPrinter::Impl::Impl(const Options& options)
     if (mMachine.labels && !mMachine.labels->IsUsable())
         mProblem = "labels cannot be written to " + options.labelsDir;
     if (options.stateDir.empty()) return;
+    mStateDir = options.stateDir;
     mState.emplace(options.stateDir);
-    if (!mState->Attach(mMachine.storage, mMachine.setup))
-        mProblem = "the state cannot be kept in " + options.stateDir;
+    if (!mState->Attach(mMachine.storage, mMachine.setup)) mProblem = StateLost(mStateDir);
     mLine.SetUart(mMachine.setup.Channel(options.uart));
 }
 
@@ -181,7 +186,7 @@ void VirtualPrinter::Impl::Send() {
     if (!mMachine.setupChanged) return;
     // The reply has gone out under the old settings.
     mMachine.setupChanged = false;
-    if (mState) mState->SaveSetup(mMachine.setup);
+    if (mState && !mState->SaveSetup(mMachine.setup)) mProblem = StateLost(mStateDir);
     mLine.SetUart(mMachine.setup.Channel(mMachine.wiredUart));
 }
 

@@ -1,30 +1,29 @@
 #include "trace/TraceReader.h"
 
-#include "platform/SystemErrors.h"
+#include "platform/FileOpening.h"
 
-#include <cerrno>
-#include <fstream>
 #include <utility>
 
 namespace qncomm {
 
 TraceReading ReadTrace(const std::string& sPath) {
     TraceReading reading;
-    std::ifstream in(sPath, std::ios::binary);
-    if (!in) {
-        reading.result = OpenFailure(errno);
-        return reading;
-    }
+    std::string text;
+    reading.result = ReadWholeFile(sPath, {.limit = LargestTrace}, text);
     int number = 0;
-    for (std::string line; std::getline(in, line);) {
+    for (std::string_view left = text; !left.empty();) {
         ++number;
-        const bool cutShort = in.eof();
+        const std::size_t end = left.find('\n');
+        const bool cutShort = end == std::string_view::npos;
+        const std::string_view line = left.substr(0, end);
+        left.remove_prefix(cutShort ? left.size() : end + 1);
         if (line.empty()) continue;
         std::optional<TraceRecord> record = ParseTraceLine(line);
         if (!record && cutShort) break;
         if (!record) {
             reading.result = {IoStatus::Failed, 0,
-                              "line " + std::to_string(number) + " is no record of a trace"};
+                              sPath + ": line " + std::to_string(number)
+                                  + " is no record of a trace"};
             return reading;
         }
         record->line = number;

@@ -1,13 +1,11 @@
 #include "trace/TraceRedaction.h"
 
 #include "common/Text.h"
-#include "platform/SystemErrors.h"
+#include "platform/DurableFile.h"
 
 #include <algorithm>
 #include <cctype>
-#include <cerrno>
 #include <charconv>
-#include <fstream>
 #include <utility>
 
 namespace qncomm {
@@ -142,15 +140,12 @@ void TraceRedaction::Follow(std::string_view bytes) {
 IoResult RedactTrace(const std::string& sFrom, const std::string& sTo) {
     const TraceReading reading = ReadTrace(sFrom);
     if (!reading.result.Ok()) return reading.result;
-    std::ofstream out(sTo, std::ios::binary | std::ios::trunc);
-    if (!out) return OpenFailure(errno);
+    std::string text;
     TraceRedaction redaction;
     for (const TraceRecord& record : reading.records)
         for (const TraceRecord& kept : redaction.Redact(record))
-            out << TraceLineOf(kept) << '\n';
-    out.close();
-    if (!out) return {IoStatus::Failed, errno, "it cannot be written"};
-    return {};
+            text += TraceLineOf(kept) + '\n';
+    return SaveFile(sTo, text);
 }
 
 } // namespace qncomm

@@ -1,5 +1,7 @@
 #include "Crc.h"
 
+#include "transfer/Crc32Sum.h"
+
 #include <array>
 #include <cstddef>
 
@@ -88,6 +90,10 @@ std::uint32_t Crc32(std::uint32_t crc, std::string_view bytes) {
         crc = (crc >> 8U) ^ K32[0][(crc ^ Byte(c)) & 0xFFU];
     }
     return crc;
+}
+
+void Crc32Sum::Add(std::string_view sBytes) {
+    mRegister = Crc32(mRegister, sBytes);
 }
 
 } // namespace qncomm::transfer

@@ -89,7 +89,7 @@ void KermitSender::OnAnswer(RequestKind kind, const transfer::Answer& answer, Ti
         if (!m->discardAll) {
             AskNextFile();
         } else {
-            OnNextFile({AnswerKind::Skip, {}, 0, {}, {}}, now);
+            OnNextFile({AnswerKind::Skip, {}, 0, 0, {}, {}}, now);
         }
         break;
     }

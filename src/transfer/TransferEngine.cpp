@@ -8,6 +8,8 @@ namespace qncomm::transfer {
 namespace {
 
 constexpr std::size_t Batch = 16384;
+// What the other side can make an engine say while the line takes none of it.
+constexpr std::size_t MostUntaken = 1048576;
 constexpr Time LastWords = std::chrono::seconds(10);
 
 } // namespace
@@ -33,6 +35,7 @@ void TransferEngine::Advance(Time now) {
     mInputView = mInput;
     while (!mRequest && mOutcome == Outcome::Running && !mInputView.empty()) {
         if (!OnInput(now)) break;
+        if (OutputSize() > MostUntaken) Fail("the line takes nothing of what is answered");
     }
     mInput.erase(0, mInput.size() - mInputView.size());
     mInputView = {};

@@ -47,6 +47,7 @@ transfer::Answer AskSink(FileSink& sink, const Request& request) {
         auto decision = sink.Offer(request.file);
         answer.kind = decision.kind;
         answer.offset = decision.offset;
+        answer.sum = decision.sum;
         answer.reason = std::move(decision.reason);
         return answer;
     }

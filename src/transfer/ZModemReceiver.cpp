@@ -15,6 +15,7 @@ constexpr Time NextFileEvery = Wait(1000);
 constexpr int NextFileTries = 10;
 constexpr Time FarewellEvery = Wait(330); // three of these are the second that a farewell may take
 constexpr int FarewellTries = 3;
+constexpr int SumTries = 3;
 // A sender that speaks again behind this long begins with a header.
 constexpr Time Pause = Wait(100);
 
@@ -87,6 +88,9 @@ void ZModemReceiver::OnHeader(Time now) {
     case zm::Data:
         OnDataHeader(header.Position(), now);
         break;
+    case zm::Crc:
+        OnSum(header.Position(), now);
+        break;
     case zm::Eof:
         OnEof(header.Position(), now);
         break;
@@ -110,6 +114,7 @@ void ZModemReceiver::OnAnyTimeHeader(std::uint8_t type, Time now) {
     case zm::Nak:
         if (m->state == State::Ready) SendReady(now);
         if (m->state == State::Reposition) SendReposition(now);
+        if (m->state == State::Compare) SendSumRequest(now);
         break;
     case zm::Skip: // the sender gives this file up
         if (mFileOpen) {
@@ -130,7 +135,7 @@ void ZModemReceiver::OnAnyTimeHeader(std::uint8_t type, Time now) {
 }
 
 void ZModemReceiver::OnFin(Time now) {
-    if (m->state == State::Reposition || m->state == State::Data) {
+    if (mFileOpen) {
         Fail("the sender ended the session before the file was whole");
         return;
     }
@@ -151,6 +156,9 @@ void ZModemReceiver::OnDamage(bool bHeader, Time now) {
         break;
     case State::Reposition:
         if (bHeader) SendReposition(now);
+        break;
+    case State::Compare:
+        if (bHeader) SendSumRequest(now);
         break;
     default:
         break;
@@ -195,6 +203,12 @@ void ZModemReceiver::OnTimer(Time now) {
         }
         break;
     }
+    case State::Compare:
+        if (++m->tries < SumTries)
+            SendSumRequest(now);
+        else
+            OfferAnew();
+        break;
     case State::Finished:
         End(Outcome::Success, "");
         break;

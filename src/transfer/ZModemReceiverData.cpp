@@ -15,6 +15,9 @@ constexpr std::uint32_t CommandRefused = 127;
 // In an attention sequence these two stand for a break signal and a pause; bytes alone can be sent
 // here.
 constexpr std::string_view AttentionMarks = "\xDD\xDE";
+constexpr std::size_t LongestAttention = 31;
+// The sender reads all that is here before it answers.
+constexpr Time SumPatience = std::chrono::seconds(10);
 
 } // namespace
 
@@ -42,7 +45,7 @@ void ZModemReceiver::OnContent(Time now) {
         if (m->state == State::Data) OnDataContent(now);
         break;
     case zm::SInit:
-        m->attention = content.substr(0, content.find('\0'));
+        m->attention = content.substr(0, std::min(content.find('\0'), LongestAttention));
         std::erase_if(m->attention,
                       [](char c) { return AttentionMarks.find(c) != std::string_view::npos; });
         m->reader.IgnoreControls((m->reader.Header().Flags() & zm::EscapeControlsFlag) != 0);
@@ -61,6 +64,10 @@ void ZModemReceiver::OnFileContent(Time now) {
         SendReposition(now); // the sender did not hear where to start
         return;
     }
+    if (m->state == State::Compare) {
+        SendSumRequest(now);
+        return;
+    }
     if (m->state != State::Ready) return;
     Disarm();
     Request request;
@@ -69,6 +76,7 @@ void ZModemReceiver::OnFileContent(Time now) {
     request.file.text = m->reader.Header().Flags() == zm::ConvertText;
     request.file.resume = m->reader.Header().Flags() == zm::ConvertResume;
     request.file.fromAnywhere = true;
+    request.file.compared = true;
     mFile = request.file;
     m->state = State::Offered;
     Enter(Phase::Opening);
@@ -104,9 +112,44 @@ void ZModemReceiver::OnOffered(const transfer::Answer& answer, Time now) {
         Arm(m->roundTrip.RetryAfter(), now);
         return;
     }
+    if (answer.offset >= zm::Positions) {
+        Fail("the file is too long for ZModem");
+        return;
+    }
     OpenFile(mFile, answer.offset);
     m->filePosition = answer.offset;
-    SendReposition(now);
+    m->sum = answer.sum;
+    if (answer.offset > 0)
+        SendSumRequest(now);
+    else
+        SendReposition(now);
+}
+
+void ZModemReceiver::SendSumRequest(Time now) {
+    m->state = State::Compare;
+    const auto length = static_cast<std::uint32_t>(m->filePosition);
+    m->writer.Hex(OutputBuffer(), ZModemHeader::At(zm::Crc, length));
+    ArmFixed(SumPatience, now);
+}
+
+void ZModemReceiver::OnSum(std::uint32_t sum, Time now) {
+    if (m->state != State::Compare) return;
+    m->tries = 0;
+    if (sum == m->sum)
+        SendReposition(now);
+    else
+        OfferAnew();
+}
+
+// What is here is the beginning of another file, or nobody can tell.
+void ZModemReceiver::OfferAnew() {
+    Disarm();
+    Request request;
+    request.kind = RequestKind::Offer;
+    request.file = mFile;
+    request.file.fromAnywhere = false;
+    m->state = State::Offered;
+    Ask(std::move(request));
 }
 
 void ZModemReceiver::OnDataHeader(std::uint64_t position, Time now) {
@@ -137,6 +180,10 @@ void ZModemReceiver::OnDataContent(Time now) {
     m->framePosition = end;
     if (end <= m->filePosition) {
         SubpacketTaken(now);
+        return;
+    }
+    if (end >= zm::Positions) {
+        Fail("the file is too long for ZModem");
         return;
     }
     Request request;

@@ -12,6 +12,7 @@ namespace qncomm::transfer {
 enum class ZModemReceiver::State {
     Ready,      ///< said so; a file or the end is awaited
     Offered,    ///< waiting for the caller to decide about a file
+    Compare,    ///< asked the sender for the sum of what is already here
     Reposition, ///< told the sender where to start; its frame is awaited
     Data,
     Closing,  ///< waiting for the caller to close the file
@@ -30,6 +31,7 @@ struct ZModemReceiver::Machine {
     std::uint8_t contentOf = 0;      ///< the header that announced the content being read
     int tries = 0;                   ///< of what was said last
     std::uint64_t filePosition = 0;  ///< bytes that the file has
+    std::uint32_t sum = 0;           ///< of the bytes that were here before the file was offered
     std::uint64_t framePosition = 0; ///< of the next subpacket in the file
     char subpacketEnd = 0;           ///< of the one being written
     Time askedAt{0};                 ///< when a position was asked for; -1 when more than once

@@ -15,7 +15,6 @@ using Millis = std::chrono::milliseconds;
 constexpr Time HelloEvery = Millis(3000);
 constexpr Time FinishEvery = Millis(330); // three of these are the second that a farewell may take
 constexpr int FinishTries = 3;
-constexpr std::uint64_t LargestPosition = 0xFFFFFFFFU;
 
 } // namespace
 
@@ -92,7 +91,7 @@ void ZModemSender::OnOther(std::uint8_t type, Time now) {
     case zm::Crc:
         if (m->state == State::FileSent) {
             const std::uint64_t limit = m->reader.Header().Position();
-            m->checksumEnd = limit == 0 ? LargestPosition : limit;
+            m->checksumEnd = limit == 0 ? zm::Positions - 1 : limit;
             m->checksumAt = 0;
             m->checksum = Crc32Start;
             m->state = State::Checksum;

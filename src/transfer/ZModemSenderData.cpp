@@ -5,7 +5,6 @@ namespace qncomm::transfer {
 namespace {
 
 constexpr int RestartLimit = 300;
-constexpr std::uint64_t Positions = 0x100000000U; // a header carries 32 bits
 
 } // namespace
 
@@ -139,7 +138,7 @@ void ZModemSender::SendPiece(Time now) {
     while (length > 1 && m->flow.MayAnswerFormer(m->position + length)) {
         --length;
     }
-    if (m->position + length >= Positions) {
+    if (m->position + length >= zm::Positions) {
         Fail("the file is too long for ZModem");
         return;
     }

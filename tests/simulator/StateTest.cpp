@@ -6,6 +6,10 @@
 #include <fstream>
 #include <unistd.h>
 
+#include <csignal>
+
+#include <sys/resource.h>
+
 namespace qncomm::testing {
 namespace {
 
@@ -138,6 +142,43 @@ TEST_F(StateTest, DamagedFolderIsNamedAndThePrinterWorks) {
     EXPECT_EQ(again.Line("PRINT 1"), "1");
     PrinterRig nowhere("R7G?state=/proc/none");
     EXPECT_NE(nowhere.Printer().Problem().find("/proc/none"), std::string::npos);
+}
+
+/// The folder's disk is full, as far as this process is concerned, while it lives.
+class NoRoomForFiles {
+  public:
+    NoRoomForFiles() {
+        EXPECT_EQ(::getrlimit(RLIMIT_FSIZE, &mFormer), 0);
+        mSignal = ::signal(SIGXFSZ, SIG_IGN);
+        const rlimit none{0, mFormer.rlim_max};
+        EXPECT_EQ(::setrlimit(RLIMIT_FSIZE, &none), 0);
+    }
+    ~NoRoomForFiles() {
+        ::setrlimit(RLIMIT_FSIZE, &mFormer);
+        ::signal(SIGXFSZ, mSignal);
+    }
+    NoRoomForFiles(const NoRoomForFiles&) = delete;
+    NoRoomForFiles& operator=(const NoRoomForFiles&) = delete;
+
+  private:
+    rlimit mFormer{};
+    void (*mSignal)(int) = nullptr;
+};
+
+TEST_F(StateTest, WhatCannotBeKeptIsThePrintersErrorAndChangesNothing) {
+    PrinterRig rig(mAddress);
+    rig.Ask("10 PRINT 1");
+    rig.Ask("SAVE\"c:A.PRG\"");
+    const std::string before = rig.Ask("FILES\"c:\"");
+    {
+        const NoRoomForFiles full;
+        EXPECT_NE(rig.Ask("SAVE\"c:B.PRG\"").find("Device full"), std::string::npos);
+        rig.Ask("20 PRINT 2");
+        EXPECT_NE(rig.Ask("SAVE\"c:A.PRG\"").find("Device full"), std::string::npos);
+        EXPECT_EQ(rig.Ask("FILES\"c:\""), before);
+    }
+    PrinterRig again(mAddress);
+    EXPECT_EQ(again.Ask("FILES\"c:\""), before) << "and so does the folder";
 }
 
 } // namespace

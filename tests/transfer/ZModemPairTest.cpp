@@ -45,6 +45,19 @@ TEST(ZModemPair, CarriesTextNearlyWithoutLoss) {
     EXPECT_GT(pair.Share(content.size(), 11520), 0.993);
 }
 
+// As many bytes are here as the sender could leave out, but they are not its file's.
+TEST(ZModemPair, WhatIsHereOfAnotherFileTravelsAnew) {
+    const std::string content = RandomBytes(40000, 7);
+    ZPair pair({{"a.bin", content}}, PacedLine());
+    pair.source.resume = true;
+    pair.sink.resumeFrom = content.substr(0, 20000);
+    pair.sink.resumeFrom[0] = static_cast<char>(~content[0]);
+    ASSERT_TRUE(pair.rig.Run(100s));
+    EXPECT_TRUE(pair.Carried(content)) << pair.sender.Reason() << pair.receiver.Reason();
+    EXPECT_EQ(pair.sink.Offered().size(), 2U);
+    EXPECT_FALSE(pair.sink.Offered()[1].fromAnywhere);
+}
+
 TEST(ZModemPair, LongSubpacketsWasteLess) {
     const std::string content = RandomBytes(1 << 20, 7);
     ZModemSenderOptions options;

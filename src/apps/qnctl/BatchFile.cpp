@@ -1,10 +1,5 @@
 #include "BatchFile.h"
 
-#include <cerrno>
-#include <fstream>
-#include <functional>
-#include <system_error>
-
 namespace qnctl {
 namespace {
 
@@ -53,17 +48,6 @@ bool AddLine(std::vector<BatchLine>& lines, const std::string& text, const std::
     return call.has_value();
 }
 
-/// The next line, nothing at the end.
-using NextLine = std::function<std::optional<std::string>()>;
-
-std::vector<BatchLine> ReadFrom(const NextLine& next, const std::string& name, Outcome& outcome) {
-    std::vector<BatchLine> lines;
-    int number = 1;
-    for (auto text = next(); text; text = next(), ++number)
-        if (!AddLine(lines, *text, name + ":" + std::to_string(number), outcome)) break;
-    return lines;
-}
-
 } // namespace
 
 std::optional<std::vector<std::string>> WordsOf(std::string_view line) {
@@ -78,20 +62,13 @@ std::optional<std::vector<std::string>> WordsOf(std::string_view line) {
     }
 }
 
-std::vector<BatchLine> ReadBatch(const std::string& file, qncomm::LineReader& input,
+std::vector<BatchLine> ReadBatch(const std::string& name, qncomm::LineReader& input,
                                  Outcome& outcome) {
-    if (file == "-") return ReadFrom([&] { return input.ReadLine(); }, file, outcome);
-    std::ifstream in(file, std::ios::binary);
-    if (!in || in.peek() == std::ifstream::traits_type::eof()) {
-        if (in.is_open() && !in.bad()) return {}; // an empty file calls nothing
-        outcome =
-            Refused(ExitStatus::Usage, file + ": " + std::generic_category().message(errno) + ".");
-        return {};
-    }
-    const NextLine next = [&in, text = std::string()]() mutable {
-        return std::getline(in, text) ? std::optional(text) : std::nullopt;
-    };
-    return ReadFrom(next, file, outcome);
+    std::vector<BatchLine> lines;
+    int number = 1;
+    for (auto text = input.ReadLine(); text; text = input.ReadLine(), ++number)
+        if (!AddLine(lines, *text, name + ":" + std::to_string(number), outcome)) break;
+    return lines;
 }
 
 } // namespace qnctl

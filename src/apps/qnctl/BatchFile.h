@@ -23,9 +23,10 @@ struct BatchLine {
 /// quote that does not end.
 std::optional<std::vector<std::string>> WordsOf(std::string_view line);
 
-/// Reads a batch ("-": the input) and understands all of it, so that a mistake is found before the
-/// first call. The outcome is set when it could not. Throws what the input's loop throws.
-std::vector<BatchLine> ReadBatch(const std::string& file, qncomm::LineReader& input,
+/// Reads a batch to its end and understands all of it, so that a mistake is found before the first
+/// call. The outcome is set when it could not; name stands for the batch in it. Throws what the
+/// input's loop throws.
+std::vector<BatchLine> ReadBatch(const std::string& name, qncomm::LineReader& input,
                                  Outcome& outcome);
 
 } // namespace qnctl

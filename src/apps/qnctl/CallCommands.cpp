@@ -3,6 +3,9 @@
 #include "MemberCalls.h"
 #include "Session.h"
 
+#include "platform/Fd.h"
+#include "platform/FileOpening.h"
+
 #include <CLI/CLI.hpp>
 
 #include <algorithm>
@@ -105,7 +108,13 @@ Outcome RunLine(Session& session, const BatchLine& line, bool showArguments) {
 
 Outcome Batch(Session& session, const BatchArguments& arguments) {
     Outcome outcome;
-    qncomm::LineReader input(session.Loop(), STDIN_FILENO);
+    qncomm::Fd file;
+    if (arguments.file != "-") {
+        // A pipe serves as well: what another program prints may be a batch.
+        const auto opened = qncomm::OpenToRead(arguments.file, {.streams = true}, file);
+        if (!opened.Ok()) return Refused(ExitStatus::Usage, opened.text + ".");
+    }
+    qncomm::LineReader input(session.Loop(), file ? file.Get() : STDIN_FILENO);
     const auto lines = ReadBatch(arguments.file, input, outcome);
     if (!outcome.Ok()) return outcome;
     const bool needsPort =

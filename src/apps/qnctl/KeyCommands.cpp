@@ -13,7 +13,6 @@
 #include <algorithm>
 #include <array>
 #include <charconv>
-#include <iostream>
 #include <memory>
 
 namespace qnctl {
@@ -63,7 +62,7 @@ class Reply {
     void Take(std::string_view text) {
         mSilence.Restart();
         mText += text;
-        if (!mSession.Out().IsJson()) std::cout << qncomm::Utf8FromPrinter(text) << std::flush;
+        if (!mSession.Out().IsJson()) mSession.Out().Text(qncomm::Utf8FromPrinter(text));
     }
 
     /// Returns after the printer's "Ok", or when nothing has come for as long as a terminal waits.

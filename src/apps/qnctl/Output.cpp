@@ -1,8 +1,10 @@
 #include "Output.h"
 
 #include "console/Charset.h"
+#include "platform/SystemErrors.h"
 
 #include <algorithm>
+#include <cerrno>
 #include <iostream>
 
 namespace qnctl {
@@ -24,10 +26,27 @@ std::string TextOf(const Json& document) {
 
 void Output::Document(const Json& document) const {
     std::cout << TextOf(document) << std::endl;
+    Look();
 }
 
 void Output::Line(std::string_view sText) const {
     std::cout << qncomm::WithoutControls(sText) << '\n';
+    Look();
+}
+
+void Output::Text(std::string_view sText) const {
+    std::cout << sText << std::flush;
+    Look();
+}
+
+void Output::Look() const {
+    if (!std::cout && mError == 0) mError = errno != 0 ? errno : EIO;
+}
+
+std::string Output::Lost() const {
+    std::cout.flush();
+    Look();
+    return mError == 0 ? "" : "Standard output: " + qncomm::SystemText(mError) + ".";
 }
 
 void Output::Table(const std::vector<Align>& columns, const std::vector<Row>& rows) const {

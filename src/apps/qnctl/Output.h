@@ -27,6 +27,13 @@ class Output {
     /// A line of text (UTF-8) without its end; control characters are shown, not sent.
     void Line(std::string_view sText) const;
 
+    /// Text of the printer's as it is, at once.
+    void Text(std::string_view sText) const;
+
+    /// Why the standard output takes no more ("Standard output: no space left on device."), after
+    /// all that was shown has been handed to it; empty as long as it took everything.
+    std::string Lost() const;
+
     /// Rows in columns as wide as their widest cell, two blanks apart.
     using Row = std::vector<std::string>;
     enum class Align { Left, Right };
@@ -36,7 +43,11 @@ class Output {
     void Failure(const Outcome& outcome) const;
 
   private:
+    /// Keeps what the system said of the first write that failed.
+    void Look() const;
+
     bool mJson;
+    mutable int mError = 0;
 };
 
 } // namespace qnctl

@@ -76,8 +76,7 @@ Outcome Session::MakeTheControl() {
     if (!mOptions.trace.empty() && !mTrace) {
         mTrace = std::make_unique<qncomm::JsonLinesTrace>(mOptions.trace);
         if (!mTrace->Result().Ok())
-            return Refused(ExitStatus::Usage,
-                           "--trace " + mOptions.trace + ": " + mTrace->Result().text + ".");
+            return Refused(ExitStatus::Usage, "--trace " + mTrace->Result().text + ".");
     }
     Wire();
     return {};
@@ -198,7 +197,12 @@ void Session::OnStatus(const std::string& message, std::int16_t progress, bool& 
         mTransfer->Show(message, progress);
     else
         Status().Show(message, progress);
-    if (mInterrupt.Raised()) cancel = true;
+    if (mInterrupt.Raised() || !mOutput.Lost().empty()) cancel = true;
+}
+
+Outcome Session::TraceOutcome() const {
+    if (!mTrace || mTrace->Result().Ok()) return {};
+    return Refused(ExitStatus::Error, "--trace " + mTrace->Result().text + ".");
 }
 
 bool Session::TakePortRefusal() {

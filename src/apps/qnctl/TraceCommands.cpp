@@ -18,9 +18,7 @@ struct RedactArguments {
 
 Outcome Redact(Session& session, const RedactArguments& arguments) {
     const qncomm::IoResult result = qncomm::RedactTrace(arguments.from, arguments.to);
-    if (!result.Ok())
-        return Refused(ExitStatus::Error,
-                       arguments.from + " to " + arguments.to + ": " + result.text + ".");
+    if (!result.Ok()) return Refused(ExitStatus::Error, result.text + ".");
     return Done(session);
 }
 

@@ -13,7 +13,6 @@
 #include <algorithm>
 #include <array>
 #include <cstdio>
-#include <iostream>
 #include <memory>
 #include <optional>
 
@@ -90,7 +89,6 @@ class WatchedPort final : public qncomm::TraceSink {
         mSerial.SetPortOpen(true);
         Outcome end = Watch();
         mRows.Flush();
-        std::cout.flush();
         return end;
     }
 
@@ -116,7 +114,8 @@ class WatchedPort final : public qncomm::TraceSink {
         while (mSerial.PortOpen()) {
             if (mSession.Interrupted()) return Cancelled();
             if (mAwaited.Seen()) return {};
-            if (!std::cout.flush()) return Refused(ExitStatus::Error, "The output takes no more.");
+            if (const std::string lost = mSession.Out().Lost(); !lost.empty())
+                return Refused(ExitStatus::Error, lost);
             const std::int32_t left = limit > 0 ? since.UntilExceeds(limit) : LongSleepMs;
             if (left == 0) return TimeIsOver();
             mSession.Loop().Yield(left);

@@ -6,12 +6,11 @@
 
 #include "common/QNError.h"
 
+#include "platform/StandardStreams.h"
+
 #include <cstdio>
 #include <exception>
 #include <utility>
-
-#include <fcntl.h>
-#include <unistd.h>
 
 namespace qnctl {
 namespace {
@@ -38,7 +37,8 @@ Outcome Carry(const Request& request, Session& session) {
 Outcome Run(const Request& request, const Output& output) {
     try {
         Session session(request.options, output);
-        return Carry(request, session);
+        Outcome outcome = Carry(request, session);
+        return outcome.Ok() ? session.TraceOutcome() : outcome;
     } catch (const qncomm::OperationCancelled&) {
         return Cancelled();
     } catch (const qncomm::QNError& error) {
@@ -48,18 +48,14 @@ Outcome Run(const Request& request, const Output& output) {
     }
 }
 
-/// Streams that the caller has closed get a place, so that no port or file takes theirs and is read
-/// as what a user types or written to as what is shown.
-void OpenMissingStreams() {
-    for (const int stream : {STDIN_FILENO, STDOUT_FILENO, STDERR_FILENO})
-        if (::fcntl(stream, F_GETFD) < 0) ::open("/dev/null", O_RDWR);
-}
-
 ExitStatus RunProgram(int argc, char** argv) {
     const CommandTable table = AllCommands();
     const Request request = ParseCommandLine(argc, argv, table);
     const Output output(request.options.json);
-    const Outcome outcome = request.ended ? *request.ended : Run(request, output);
+    Outcome outcome = request.ended ? *request.ended : Run(request, output);
+    // Also when something else went wrong: it was cancelled because nobody takes what it says.
+    if (const std::string lost = output.Lost(); !lost.empty())
+        outcome = Refused(ExitStatus::Error, lost);
     if (!outcome.Ok() && !outcome.message.empty()) output.Failure(outcome);
     return outcome.status;
 }
@@ -68,7 +64,7 @@ ExitStatus RunProgram(int argc, char** argv) {
 } // namespace qnctl
 
 int main(int argc, char** argv) {
-    qnctl::OpenMissingStreams();
+    qncomm::PrepareStandardStreams();
     try {
         return static_cast<int>(qnctl::RunProgram(argc, argv));
     } catch (const std::exception& error) { // such as memory that ran out

@@ -6,6 +6,7 @@
 #include "endpoints/TcpEndpoint.h"
 #include "platform/Interrupt.h"
 #include "platform/PollLoop.h"
+#include "platform/StandardStreams.h"
 
 #include <CLI/CLI.hpp>
 
@@ -125,7 +126,7 @@ std::unique_ptr<qncomm::FdWatch> StopOn(qncomm::Interrupt& interrupt, qncomm::Re
 int Replay(const Arguments& arguments) {
     qncomm::TraceReading reading = qncomm::ReadTrace(arguments.replay);
     if (!reading.result.Ok()) {
-        std::cerr << "qnsim: " << arguments.replay << ": " << reading.result.text << '\n';
+        std::cerr << "qnsim: " << reading.result.text << '\n';
         return ExitUsage;
     }
     qncomm::Interrupt interrupt;
@@ -163,7 +164,8 @@ int Serve(const Options& options, const Arguments& arguments) {
     const auto stop = StopOn(interrupt, loop, server);
     const bool stopped = server.Run();
     if (!stopped) std::cerr << "qnsim: the line was cut\n";
-    return 0;
+    if (!printer.Problem().empty()) std::cerr << "qnsim: " << printer.Problem() << '\n';
+    return printer.Problem().empty() ? 0 : ExitOtherwise;
 }
 
 int Run(int argc, char** argv) {
@@ -188,6 +190,7 @@ int Run(int argc, char** argv) {
 } // namespace qnsim
 
 int main(int argc, char** argv) {
+    qncomm::PrepareStandardStreams();
     try {
         return qnsim::Run(argc, argv);
     } catch (const std::exception& error) {

@@ -1,9 +1,12 @@
 #include "CommandLine.h"
 #include "MainWindow.h"
 
+#include "platform/Interrupt.h"
+#include "platform/StandardStreams.h"
 #include "trace/JsonLinesTrace.h"
 
 #include <QApplication>
+#include <QSocketNotifier>
 
 #include <iostream>
 #include <memory>
@@ -33,11 +36,12 @@ std::shared_ptr<qncomm::FileSettings> StoreFor(const qnterm::StartOptions& optio
 std::unique_ptr<qncomm::JsonLinesTrace> TraceTo(const std::string& path) {
     auto trace = std::make_unique<qncomm::JsonLinesTrace>(path);
     if (trace->Result().Ok()) return trace;
-    std::cerr << "qnterm: --trace " << path << ": " << trace->Result().text << "\n";
+    std::cerr << "qnterm: --trace " << trace->Result().text << "\n";
     return nullptr;
 }
 
 int Show(int argc, char** argv, const qnterm::StartOptions& options, qncomm::TraceSink* trace) {
+    qncomm::Interrupt interrupt; // before there are other threads
     QApplication application(argc, argv);
     QApplication::setApplicationName(QStringLiteral("qnterm"));
     QApplication::setApplicationDisplayName(QStringLiteral("QNComm Terminal"));
@@ -47,6 +51,14 @@ int Show(int argc, char** argv, const qnterm::StartOptions& options, qncomm::Tra
     QApplication::setQuitOnLastWindowClosed(false);
     QObject::connect(&window, &qnterm::MainWindow::Closed, &application, &QApplication::quit,
                      Qt::QueuedConnection);
+    // A signal or the end of the session is the window's close button: what runs is cancelled, the
+    // printer is left at its prompt, and the port is given back.
+    const QSocketNotifier signals(interrupt.Handle(), QSocketNotifier::Read);
+    QObject::connect(&signals, &QSocketNotifier::activated, &window, [&] {
+        if (interrupt.Raised()) window.close();
+    });
+    QObject::connect(&application, &QGuiApplication::commitDataRequest, &window,
+                     [&window] { window.close(); });
     window.show();
     return QApplication::exec();
 }
@@ -54,6 +66,7 @@ int Show(int argc, char** argv, const qnterm::StartOptions& options, qncomm::Tra
 } // namespace
 
 int main(int argc, char** argv) {
+    qncomm::PrepareStandardStreams();
     const qnterm::StartRequest request = qnterm::ParseCommandLine(ArgumentsOf(argc, argv));
     if (request.ended) {
         (*request.ended == 0 ? std::cout : std::cerr) << request.text.toStdString();

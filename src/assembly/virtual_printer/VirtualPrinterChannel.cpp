@@ -64,6 +64,8 @@ VirtualPrinterChannel::~VirtualPrinterChannel() = default;
 
 IoResult VirtualPrinterChannel::Open(const LineSettings& settings) {
     if (mPrinter->device.LineCut()) return {IoStatus::Missing, 0, "the line is cut"};
+    if (const std::string& problem = mPrinter->device.Problem(); !problem.empty())
+        return {IoStatus::Failed, 0, problem};
     const std::int64_t now = mReactor.NowUs();
     CatchUp(now);
     SetFormat(settings, now);

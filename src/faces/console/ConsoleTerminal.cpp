@@ -26,8 +26,12 @@ void ConsoleTerminal::Show(std::string_view sReceived) {
     mSilence.Restart();
     mReply += sReceived;
     if (mReply.size() > Prompt.size()) mReply.erase(0, mReply.size() - Prompt.size());
-    // A terminal that has gone is noticed at the input, which ends with it.
-    static_cast<void>(WriteAll(mWiring.out, Utf8FromPrinter(sReceived)));
+    Put(Utf8FromPrinter(sReceived));
+}
+
+void ConsoleTerminal::Put(std::string_view text) {
+    if (mOutputError == 0) mOutputError = WriteAll(mWiring.out, text);
+    if (mOutputError != 0) mEnded = true; // nobody sees what the printer says any more
 }
 
 bool ConsoleTerminal::Run() {
@@ -54,6 +58,7 @@ bool ConsoleTerminal::RunLines() {
     mSilence.Restart();
     for (;;) {
         if (!mWiring.alive()) return false;
+        if (mOutputError != 0) return true;
         if (mEnded) watch.reset(); // an input at its end would stay readable for ever
         const bool sent = Flush();
         if (sent && LineAnswered()) mWaiting = false;
@@ -125,8 +130,8 @@ void ConsoleTerminal::OnCommand(char key) {
     }
 }
 
-void ConsoleTerminal::Tell(std::string_view text) const {
-    static_cast<void>(WriteAll(mWiring.out, "\r\n[" + std::string(text) + "]\r\n"));
+void ConsoleTerminal::Tell(std::string_view text) {
+    Put("\r\n[" + std::string(text) + "]\r\n");
 }
 
 void ConsoleTerminal::OnText() {

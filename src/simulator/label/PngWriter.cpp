@@ -81,7 +81,7 @@ bool WritePng(const Bitmap& picture, int dotsPerMm, const std::string& path) {
     qncomm::DurableFile file;
     return png.IsReady() && file.Create(path).Ok()
            && WriteRows(png.Write(), png.Info(), file, picture, dotsPerMm)
-           && file.Commit(qncomm::FileMode::Usual).Ok();
+           && file.Commit(qncomm::FileMode::Replaced).Ok();
 }
 
 LabelFolder::LabelFolder(std::string folder) : mFolder(std::move(folder)) {

@@ -181,6 +181,25 @@ TEST_F(ProgramTest, ClosingDuringARestartEndsTheProgramWellAndFreesThePort) {
     EXPECT_EQ(printer.State(), PortState::Free);
 }
 
+TEST_F(ProgramTest, ASignalClosesTheWindowAndCancelsWhatRuns) {
+    const Printer printer(Path("printer"), {"--paced"});
+    std::string text;
+    for (int line = 0; line < 200'000; ++line)
+        text += "shelf label\r\n";
+    mFolder.Write("LONG.DAT", text);
+    Start({"--port", Path("printer")});
+    Enter("R7G, Quorin");
+    Act({"key", "ctrl+shift+d"});
+    PressUntil("Insert", "Send to c:");
+    Act({"type", "--delay", "5", Path("LONG.DAT")});
+    Act({"key", "Return"});
+    EXPECT_TRUE(EventuallyTraced("shelf label")) << "no transfer";
+    mProgram.terminate(); // SIGTERM
+    EXPECT_EQ(End(), 0);
+    EXPECT_EQ(printer.State(), PortState::Free);
+    EXPECT_THAT(mFolder.Read("settings.ini"), HasSubstr("Geometry"));
+}
+
 TEST_F(ProgramTest, HelpAndVersionNeedNoDisplay) {
     QProcessEnvironment bare = QProcessEnvironment::systemEnvironment();
     bare.remove("DISPLAY");

@@ -47,9 +47,14 @@ Arguments TransferFixture::OnPort(Arguments arguments) const {
 }
 
 Ended TransferFixture::RunLimited(int kiB, const Arguments& arguments) {
-    const std::string limits = "trap '' XFSZ; ulimit -f " + std::to_string(kiB);
+    const std::string limits = "ulimit -f " + std::to_string(kiB);
     return EndedOf(*Start(OnPort(arguments), Program::Stdio::Pipes,
                           {"bash", "-c", limits + "; exec \"$@\"", "bash"}));
+}
+
+Ended TransferFixture::RunInto(const std::string& rest, const Arguments& arguments) {
+    return EndedOf(*Start(OnPort(arguments), Program::Stdio::Pipes,
+                          {"bash", "-c", "\"$@\" " + rest + "; exit ${PIPESTATUS[0]}", "bash"}));
 }
 
 void TransferFixture::MakeFolder(const std::string& name) const {

@@ -25,9 +25,13 @@ class TransferFixture : public QnctlFixture {
     Arguments OnPort(Arguments arguments) const;
     Ended Carry(const Arguments& arguments) { return Run(OnPort(arguments)); }
 
-    /// The same in a shell that lets no file grow beyond so many KiB, and tells a program that
-    /// tries by its write's failure alone.
+    /// The same in a shell that lets no file grow beyond so many KiB; the signal for it stands as
+    /// every program finds it.
     Ended RunLimited(int kiB, const Arguments& arguments);
+
+    /// The same with its output in a shell's hands: "> /dev/full", "| head -1". The status is the
+    /// program's, not the pipe's.
+    Ended RunInto(const std::string& rest, const Arguments& arguments);
 
     void MakeFolder(const std::string& name) const;
     bool FolderIsEmpty(const std::string& name) const;

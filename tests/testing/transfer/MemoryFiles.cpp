@@ -1,5 +1,7 @@
 #include "testing/transfer/MemoryFiles.h"
 
+#include "transfer/Crc32Sum.h"
+
 #include <algorithm>
 #include <array>
 #include <random>
@@ -37,12 +39,16 @@ bool MemorySource::Read(std::uint64_t offset, std::size_t length, std::string& d
 OfferDecision MemorySink::Offer(const FileInfo& file) {
     mOffered.push_back(file);
     OfferDecision decision;
+    if (!file.fromAnywhere) resumeFrom.clear();
     if (!skipName.empty() && file.name == skipName) {
         decision.kind = AnswerKind::Skip;
         return decision;
     }
     mOpen = {file.name, resumeFrom};
     decision.offset = resumeFrom.size();
+    Crc32Sum sum;
+    sum.Add(resumeFrom);
+    decision.sum = sum.Value();
     return decision;
 }
 

@@ -19,6 +19,7 @@
 #include <fcntl.h>
 #include <sys/file.h>
 #include <sys/resource.h>
+#include <sys/stat.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
@@ -169,12 +170,26 @@ TEST_F(FileSettingsTest, AReaderNeverSeesAHalfWrittenFile) {
 
 TEST_F(FileSettingsTest, AWriterThatWasKilledLeavesTheOldSettingsAndNothingInTheWay) {
     Store().WriteValue("Settings", "Key", "old");
-    SetText(Path() + ".new", "[Settings]\nKe"); // as far as it came
+    SetText((mFolder / ".qncomm-1").string(), "[Settings]\nKe"); // as far as it came
     FileSettings store = Store();
     EXPECT_EQ(store.ReadValue("Settings", "Key", ""), "old");
     store.WriteValue("Settings", "Other", "new");
     EXPECT_EQ(TextOf(Path()), "[Settings]\nKey=old\nOther=new\n");
     EXPECT_THAT(FilesThere(), UnorderedElementsAre("settings.ini", "settings.ini.lock"));
+}
+
+TEST_F(FileSettingsTest, WhatIsNoFileIsNeitherReadNorReplaced) {
+    ASSERT_EQ(::mkfifo(Path().c_str(), 0600), 0);
+    FileSettings store = Store();
+    EXPECT_EQ(store.ReadValue("Settings", "Key", "default"), "default");
+    EXPECT_THAT(mWarnings, ElementsAre(HasSubstr(Path() + ": this is a pipe")));
+    EXPECT_THROW(store.WriteValue("Settings", "Key", "x"), qncomm::QNError);
+    EXPECT_TRUE(fs::is_fifo(Path()));
+}
+
+TEST_F(FileSettingsTest, APipeInTheLocksPlaceIsNotWaitedFor) {
+    ASSERT_EQ(::mkfifo((Path() + ".lock").c_str(), 0600), 0);
+    EXPECT_THROW(Store().WriteValue("Settings", "Key", "x"), qncomm::QNError);
 }
 
 TEST_F(FileSettingsTest, ADamagedFileIsMovedAsideWhenReadAndTheUserIsTold) {
@@ -208,12 +223,11 @@ TEST_F(FileSettingsTest, SeveralValuesAreOneWrite) {
     FileSettings settings = Store();
     settings.WriteValue("Settings", "Baudrate", "300");
     const std::string before = TextOf(Path());
-    fs::create_directory(Path() + ".new"); // the next write fails
-    const std::vector<qncomm::SettingValue> values = {{"Settings", "Baudrate", "9600"},
-                                                      {"Settings", "Parity", "None"}};
-    EXPECT_THROW(settings.WriteValues(values), qncomm::QNError);
+    std::vector<qncomm::SettingValue> values = {
+        {"Settings", "Baudrate", "9600"}, {"Settings", "Parity", std::string(8U << 20U, 'x')}};
+    EXPECT_THROW(settings.WriteValues(values), qncomm::QNError) << "more than a file may hold";
     EXPECT_EQ(TextOf(Path()), before) << "none of them is kept";
-    fs::remove(Path() + ".new");
+    values[1].value = "None";
     settings.WriteValues(values);
     EXPECT_EQ(TextOf(Path()), "[Settings]\nBaudrate=9600\nParity=None\n");
 }

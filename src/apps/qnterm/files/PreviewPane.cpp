@@ -3,7 +3,8 @@
 #include "PcxImage.h"
 #include "Texts.h"
 
-#include <QFile>
+#include "platform/FileOpening.h"
+
 #include <QFileInfo>
 #include <QGlyphRun>
 #include <QImage>
@@ -14,19 +15,26 @@
 
 #include <algorithm>
 #include <cmath>
+#include <cstdint>
+#include <string>
 
 namespace qnterm {
 namespace {
 
 constexpr int PictureHeight = 120;
-constexpr int LargestFile = 16 * 1024 * 1024;
+constexpr std::uint64_t LargestFile = 16U << 20U;
 constexpr int Margin = 6;
 constexpr qreal SampleSize = 26;
 
+/// The file's bytes; none when it cannot be shown.
+QByteArray BytesOf(const QString& path) {
+    std::string bytes;
+    static_cast<void>(qncomm::ReadWholeFile(path.toStdString(), {.limit = LargestFile}, bytes));
+    return QByteArray::fromStdString(bytes);
+}
+
 QImage ImageOf(const QString& path) {
-    QFile file(path);
-    if (!file.open(QIODevice::ReadOnly)) return {};
-    return DecodePcx(file.read(LargestFile));
+    return DecodePcx(BytesOf(path));
 }
 
 QString NoteFor(const SentFile& sent, bool shown) {
@@ -43,7 +51,7 @@ QString NoteFor(const SentFile& sent, bool shown) {
 } // namespace
 
 QImage FontSample(const QString& sPath, qreal dPixelSize) {
-    const QRawFont font(sPath, dPixelSize);
+    const QRawFont font(BytesOf(sPath), dPixelSize);
     if (!font.isValid()) return {};
     const QVector<quint32> glyphs =
         font.glyphIndexesForString(QStringLiteral("The quick brown fox 0123"));

@@ -10,19 +10,21 @@
 #include "common/Collection.h"
 #include "common/QNError.h"
 #include "control/QNComm.h"
+#include "platform/DurableFile.h"
+#include "platform/FileOpening.h"
 #include "qt/Charset.h"
 
 #include <QAction>
 #include <QDropEvent>
-#include <QFile>
 #include <QFileInfo>
 #include <QLabel>
 #include <QLineEdit>
 #include <QMimeData>
-#include <QSaveFile>
 #include <QSplitter>
 #include <QTableView>
 #include <QVBoxLayout>
+
+#include <cerrno>
 
 namespace qnterm {
 namespace {
@@ -113,18 +115,18 @@ void ModuleBrowser::ChooseFile() {
 }
 
 void ModuleBrowser::OpenFile(const QString& sPath) {
-    constexpr qint64 largest = qint64{4} * 1024 * 1024; // beyond any printer's memory
-    QFile file(sPath);
-    if (!file.open(QIODevice::ReadOnly)) {
-        Say(tr("%1: %2").arg(sPath, file.errorString()));
-        return;
-    }
-    if (file.size() > largest) {
-        Say(tr("%1 is too large for a module.").arg(QFileInfo(sPath).fileName()));
+    constexpr std::uint64_t largest = 4U << 20U; // beyond any printer's memory
+    std::string text;
+    const qncomm::IoResult read =
+        qncomm::ReadWholeFile(sPath.toStdString(), {.limit = largest}, text);
+    if (!read.Ok()) {
+        Say(read.systemNumber == EFBIG
+                ? tr("%1 is too large for a module.").arg(QFileInfo(sPath).fileName())
+                : QString::fromStdString(read.text));
         return;
     }
     mPath = QFileInfo(sPath).absoluteFilePath();
-    mCode->setPlainText(qncomm::FromLine(file.readAll().toStdString()));
+    mCode->setPlainText(qncomm::FromLine(text));
     mTarget->setText(QFileInfo(sPath).fileName());
     mErrors.SetErrors(nullptr);
     mErrorView->hide();
@@ -148,12 +150,9 @@ void ModuleBrowser::WriteTo(const QString& path) {
     QString text = mCode->toPlainText();
     text.replace(QLatin1Char('\n'), QLatin1String("\r\n"));
     const std::string bytes = qncomm::ToLine(text);
-    QSaveFile file(path);
-    const bool written = file.open(QIODevice::WriteOnly)
-                         && file.write(bytes.data(), static_cast<qint64>(bytes.size())) >= 0
-                         && file.commit();
-    if (written) mPath = path;
-    Say(written ? tr("Saved as %1.").arg(path) : tr("%1: %2").arg(path, file.errorString()));
+    const qncomm::IoResult saved = qncomm::SaveFile(path.toStdString(), bytes);
+    if (saved.Ok()) mPath = path;
+    Say(saved.Ok() ? tr("Saved as %1.").arg(path) : QString::fromStdString(saved.text));
 }
 
 void ModuleBrowser::Upload() {

@@ -3,6 +3,7 @@
 #include "platform/Fd.h"
 #include "platform/IoResult.h"
 
+#include <cstddef>
 #include <cstdint>
 #include <string>
 #include <string_view>
@@ -11,9 +12,11 @@ namespace qncomm {
 
 /// The permissions that a file gets when it is put in place.
 enum class FileMode {
-    Usual,    ///< reading and writing for everybody whom the process's umask does not exclude
-    Private,  ///< reading and writing for the owner alone
-    Replaced, ///< those of the file that it replaces; Usual when there is none
+    /// Those of the file that it replaces, and its owner, as far as this user may give it away;
+    /// when
+    /// there is none, reading and writing for everybody whom the process's umask does not exclude.
+    Replaced,
+    Private, ///< reading and writing for the owner alone
 };
 
 /// A file of this machine that is being written. It stands beside its target, in the same folder,
@@ -30,13 +33,16 @@ class DurableFile {
     DurableFile(const DurableFile&) = delete;
     DurableFile& operator=(const DurableFile&) = delete;
 
-    /// Makes an empty file under a new name that begins with "." and that no other file has. The
-    /// path may be relative; a link at sTarget is replaced, not followed. A folder at sTarget is
-    /// refused (EISDIR).
+    /// Makes an empty file under a name that begins with "." and that no other file has; what a
+    /// killed program left under it is cleared. The path may be relative. A link at sTarget stays:
+    /// what it leads to is replaced. Refused are a folder (EISDIR), a pipe, a socket or a device
+    /// (ENOTSUP) at sTarget, and another user's link there (EACCES).
     [[nodiscard]] IoResult Create(const std::string& sTarget);
-    /// The same under the name sBeside, in the target's folder. What stands there already is kept,
-    /// so that a transfer can go on with it. One writer at a time, which the caller sees to.
-    [[nodiscard]] IoResult Open(const std::string& sTarget, const std::string& sBeside);
+    /// The same under the target's name and sEnding. What stands there already is kept,
+    /// so that a transfer can go on with it, unless it is a link (ELOOP), another user's, a file
+    /// with a second name, one that others may write (EPERM, EMLINK) or one that another program
+    /// writes now (EBUSY).
+    [[nodiscard]] IoResult Open(const std::string& sTarget, const std::string& sEnding);
 
     /// Whether a file is open: created or opened, and neither committed, kept nor discarded since.
     explicit operator bool() const { return static_cast<bool>(mFile); }
@@ -47,8 +53,13 @@ class DurableFile {
     [[nodiscard]] IoResult Append(std::string_view sBytes) { return WriteAt(mLength, sBytes); }
     /// Puts the bytes at lOffset (from 0), over what stands there.
     [[nodiscard]] IoResult WriteAt(std::uint64_t lOffset, std::string_view sBytes);
+    /// Reads the bytes from lOffset on, at most lMost; fewer at the end.
+    [[nodiscard]] IoResult ReadAt(std::uint64_t lOffset, std::size_t lMost,
+                                  std::string& sBytes) const;
     /// Takes all bytes out again.
     [[nodiscard]] IoResult Clear();
+    /// The time of the last change, in seconds since 1970 (UTC).
+    [[nodiscard]] std::int64_t Modified() const;
     /// Sets the time of the last change, in seconds since 1970 (UTC). Later writes change it again.
     [[nodiscard]] IoResult SetModified(std::int64_t lSeconds);
 
@@ -65,7 +76,6 @@ class DurableFile {
     void Discard();
 
   private:
-    [[nodiscard]] IoResult Adopt(int fd);
     [[nodiscard]] IoResult Failure(int error) const;
 
     std::string mTarget;
@@ -76,7 +86,7 @@ class DurableFile {
 
 /// Puts sBytes in the place of what stands at sTarget: Create, Append and Commit in one call.
 [[nodiscard]] IoResult ReplaceFile(const std::string& sTarget, std::string_view sBytes,
-                                   FileMode mode);
+                                   FileMode mode = FileMode::Replaced);
 
 /// Writes a whole file that a person named. A link is followed and stays; an existing file keeps
 /// its permissions and is refused when it may not be written, although it could be replaced; what

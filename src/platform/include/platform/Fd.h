@@ -31,8 +31,9 @@ class Fd {
     int mFd = -1;
 };
 
-/// Writes all bytes to a descriptor that waits (one without O_NONBLOCK), whatever signals interrupt
-/// it. Returns 0, or errno with a part of the bytes maybe written.
+/// Writes all bytes, whatever signals interrupt it. A descriptor that does not wait (O_NONBLOCK) is
+/// waited for, but no longer than 5 s at a time in which nothing is taken (ETIMEDOUT). Returns 0,
+/// or errno with a part of the bytes maybe written.
 [[nodiscard]] int WriteAll(int fd, std::string_view sBytes);
 
 } // namespace qncomm

@@ -17,16 +17,18 @@ namespace qncomm {
 /// written at once. A write that fails ends the trace; Result tells.
 class JsonLinesTrace final : public TraceSink {
   public:
-    /// Creates the file or empties it; Result tells whether that went well.
+    /// Creates the file or empties it; a stream (a terminal, a pipe that somebody reads) is written
+    /// to. Result tells whether that went well.
     explicit JsonLinesTrace(const std::string& sPath);
 
     void Record(std::int64_t lMs, TraceKind kind, std::string_view sBytes) override;
 
     /// Done as long as every record was written; else why the file could not be opened or took no
-    /// more.
+    /// more, with its path.
     const IoResult& Result() const { return mResult; }
 
   private:
+    std::string mPath;
     Fd mFile;
     IoResult mResult;
     std::optional<std::int64_t> mStart;

@@ -30,10 +30,15 @@ std::string TraceLineOf(const TraceRecord& record);
 /// What ReadTrace found.
 struct TraceReading {
     std::vector<TraceRecord> records; ///< in the file's order, up to the line that is no record
-    IoResult result; ///< why the file could not be read; a line that is no record is named
+    /// Why the file could not be read, with its path; a line that is no record is named.
+    IoResult result;
 };
 
-/// Reads a whole trace. A last line that was cut short, as a killed program leaves it, is left out.
+/// Bytes of a trace that is read: some days of a line at 115,200 baud.
+inline constexpr std::uint64_t LargestTrace = std::uint64_t{1} << 30U;
+
+/// Reads a whole trace, which must be a regular file of at most LargestTrace bytes. A last line
+/// that was cut short, as a killed program leaves it, is left out.
 TraceReading ReadTrace(const std::string& sPath);
 
 } // namespace qncomm

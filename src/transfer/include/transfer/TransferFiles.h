@@ -22,6 +22,7 @@ class FileSource {
 struct OfferDecision {
     AnswerKind kind = AnswerKind::Ok; ///< Ok takes it, Skip leaves it out, Failed ends the session
     std::uint64_t offset = 0;         ///< bytes that are already here and need not travel again
+    std::uint32_t sum = 0;            ///< the CRC-32 of these bytes, where the offer is compared
     std::string reason;               ///< of Failed, for a person
 };
 
@@ -30,7 +31,8 @@ struct OfferDecision {
 class FileSink {
   public:
     virtual ~FileSink() = default;
-    /// A file is offered. After Ok it is open, and its bytes come by Write.
+    /// A file is offered. After Ok it is open, and its bytes come by Write. The open file may be
+    /// offered once more, not fromAnywhere: what was here is not its beginning and worthless.
     virtual OfferDecision Offer(const FileInfo& file) = 0;
     /// Returns false with a reason on failure. Offsets rise without gaps from the one that Offer
     /// chose.

@@ -22,7 +22,9 @@ struct FileInfo {
     std::optional<std::uint32_t> filesLeft; ///< files of the batch still to come, this one included
     bool resume = false;       ///< the sender wishes to go on where an earlier try ended
     bool fromAnywhere = false; ///< an offer: the receiver chooses where to begin
-    bool text = false;         ///< line ends are converted on the way
+    bool compared =
+        false;         ///< an offer: the sum of what is here is compared with the sender's first
+    bool text = false; ///< line ends are converted on the way
 };
 
 /// What an engine asks of its caller. One request stands at a time; it is carried out and then
@@ -32,7 +34,8 @@ enum class RequestKind {
     Read,  ///< sender: up to `length` bytes at `offset`. Answer Ok with `data`; empty data is the
            ///< end
     Offer, ///< receiver: `file` is offered. Answer Ok with `offset` to start at (0 unless
-           ///< fromAnywhere), Skip, or Failed
+           ///< fromAnywhere) and its `sum` where it is compared, Skip, or Failed. Offered once more
+           ///< and not fromAnywhere when what is here is not the beginning of the sender's file
     Write, ///< receiver: `data` goes to `offset`. Answer Ok or Failed
     Close, ///< both: the file is over, `whole` says whether it travelled whole. Answer Ok or Failed
 };
@@ -59,6 +62,7 @@ struct Answer {
     AnswerKind kind = AnswerKind::Ok; ///< how it went
     FileInfo file;                    ///< to NextFile
     std::uint64_t offset = 0;         ///< to Offer: bytes that the caller already has
+    std::uint32_t sum = 0;            ///< to Offer: their CRC-32, where it is compared
     std::string_view data;            ///< to Read; copied by the engine
     std::string reason;               ///< to Failed: a text for the person
 };

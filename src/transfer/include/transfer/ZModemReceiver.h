@@ -46,6 +46,9 @@ class ZModemReceiver final : public TransferEngine {
     void OnDamage(bool bHeader, Time now);
     void OnOffered(const transfer::Answer& answer, Time now);
     void OnReadyTimer(Time now);
+    void SendSumRequest(Time now);
+    void OnSum(std::uint32_t sum, Time now);
+    void OfferAnew();
     void SubpacketTaken(Time now);
     void SendReady(Time now);
     void SendReposition(Time now);

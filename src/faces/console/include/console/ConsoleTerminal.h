@@ -45,16 +45,21 @@ class ConsoleTerminal {
     /// Text that the printer has sent.
     void Show(std::string_view sReceived);
 
-    /// Runs until the end key, the end of the input with its last reply, or the loss of the line.
-    /// True for the first two. The input's terminal is put back as it was in every case.
+    /// Runs until the end key, the end of the input with its last reply, the loss of the line, or
+    /// an output that takes no more. False for the loss alone. The input's terminal is put back as
+    /// it was in every case.
     bool Run();
+
+    /// What the system said when the output took no more (errno); 0 as long as it takes all.
+    int OutputError() const { return mOutputError; }
 
   private:
     bool RunKeys();
     bool RunLines();
     void OnKeys();
     void OnCommand(char key);
-    void Tell(std::string_view text) const;
+    void Tell(std::string_view text);
+    void Put(std::string_view text);
     void OnText();
     bool SendLine();
     bool LineAnswered() const;
@@ -71,6 +76,7 @@ class ConsoleTerminal {
     bool mCommand = false; ///< the next key is one
     bool mWaiting = false;
     bool mEnded = false;
+    int mOutputError = 0;
 };
 
 } // namespace qncomm
