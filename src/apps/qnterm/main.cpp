@@ -53,8 +53,8 @@ int Show(int argc, char** argv, const qnterm::StartOptions& options, qncomm::Tra
                      Qt::QueuedConnection);
     // A signal or the end of the session is the window's close button: what runs is cancelled, the
     // printer is left at its prompt, and the port is given back.
-    const QSocketNotifier signals(interrupt.Handle(), QSocketNotifier::Read);
-    QObject::connect(&signals, &QSocketNotifier::activated, &window, [&] {
+    const QSocketNotifier notice(interrupt.Handle(), QSocketNotifier::Read);
+    QObject::connect(&notice, &QSocketNotifier::activated, &window, [&] {
         if (interrupt.Raised()) window.close();
     });
     QObject::connect(&application, &QGuiApplication::commitDataRequest, &window,

@@ -23,8 +23,7 @@ TEST_F(OutputEnds, InTheFullDeviceAreStatus1AndAWord) {
                                      {"info"},
                                      {"--version"},
                                      {"--help"},
-                                     {"send", "PRINT 1"},
-                                     {"key", "reboot", "--json"}}) {
+                                     {"send", "PRINT 1"}}) {
         const Ended ended = RunInto("> /dev/full", command);
         EXPECT_EQ(ended.status, 1) << ::testing::PrintToString(command);
         EXPECT_THAT(ended.err, HasSubstr("Standard output: no space left on device"))
