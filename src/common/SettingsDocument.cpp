@@ -55,18 +55,13 @@ std::optional<std::pair<char, std::size_t>> Escape(std::string_view text) {
     return std::pair{static_cast<char>(byte), std::size_t{4}};
 }
 
-std::optional<std::string> Unescaped(std::string_view text) {
+/// A backslash that begins no escape stands for itself: a person wrote it, as in a path.
+std::string Unescaped(std::string_view text) {
     std::string value;
     while (!text.empty()) {
-        if (text.front() != '\\') {
-            value += text.front();
-            text.remove_prefix(1);
-            continue;
-        }
-        const auto escape = Escape(text);
-        if (!escape) return std::nullopt;
-        value += escape->first;
-        text.remove_prefix(escape->second);
+        const auto escape = text.front() == '\\' ? Escape(text) : std::nullopt;
+        value += escape ? escape->first : text.front();
+        text.remove_prefix(escape ? escape->second : 1);
     }
     return value;
 }
@@ -106,15 +101,17 @@ std::string FoundBy(std::string_view section, std::string_view key) {
 } // namespace
 
 std::optional<SettingsDocument> SettingsDocument::Parse(std::string_view sText) {
+    if (sText.find('\0') != std::string_view::npos) return std::nullopt;
     SettingsDocument document;
     if (sText.starts_with(ByteOrderMark)) {
         document.mMark = ByteOrderMark;
         sText.remove_prefix(ByteOrderMark.size());
     }
     if (sText.substr(0, sText.find('\n')).ends_with('\r')) document.mLineEnd = "\r";
-    while (!sText.empty()) {
+    for (std::size_t number = 1; !sText.empty(); ++number) {
         const std::size_t end = std::min(sText.find('\n'), sText.size());
-        if (!document.TakeLine(sText.substr(0, end))) return std::nullopt;
+        if (!document.TakeLine(sText.substr(0, end)) && document.mStrayLine == 0)
+            document.mStrayLine = number;
         sText.remove_prefix(std::min(end + 1, sText.size()));
     }
     return document;
@@ -123,17 +120,19 @@ std::optional<SettingsDocument> SettingsDocument::Parse(std::string_view sText) 
 bool SettingsDocument::TakeLine(std::string_view line) {
     const std::string_view content = Content(line);
     if (content.starts_with('[')) {
-        if (!content.ends_with(']')) return false;
-        BeginPart(WithoutBlanks(content.substr(1, content.size() - 2))).lines.emplace_back(line);
+        // Keys behind a header that is cut belong to no section, least of all to the one before.
+        const bool whole = content.ends_with(']');
+        const std::string_view name = whole ? content.substr(1, content.size() - 2) : content;
+        BeginPart(WithoutBlanks(name)).lines.emplace_back(line);
         mParts.back().end = 1;
-        return true;
+        return whole;
     }
     Part& part = mParts.back();
     part.lines.emplace_back(line);
     if (IsBlank(line) || IsComment(line)) return true;
     const std::size_t equals = content.find('=');
     const bool isKey = mParts.size() > 1 && equals != std::string_view::npos && equals > 0;
-    if (!isKey || !Unescaped(ValueText(line))) return false;
+    if (!isKey) return false;
     const std::string_view key = WithoutBlanks(content.substr(0, equals));
     mPlaces[FoundBy(part.name, key)] = {mParts.size() - 1, part.lines.size() - 1};
     part.end = part.lines.size();

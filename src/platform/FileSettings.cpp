@@ -147,7 +147,10 @@ void FileSettings::Read() const {
     }
     auto document = SettingsDocument::Parse(text);
     mDamaged = !document;
-    if (document) mDocument = std::move(*document);
+    if (!document) return;
+    mDocument = std::move(*document);
+    if (const std::size_t line = mDocument.StrayLine(); line != 0)
+        Warn("Line " + std::to_string(line) + " of " + mPath + " is no setting and is passed over");
 }
 
 void FileSettings::MoveDamagedAside() const {

@@ -16,6 +16,8 @@ using Json = nlohmann::json;
 
 /// What one write or read of a port can hold.
 constexpr std::size_t MostRedacted = 16UL * 1024 * 1024;
+/// 31 years.
+constexpr std::int64_t LatestMs = 1'000'000'000'000;
 
 struct KindName {
     const char* name;
@@ -97,6 +99,7 @@ std::optional<TraceRecord> ParseTraceLine(std::string_view sLine) {
     TraceRecord record{0, line["ms"].get<std::int64_t>(), kind->kind, std::move(*bytes), 0};
     if (line.contains("redacted") && line["redacted"].is_number_unsigned())
         record.redacted = line["redacted"].get<std::size_t>();
+    if (record.ms < 0 || record.ms > LatestMs) return std::nullopt;
     if (record.redacted > MostRedacted || (record.redacted > 0 && !record.bytes.empty()))
         return std::nullopt;
     return record;

@@ -5,11 +5,19 @@
 #include <utility>
 
 namespace qncomm {
+namespace {
+
+/// Bytes that the records of one trace may stand for without holding them: a few characters of text
+/// each would otherwise become a memory full of dots.
+constexpr std::size_t MostRedactedOfAll = 64UL * 1024 * 1024;
+
+} // namespace
 
 TraceReading ReadTrace(const std::string& sPath) {
     TraceReading reading;
     std::string text;
     reading.result = ReadWholeFile(sPath, {.limit = LargestTrace}, text);
+    std::size_t redacted = 0;
     int number = 0;
     for (std::string_view left = text; !left.empty();) {
         ++number;
@@ -20,10 +28,12 @@ TraceReading ReadTrace(const std::string& sPath) {
         if (line.empty()) continue;
         std::optional<TraceRecord> record = ParseTraceLine(line);
         if (!record && cutShort) break;
-        if (!record) {
+        if (record) redacted += record->redacted;
+        if (!record || redacted > MostRedactedOfAll) {
             reading.result = {IoStatus::Failed, 0,
                               sPath + ": line " + std::to_string(number)
-                                  + " is no record of a trace"};
+                                  + (record ? " stands for more bytes than are replayed"
+                                            : " is no record of a trace")};
             return reading;
         }
         record->line = number;

@@ -1,5 +1,6 @@
 // Labels as they would be burnt, compared dot by dot with kept pictures that were looked at.
 #include "PrinterRig.h"
+#include "label/TextPainter.h"
 #include "testing/printer/TestPictures.h"
 
 #include <algorithm>
@@ -176,6 +177,33 @@ TEST_F(LabelTest, ScalableFontsFollowSizeWidthAndSlant) {
     EXPECT_GT(extent(",12,30").width, plain.width);
     EXPECT_EQ(rig.Line("FT \"NONE.TTF\",12"), "Error 1040: Font not found");
     EXPECT_EQ(rig.Line("FT \"SANS.TTF\",0"), "Error 5: Illegal argument");
+}
+
+/// The font with two bytes of one of its tables set.
+std::string WithNumber(std::string font, const std::string& table, std::size_t at, int number) {
+    const std::size_t entry = font.find(table);
+    std::size_t offset = 0;
+    for (std::size_t n = 8; n < 12; ++n)
+        offset = offset * 256 + static_cast<unsigned char>(font.at(entry + n));
+    font.at(offset + at) = static_cast<char>(number / 256);
+    font.at(offset + at + 1) = static_cast<char>(number % 256);
+    return font;
+}
+
+TEST(ScalableText, OfAFontThatSaysItIsHugeIsNotDrawnSo) {
+    FontChoice font;
+    font.points = 400;
+    constexpr int dotsPerMm = 8;
+    constexpr int mostDots = 4 * (400 * 203 / 72 + 1);
+    const Bitmap usual = PaintScalableText("HELP", font, dotsPerMm, TestFont());
+    EXPECT_GT(usual.Height(), mostDots / 4);
+    EXPECT_LT(usual.Height(), mostDots);
+    // Its height above the line, and how many units its size has: 16 instead of 2048.
+    std::string huge = WithNumber(TestFont(), "hhea", 4, 32767);
+    huge = WithNumber(huge, "head", 18, 16);
+    const Bitmap drawn = PaintScalableText("HELP", font, dotsPerMm, huge);
+    EXPECT_LE(drawn.Height(), 2 * mostDots);
+    EXPECT_LE(drawn.RowBytes(), 32'000U / 8);
 }
 
 TEST_F(LabelTest, FeedClearsTheLabelAndNumbersThePictures) {

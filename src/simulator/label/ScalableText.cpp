@@ -6,6 +6,7 @@
 #include <ft2build.h>
 #include FT_FREETYPE_H
 #include FT_GLYPH_H
+#include FT_OUTLINE_H
 
 namespace qnsim {
 namespace {
@@ -15,6 +16,9 @@ constexpr int PointsPerInch = 72;
 constexpr double FixedOne = 65536.0;
 constexpr double Degrees = 57.295779513;
 constexpr int WidestText = 32'000; // dots; a longer text is cut there
+/// How many times its size a font's line or character may be high or wide. A font file says of
+/// itself how large it is; what says more than this is not drawn.
+constexpr int MostEms = 4;
 
 /// The characters 0x80 to 0x9F of Windows-1252; 0 = none.
 constexpr std::array<char32_t, 32> WindowsExtras{
@@ -71,15 +75,24 @@ void Draw(const FT_GlyphSlotRec& glyph, int x, int baseLine, Bitmap& line) {
     }
 }
 
-bool LoadCharacter(FT_Face face, char c) {
-    return FT_Load_Char(face, Unicode(c), FT_LOAD_RENDER | FT_LOAD_TARGET_MONO) == 0;
+/// Dots that a line of this font, or a character of it, may be high.
+int MostDots(const FontChoice& font, FT_UInt dotsPerInch) {
+    return MostEms * (font.points * static_cast<int>(dotsPerInch) / PointsPerInch + 1);
 }
 
-int TextWidth(FT_Face face, std::string_view text) {
+bool LoadCharacter(FT_Face face, char c, int most) {
+    if (FT_Load_Char(face, Unicode(c), FT_LOAD_TARGET_MONO) != 0) return false;
+    FT_BBox box{};
+    FT_Outline_Get_CBox(&face->glyph->outline, &box);
+    if (std::max(box.xMax - box.xMin, box.yMax - box.yMin) / 64 > most) return false;
+    return FT_Render_Glyph(face->glyph, FT_RENDER_MODE_MONO) == 0;
+}
+
+int TextWidth(FT_Face face, std::string_view text, int most) {
     FT_Pos width = 0;
     int reach = 0;
     for (const char c : text) {
-        if (!LoadCharacter(face, c) || width / 64 > WidestText) continue;
+        if (width / 64 > WidestText || !LoadCharacter(face, c, most)) continue;
         const int right = face->glyph->bitmap_left + static_cast<int>(face->glyph->bitmap.width);
         reach = std::max(reach, static_cast<int>(width / 64) + right);
         width += face->glyph->advance.x;
@@ -103,12 +116,16 @@ Bitmap PaintScalableText(std::string_view text, const FontChoice& font, int dots
         return {};
     FT_Matrix shape = FontMatrix(font);
     FT_Set_Transform(face, &shape, nullptr);
-    const int ascent = static_cast<int>((face->size->metrics.ascender + 63) / 64);
-    const int descent = static_cast<int>((63 - face->size->metrics.descender) / 64);
-    Bitmap line(std::min(TextWidth(face, text), WidestText), ascent + descent);
+    const int most = MostDots(font, dotsPerInch);
+    const auto dots = [most](FT_Pos height) {
+        return static_cast<int>(std::clamp<FT_Pos>((height + 63) / 64, 0, most));
+    };
+    const int ascent = dots(face->size->metrics.ascender);
+    const int descent = dots(-face->size->metrics.descender);
+    Bitmap line(std::clamp(TextWidth(face, text, most), 0, WidestText), ascent + descent);
     FT_Pos at = 0;
     for (const char c : text) {
-        if (at / 64 > WidestText || !LoadCharacter(face, c)) continue;
+        if (at / 64 > WidestText || !LoadCharacter(face, c, most)) continue;
         Draw(*face->glyph, static_cast<int>(at / 64), ascent, line);
         at += face->glyph->advance.x;
     }

@@ -19,10 +19,38 @@ TEST(SettingsDocument, ReadsSectionsKeysCommentsAndBlankLines) {
     EXPECT_EQ(document->Value("None", "key"), std::nullopt);
 }
 
-TEST(SettingsDocument, RefusesWhatItWouldNotHaveWritten) {
-    for (const char* text : {"Key=1\n", "[Open\nKey=1\n", "[S]\nno equals\n", "[S]\n=1\n",
-                             "[S]\nK=\\q\n", "[S]\nK=\\x4\n", "[S]\nK=\\xZZ\n", "[S]\nK=\\\n"})
-        EXPECT_FALSE(SettingsDocument::Parse(text)) << text;
+TEST(SettingsDocument, PassesOverALineThatSaysNothingAndKeepsIt) {
+    for (const char* stray : {"no equals", "=1", "[Open"}) {
+        const std::string text = "[S]\nA=1\n" + std::string(stray) + "\nB=2\n[T]\nC=3\n";
+        auto document = SettingsDocument::Parse(text);
+        ASSERT_TRUE(document) << text;
+        EXPECT_EQ(document->StrayLine(), 3U) << text;
+        EXPECT_EQ(document->Value("S", "A"), "1");
+        EXPECT_EQ(document->Value("T", "C"), "3");
+        EXPECT_EQ(document->Text(), text);
+    }
+    EXPECT_EQ(SettingsDocument::Parse("Key=1\n[S]\n")->StrayLine(), 1U) << "no section is open";
+    EXPECT_EQ(SettingsDocument::Parse("; note\n\n[S]\nA=\n")->StrayLine(), 0U);
+}
+
+TEST(SettingsDocument, GivesKeysBehindABrokenHeaderToNoSection) {
+    const auto document = SettingsDocument::Parse("[S]\nA=1\n[T\nA=2\n");
+    ASSERT_TRUE(document);
+    EXPECT_EQ(document->Value("S", "A"), "1");
+    EXPECT_EQ(document->Value("T", "A"), std::nullopt);
+}
+
+TEST(SettingsDocument, TakesABackslashThatBeginsNoEscapeAsItStands) {
+    const auto document = SettingsDocument::Parse("[S]\nA=C:\\temp\nB=\\x4\nC=\\xZZ\nD=\\\n");
+    ASSERT_TRUE(document);
+    EXPECT_EQ(document->Value("S", "A"), "C:\\temp");
+    EXPECT_EQ(document->Value("S", "B"), "\\x4");
+    EXPECT_EQ(document->Value("S", "C"), "\\xZZ");
+    EXPECT_EQ(document->Value("S", "D"), "\\");
+}
+
+TEST(SettingsDocument, RefusesATornText) {
+    EXPECT_FALSE(SettingsDocument::Parse(std::string_view("[S]\nA=1\n\0\0\0", 11)));
 }
 
 TEST(SettingsDocument, EveryByteComesBack) {

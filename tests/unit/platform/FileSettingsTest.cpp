@@ -193,19 +193,31 @@ TEST_F(FileSettingsTest, APipeInTheLocksPlaceIsNotWaitedFor) {
 }
 
 TEST_F(FileSettingsTest, ADamagedFileIsMovedAsideWhenReadAndTheUserIsTold) {
-    SetText(Path(), "no section here\n");
+    const std::string torn("[S]\n\0\0", 6);
+    SetText(Path(), torn);
     EXPECT_EQ(Store().ReadValue("Settings", "Key", "default"), "default");
-    EXPECT_EQ(TextOf(Path() + ".damaged-1"), "no section here\n");
+    EXPECT_EQ(TextOf(Path() + ".damaged-1"), torn);
     EXPECT_THAT(mWarnings, ElementsAre(HasSubstr(Path() + ".damaged-1")));
 }
 
+TEST_F(FileSettingsTest, ALineThatSaysNothingIsToldAndStays) {
+    SetText(Path(), "[Settings]\nKey=1\nwhat is this\n");
+    FileSettings store = Store();
+    EXPECT_EQ(store.ReadValue("Settings", "Key", ""), "1");
+    EXPECT_THAT(mWarnings, ElementsAre(HasSubstr("Line 3 of " + Path())));
+    store.WriteValue("Settings", "Key", "2");
+    EXPECT_EQ(TextOf(Path()), "[Settings]\nKey=2\nwhat is this\n");
+}
+
 TEST_F(FileSettingsTest, ASecondDamagedFileDoesNotReplaceTheFirst) {
-    for (const char* text : {"first\n", "second\n"}) {
+    const std::string first("first\0", 6);
+    const std::string second("second\0", 7);
+    for (const std::string& text : {first, second}) {
         SetText(Path(), text);
         Store().WriteValue("Settings", "Key", "value");
     }
-    EXPECT_EQ(TextOf(Path() + ".damaged-1"), "first\n");
-    EXPECT_EQ(TextOf(Path() + ".damaged-2"), "second\n");
+    EXPECT_EQ(TextOf(Path() + ".damaged-1"), first);
+    EXPECT_EQ(TextOf(Path() + ".damaged-2"), second);
     EXPECT_EQ(Store().ReadValue("Settings", "Key", ""), "value");
     EXPECT_EQ(mWarnings.size(), 2U);
 }

@@ -45,7 +45,8 @@ TEST_F(TraceFile, LineThatIsNoRecordIsNamed) {
     for (const char* const line :
          {"nonsense", "{}", "[1]", R"({"ms":"1","kind":"tx","bytes":"a"})",
           R"({"ms":1,"kind":"other","bytes":"a"})", R"({"ms":1,"kind":"tx","bytes":3})",
-          R"({"ms":1,"kind":"tx","bytes":"€"})",
+          R"({"ms":1,"kind":"tx","bytes":"€"})", R"({"ms":-1,"kind":"tx","bytes":"a"})",
+          R"({"ms":9223372036854775807,"kind":"tx","bytes":"a"})",
           R"({"ms":1,"kind":"tx","bytes":"a","redacted":4})"}) {
         Write(R"({"ms":0,"kind":"tx","bytes":"a"})"
               "\n"
@@ -61,6 +62,16 @@ TEST_F(TraceFile, LastLineThatWasCutShortIsLeftOut) {
     const TraceReading reading = ReadTrace(mPath);
     EXPECT_TRUE(reading.result.Ok());
     EXPECT_EQ(reading.records.size(), 1U);
+}
+
+TEST_F(TraceFile, StandsForNoMoreBytesThanAMemoryBears) {
+    const std::string most = R"({"ms":0,"kind":"rx","bytes":"","redacted":16777216})"
+                             "\n";
+    Write(most + most + most + most);
+    EXPECT_TRUE(ReadTrace(mPath).result.Ok());
+    Write(most + most + most + most + R"({"ms":0,"kind":"rx","bytes":"","redacted":1})" + "\n");
+    EXPECT_EQ(ReadTrace(mPath).result.text,
+              mPath + ": line 5 stands for more bytes than are replayed");
 }
 
 TEST_F(TraceFile, FileThatIsNotThereIsAResult) {

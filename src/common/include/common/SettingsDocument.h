@@ -25,9 +25,14 @@ namespace qncomm {
 class SettingsDocument {
   public:
     /// Reads a text, with or without a byte order mark (UTF-8) and with LF or CR LF as line ends,
-    /// both of which it keeps. Nothing when a line is neither blank, comment, section nor key, a
-    /// byte escape is broken, or a key stands before the first section.
+    /// both of which it keeps. A line that is neither blank, comment, section nor key, or a key
+    /// before the first section, says nothing and stays; a backslash that begins no escape stands
+    /// for itself. Nothing when a NUL byte is in it, as in a file that a power cut has torn.
     [[nodiscard]] static std::optional<SettingsDocument> Parse(std::string_view sText);
+
+    /// The first line that says nothing although it is neither blank nor a comment, counted from 1;
+    /// 0 when there is none.
+    [[nodiscard]] std::size_t StrayLine() const { return mStrayLine; }
 
     /// The text that Parse reads back to the same document: every line as it was read, unless its
     /// value was set. Ends with a line end.
@@ -63,6 +68,7 @@ class SettingsDocument {
     std::vector<Part> mParts = std::vector<Part>(1);
     std::unordered_map<std::string, std::size_t> mLast; ///< a section's last part
     std::unordered_map<std::string, Place> mPlaces;     ///< of each key
+    std::size_t mStrayLine = 0;
 };
 
 } // namespace qncomm

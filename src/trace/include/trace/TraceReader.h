@@ -37,7 +37,8 @@ struct TraceReading {
 /// Bytes of a trace that is read: some days of a line at 115,200 baud.
 inline constexpr std::uint64_t LargestTrace = std::uint64_t{1} << 30U;
 
-/// Reads a whole trace, which must be a regular file of at most LargestTrace bytes. A last line
+/// Reads a whole trace, which must be a regular file of at most LargestTrace bytes, with times of 0
+/// to 10^12 ms, and at most 64 MiB that were taken out. A last line
 /// that was cut short, as a killed program leaves it, is left out.
 TraceReading ReadTrace(const std::string& sPath);
 
