@@ -148,6 +148,16 @@ Check Listening(const LineFacts& line) {
             "At " + line.heardAt + " comes by itself" + Quoted(line.heardText)};
 }
 
+Check BrokenLoad(const LineFacts& line) {
+    const std::string load = "A load of " + std::to_string(line.load) + " bytes broke off here: ";
+    if (line.loadGivenUp)
+        return {"load", R::Warning,
+                load + "the printer waited for its rest, and has given it up now."};
+    if (line.answer == Answer::Printer)
+        return {"load", R::Pass, load + "the printer does not wait for its rest any more."};
+    return {"load", R::Warning, load + "the printer may wait for its rest."};
+}
+
 Check Answering(const LineFacts& line) {
     const auto fail = [&](const std::string& text) {
         return Check{"answer", R::Fail, text + Quoted(line.answerText)};
@@ -191,6 +201,7 @@ Checks ChecksOf(const Examined& examined) {
                               OtherPrograms(*machine, line), Services(*machine), Kernel(*machine)})
                 rows.push_back(std::move(row));
     }
+    if (line.load > 0) rows.push_back(BrokenLoad(line));
     if (examined.line)
         for (Check row :
              {Opening(line), ModemLines(line), Errors(line), Listening(line), Answering(line)})

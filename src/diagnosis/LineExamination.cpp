@@ -48,6 +48,10 @@ bool IsTaken(LineTalk talk) {
     return talk != LineTalk::Silence && talk != LineTalk::Prompt && talk != LineTalk::Boot;
 }
 
+bool IsGone(IoStatus status) {
+    return status == IoStatus::Missing || status == IoStatus::Lost || status == IoStatus::Failed;
+}
+
 void UseSettings(clsDataLink& link, const std::string& text) {
     const auto settings = ParseLineSettings(text);
     if (!settings) return;
@@ -88,9 +92,11 @@ bool LineExamination::Tell(const std::string& doing) const {
 LineFacts LineExamination::Run() {
     LineFacts facts;
     facts.settings = mPort.as;
+    if (!mPort.address.empty()) facts.load = NotedLoad(*mPort.settings, mPort.address);
     if (Tell("Listening at " + mPort.as) || !Listen(mPort.as, ListenMs, facts) || Tell({}))
         return facts;
     if (facts.heard.talk == LineTalk::Noise) ListenAtOtherRates(facts);
+    if (facts.load > 0 && facts.heard.talk == LineTalk::Silence) AwaitEndOfLoad(facts);
     if (facts.loss.empty() && !IsTaken(facts.heard.talk)) Ask(facts);
     AskOnceMoreAfterNoise(facts);
     if (facts.answer == Answer::Nothing && facts.loss.empty()) {
@@ -98,6 +104,13 @@ LineFacts LineExamination::Run() {
         AskOnceMoreAfterNoise(facts);
     }
     return facts;
+}
+
+// A printer that waits for the rest of a load would take a search for it.
+void LineExamination::AwaitEndOfLoad(LineFacts& facts) {
+    if (Tell("Waiting for a printer that may wait for the rest of a load")) return;
+    if (!Listen(mPort.as, ListenLongMs, facts) || Tell({})) return;
+    facts.loadGivenUp = facts.heard.talk != LineTalk::Silence;
 }
 
 // What came up meanwhile has greeted a host at other settings, or has asked for its file.
@@ -188,6 +201,9 @@ void LineExamination::Ask(LineFacts& facts) {
     mLink.ReleasePort(true, true);
     if (const auto& loss = mSerial.LastLoss()) facts.loss = loss->reason.text;
     if (facts.answer == Answer::Printer) return;
+    // A line that went between two openings of the search does not open again.
+    if (const auto& failure = mSerial.LastFailure(); failure && IsGone(failure->reason.status))
+        facts.loss = failure->reason.text;
     const std::vector<LineSegment> search(
         mRecord.Segments().begin() + static_cast<std::ptrdiff_t>(before), mRecord.Segments().end());
     facts.answer = Judge(search);

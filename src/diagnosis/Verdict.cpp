@@ -207,6 +207,12 @@ constexpr std::array Opened{
                      + f.Service()->does + ".";
           },
           [](const Facts& f) { return f.Service()->cure; }},
+    Cause{"load", NoPrinter, [](const Facts& f) { return f.NotFound() && f.line.load > 0; },
+          [](const Facts& f) {
+              return "No printer answers, and a load of " + std::to_string(f.line.load)
+                     + " bytes broke off here: it may wait for the rest.";
+          },
+          [](const Facts& f) { return f.OnPort("info"); }},
     Cause{"echo", NoPrinter,
           [](const Facts& f) { return f.Answers(Answer::Echo) || f.Says(LineTalk::Echo); },
           [](const Facts&) -> std::string {

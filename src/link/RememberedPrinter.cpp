@@ -30,6 +30,11 @@ constexpr std::size_t HourLength = std::string_view("2026-11-22T09").size();
 /// A number beyond this was not written by a load.
 constexpr double LargestLoad = 1e12;
 
+std::uintmax_t LoadIn(const std::string& text) {
+    const double bytes = Val(text);
+    return bytes < 1 || bytes > LargestLoad ? 0 : static_cast<std::uintmax_t>(bytes);
+}
+
 struct LineValue {
     std::string_view key;
     std::string LinkState::*value;
@@ -61,9 +66,9 @@ class KeptConnection {
     }
 
     LoadNote ReadLoad() const {
-        const double bytes = Val(Value(LoadKey));
-        if (bytes < 1 || bytes > LargestLoad) return {};
-        return {static_cast<std::uintmax_t>(bytes), Value(LoadUndoKey)};
+        const std::uintmax_t bytes = LoadIn(Value(LoadKey));
+        if (bytes == 0) return {};
+        return {bytes, Value(LoadUndoKey)};
     }
 
     const std::string& Section() const { return mSection; }
@@ -226,6 +231,10 @@ void KeepLoad(LinkState& state, const std::string& bytes, const std::string& und
 
 std::string ConnectionSection(std::string_view sAddress) {
     return "Connection " + std::string(sAddress);
+}
+
+std::uintmax_t NotedLoad(const RegSettings& store, std::string_view sAddress) {
+    return LoadIn(store.ReadValue(ConnectionSection(sAddress), LoadKey, ""));
 }
 
 std::string LinkState::SectionOf(std::int16_t port) const {

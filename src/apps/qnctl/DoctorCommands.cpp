@@ -84,6 +84,7 @@ Diagnosis Examine(Session& session, const DoctorArguments& arguments) {
                                   .bindings = session.Ports().Bindings(),
                                   .number = session.Port().number,
                                   .settings = session.Ports().SettingsFor(session.Port()),
+                                  .address = session.Ports().AddressOf(session.Port().number),
                                   .as = arguments.as,
                                   .trace = &trace,
                                   .progress = [&session](const std::string& doing) {

@@ -65,12 +65,16 @@ Examined Stage::Examine(bool fix) {
     if (mAddress.starts_with('/')) examined.machine = ReadMachine(mAddress);
     PortBindings bindings(AllChannelKinds());
     EXPECT_EQ(bindings.Give(1, mAddress), "");
+    const auto settings = std::make_shared<MemorySettings>();
+    if (mCondition.load > 0)
+        settings->WriteValue(ConnectionSection(mAddress), "Load", std::to_string(mCondition.load));
     LineExamination line({.reactor = Loop(),
                           .desktop = mDesktop,
                           .files = SystemFiles(),
                           .bindings = bindings,
                           .number = 1,
-                          .settings = std::make_shared<MemorySettings>(),
+                          .settings = settings,
+                          .address = mAddress,
                           .as = "9600,n,8,2",
                           .factory = mFactory});
     examined.line = line.Run();

@@ -29,6 +29,7 @@ struct Condition {
     const char* as = "9600,n,8,2"; ///< the earlier host's settings
     Device (*device)() = nullptr;  ///< or another device
     const char* address = "";      ///< or what is named there
+    int load = 0;                  ///< bytes of a load that is noted to have broken off there
     /// What another program does with the device meanwhile; false when it cannot.
     bool (*held)(int fd) = nullptr;
 };

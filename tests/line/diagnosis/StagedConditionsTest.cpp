@@ -97,6 +97,7 @@ const std::vector<Condition>& Conditions() {
         {"HalfALineOfAnEarlierHost", "healthy", Anywhere, "R7G", "PRINT \"half"},
         {"ALoadThatBrokeOff", "healthy", Anywhere, "R7G", "FILE& LOAD \"A\",100000\r"},
         {"AnImageThatBrokeOff", "healthy", Anywhere, "R7G", "IMAGE LOAD \"A.1\",90000,\"\"\r"},
+        {"ALoadIsNotedAndNothingAnswers", "load", Anywhere, "", "", "", Deaf, "", 5000},
         {"NoiseAllTheTime", "noise", Anywhere, "", "", "", Noisy},
         {"NoiseForAnAnswer", "noise", Anywhere, "", "", "", NoisyAnswers},
         {"ALoopBackPlug", "echo", Anywhere, "", "", "", LoopBack},
@@ -112,12 +113,12 @@ const std::vector<Condition>& Conditions() {
         {"ALateRefusal", "healthy", Anywhere, "R7F?late-errors=300"},
         {"AGreetingOfItsOwn", "healthy", Anywhere, "R7C?greeting=At your service."},
         {"APacedLine", "healthy", Anywhere, "R7B?baud=9600&paced=on"},
-        {"AnotherProgramHasTheLock", "busy", Pty, "", "", "", Deaf, "",
+        {"AnotherProgramHasTheLock", "busy", Pty, "", "", "", Deaf, "", 0,
          [](int fd) { return ::flock(fd, LOCK_EX | LOCK_NB) == 0; }},
-        {"AnotherProgramReadsAlong", "shared", Pty, "", "", "", Deaf, "",
+        {"AnotherProgramReadsAlong", "shared", Pty, "", "", "", Deaf, "", 0,
          [](int fd) { return fd >= 0; }},
         {"AnotherProgramReadsAlongAndThePrinterAnswers", "healthy", Pty, "R7G", "", "", nullptr, "",
-         [](int fd) { return fd >= 0; }},
+         0, [](int fd) { return fd >= 0; }},
         {"APlainSocket", "not-rfc2217", Remote, "", "", "", nullptr, "plain"},
         {"NoSuchDevice", "missing", Pty, "", "", "", nullptr, "/dev/ttyUSB77"},
         {"NoSerialDevice", "not-serial", Pty, "", "", "", nullptr, "/dev/null"},
@@ -157,6 +158,21 @@ TEST_P(StagedConditions, AreNamedRight) {
 INSTANTIATE_TEST_SUITE_P(Lines, StagedConditions, ::testing::ValuesIn(All()), [](const auto& each) {
     return std::string(each.param.line) + "_" + each.param.condition->name;
 });
+
+class NotedLoads : public ::testing::TestWithParam<Kind> {};
+
+TEST_P(NotedLoads, AreWaitedForSoThatTheSearchBecomesNoPartOfThem) {
+    const Condition condition{"Load",       "healthy", Anywhere, "R7G", "FILE& LOAD \"A\",200\r",
+                              "9600,n,8,2", nullptr,   "",       200};
+    const Examined examined = Stage(GetParam(), condition).Look();
+    EXPECT_EQ(VerdictOf(examined).name, "healthy") << Told(examined);
+    EXPECT_TRUE(examined.line->loadGivenUp);
+    EXPECT_NE(Told(examined).find("load warning: A load of 200 bytes broke off here"),
+              std::string::npos)
+        << Told(examined);
+}
+
+INSTANTIATE_TEST_SUITE_P(Lines, NotedLoads, ::testing::Values(InProcess, Pty, Tcp, Remote));
 
 /// What an earlier host has left running, at the settings that are known.
 std::vector<Named> Fixable() {

@@ -153,6 +153,7 @@ const std::vector<Case> AllCases{
           })},
     {"grabbed", None, "ModemManager",
      With(Quiet(), [](Examined& e) { e.machine->services = {Modems}; })},
+    {"load", None, "qnctl info --port", With(Quiet(), [](Examined& e) { e.line->load = 5000; })},
     {"echo", None, "qnctl doctor", Answers(Answer::Echo)},
     {"half", CommandEnd::Error, "qnctl doctor", Answers(Answer::Half)},
     {"other-device", None, "qnctl watch", Answers(Answer::Text)},

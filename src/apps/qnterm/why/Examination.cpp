@@ -10,8 +10,6 @@
 #include "qt/QtReactor.h"
 #include "serial/SerialDevices.h"
 
-#include <utility>
-
 namespace qnterm {
 namespace {
 
@@ -48,7 +46,7 @@ class PortGivenBack {
 
 std::optional<qncomm::Examined> Examine(const ExaminationParts& parts,
                                         const qncomm::ChosenPort& port,
-                                        std::shared_ptr<const qncomm::RegSettings> settings) {
+                                        const qncomm::PortBook& book) {
     Operations& operations = parts.operations;
     qncomm::Examined examined{.port = port.address, .machine = {}, .line = {}};
     NoBoxes desktop;
@@ -61,8 +59,8 @@ std::optional<qncomm::Examined> Examine(const ExaminationParts& parts,
                                       .files = qncomm::SystemFiles(),
                                       .bindings = parts.control.assembly().Bindings(),
                                       .number = port.number,
-                                      .settings = std::move(settings),
-                                      .as = {},
+                                      .settings = book.SettingsFor(port),
+                                      .address = book.AddressOf(port.number),
                                       .progress =
                                           [&operations](const std::string& doing) {
                                               if (!doing.empty())

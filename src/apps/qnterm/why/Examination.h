@@ -5,12 +5,10 @@
 #include "assembly/PortBook.h"
 #include "diagnosis/Diagnosis.h"
 
-#include <memory>
 #include <optional>
 
 namespace qncomm {
 class QNCommWidget;
-class RegSettings;
 } // namespace qncomm
 
 namespace qnterm {
@@ -29,6 +27,6 @@ struct ExaminationParts {
 /// refused or cancelled.
 std::optional<qncomm::Examined> Examine(const ExaminationParts& parts,
                                         const qncomm::ChosenPort& port,
-                                        std::shared_ptr<const qncomm::RegSettings> settings);
+                                        const qncomm::PortBook& book);
 
 } // namespace qnterm

@@ -322,8 +322,7 @@ bool MainWindow::Answered() const {
 }
 
 void MainWindow::AskWhy() {
-    const auto examined =
-        Examine({*mOperations, *mControl, mChannels}, mPort, mBook.SettingsFor(mPort));
+    const auto examined = Examine({*mOperations, *mControl, mChannels}, mPort, mBook);
     if (!examined || mClosing) return;
     auto* dialog = new WhyDialog(*examined, this);
     dialog->setAttribute(Qt::WA_DeleteOnClose);

@@ -24,7 +24,9 @@ struct ExaminedPort {
     std::int16_t number = 1; ///< the one that is examined
     /// Where the port's settings are remembered; read, never written. Not null.
     std::shared_ptr<const RegSettings> settings;
-    std::string as;             ///< settings to listen at, such as "9600,n,8,2"; empty: remembered
+    /// What is remembered of the port's printer is kept under this; empty: nothing is.
+    std::string address = {};
+    std::string as = {};        ///< settings to listen at, such as "9600,n,8,2"; empty: remembered
     TraceSink* trace = nullptr; ///< hears what travels; may be null
     /// Told what is being done, and asked several times a second, with an empty text, whether to
     /// go on; true ends the examination. May be empty.
@@ -61,6 +63,7 @@ class LineExamination {
     bool Listen(const std::string& settings, std::int32_t ms, LineFacts& facts);
     void Settle();
     void ListenAtOtherRates(LineFacts& facts);
+    void AwaitEndOfLoad(LineFacts& facts);
     void ListenOnceMore(LineFacts& facts);
     void AskOnceMoreAfterNoise(LineFacts& facts);
     void Ask(LineFacts& facts);

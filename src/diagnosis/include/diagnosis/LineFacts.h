@@ -41,8 +41,11 @@ struct LineFacts {
     std::int16_t channel = 0;         ///< the printer's channel
     std::string model;                ///< what the printer calls itself
     std::string firmware;             ///< its version
-    std::string failure;              ///< what the search or the first exchange raised
-    std::string loss;                 ///< how the open line was lost
+    /// Bytes of a load that broke off here, as the settings note it; 0 for none.
+    std::uintmax_t load = 0;
+    bool loadGivenUp = false; ///< the printer has waited for its rest, and has now given it up
+    std::string failure;      ///< what the search or the first exchange raised
+    std::string loss;         ///< how the open line was lost
 };
 
 /// What travelled while the port was open once.

@@ -7,6 +7,8 @@
 
 namespace qncomm {
 
+class RegSettings;
+
 /// What a host may switch on beyond what a link does by itself.
 struct LinkOptions {
     /// Keeps in the store what is known of the printer on each port, and speaks to it at once where
@@ -33,5 +35,9 @@ struct LinkOptions {
 
 /// The section of the store for what is remembered of one address.
 std::string ConnectionSection(std::string_view sAddress);
+
+/// Bytes of a load that has begun on that address and whose end nobody has seen, as the store notes
+/// them; 0 for none.
+std::uintmax_t NotedLoad(const RegSettings& store, std::string_view sAddress);
 
 } // namespace qncomm
