@@ -12,6 +12,10 @@ void Wait::Heard(std::int32_t lSilenceMs) {
     Heard();
 }
 
+void Wait::LookAgainIn(std::int32_t lStepMs) {
+    mBounds.stepMs = std::max(lStepMs, 1);
+}
+
 void Wait::Came(std::size_t bytes) {
     if (bytes == 0) return;
     mCame += std::min(bytes, WaitBounds::AnyNumber - mCame);

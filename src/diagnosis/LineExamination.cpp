@@ -3,6 +3,7 @@
 #include "common/MemorySettings.h"
 #include "common/QNError.h"
 #include "common/StopWatch.h"
+#include "common/Wait.h"
 
 #include <algorithm>
 #include <array>
@@ -145,16 +146,18 @@ bool LineExamination::Listen(const std::string& settings, std::int32_t ms, LineF
     if (!mRecord.HasNoModemLines()) facts.dsr = mSerial.DSRState();
     if (settings != mPort.as) Settle();
     HeardLine heard;
-    StopWatch whole(mPort.reactor);
     StopWatch silence(mPort.reactor);
-    while (mSerial.PortOpen() && whole.ElapsedMs() < ms && heard.bytes.size() < EnoughBytes
-           && !Tell({})) {
-        mSerial.WaitForReceive(std::min(ms - whole.ElapsedMs(), TurnMs));
+    const auto enough = [&] {
+        return !mSerial.PortOpen() || heard.bytes.size() >= EnoughBytes || Tell({});
+    };
+    const auto hear = [&](std::int32_t left) {
+        mSerial.WaitForReceive(left);
         const std::string came = mSerial.Read();
         heard.bytes += came;
         if (!came.empty()) silence.Restart();
         mPort.reactor.Yield(0);
-    }
+    };
+    Wait(mPort.reactor, {.wholeMs = ms - 1, .stepMs = TurnMs}).Until(enough, hear);
     heard.silentMs = silence.ElapsedMs();
     heard.lineErrors = mRecord.Segments().back().damaged;
     if (!mSerial.PortOpen() && mSerial.LastLoss()) facts.loss = mSerial.LastLoss()->reason.text;
@@ -168,12 +171,12 @@ bool LineExamination::Listen(const std::string& settings, std::int32_t ms, LineF
 }
 
 void LineExamination::Settle() {
-    const StopWatch since(mPort.reactor);
-    std::size_t dropped = 0;
-    while (mSerial.PortOpen() && since.ElapsedMs() < SettleMs && dropped < BufferBytes) {
-        mSerial.WaitForReceive(SettleMs - since.ElapsedMs());
-        dropped += mSerial.Read().size();
-    }
+    Wait wait(mPort.reactor, {.wholeMs = SettleMs - 1, .bytes = BufferBytes});
+    wait.Until([this] { return !mSerial.PortOpen(); },
+               [&](std::int32_t left) {
+                   mSerial.WaitForReceive(left);
+                   wait.Came(mSerial.Read().size());
+               });
 }
 
 void LineExamination::ListenAtOtherRates(LineFacts& facts) {

@@ -10,7 +10,6 @@
 
 #include <algorithm>
 #include <array>
-#include <limits>
 #include <utility>
 
 namespace qncomm {
@@ -22,8 +21,10 @@ constexpr std::int32_t ProbeDrain = 50;
 constexpr std::int32_t ProbeSilence = 50;
 constexpr std::int32_t SetupDrain = 100;
 constexpr std::int32_t SetupSilence = 200;
-constexpr std::int32_t LongestAnswer = 3000; ///< a device that never stops talking is no printer
-constexpr std::int32_t NoLonger = -1;        ///< a limit that is over
+constexpr std::int32_t LongestAnswer = 3000;   ///< a device that never stops talking is no printer
+constexpr std::int32_t LongestSetup = 600'000; ///< of a listing that goes on, however slow the line
+constexpr std::int32_t NoLonger = -1;          ///< a limit that is over
+constexpr std::size_t MostCollected = std::size_t{1024} * 1024; ///< no printer says more at once
 
 constexpr std::size_t SpoiledReply = 64; ///< bytes with which a printer refuses a spoiled line
 constexpr std::string_view EndOfAnswer = "Ok\r\n";
@@ -32,6 +33,11 @@ constexpr std::string_view Probe = "\x11\rIMMEDIATE ON:SYSVAR(18)=-1:PRINT\"HELL
 constexpr std::array<std::int16_t, 3> Channels = {1, 2, 3};
 constexpr std::int16_t ProgressStep = 3;
 constexpr std::int16_t ProgressDone = 100;
+
+/// A wait that is over when its time has come, and not a ms later.
+constexpr std::int32_t JustBefore(std::int32_t ms) {
+    return ms - 1;
+}
 
 std::size_t CountOf(std::string_view text, std::string_view what) {
     std::size_t count = 0;
@@ -123,17 +129,15 @@ bool AutoConnectSearch::FindLine() {
 }
 
 void AutoConnectSearch::WaitForSilence() {
-    const StopWatch whole(mState.host.loop);
-    StopWatch silence(mState.host.loop);
-    while (whole.ElapsedMs() <= LongestSilenceWait) {
+    Wait wait(mState.host.loop,
+              {.wholeMs = LongestSilenceWait, .silenceMs = JustBefore(LineSilence)});
+    mState.Await(wait, [&] {
         if (Serial().ReceiveCount() > 0 || Serial().TransmitCount() > 0) {
             Flush();
-            silence.Restart();
+            wait.Heard();
         }
-        const std::int32_t left = LineSilence - silence.ElapsedMs();
-        if (left <= 0) return;
-        mState.Yield(left);
-    }
+        return false;
+    });
 }
 
 bool AutoConnectSearch::FindPrinter() {
@@ -233,19 +237,16 @@ void AutoConnectSearch::MoveToFront(Collection<std::string>& collection, const s
 
 std::string AutoConnectSearch::Collect(std::int32_t silence, const Judge& limitOf) {
     std::string text;
-    const StopWatch whole(mState.host.loop);
-    StopWatch watch(mState.host.loop);
-    for (;;) {
+    Wait wait(mState.host.loop,
+              {.wholeMs = WaitBounds::Endless, .silenceMs = silence, .bytes = MostCollected});
+    mState.Await(wait, [&] {
         const std::string chunk = Serial().Read();
-        if (!chunk.empty()) {
-            text += NormalizeLineEnds(Strip8thBit(chunk));
-            watch.Restart();
-        }
-        const std::int32_t left =
-            std::min(watch.UntilExceeds(silence), whole.UntilExceeds(limitOf(text)));
-        if (left == 0) return text;
-        mState.Yield(left);
-    }
+        text += NormalizeLineEnds(Strip8thBit(chunk));
+        wait.Came(chunk.size());
+        wait.Within(limitOf(text));
+        return false;
+    });
+    return text;
 }
 
 bool AutoConnectSearch::CollectProbe(const std::string& rate, std::size_t before) {
@@ -283,7 +284,7 @@ std::string AutoConnectSearch::CollectSetup(const std::string& command) {
         case SetupProgress::NotBegun:
             return LongestAnswer;
         case SetupProgress::Listing:
-            return std::numeric_limits<std::int32_t>::max(); // however slow the line
+            return LongestSetup;
         default:
             return NoLonger;
         }
@@ -291,12 +292,7 @@ std::string AutoConnectSearch::CollectSetup(const std::string& command) {
 }
 
 void AutoConnectSearch::WaitForDrain(std::int32_t limit) {
-    const StopWatch watch(mState.host.loop);
-    while (Serial().TransmitCount() > 0) {
-        const std::int32_t left = limit - watch.ElapsedMs();
-        if (left <= 0) return;
-        mState.Yield(left);
-    }
+    mState.Await({.wholeMs = JustBefore(limit)}, [this] { return Serial().TransmitCount() <= 0; });
 }
 
 void AutoConnectSearch::Flush() {

@@ -3,6 +3,7 @@
 #include "common/HostPath.h"
 #include "common/Text.h"
 #include "platform/Fd.h"
+#include "platform/FdWait.h"
 #include "platform/SystemFiles.h"
 
 #include <cerrno>
@@ -16,6 +17,9 @@
 
 namespace qncomm {
 namespace {
+
+/// A program on a disk that does not answer is not waited for.
+constexpr std::int64_t LongestStartUs = 10'000'000;
 
 /// What the new process reports when it cannot become the program; when it can, it reports nothing.
 struct Hindrance {
@@ -100,8 +104,10 @@ LaunchResult ProcessLauncher::Launch(const LaunchRequest& request) {
     if (first < 0) return ResultOf({Hindrance::Fork, errno}, own);
     if (first == 0) BecomeProgram(own, arguments.data(), writing.Get());
     writing.Reset();
-    Hindrance hindrance;
-    const bool hindered = ReadHindrance(reading.Get(), hindrance);
+    const bool begun = WaitForFd(reading.Get(), {.readable = true}, LongestStartUs).Any();
+    if (!begun) ::kill(first, SIGKILL); // it waits for a second process that it does not get
+    Hindrance hindrance{Hindrance::Program, ETIMEDOUT};
+    const bool hindered = !begun || ReadHindrance(reading.Get(), hindrance);
     while (::waitpid(first, nullptr, 0) < 0 && errno == EINTR)
         continue;
     return hindered ? ResultOf(hindrance, own) : LaunchResult{};

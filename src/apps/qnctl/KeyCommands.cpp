@@ -2,8 +2,8 @@
 #include "Session.h"
 #include "ShownTerminal.h"
 
-#include "common/StopWatch.h"
 #include "common/Text.h"
+#include "common/Wait.h"
 #include "console/Charset.h"
 #include "console/ConsoleTerminal.h"
 #include "dialogs/frmBinaryTransfer.h"
@@ -14,6 +14,7 @@
 #include <array>
 #include <charconv>
 #include <memory>
+#include <utility>
 
 namespace qnctl {
 namespace {
@@ -57,28 +58,29 @@ Outcome NoSuchKey(const std::string& named) {
 /// Collects what the printer says and waits until it has said it all.
 class Reply {
   public:
-    explicit Reply(Session& session) : mSession(session), mSilence(session.Loop()) {}
+    explicit Reply(Session& session) : mSession(session) {}
 
     void Take(std::string_view text) {
-        mSilence.Restart();
         mText += text;
         if (!mSession.Out().IsJson()) mSession.Out().Text(qncomm::Utf8FromPrinter(text));
     }
 
     /// Returns after the printer's "Ok", or when nothing has come for as long as a terminal waits.
     void Await() {
-        constexpr std::int32_t limit = qncomm::ConsoleTerminal::SilenceMs;
-        mSilence.Restart();
-        while (!mText.ends_with("Ok\r\n") && mSilence.ElapsedMs() <= limit
-               && mSession.Serial().PortOpen())
-            mSession.Loop().Yield(mSilence.UntilExceeds(limit));
+        // A program that prints goes on until its user has seen enough.
+        qncomm::Wait wait(mSession.Loop(), {.wholeMs = qncomm::WaitBounds::Endless,
+                                            .silenceMs = qncomm::ConsoleTerminal::SilenceMs});
+        std::size_t seen = mText.size();
+        wait.Until(mSession.Loop(), [&] {
+            wait.Came(mText.size() - std::exchange(seen, mText.size()));
+            return mText.ends_with("Ok\r\n") || !mSession.Serial().PortOpen();
+        });
     }
 
     const std::string& Text() const { return mText; }
 
   private:
     Session& mSession;
-    qncomm::StopWatch mSilence;
     std::string mText;
 };
 

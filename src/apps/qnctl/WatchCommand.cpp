@@ -2,7 +2,7 @@
 #include "GivenSettings.h"
 #include "Session.h"
 
-#include "common/StopWatch.h"
+#include "common/Wait.h"
 #include "console/Charset.h"
 #include "serial/PDQComm.h"
 #include "trace/TraceReader.h"
@@ -109,17 +109,28 @@ class WatchedPort final : public qncomm::TraceSink {
 
   private:
     Outcome Watch() {
-        const qncomm::StopWatch since(mSession.Loop());
-        const std::int32_t limit = mArguments.forMs;
-        while (mSerial.PortOpen()) {
-            if (mSession.Interrupted()) return Cancelled();
-            if (mAwaited.Seen()) return {};
-            if (const std::string lost = mSession.Out().Lost(); !lost.empty())
-                return Refused(ExitStatus::Error, lost);
-            const std::int32_t left = limit > 0 ? since.UntilExceeds(limit) : LongSleepMs;
-            if (left == 0) return TimeIsOver();
-            mSession.Loop().Yield(left);
-        }
+        using qncomm::WaitBounds;
+        const std::int32_t limit = mArguments.forMs > 0 ? mArguments.forMs : WaitBounds::Endless;
+        std::optional<Outcome> end;
+        qncomm::Wait wait(mSession.Loop(), {.wholeMs = limit, .stepMs = LongSleepMs});
+        wait.Until(mSession.Loop(), [&] {
+            end = Ended();
+            return end.has_value();
+        });
+        return end ? *end : TimeIsOver();
+    }
+
+    /// Why it watches no longer; nothing while it does.
+    std::optional<Outcome> Ended() {
+        if (!mSerial.PortOpen()) return Lost();
+        if (mSession.Interrupted()) return Cancelled();
+        if (mAwaited.Seen()) return Outcome{};
+        if (const std::string lost = mSession.Out().Lost(); !lost.empty())
+            return Refused(ExitStatus::Error, lost);
+        return std::nullopt;
+    }
+
+    Outcome Lost() const {
         const auto& lost = mSerial.LastFailure();
         return {ExitStatus::PortUnavailable, lost ? lost->number : 0, "PDQComm",
                 lost ? lost->description : mSession.PortName() + " was closed."};

@@ -1,5 +1,6 @@
 #include "console/ConsoleTerminal.h"
 
+#include "common/Wait.h"
 #include "console/RawTerminal.h"
 #include "platform/Fd.h"
 
@@ -43,29 +44,41 @@ bool ConsoleTerminal::RunKeys() {
     const auto watch =
         mReactor.Watch(mWiring.in, FdEvents{.readable = true}, [this](FdEvents) { OnKeys(); });
     if (mWiring.ready) mWiring.ready();
-    while (!mEnded) {
-        if (!mWiring.alive()) return false;
-        Flush();
-        mReactor.Yield(LongWaitMs);
-    }
-    Flush(); // what was typed before the end key
-    return true;
+    bool alive = true;
+    Wait wait(mReactor, {.wholeMs = WaitBounds::Endless, .stepMs = LongWaitMs}); // a person's time
+    wait.Until(mReactor, [&] {
+        if (mEnded) return true;
+        alive = mWiring.alive();
+        if (alive) Flush();
+        return !alive;
+    });
+    if (alive) Flush(); // what was typed before the end key
+    return alive;
 }
 
 bool ConsoleTerminal::RunLines() {
     auto watch =
         mReactor.Watch(mWiring.in, FdEvents{.readable = true}, [this](FdEvents) { OnText(); });
     mSilence.Restart();
-    for (;;) {
-        if (!mWiring.alive()) return false;
-        if (mOutputError != 0) return true;
+    bool alive = true;
+    Wait wait(mReactor, {.wholeMs = WaitBounds::Endless}); // as long as the input goes on
+    wait.Until(mReactor, [&] {
+        alive = mWiring.alive();
+        if (!alive || mOutputError != 0) return true;
         if (mEnded) watch.reset(); // an input at its end would stay readable for ever
-        const bool sent = Flush();
-        if (sent && LineAnswered()) mWaiting = false;
-        if (sent && !mWaiting && SendLine()) continue; // the answer may be there already
-        if (mEnded && sent && !mWaiting && mLines.empty() && mToSend.empty()) return true;
-        mReactor.Yield(mWaiting ? mSilence.UntilExceeds(SilenceMs) : LongWaitMs);
-    }
+        const bool over = SendLines();
+        wait.LookAgainIn(mWaiting ? mSilence.UntilExceeds(SilenceMs) : LongWaitMs);
+        return over;
+    });
+    return alive;
+}
+
+bool ConsoleTerminal::SendLines() {
+    do {
+        if (!Flush()) return false;
+        if (LineAnswered()) mWaiting = false;
+    } while (!mWaiting && SendLine()); // the answer may be there already
+    return mEnded && !mWaiting && mLines.empty() && mToSend.empty();
 }
 
 bool ConsoleTerminal::LineAnswered() const {

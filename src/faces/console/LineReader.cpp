@@ -1,5 +1,7 @@
 #include "console/LineReader.h"
 
+#include "common/Wait.h"
+
 #include <array>
 #include <cerrno>
 #include <ostream>
@@ -7,11 +9,6 @@
 #include <unistd.h>
 
 namespace qncomm {
-namespace {
-
-constexpr std::int32_t AnswerWaitMs = 60'000; // it ends with the input, not with the time
-
-} // namespace
 
 bool LineReader::IsTerminal() const {
     return ::isatty(mFd) == 1;
@@ -26,8 +23,8 @@ std::optional<std::string> LineReader::ReadLine() {
         ended = got == 0 || (got < 0 && errno != EINTR && errno != EAGAIN);
     });
     std::size_t end = 0;
-    while ((end = mRest.find('\n')) == std::string::npos && !ended)
-        mReactor.Yield(AnswerWaitMs);
+    Wait wait(mReactor, {.wholeMs = WaitBounds::Endless}); // a person's time, or the input's
+    wait.Until(mReactor, [&] { return (end = mRest.find('\n')) != std::string::npos || ended; });
     if (end == std::string::npos && mRest.empty()) return std::nullopt;
     std::string line = mRest.substr(0, end);
     mRest.erase(0, end == std::string::npos ? end : end + 1);

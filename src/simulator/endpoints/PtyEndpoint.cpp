@@ -1,6 +1,7 @@
 #include "endpoints/PtyEndpoint.h"
 
 #include "EndpointCalls.h"
+#include "platform/FdWait.h"
 
 #include <algorithm>
 #include <array>
@@ -10,7 +11,6 @@
 #include <cstring>
 #include <fcntl.h>
 #include <filesystem>
-#include <poll.h>
 #include <sys/inotify.h>
 #include <sys/stat.h>
 #include <termios.h>
@@ -156,8 +156,7 @@ bool PtyEndpoint::Leaves() {
 }
 
 bool PtyEndpoint::HungUp(int limitMs) const {
-    pollfd state{mMaster.Get(), 0, 0};
-    return ::poll(&state, 1, limitMs) > 0 && (state.revents & POLLHUP) != 0;
+    return qncomm::WaitForFd(mMaster.Get(), {}, std::int64_t{limitMs} * 1000).hungUp;
 }
 
 LineFormat PtyEndpoint::CurrentFormat() const {

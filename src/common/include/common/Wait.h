@@ -47,6 +47,10 @@ class Wait {
     void Heard() { mSilence.Restart(); }
     /// The same, and from now on the silence may be so many ms long.
     void Heard(std::int32_t lSilenceMs);
+    /// Its whole time is from now on so many ms, counted from its start all the same.
+    void Within(std::int32_t lWholeMs) { mBounds.wholeMs = lWholeMs; }
+    /// It looks again after that many ms at the latest, at least 1.
+    void LookAgainIn(std::int32_t lStepMs);
     /// So many bytes came that are kept. None is no news.
     void Came(std::size_t bytes);
 

@@ -61,6 +61,7 @@ class ConsoleTerminal {
     void Tell(std::string_view text);
     void Put(std::string_view text);
     void OnText();
+    bool SendLines();
     bool SendLine();
     bool LineAnswered() const;
     bool Flush();

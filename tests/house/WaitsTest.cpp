@@ -1,0 +1,70 @@
+// One kind of wait: nothing else in the product sleeps, polls, blocks or loops on a clock.
+
+#include "WaitRules.h"
+
+#include <gmock/gmock.h>
+
+#include <filesystem>
+#include <fstream>
+#include <iterator>
+
+namespace {
+
+namespace fs = std::filesystem;
+
+using qncomm::testing::CodeOf;
+using qncomm::testing::StrayWaits;
+using testing::ElementsAre;
+using testing::HasSubstr;
+using testing::IsEmpty;
+
+const fs::path Sources = fs::path(QN_SOURCE_DIR) / "src";
+
+TEST(WaitRules, RefuseASleepOfOnesOwnWhereverItStands) {
+    for (const char* sleep :
+         {"::nanosleep(&pause, nullptr);", "::usleep(5);", "::poll(&entry, 1, 5);",
+          "::select(1, nullptr, nullptr, nullptr, &limit);", "::waitpid(child, nullptr, 0);",
+          "std::this_thread::yield();", "::getaddrinfo(host, service, &hints, &list);",
+          "std::condition_variable changed;", "::flock(fd, LOCK_EX);", "loop.Yield(left);",
+          "mReactor.WaitFor(fd, {}, left);", "WaitForFd(fd, {}, left);",
+          "while (watch.ElapsedMs() < 500) {", "while (!done\n       && loop.NowUs() < until)"})
+        EXPECT_THAT(StrayWaits("apps/qnctl/X.cpp", sleep), testing::Not(IsEmpty())) << sleep;
+}
+
+TEST(WaitRules, LetTheirPlacesSleep) {
+    EXPECT_THAT(StrayWaits("platform/PollCalls.h", "::ppoll(entries, count, limit, nullptr);"),
+                IsEmpty());
+    EXPECT_THAT(StrayWaits("common/include/common/Wait.h", "loop.Yield(ms);"), IsEmpty());
+    EXPECT_THAT(StrayWaits("link/AutoConnect.cpp", "loop.Yield(ms);"),
+                ElementsAre("link/AutoConnect.cpp:1 yields: Yield("));
+}
+
+TEST(WaitRules, LetEverybodyDispatchWithoutWaitingAndAskForALockOnce) {
+    EXPECT_THAT(StrayWaits("link/X.cpp", "state.Yield(0);"), IsEmpty());
+    EXPECT_THAT(StrayWaits("serial/X.cpp", "::flock(fd, LOCK_EX | LOCK_NB);"), IsEmpty());
+}
+
+TEST(WaitRules, ReadCodeAlone) {
+    EXPECT_EQ(CodeOf("a(); // ::poll(x)\nb(\"::poll(\\\"x\");/* c */d('\"', 1'000);"),
+              "a();             \nb(\"          \");       d(' ', 1'000);");
+    EXPECT_THAT(StrayWaits("link/X.cpp", "\n// ::usleep(1)\n\n::usleep(1);"),
+                ElementsAre(HasSubstr("link/X.cpp:4 sleeps")));
+}
+
+TEST(TheHouse, WaitsInOneWay) {
+    std::vector<std::string> stray;
+    int files = 0;
+    for (const auto& entry : fs::recursive_directory_iterator(Sources)) {
+        const std::string kind = entry.path().extension().string();
+        if (kind != ".h" && kind != ".cpp") continue;
+        ++files;
+        std::ifstream in(entry.path(), std::ios::binary);
+        const std::string text{std::istreambuf_iterator<char>(in), {}};
+        const std::string file = fs::relative(entry.path(), Sources).generic_string();
+        std::ranges::copy(StrayWaits(file, text), std::back_inserter(stray));
+    }
+    EXPECT_GT(files, 300);
+    EXPECT_THAT(stray, IsEmpty());
+}
+
+} // namespace
