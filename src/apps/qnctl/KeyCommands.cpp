@@ -71,7 +71,7 @@ class Reply {
         qncomm::Wait wait(mSession.Loop(), {.wholeMs = qncomm::WaitBounds::Endless,
                                             .silenceMs = qncomm::ConsoleTerminal::SilenceMs});
         std::size_t seen = mText.size();
-        wait.Until(mSession.Loop(), [&] {
+        wait.UntilIn(mSession.Loop(), [&] {
             wait.Came(mText.size() - std::exchange(seen, mText.size()));
             return mText.ends_with("Ok\r\n") || !mSession.Serial().PortOpen();
         });

@@ -113,7 +113,7 @@ class WatchedPort final : public qncomm::TraceSink {
         const std::int32_t limit = mArguments.forMs > 0 ? mArguments.forMs : WaitBounds::Endless;
         std::optional<Outcome> end;
         qncomm::Wait wait(mSession.Loop(), {.wholeMs = limit, .stepMs = LongSleepMs});
-        wait.Until(mSession.Loop(), [&] {
+        wait.UntilIn(mSession.Loop(), [&] {
             end = Ended();
             return end.has_value();
         });

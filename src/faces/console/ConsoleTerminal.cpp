@@ -46,7 +46,7 @@ bool ConsoleTerminal::RunKeys() {
     if (mWiring.ready) mWiring.ready();
     bool alive = true;
     Wait wait(mReactor, {.wholeMs = WaitBounds::Endless, .stepMs = LongWaitMs}); // a person's time
-    wait.Until(mReactor, [&] {
+    wait.UntilIn(mReactor, [&] {
         if (mEnded) return true;
         alive = mWiring.alive();
         if (alive) Flush();
@@ -62,7 +62,7 @@ bool ConsoleTerminal::RunLines() {
     mSilence.Restart();
     bool alive = true;
     Wait wait(mReactor, {.wholeMs = WaitBounds::Endless}); // as long as the input goes on
-    wait.Until(mReactor, [&] {
+    wait.UntilIn(mReactor, [&] {
         alive = mWiring.alive();
         if (!alive || mOutputError != 0) return true;
         if (mEnded) watch.reset(); // an input at its end would stay readable for ever

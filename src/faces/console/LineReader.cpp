@@ -24,7 +24,7 @@ std::optional<std::string> LineReader::ReadLine() {
     });
     std::size_t end = 0;
     Wait wait(mReactor, {.wholeMs = WaitBounds::Endless}); // a person's time, or the input's
-    wait.Until(mReactor, [&] { return (end = mRest.find('\n')) != std::string::npos || ended; });
+    wait.UntilIn(mReactor, [&] { return (end = mRest.find('\n')) != std::string::npos || ended; });
     if (end == std::string::npos && mRest.empty()) return std::nullopt;
     std::string line = mRest.substr(0, end);
     mRest.erase(0, end == std::string::npos ? end : end + 1);

@@ -70,7 +70,7 @@ class Wait {
     }
     /// The same, sleeping in the host's loop, which dispatches what is due.
     template <class Done>
-    WaitEnd Until(MessageLoop& loop, Done done) {
+    WaitEnd UntilIn(MessageLoop& loop, Done done) {
         return Until(done, [&loop](std::int32_t ms) { loop.Yield(ms); });
     }
 
