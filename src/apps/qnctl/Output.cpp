@@ -6,6 +6,8 @@
 #include <algorithm>
 #include <cerrno>
 #include <iostream>
+#include <sstream>
+#include <string>
 
 namespace qnctl {
 namespace {
@@ -19,7 +21,8 @@ std::size_t WidthOf(std::string_view text) {
 
 std::string TextOf(const Json& document) {
     // Texts were converted before; a byte that still is no UTF-8 must not end the program.
-    return document.dump(-1, ' ', false, Json::error_handler_t::replace);
+    return qncomm::WithoutControlsInJson(
+        document.dump(-1, ' ', false, Json::error_handler_t::replace));
 }
 
 } // namespace
@@ -80,8 +83,11 @@ void Output::Failure(const Outcome& outcome) const {
         std::cerr << "error " << outcome.number << ": " << qncomm::WithoutControls(message) << " ["
                   << outcome.source << "]" << std::endl;
     } else {
-        // Made here, and may have several lines.
-        std::cerr << message << std::endl;
+        // Made here, and may have several lines; what they name may come from elsewhere.
+        std::istringstream lines(message);
+        for (std::string line; std::getline(lines, line);)
+            std::cerr << qncomm::WithoutControls(line) << '\n';
+        std::cerr << std::flush;
     }
 }
 

@@ -9,6 +9,7 @@ using qncomm::PrinterFromUtf8;
 using qncomm::TypedText;
 using qncomm::Utf8FromPrinter;
 using qncomm::WithoutControls;
+using qncomm::WithoutControlsInJson;
 
 TEST(Charset, ShowsThePrintersUpperHalfAsUtf8) {
     EXPECT_EQ(Utf8FromPrinter("plain"), "plain");
@@ -39,6 +40,13 @@ TEST(Charset, TakesATextForThePrintersOnlyWhenItIsNoUtf8) {
 TEST(Charset, ShowsControlCharactersInsteadOfSendingThem) {
     EXPECT_EQ(WithoutControls("a\x1B[2Jb\x7F\tc"), "a\\x1B[2Jb\\x7F\\x09c");
     EXPECT_EQ(WithoutControls("\xC2\x9B å"), "\\x9B å"); // the one-byte form of ESC [
+    EXPECT_EQ(WithoutControls("a\u202Egnp.exe\u2028b"), "a\\u202Egnp.exe\\u2028b");
+    EXPECT_EQ(WithoutControls("\xFF\u00E5"), "\xFF\u00E5");
+}
+
+TEST(Charset, ControlsInJsonAreItsOwnEscapes) {
+    EXPECT_EQ(WithoutControlsInJson("{\"a\":\"\x7F\u009B\u202E\u00E5\"}"),
+              "{\"a\":\"\\u007F\\u009B\\u202E\u00E5\"}");
 }
 
 TEST(Charset, TypedTextMayBeCutAnywhere) {
