@@ -1,6 +1,7 @@
 // What the toolbar's buttons do.
 
 #include "Members.h"
+#include "common/QNError.h"
 #include "common/RuntimeErrors.h"
 #include "common/Text.h"
 #include "dialogs/frmBinaryTransfer.h"
@@ -14,6 +15,17 @@ namespace qncomm {
 namespace {
 
 constexpr std::size_t BlockSize = 16384; // bytes of a file that are read at once
+
+/// What a cancel finds on its way is dropped: it would go on being carried out for as long as the
+/// line takes for it.
+void SendTyped(clsDataLink& link, std::string_view text) {
+    try {
+        SendInPieces(link, text);
+    } catch (const OperationCancelled&) {
+        link.EndUnfinishedLine();
+        throw;
+    }
+}
 
 } // namespace
 
@@ -142,7 +154,7 @@ bool QNComm::MaySend() const {
 void QNComm::SendText(std::string_view text) {
     if (!MaySend()) return;
     const Operation operation = Begin();
-    SendInPieces(operation.Link(), text);
+    SendTyped(operation.Link(), text);
 }
 
 void QNComm::SendFile(const std::string& path) {
@@ -152,7 +164,7 @@ void QNComm::SendFile(const std::string& path) {
     const Operation operation = Begin();
     for (std::string block = file->ReadSome(BlockSize); !block.empty();
          block = file->ReadSome(BlockSize))
-        SendInPieces(operation.Link(), block);
+        SendTyped(operation.Link(), block);
 }
 
 void QNComm::Tell(std::string text, MsgBoxIcon icon) const {

@@ -2,6 +2,7 @@
 // that were no line.
 
 #include "LinkState.h"
+#include "common/Numbers.h"
 #include "common/Text.h"
 
 #include <algorithm>
@@ -16,6 +17,10 @@ namespace {
 constexpr std::string_view Nonsense = ")(";
 /// A line that takes no byte for so long takes none.
 constexpr std::int32_t DeafMs = 100;
+
+/// Bytes that a device does not drop: of a pseudo-terminal those that its other side was given to
+/// read already.
+constexpr std::size_t MostKept = 4096;
 
 } // namespace
 
@@ -39,17 +44,20 @@ void LinkState::NoteSent(std::string_view text) {
     inputLine = ended ? InputLine::Empty : InputLine::MayHoldText;
 }
 
-void clsDataLink::EndUnfinishedLine(std::string_view sThen) {
+std::int32_t clsDataLink::EndUnfinishedLine(std::string_view sThen) {
     LinkState& state = *mState;
-    if (!state.Serial().PortOpen()) return;
-    const bool cut = state.Serial().TransmitCount() > 0;
+    if (!state.Serial().PortOpen()) return 0;
+    const std::int32_t onTheWay = state.Serial().LineTimeLeft();
+    const bool cut = onTheWay > 0 || state.Serial().TransmitCount() > 0;
     if (cut) PurgePort(); // what has not left keeps nobody waiting
+    if (onTheWay > 0) state.inputLine = LinkState::InputLine::MayHoldText; // it is cut anywhere
     std::string last(cut && state.Spoiler().empty() ? CrLf : std::string_view());
     last.append(sThen);
     state.SpoilInputLine();
     state.Serial().Write(last);
     state.NoteSent(last);
     state.AwaitLastBytes(last.size());
+    return std::min(onTheWay, state.TravelMs(MostKept));
 }
 
 void LinkState::AwaitLastBytes(std::size_t bytes) {

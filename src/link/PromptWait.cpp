@@ -57,10 +57,9 @@ class PromptFinder {
 
 /// How long a printer may say nothing while it takes what is on its way: two thousand bytes at the
 /// line's rate, the most that travels between two acknowledgements on a slow line.
-std::int32_t SilenceMs(const std::string& baudrate) {
+std::int32_t OnTheWayMs(const std::string& baudrate) {
     constexpr double bitsOnTheWay = 2000 * 11;
-    return PromptMs
-           + static_cast<std::int32_t>(1000 * bitsOnTheWay / std::max(Val(baudrate), 300.0));
+    return static_cast<std::int32_t>(1000 * bitsOnTheWay / std::max(Val(baudrate), 300.0));
 }
 
 } // namespace
@@ -98,8 +97,11 @@ bool clsDataLink::WaitForOk(std::int32_t lTimeout) {
 }
 
 bool clsDataLink::AwaitPrompt(bool bMoving) {
-    const std::int32_t silenceMs = bMoving ? SilenceMs(mState->baudrate) : PromptMs;
-    return mState->ReadToPrompt(silenceMs, MostMs).find(Prompt) != std::string::npos;
+    return AwaitPromptBehind(bMoving ? OnTheWayMs(mState->baudrate) : 0);
+}
+
+bool clsDataLink::AwaitPromptBehind(std::int32_t lOnTheWay) {
+    return mState->ReadToPrompt(lOnTheWay + PromptMs, MostMs).find(Prompt) != std::string::npos;
 }
 
 } // namespace qncomm

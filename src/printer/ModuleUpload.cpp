@@ -88,20 +88,32 @@ clsQuorin::Reply clsQuorin::TypeModule(const std::vector<std::string>& lines, st
     try {
         TypeLines(lines, message);
     } catch (...) {
-        // The printer must not stay in typing mode; the first error is the one to report.
-        try {
-            std::string end;
-            for (const std::string_view line : EndTypingLines)
-                end.append(line).append(CrLf);
-            Link().EndUnfinishedLine(end);
-        } catch (const std::exception& error) {
-            mDesktop.Log(std::string("the printer stayed in typing mode: ") + error.what());
-        }
+        GiveUpTyping();
         throw;
     }
-    Reply reply = EndTyping();
+    Reply reply;
+    try {
+        reply = EndTyping();
+    } catch (const OperationCancelled&) { // much of it may be in the device yet
+        GiveUpTyping();
+        throw;
+    }
     Report(message, 100);
     return reply;
+}
+
+/// The printer must not stay in typing mode; the error that has ended the typing is the one to
+/// report.
+void clsQuorin::GiveUpTyping() {
+    try {
+        std::string end;
+        for (const std::string_view line : EndTypingLines)
+            end.append(line).append(CrLf);
+        const std::int32_t onTheWay = Link().EndUnfinishedLine(end);
+        Link().AwaitPromptBehind(onTheWay); // what is typed is not echoed
+    } catch (const std::exception& error) {
+        mDesktop.Log(std::string("the printer stayed in typing mode: ") + error.what());
+    }
 }
 
 void clsQuorin::TypeLines(const std::vector<std::string>& lines, std::string& message) {

@@ -2,6 +2,7 @@
 #include "Session.h"
 #include "ShownTerminal.h"
 
+#include "common/QNError.h"
 #include "common/Text.h"
 #include "common/Wait.h"
 #include "console/Charset.h"
@@ -65,21 +66,36 @@ class Reply {
         if (!mSession.Out().IsJson()) mSession.Out().Text(qncomm::Utf8FromPrinter(text));
     }
 
-    /// Returns after the printer's "Ok", or when nothing has come for as long as a terminal waits.
+    /// Returns after the printer's "Ok", or when nothing has come for as long as a terminal waits,
+    /// but not before the line has carried what was typed: closing the port may drop that.
     void Await() {
+        qncomm::Wait line(mSession.Loop(), {.wholeMs = mSession.Serial().LineTimeLeft()});
+        line.UntilIn(mSession.Loop(), [this] { return !mSession.Serial().PortOpen(); });
         // A program that prints goes on until its user has seen enough.
-        qncomm::Wait wait(mSession.Loop(), {.wholeMs = qncomm::WaitBounds::Endless,
-                                            .silenceMs = qncomm::ConsoleTerminal::SilenceMs});
-        std::size_t seen = mText.size();
-        wait.UntilIn(mSession.Loop(), [&] {
-            wait.Came(mText.size() - std::exchange(seen, mText.size()));
-            return mText.ends_with("Ok\r\n") || !mSession.Serial().PortOpen();
-        });
+        Within({.wholeMs = qncomm::WaitBounds::Endless,
+                .silenceMs = qncomm::ConsoleTerminal::SilenceMs},
+               [this] { return mText.ends_with("Ok\r\n"); });
+    }
+
+    /// Returns when nothing has come for half a second, after at most so many ms.
+    void AwaitQuiet(std::int32_t longest) {
+        constexpr std::int32_t quiet = 500;
+        Within({.wholeMs = longest, .silenceMs = quiet}, [] { return false; });
     }
 
     const std::string& Text() const { return mText; }
 
   private:
+    template <class Done>
+    void Within(const qncomm::WaitBounds& bounds, Done done) {
+        qncomm::Wait wait(mSession.Loop(), bounds);
+        std::size_t seen = mText.size();
+        wait.UntilIn(mSession.Loop(), [&] {
+            wait.Came(mText.size() - std::exchange(seen, mText.size()));
+            return done() || !mSession.Serial().PortOpen();
+        });
+    }
+
     Session& mSession;
     std::string mText;
 };
@@ -90,6 +106,11 @@ void GiveAnswers(Session& session, const KeyArguments& arguments) {
     if (!arguments.file.empty()) session.Desk().Files().Give(arguments.file);
     if (arguments.protocol == "zmodem") session.Desk().Forms().SetProtocol(qncomm::BinaryZModem);
     if (arguments.protocol == "kermit") session.Desk().Forms().SetProtocol(qncomm::BinaryKermit);
+}
+
+/// Leaves the printer at its prompt: what the device has not sent of a text is dropped.
+void GiveUpTyping(Session& session, Reply& reply) {
+    reply.AwaitQuiet(session.Link().EndUnfinishedLine());
 }
 
 Outcome PressKey(Session& session, const KeyArguments& arguments) {
@@ -105,8 +126,13 @@ Outcome PressKey(Session& session, const KeyArguments& arguments) {
     const ShownTerminal shown(session, [&](std::string_view text) { reply.Take(text); });
     session.Disconnect(); // the terminal's own claim keeps the port open
     session.Status().Clear();
-    session.Control().PressToolbarKey(key);
-    if (!silent) reply.Await();
+    try {
+        session.Control().PressToolbarKey(key);
+        if (!silent) reply.Await();
+    } catch (const qncomm::OperationCancelled&) {
+        if (!silent) GiveUpTyping(session, reply);
+        throw;
+    }
     if (session.Out().IsJson())
         session.Out().Document({{"key", key}, {"reply", qncomm::Utf8FromPrinter(reply.Text())}});
     return {};

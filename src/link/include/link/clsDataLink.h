@@ -243,12 +243,13 @@ class clsDataLink {
     /// claim. Returns an enumProgramStop. Raises, source "Datalink:StopProgram", 1008 when the
     /// printer does not come back, and 1024 (port closed).
     std::int16_t StopProgram();
-    /// Ends a line that was sent in part, in a way in which the printer does not carry it out; its
-    /// reply is nobody's. Does nothing where every line has ended. Claims of a later time do the
-    /// same by themselves before they say anything. Says sThen behind it: the last that an
-    /// operation which is given up has to say. What still waits to be sent is dropped, and a line
-    /// that takes nothing for 100 ms is left.
-    void EndUnfinishedLine(std::string_view sThen = {});
+    /// Gives up what is being typed: drops what the device has not sent yet, as far as it can, and
+    /// ends a line that was sent in part, in a way in which the printer does not carry it out; its
+    /// reply is nobody's. Does nothing where every line has ended and has left. Claims of a later
+    /// time end such a line by themselves before they say anything. Says sThen behind it: the last
+    /// that an operation which is given up has to say. A line that takes nothing for 100 ms is
+    /// left. Returns for how many ms the line may go on with what could not be dropped.
+    std::int32_t EndUnfinishedLine(std::string_view sThen = {});
     /// Empties the port's two buffers and the link's receive buffer.
     void PurgePort();
     /// Yields until lMilliseconds have passed.
@@ -342,6 +343,9 @@ class clsDataLink {
     /// back, and the printer gets it at the line's rate before the cancel. Returns whether the
     /// prompt came: false when the line falls silent, never does for 15 s, or the port is closed.
     bool AwaitPrompt(bool bMoving);
+    /// The same when the line needs lOnTheWay ms for what is on its way, which the printer may take
+    /// without a word.
+    bool AwaitPromptBehind(std::int32_t lOnTheWay);
 
     // -- What is known
 

@@ -279,6 +279,7 @@ class clsQuorin {
     void BeginTyping();
     Reply EndTyping();
     Reply TypeModule(const std::vector<std::string>& lines, std::string message);
+    void GiveUpTyping();
     void TypeLines(const std::vector<std::string>& lines, std::string& message);
     void LinkModules(const Collection<std::string>& modules, std::string_view header);
 
