@@ -1,6 +1,7 @@
 // One suite over every kind of line: what the link promises holds in process, on a
 // pseudo-terminal, on a socket and on a remote serial port.
 
+#include "common/QNError.h"
 #include "common/Text.h"
 #include "platform/PollLoop.h"
 #include "testing/core/ExpectRaised.h"
@@ -153,6 +154,57 @@ TEST_P(LinkContract, ADamagedLineEndsEveryOperation) {
         EXPECT_FALSE(mStack->mSerial.PortOpen());
         EXPECT_EQ(mStack->mSerial.Tag(), "");
     }
+}
+
+/// A terminal that shows what a running program prints, and a search of that line which is ended.
+class SearchOfATalkingLine : public ::testing::Test {
+  protected:
+    SearchOfATalkingLine() {
+        EXPECT_EQ(mStack.mLink.ModelText(), "R7G");
+        mStack.mLink.SetTerminalActive(true);
+        mStack.mSerial.Write("10 PRINT 42:GOTO 10\rRUN\r");
+        EXPECT_TRUE(Shows42());
+        mSettings = mStack.mSerial.PortSettings();
+    }
+
+    bool Shows42() {
+        mStack.mTerminalText.clear();
+        const std::int64_t limit = mLoop.NowMs() + 20'000;
+        while (mStack.mTerminalText.find("42\r\n42\r\n") == std::string::npos
+               && mLoop.NowMs() < limit)
+            mLoop.Yield(50);
+        return mLoop.NowMs() < limit;
+    }
+
+    void ExpectAsBefore() {
+        EXPECT_EQ(mStack.mSerial.PortSettings(), mSettings);
+        EXPECT_EQ(mStack.mLink.SettingsText(), mSettings);
+        EXPECT_TRUE(mStack.mSerial.PortOpen());
+        EXPECT_TRUE(Shows42());
+    }
+
+    PollLoop mLoop;
+    std::unique_ptr<ServedPrinter> mPrinter = PrinterOnPty("R7G?paced=on");
+    Stack mStack{mLoop, mPrinter->Address()};
+    std::string mSettings;
+};
+
+TEST_F(SearchOfATalkingLine, LeavesItReadableWhenThePersonCancels) {
+    const auto cancel = mStack.mLink.StatusEvent.Connect(
+        [](std::string& text, std::int16_t&, bool& stop) { stop = text.ends_with("9600,n,8,2"); });
+    EXPECT_FALSE(mStack.mLink.AutoConnect(1));
+    EXPECT_EQ(mStack.mMessages.back(), "No Printer found");
+    ExpectAsBefore();
+}
+
+TEST_F(SearchOfATalkingLine, LeavesItReadableWhenItsWaitIsEnded) {
+    bool ended = false;
+    const auto look = mLoop.StartTimer(100, [&] {
+        const bool elsewhere = mStack.mSerial.PortSettings() != mSettings;
+        if (elsewhere && !std::exchange(ended, true)) throw OperationCancelled();
+    });
+    EXPECT_THROW(mStack.mLink.AutoConnect(1), OperationCancelled);
+    ExpectAsBefore();
 }
 
 INSTANTIATE_TEST_SUITE_P(Lines, LinkContract,

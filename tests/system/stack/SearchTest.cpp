@@ -1,6 +1,5 @@
 // The search, proven against the printer's own language and line at every combination.
 
-#include "common/QNError.h"
 #include "common/Text.h"
 #include "testing/stack/ManualReactor.h"
 #include "testing/stack/Stack.h"
@@ -116,51 +115,6 @@ TEST(StackSearch, AnUnansweredRateIsSearchedWholeAndPutBack) {
     EXPECT_LE(reactor.NowMs() - start, 3 * 28 * 51 + 200) << "noise restarts the silence, but ends";
     EXPECT_EQ(stack.mLink.SettingsText(), "19200,N,8,2");
     EXPECT_FALSE(stack.mSerial.PortOpen());
-}
-
-/// A terminal that shows what a running program prints, and a search of that line.
-class SearchOfATalkingLine : public ::testing::Test {
-  protected:
-    SearchOfATalkingLine() {
-        EXPECT_EQ(mStack.mLink.ModelText(), "R7G");
-        mStack.mLink.SetTerminalActive(true);
-        mStack.mSerial.Write("10 PRINT 42:GOTO 10\rRUN\r");
-        mReactor.Pass(500);
-        mStack.mLink.SetImmediateMode(false);
-    }
-
-    void ExpectShown(const std::string& settings) {
-        EXPECT_EQ(mStack.mLink.SettingsText(), settings);
-        EXPECT_EQ(mStack.mSerial.PortSettings(), settings);
-        EXPECT_TRUE(mStack.mSerial.PortOpen());
-        mStack.mTerminalText.clear();
-        mReactor.Pass(500);
-        EXPECT_THAT(mStack.mTerminalText, HasSubstr("42\r\n42\r\n"));
-        EXPECT_EQ(mStack.mTerminalText.find_first_not_of("42\r\n"), std::string::npos);
-    }
-
-    ManualReactor mReactor;
-    Stack mStack{mReactor, "sim:R7G?paced=on&baud=2400"}; // which says little in its time
-};
-
-TEST_F(SearchOfATalkingLine, LeavesItReadableWhenThePersonCancels) {
-    const std::string settings = mStack.mSerial.PortSettings();
-    const auto cancel = mStack.mLink.StatusEvent.Connect(
-        [](std::string& text, std::int16_t&, bool& stop) { stop = text.ends_with("9600,n,8,2"); });
-    EXPECT_FALSE(mStack.mLink.AutoConnect(1));
-    EXPECT_THAT(mStack.mMessages, Contains("Searching... 9600,n,8,2"));
-    ExpectShown(settings);
-}
-
-TEST_F(SearchOfATalkingLine, LeavesItReadableWhenItsWaitIsEnded) {
-    const std::string settings = mStack.mSerial.PortSettings();
-    bool ended = false;
-    const auto end = mReactor.StartTimer(3300, [&] {
-        if (!std::exchange(ended, true)) throw OperationCancelled();
-    });
-    EXPECT_THROW(mStack.mLink.AutoConnect(1), OperationCancelled);
-    EXPECT_THAT(mStack.mMessages, Contains("Searching... 9600,m,8,2"));
-    ExpectShown(settings);
 }
 
 TEST(StackSearch, WithoutDsrNothingIsSent) {
