@@ -20,7 +20,7 @@ constexpr std::int32_t DeafMs = 100;
 
 /// Bytes that a device does not drop: of a pseudo-terminal those that its other side was given to
 /// read already.
-constexpr std::size_t MostKept = 4096;
+constexpr std::size_t MostUndropped = 4096;
 
 } // namespace
 
@@ -57,7 +57,7 @@ std::int32_t clsDataLink::EndUnfinishedLine(std::string_view sThen) {
     state.Serial().Write(last);
     state.NoteSent(last);
     state.AwaitLastBytes(last.size());
-    return std::min(onTheWay, state.TravelMs(MostKept));
+    return std::min(onTheWay, state.TravelMs(MostUndropped));
 }
 
 void LinkState::AwaitLastBytes(std::size_t bytes) {

@@ -110,7 +110,7 @@ void clsQuorin::GiveUpTyping() {
         for (const std::string_view line : EndTypingLines)
             end.append(line).append(CrLf);
         const std::int32_t onTheWay = Link().EndUnfinishedLine(end);
-        Link().AwaitPromptBehind(onTheWay); // what is typed is not echoed
+        if (onTheWay > 0) Link().AwaitPromptBehind(onTheWay); // what is typed is not echoed
     } catch (const std::exception& error) {
         mDesktop.Log(std::string("the printer stayed in typing mode: ") + error.what());
     }

@@ -90,5 +90,17 @@ TEST_F(InputLine, CanBeEndedInTheMiddleOfAnOperation) {
     EXPECT_TRUE(mSerial.ScriptDone());
 }
 
+TEST_F(InputLine, ThatIsStillOnItsWayIsDroppedAndSpoiled) {
+    PortClaim claim = Claim();
+    mSerial.Expect("PRINT 1\r");
+    mLink.OutputText("PRINT 1\r");
+    mSerial.mLineTimeLeft = 60'000;
+    mSerial.mFlushes.clear();
+    mSerial.Expect(")(\r\nEND\r\n");
+    EXPECT_GT(mLink.EndUnfinishedLine("END\r\n"), 2000) << "some of it is in another buffer";
+    EXPECT_THAT(mSerial.mFlushes, ::testing::Contains("Transmit"));
+    EXPECT_TRUE(mSerial.ScriptDone());
+}
+
 } // namespace
 } // namespace qncomm::testing
