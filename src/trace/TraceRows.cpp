@@ -3,6 +3,7 @@
 #include "common/ControlNames.h"
 #include "common/Windows1252.h"
 
+#include <algorithm>
 #include <cstddef>
 #include <utility>
 
@@ -18,13 +19,15 @@ std::string HexOf(char byte) {
     return {digits[value >> 4], digits[value & 15]};
 }
 
-std::string Named(char byte) {
+void AppendNamed(std::string& text, char byte) {
     const auto value = static_cast<unsigned char>(byte);
-    if (value < ControlCharacterNames.size())
-        return "<" + std::string(ControlCharacterNames[value]) + ">";
     const char16_t character = CharacterOf(byte);
-    const bool control = character >= 0x7F && character < 0xA0;
-    return control ? "<" + HexOf(byte) + ">" : std::string(1, byte);
+    if (value < ControlCharacterNames.size())
+        text.append("<").append(ControlCharacterNames[value]).append(">");
+    else if (character >= 0x7F && character < 0xA0)
+        text.append("<").append(HexOf(byte)).append(">");
+    else
+        text += byte;
 }
 
 std::string HexRow(std::string_view bytes) {
@@ -46,9 +49,11 @@ void TraceRows::Add(std::int64_t lMs, TraceKind kind, std::string_view sBytes) {
     if (kind != mRow.kind) Flush();
     mRow.kind = kind;
     if (kind == TraceKind::Event) return mShow({lMs, kind, std::string(sBytes)});
-    for (const char byte : sBytes) {
+    while (!sBytes.empty()) {
         if (mRow.text.empty()) mRow.ms = lMs;
-        mRow.text += byte;
+        const std::string_view piece = sBytes.substr(0, MissingOfRow(sBytes));
+        mRow.text += piece;
+        sBytes.remove_prefix(piece.size());
         if (IsWhole()) Flush();
     }
 }
@@ -60,6 +65,12 @@ void TraceRows::Flush() {
     mShow(row);
 }
 
+std::size_t TraceRows::MissingOfRow(std::string_view bytes) const {
+    if (mForm == Form::Hex) return HexBytes - mRow.text.size();
+    const std::string_view fits = bytes.substr(0, LongestText - mRow.text.size());
+    return std::min(fits.find('\n'), fits.size() - 1) + 1;
+}
+
 bool TraceRows::IsWhole() const {
     if (mForm == Form::Hex) return mRow.text.size() == HexBytes;
     return mRow.text.back() == '\n' || mRow.text.size() == LongestText;
@@ -68,8 +79,13 @@ bool TraceRows::IsWhole() const {
 std::string TraceRows::Text() const {
     if (mForm == Form::Hex) return HexRow(mRow.text);
     std::string text;
-    for (const char byte : mRow.text)
-        text += Named(byte);
+    text.reserve(mRow.text.size() + HexBytes); // the line's end has names
+    for (const char byte : mRow.text) {
+        if (byte >= ' ' && byte < '\x7F')
+            text += byte;
+        else
+            AppendNamed(text, byte);
+    }
     return text;
 }
 

@@ -56,6 +56,8 @@ std::string DisplayText(std::string_view sText) {
 }
 
 std::string WithoutControls(std::string_view sUtf8) {
+    const auto mayBeControl = [](char byte) { return byte < ' ' || byte > '~'; };
+    if (std::ranges::none_of(sUtf8, mayBeControl)) return std::string(sUtf8); // ASCII
     return EscapeControls(sUtf8, [](char32_t point) {
         return point < 0x100 ? "\\x" + HexOf(point, 2) : "\\u" + HexOf(point, 4);
     });

@@ -2,6 +2,7 @@
 
 #include "trace/TraceSink.h"
 
+#include <cstddef>
 #include <cstdint>
 #include <functional>
 #include <string>
@@ -42,6 +43,8 @@ class TraceRows {
     void Flush();
 
   private:
+    /// How many of these bytes belong to the row that waits.
+    std::size_t MissingOfRow(std::string_view bytes) const;
     bool IsWhole() const;
     std::string Text() const;
 
