@@ -70,6 +70,10 @@ bool clsDataLink::AutoConnect(std::int16_t iPort, bool bExclusive) {
     return AutoConnectSearch(*mState, iPort).Run();
 }
 
+const SearchReport& clsDataLink::LastSearch() const {
+    return mState->lastSearch;
+}
+
 AutoConnectSearch::AutoConnectSearch(LinkState& state, std::int16_t port)
     : mState(state),
       mPort(port),
@@ -123,9 +127,15 @@ bool AutoConnectSearch::FindLine() {
         Serial().SetPortOpen(false);
         return false;
     }
-    if (open) WaitForSilence(); // a port that refuses these settings may take others
+    bool free = true;
+    if (open) { // a port that refuses these settings may take others
+        if (mState.host.options.listen)
+            free = IsLineFree();
+        else
+            WaitForSilence();
+    }
     Serial().SetPortOpen(false);
-    return true;
+    return free;
 }
 
 void AutoConnectSearch::WaitForSilence() {
@@ -141,35 +151,45 @@ void AutoConnectSearch::WaitForSilence() {
 }
 
 bool AutoConnectSearch::FindPrinter() {
+    Outcome outcome = TryAll();
+    if (outcome == Outcome::Silent && mState.host.options.listen) outcome = TryParities();
+    if (outcome == Outcome::Silent) {
+        mReport = {.end = SearchEnd::Unanswered};
+        mHeard.TellIn(mReport);
+        mState.NobodyAnswered();
+    }
+    return outcome == Outcome::Answered;
+}
+
+AutoConnectSearch::Outcome AutoConnectSearch::TryAll() {
     const auto rates = mState.autoConnectBaudrates; // a status handler may load others meanwhile
     const auto formats = mState.frameFormats;
     for (const std::string& rate : rates) {
         for (const std::string& format : formats) {
             const Outcome outcome = TryCombination(rate, format);
-            if (outcome != Outcome::Silent) return outcome == Outcome::Answered;
+            if (outcome != Outcome::Silent) return outcome;
         }
     }
-    mState.NobodyAnswered();
-    return false;
+    return Outcome::Silent;
 }
 
 AutoConnectSearch::Outcome AutoConnectSearch::TryCombination(const std::string& rate,
                                                              const std::string& format) {
     const std::string settings = rate + "," + format;
-    mProgress = static_cast<std::int16_t>(mProgress + ProgressStep);
+    mProgress = std::min<std::int16_t>(mProgress + ProgressStep, ProgressDone - 1);
     if (mState.ReportStatus("Searching... " + settings, mProgress)) return Outcome::Cancelled;
     if (!TryOpen(settings)) return Outcome::Silent;
     Flush();
     const std::string_view spoiler = mState.Spoiler();
     Serial().Write(std::string(spoiler).append(Probe));
     WaitForDrain(ProbeDrain);
-    if (CollectProbe(rate, spoiler.empty() ? 0 : SpoiledReply)) {
+    if (CollectProbe(rate, format, spoiler.empty() ? 0 : SpoiledReply)) {
         mRate = rate;
         mFormat = format;
         return Outcome::Answered;
     }
     Serial().SetPortOpen(false);
-    return Outcome::Silent;
+    return mReport.end == SearchEnd::Taken ? Outcome::Taken : Outcome::Silent;
 }
 
 bool AutoConnectSearch::FindChannel() {
@@ -224,6 +244,7 @@ void AutoConnectSearch::Learn(const SetupReply& setup) {
     mState.link.SetImmediateMode(true);
     mState.inputLine = LinkState::InputLine::Empty;
     mState.outOfStep = false; // it has answered, and nothing else is on its way
+    mReport = {.end = SearchEnd::Found};
 }
 
 void AutoConnectSearch::MoveToFront(Collection<std::string>& collection, const std::string& item) {
@@ -241,6 +262,7 @@ std::string AutoConnectSearch::Collect(std::int32_t silence, const Judge& limitO
               {.wholeMs = WaitBounds::Endless, .silenceMs = silence, .bytes = MostCollected});
     mState.Await(wait, [&] {
         const std::string chunk = Serial().Read();
+        mRaw += chunk;
         text += NormalizeLineEnds(Strip8thBit(chunk));
         wait.Came(chunk.size());
         wait.Within(limitOf(text));
@@ -249,17 +271,27 @@ std::string AutoConnectSearch::Collect(std::int32_t silence, const Judge& limitO
     return text;
 }
 
-bool AutoConnectSearch::CollectProbe(const std::string& rate, std::size_t before) {
+bool AutoConnectSearch::CollectProbe(const std::string& rate, const std::string& format,
+                                     std::size_t before) {
     SearchAnswer answer(Probe, ProbedWord, Val(rate), before);
     const StopWatch watch(mState.host.loop);
     std::int32_t left = 0; // when the probe had left: a slow line is still at it, and until then a
                            // printer may have much to say to the probes of other rates
-    Collect(ProbeSilence, [&](const std::string& text) {
-        answer.Take(text);
+    const std::int32_t errorsBefore = Serial().LineErrorCount();
+    mRaw.clear();
+    const std::string text = Collect(ProbeSilence, [&](const std::string& soFar) {
+        answer.Take(soFar);
         if (Serial().TransmitCount() > 0) left = std::min(watch.ElapsedMs(), LongestAnswer);
         return answer.Complete() ? NoLonger : left + answer.LimitMs();
     });
-    return answer.Complete();
+    if (answer.Complete()) return true;
+    HeardLine heard{.bytes = std::exchange(mRaw, {}),
+                    .lineErrors = Serial().LineErrorCount() - errorsBefore,
+                    .silentMs = ProbeSilence,
+                    .sent = std::string(Probe)};
+    if (mState.host.options.listen && answer.Echoed()) return AwaitSlowAnswer(answer, text, heard);
+    mHeard.Add(rate, format, heard);
+    return false;
 }
 
 AutoConnectSearch::Reply AutoConnectSearch::CollectAnswer(std::string_view marker) {
@@ -315,7 +347,7 @@ bool AutoConnectSearch::TryOpen(const std::string& settings) {
 void AutoConnectSearch::GiveUp() {
     PutBackSettings();
     mState.link.SetImmediateMode(false);
-    mState.ReportStatus("No Printer found", ProgressDone);
+    mState.ReportStatus(IsKeptFrom(mReport) ? Explain(mReport) : "No Printer found", ProgressDone);
 }
 
 void AutoConnectSearch::PutBackSettings() {
@@ -326,6 +358,7 @@ void AutoConnectSearch::PutBackSettings() {
 }
 
 void AutoConnectSearch::End() {
+    mState.lastSearch = mReport;
     if (mState.serial == nullptr) return; // torn down from a handler
     mSink.reset();
     Serial().SetReceiveMode(mFormerMode);
@@ -333,6 +366,7 @@ void AutoConnectSearch::End() {
     Quietly([this] {
         if (mWasOpen || mState.useCount > 0) Serial().SetPortOpen(true);
         mState.NoteLine();
+        mState.NoteTalk();
     });
     mBusy.reset();
     Quietly([this] {

@@ -1,8 +1,10 @@
 #pragma once
 
 #include "DetachedSink.h"
+#include "HeardAnswers.h"
 #include "KeptPort.h"
 #include "LinkState.h"
+#include "SearchAnswer.h"
 #include "SetupReply.h"
 #include "common/Pointer.h"
 #include "common/QNError.h"
@@ -30,7 +32,7 @@ class AutoConnectSearch {
     bool Run();
 
   private:
-    enum class Outcome { Cancelled, Silent, Answered };
+    enum class Outcome { Cancelled, Silent, Answered, Taken };
     struct Reply {
         std::string text;
         bool complete = false; ///< it held the marker and, after it, "Ok"
@@ -41,7 +43,14 @@ class AutoConnectSearch {
     bool Search();
     bool FindLine();
     void WaitForSilence();
+    /// Listens: whether the line may be spoken to. The report holds what it says.
+    bool IsLineFree();
+    /// Reports a line that was not readable as it is at the settings at which it is, if any.
+    void FindTalk();
     bool FindPrinter();
+    Outcome TryAll();
+    /// The parities that no search tries, at the rates at which noise has answered.
+    Outcome TryParities();
     Outcome TryCombination(const std::string& rate, const std::string& format);
     bool FindChannel();
     bool ReadSetup();
@@ -53,7 +62,11 @@ class AutoConnectSearch {
     /// Reads until nothing came for silence ms or the limit is over.
     std::string Collect(std::int32_t silence, const Judge& limitOf);
     /// Whether the probe is answered; that many bytes of other answers may come before.
-    bool CollectProbe(const std::string& rate, std::size_t before);
+    bool CollectProbe(const std::string& rate, const std::string& format, std::size_t before);
+    /// What the probe's echo and text without an answer mean for a host that listens: whoever
+    /// echoes is there, so a slow printer gets its time; what has none then has taken the probe for
+    /// something else. True when the answer came.
+    bool AwaitSlowAnswer(SearchAnswer& answer, const std::string& text, HeardLine& heard);
     /// Reads until the reply is complete or nothing came for silence ms.
     Reply CollectAnswer(std::string_view marker);
     /// Reads what a printer that takes its time has not answered yet: its answers, and lines on
@@ -86,6 +99,9 @@ class AutoConnectSearch {
     std::int16_t mLoggedPort = -1;
     std::string mRate;
     std::string mFormat;
+    std::string mRaw; ///< what was collected, as it came
+    HeardAnswers mHeard;
+    SearchReport mReport;
 };
 
 } // namespace qncomm

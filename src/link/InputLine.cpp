@@ -12,9 +12,6 @@
 namespace qncomm {
 namespace {
 
-/// Closes what was not opened: an error wherever it stands, so that no printer carries out a line
-/// that ends in it.
-constexpr std::string_view Nonsense = ")(";
 /// A line that takes no byte for so long takes none.
 constexpr std::int32_t DeafMs = 100;
 

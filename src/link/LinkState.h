@@ -78,6 +78,8 @@ struct LinkState {
     void NotePlace();
     /// Tells it that a search has found nobody, which says nothing of a printer that restarts.
     void NobodyAnswered();
+    /// Tells it what the last search has heard of a printer that it left alone.
+    void NoteTalk();
 
     // -- ReceivePath.cpp
 
@@ -188,6 +190,9 @@ struct LinkState {
 
     /// What is known of the line that the printer is being typed.
     enum class InputLine { Empty, MayHoldText };
+    /// Closes what was not opened: an error wherever it stands, so that no printer carries out a
+    /// line that ends in it.
+    static constexpr std::string_view Nonsense = ")(";
     /// What makes the printer's input line one that no printer carries out, where something may
     /// stand in it; else empty. A line end behind it ends that line, and the reply is nobody's.
     std::string_view Spoiler() const;
@@ -234,6 +239,8 @@ struct LinkState {
     void ForgetLoad();
     /// Speaks to the printer that the chosen port had last, at the settings that the open port has.
     Meeting MeetRemembered();
+    /// Whether a program is known to wait for input on the open port; the report tells then.
+    bool IsKnownToAsk();
     /// Tells that a printer was found, and where.
     void ReportConnected();
 
@@ -304,6 +311,7 @@ struct LinkState {
     std::int16_t transferState = TransferIdle;
     std::string transferTarget; ///< what the control is told to call the file that travels
 
+    SearchReport lastSearch;
     bool immediateMode = false;
     std::int16_t stdio = 0; ///< 0 until found
     std::string versionText;

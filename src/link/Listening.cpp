@@ -121,9 +121,21 @@ bool IsEcho(const Heard& heard) {
     return !came.empty() && came.size() * 2 >= sent.size() && sent.find(came) != std::string::npos;
 }
 
+/// Whether words are among it: most of what people write is letters, digits and blanks.
+bool HoldsWords(Bytes text) {
+    const auto isOfWord = [](char c) {
+        const char lower = static_cast<char>(c | ' ');
+        return c == ' ' || (c >= '0' && c <= '9') || (lower >= 'a' && lower <= 'z');
+    };
+    const auto count = std::count_if(text.begin(), text.end(), isOfWord);
+    return static_cast<std::size_t>(count) * 2 >= text.size();
+}
+
 bool IsNoise(const Heard& heard) {
     constexpr std::size_t leastText = 66; // Windows-1252 has letters among the other bytes
-    return !MostlyText(heard.text, leastText);
+    if (!MostlyText(heard.text, leastText)) return true;
+    // Seven bits of noise look like signs; a pseudo-terminal counts no errors.
+    return !HoldsWords(heard.text) && (heard.raw.lineErrors > 0 || !MostlyText(heard.text, 100));
 }
 
 bool IsPrompt(const Heard& heard) {
@@ -200,7 +212,7 @@ std::string_view NameOf(LineTalk talk) {
 
 std::string SentenceFor(const LineVerdict& verdict) {
     std::string sentence(KindOf(verdict.talk).sentence);
-    if (sentence.ends_with(": ")) sentence += verdict.sample;
+    if (sentence.ends_with(": ")) sentence += Trim(verdict.sample);
     return sentence;
 }
 

@@ -50,10 +50,11 @@ PortClaim clsDataLink::AcquirePort(bool bExclusive) {
 
 bool LinkState::PreparePrinter(bool exclusive) {
     AwaitEndOfLoad();
+    if (host.options.listen && IsKnownToAsk()) return false;
     if (!immediateMode) {
         const Meeting meeting = MeetRemembered();
         if (meeting == Meeting::Met) return true;
-        if (meeting == Meeting::Cancelled) return false;
+        if (meeting != Meeting::NotMet) return false;
         if (!link.AutoConnect(ToInt16(Val(commport)), exclusive)) return false;
     }
     link.PurgePort();

@@ -4,6 +4,8 @@
 #include "RememberedPrinter.h"
 
 #include "LinkState.h"
+#include "PrinterError.h"
+#include "common/CountedScope.h"
 #include "common/Numbers.h"
 #include "common/QNError.h"
 #include "common/StopWatch.h"
@@ -97,6 +99,8 @@ class KeptConnection {
 
 // -- Speaking to it
 
+constexpr std::int16_t ProgressDone = 100;
+
 /// How long the line must have been silent before anything is said. A printer whose program runs
 /// is spoken to by the search alone.
 constexpr std::int32_t ListenMs = 5;
@@ -107,8 +111,6 @@ constexpr std::int32_t ReplyMs = 1000; ///< the longest silence before the reply
 constexpr std::int32_t LongestReply = 5000;
 constexpr std::int32_t TalkQuietMs = 100; ///< the end of what a printer says
 constexpr std::int32_t LongestTalk = 3000;
-
-constexpr std::size_t LongestRefusal = 64; ///< bytes with which a printer refuses a spoiled line
 
 constexpr std::string_view FirstWord = "IMMEDIATE";
 constexpr std::string_view EndOfReply = "Ok\r\n";
@@ -133,32 +135,69 @@ bool AwaitSign(LinkState& state, std::int32_t silence, std::int32_t longest, Don
     return met;
 }
 
-/// What the greeted printer has said; nothing when nobody has answered.
-std::optional<std::vector<std::string>> Greet(LinkState& state, std::int16_t channel) {
-    const std::string greeting = GreetingFor(channel);
+/// What has become of a line that was sent.
+enum class Fate {
+    Lost,     ///< it did not come back
+    Taken,    ///< it came back without an answer
+    Answered, ///< a printer has answered it
+};
+
+bool EndsInPrompt(std::string_view received) {
+    return received.find(EndOfReply) != std::string_view::npos;
+}
+
+/// A printer whose modes are unknown may complain without a prompt behind.
+bool EndsInPromptOrComplains(std::string_view received) {
+    const std::vector<std::string> lines = SplitNonEmpty(received, CrLf);
+    return EndsInPrompt(received) || std::any_of(lines.begin(), lines.end(), [](const auto& line) {
+               return ParsePrinterError(line).number != 0;
+           });
+}
+
+/// Sends a line that holds a word by which its echo is known, and waits for its answer. What took
+/// it for something else is reported as a search's end.
+Fate Type(LinkState& state, const std::string& line, std::string_view word,
+          bool (*isAnswer)(std::string_view received)) {
     state.ClearReceived();
-    const std::string_view spoiler = state.Spoiler();
-    const std::size_t refusal = spoiler.empty() ? 0 : LongestRefusal;
-    const std::string before = spoiler.empty() ? "" : std::string(spoiler).append(CrLf);
-    state.Serial().Write(before + greeting);
-    state.echo.Sent(greeting);
-    const std::int32_t echoMs = EchoMs + state.TravelMs(FirstWord.size() + refusal);
-    if (!AwaitSign(state, echoMs, echoMs, [&] {
-            return Strip8thBit(state.received).find(FirstWord) != std::string::npos;
-        }))
-        return std::nullopt;
-    if (!AwaitSign(state, ReplyMs, LongestReply + state.TravelMs(2 * greeting.size()), [&] {
-            return state.BeginsWithEcho() && state.received.find(EndOfReply) != std::string::npos;
-        }))
-        return std::nullopt;
-    std::vector<std::string> lines;
-    state.TakeReceivedLines(lines);
-    state.inputLine = LinkState::InputLine::Empty;
-    return lines;
+    state.Serial().Write(line);
+    state.echo.Sent(line);
+    const std::int32_t echoMs = EchoMs + state.TravelMs(word.size());
+    if (!AwaitSign(state, echoMs, echoMs,
+                   [&] { return Strip8thBit(state.received).find(word) != std::string::npos; }))
+        return Fate::Lost;
+    const bool answered =
+        AwaitSign(state, ReplyMs, LongestReply + state.TravelMs(2 * line.size()),
+                  [&] { return state.BeginsWithEcho() && isAnswer(state.received); });
+    if (answered) return Fate::Answered;
+    state.lastSearch = {
+        SearchEnd::Taken,
+        Classify({.bytes = state.received, .lineErrors = 0, .silentMs = ReplyMs, .sent = line}),
+        LowerCase(state.link.SettingsText())};
+    return Fate::Taken;
+}
+
+/// Makes nothing of what may stand in the input line. A program that asks takes this for its input,
+/// and gets no other line; so a host that listens begins with it.
+Fate EndInputLine(LinkState& state) {
+    const std::string_view spoiler =
+        state.host.options.listen ? LinkState::Nonsense : state.Spoiler();
+    if (spoiler.empty()) return Fate::Answered;
+    const Fate fate =
+        Type(state, std::string(spoiler).append(CrLf), spoiler, EndsInPromptOrComplains);
+    if (fate != Fate::Lost) state.inputLine = LinkState::InputLine::Empty;
+    return fate;
+}
+
+/// Has the printer say who it is; the lines of its reply.
+Fate Greet(LinkState& state, std::int16_t channel, std::vector<std::string>& lines) {
+    const Fate fate = Type(state, GreetingFor(channel), FirstWord, EndsInPrompt);
+    if (fate != Fate::Lost) state.inputLine = LinkState::InputLine::Empty;
+    if (fate == Fate::Answered) state.TakeReceivedLines(lines);
+    return fate;
 }
 
 /// What has come of speaking to the remembered printer once.
-enum class Greeted { Met, Talk, Silence, AnotherChannel, AnotherPrinter };
+enum class Greeted { Met, Talk, Silence, Taken, AnotherChannel, AnotherPrinter };
 
 struct GreetedText {
     Greeted greeted;
@@ -169,6 +208,7 @@ struct GreetedText {
 constexpr std::array GreetedTexts{
     GreetedText{Greeted::Talk, "Something speaks at the ", ""},
     GreetedText{Greeted::Silence, "The ", " were not answered"},
+    GreetedText{Greeted::Taken, "No printer took a line at the ", ""},
     GreetedText{Greeted::AnotherChannel, "Another channel answers at the ", ""},
     GreetedText{Greeted::AnotherPrinter, "Another printer answers at the ", ""},
 };
@@ -188,11 +228,16 @@ Greeted Meet(LinkState& state, RememberedPrinter& known) {
     state.ClearReceived();
     if (AwaitSign(state, ListenMs, ListenMs, [&] { return !state.received.empty(); }))
         return Greeted::Talk;
-    auto reply = Greet(state, known.channel);
+    std::vector<std::string> reply;
+    Fate fate = EndInputLine(state);
+    // A load that lacks less than the greeting ends by it.
+    const bool endsLoad = !state.loadNotedIn.empty() && !EndsInPrompt(state.received);
+    if (fate == Fate::Answered || (fate == Fate::Lost && endsLoad))
+        fate = Greet(state, known.channel, reply);
     // A line that another program has left unfinished was refused together with the greeting.
-    if (reply && !IdentityIn(*reply)) reply = Greet(state, known.channel);
-    if (!reply) return Greeted::Silence;
-    const auto identity = IdentityIn(*reply);
+    if (fate == Fate::Answered && !IdentityIn(reply)) fate = Greet(state, known.channel, reply);
+    if (fate != Fate::Answered) return fate == Fate::Taken ? Greeted::Taken : Greeted::Silence;
+    const auto identity = IdentityIn(reply);
     if (!identity) return Greeted::AnotherChannel;
     if (known.identity != PrinterIdentity{} && known.identity != *identity)
         return Greeted::AnotherPrinter;
@@ -300,6 +345,11 @@ Meeting LinkState::MeetRemembered() {
     const Greeted greeted =
         load.bytes > 0 ? MeetBehindLoad(*this, known, load) : Meet(*this, known);
     ClearReceived();
+    if (greeted == Greeted::Taken && host.options.listen) {
+        NoteTalk();
+        ReportStatus(Explain(lastSearch), ProgressDone);
+        return Meeting::Taken;
+    }
     if (greeted != Greeted::Met) {
         const std::string why = WhyNotMet(greeted, link.SettingsText());
         return ReportStatus(why + ". Searching...", 0) ? Meeting::Cancelled : Meeting::NotMet;
@@ -315,15 +365,25 @@ Meeting LinkState::MeetRemembered() {
     return Meeting::Met;
 }
 
+bool LinkState::IsKnownToAsk() {
+    if (live.Now().printer.value != PrinterAsking || !Serial().PortOpen()) return false;
+    const std::string& heard =
+        live.LastHeard().empty() ? lastSearch.heard.sample : live.LastHeard();
+    lastSearch = {SearchEnd::LineTalks,
+                  {LineTalk::Question, FormatFit::Fits, 0, heard},
+                  LowerCase(Serial().PortSettings())};
+    ReportStatus(Explain(lastSearch), ProgressDone);
+    return true;
+}
+
 void LinkState::ReportConnected() {
-    constexpr std::int16_t done = 100;
     constexpr std::array flowTexts = {", No Flowcontrol", ", Xon/Xoff", ", RTS/CTS",
                                       ", RTS/CTS, Xon/Xoff"};
     const auto flow = static_cast<std::size_t>(ToInt32(Val(flowcontrol)));
     ReportStatus("Printer connected through UART" + ToText(std::int32_t{link.Stdio()}) + ": at "
                      + baudrate + ", " + parity + ", " + databits + ", " + stopbits
                      + flowTexts[flow],
-                 done);
+                 ProgressDone);
 }
 
 } // namespace qncomm

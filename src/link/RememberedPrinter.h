@@ -24,6 +24,7 @@ enum class Meeting {
     Met,       ///< it has answered, and is in the modes that the exchange relies on
     NotMet,    ///< nothing is remembered, or it is to be searched for
     Cancelled, ///< a handler of StatusEvent wants no search
+    Taken,     ///< the line came back without an answer: nothing more is to be typed
 };
 
 } // namespace qncomm

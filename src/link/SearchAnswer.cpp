@@ -53,6 +53,7 @@ SearchAnswer::SearchAnswer(std::string_view probe, std::string_view word, double
 void SearchAnswer::Take(std::string_view text) {
     mComplete = HasThen(text, mWord, EndOfAnswer);
     const std::string came = Visible(text);
+    mEchoed = came.find(mEcho) != std::string::npos;
     const std::string answer = mWord + "Ok";
     const bool fits = (mEcho + answer).starts_with(came) || answer.starts_with(came);
     const bool begun = came.find(mEcho.substr(0, BegunEcho)) != std::string::npos;

@@ -20,6 +20,8 @@ class SearchAnswer {
     void Take(std::string_view text);
     /// It holds the word and, behind it, "Ok".
     bool Complete() const { return mComplete; }
+    /// The whole probe has come back.
+    bool Echoed() const { return mEchoed; }
     /// How long all of it may take, in ms since the probe was sent.
     std::int32_t LimitMs() const { return mLimitMs; }
 
@@ -30,6 +32,7 @@ class SearchAnswer {
     std::int32_t mLineMs;     ///< what echo and answer need on the line
     std::int32_t mLimitMs;
     bool mComplete = false;
+    bool mEchoed = false;
 };
 
 } // namespace qncomm

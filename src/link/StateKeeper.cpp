@@ -3,6 +3,7 @@
 #include "common/Text.h"
 
 #include <algorithm>
+#include <array>
 #include <utility>
 
 namespace qncomm {
@@ -26,6 +27,21 @@ bool IsText(std::string_view bytes) {
 bool IsProgramLine(std::string_view line) {
     return !line.empty() && line.front() >= '0' && line.front() <= '9';
 }
+
+struct Activity {
+    LineTalk talk;
+    enumPrinterActivity printer;
+};
+
+/// What a printer does whose line says that; anything else says nothing of a printer.
+constexpr std::array Activities{
+    Activity{LineTalk::ZModemReceiver, PrinterReceiving},
+    Activity{LineTalk::KermitReceiver, PrinterReceiving},
+    Activity{LineTalk::Prompt, PrinterAtPrompt},
+    Activity{LineTalk::Question, PrinterAsking},
+    Activity{LineTalk::Boot, PrinterRebooting},
+    Activity{LineTalk::Text, PrinterRunning},
+};
 
 std::string_view LastLine(std::string_view lines) {
     const std::size_t before = lines.rfind(CrLf);
@@ -94,6 +110,11 @@ void StateKeeper::Place(const PrinterPlace& place) {
     const bool changed = Learn(mNow.place, place, LearntPort);
     if (changed && known) NextGeneration();
     SayIf(changed);
+}
+
+void StateKeeper::Says(LineTalk talk) {
+    const auto* const found = std::ranges::find(Activities, talk, &Activity::talk);
+    Printer(found == Activities.end() ? PrinterUnknown : found->printer, LearntText);
 }
 
 void StateKeeper::NobodyFound() {

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "common/MessageLoop.h"
+#include "link/Listening.h"
 #include "link/LiveState.h"
 
 #include <functional>
@@ -34,11 +35,15 @@ class StateKeeper {
     /// The printer must be asked anew who it is; the same answer means the same printer.
     void ForgetIdentity();
     void Place(const PrinterPlace& place);
+    /// The line was found to say that.
+    void Says(LineTalk talk);
     /// A search has found nobody: whoever answers next may be another.
     void NobodyFound();
 
     /// A command line was sent.
     void Told() { mTold = true; }
+    /// The end of what was heard, from the last line's beginning.
+    const std::string& LastHeard() const { return mLine; }
     /// Whoever had the line has done with it: a command whose reply has not come is under way.
     void LeftAlone();
     /// Text has come, with CR LF line ends. What a person types at a terminal is not known here, so

@@ -154,6 +154,11 @@ void LinkState::NotePlace() {
                 .settings = link.SettingsText() + "," + flowcontrol});
 }
 
+void LinkState::NoteTalk() {
+    if (IsKeptFrom(lastSearch) && live.Now().line.value == LineOpen)
+        live.Says(lastSearch.heard.talk);
+}
+
 void LinkState::NobodyAnswered() {
     if (live.Now().printer.value != PrinterRebooting) live.NobodyFound();
 }

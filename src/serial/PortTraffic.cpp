@@ -7,6 +7,7 @@
 
 #include <algorithm>
 #include <array>
+#include <limits>
 #include <utility>
 
 namespace qncomm {
@@ -61,6 +62,7 @@ void PDQComm::Note(const LineErrors& errors) {
     for (const LineErrorKind& row : LineErrorKinds) {
         if (!(errors.*row.kind)) continue;
         names += row.name;
+        if (mLineErrorCount < std::numeric_limits<std::int32_t>::max()) ++mLineErrorCount;
         mLineErrors.*row.kind = mSink != nullptr; // errors without a listener are dropped
     }
     if (names.empty()) return;

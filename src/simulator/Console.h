@@ -33,6 +33,9 @@ class Console {
     /// When what was put off is due.
     std::optional<Micros> NextDue() const;
 
+    /// A program or a command is being carried out.
+    bool Runs() const { return mInterpreter.Current() == Interpreter::State::Running; }
+
     /// A load waits for bytes.
     bool AwaitsData() const { return mInterpreter.Current() == Interpreter::State::NeedsData; }
     void DataTimedOut();

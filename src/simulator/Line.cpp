@@ -110,6 +110,12 @@ bool Line::TimingMatches() const {
            && mHost.dataBits.value_or(mUart.dataBits) == mUart.dataBits;
 }
 
+void Line::SetHostFormat(const LineFormat& format, Micros now) {
+    const bool matched = Matches();
+    mHost = format;
+    if (Matches() != matched) mToHost.ClearOnTheWay(now);
+}
+
 void Line::DropToHost() {
     mToHost.Clear();
     mHostErrors = {};

@@ -58,7 +58,8 @@ class Line {
 
     void SetUart(const Uart& uart) { mUart = uart; }
     const Uart& CurrentUart() const { return mUart; }
-    void SetHostFormat(const LineFormat& format) { mHost = format; }
+    /// What is on its way then was sent to a host that read it otherwise, and is lost.
+    void SetHostFormat(const LineFormat& format, Micros now);
 
     /// The host's bytes as the printer's side will receive them.
     void HostSends(std::string_view bytes, Micros now);

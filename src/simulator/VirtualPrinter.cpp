@@ -18,7 +18,8 @@ constexpr std::size_t OutputLimit =
 constexpr std::size_t ReceiveBuffer = 4096; // of a paced printer; what comes beyond it is lost
 constexpr std::size_t StopHostAt = 3072;
 constexpr std::size_t ResumeHostAt = 1024;
-// A transfer fills the line only so far: bytes that are not on the line yet can still be dropped.
+// A transfer, and a program on a paced line, fill it only so far: bytes that are not on the line
+// yet can still be dropped, and a program that is stopped falls silent.
 constexpr std::size_t PacedLineTakes = 512;
 constexpr std::size_t LineTakes = 16UL * 1024;
 // What a host can hand over before the line has carried it.
@@ -63,6 +64,9 @@ class VirtualPrinter::Impl {
     std::string Greeting() const;
     bool OutputBlocked() const;
     std::size_t LineRoom() const;
+    std::size_t ProgramRoom() const { return mLine.IsPaced() ? LineRoom() : OutputLimit; }
+    /// What runs goes on when the line has carried some of what was said.
+    bool WaitsForLine() const { return mConsole->Runs() && ProgramRoom() == 0; }
     bool CanWork() const { return !mBootEnd && !mLine.IsCut() && !OutputBlocked(); }
 
     Faults mFaults;
@@ -132,6 +136,7 @@ void VirtualPrinter::Impl::Advance(Micros now) {
     mNow = std::max(mNow, now);
     mMachine.now = mNow;
     mMachine.lineRoom = LineRoom();
+    mMachine.programRoom = ProgramRoom();
     if (mBootEnd && mNow >= *mBootEnd) EndBoot();
     Receive();
     if (CanWork()) Work();
@@ -234,7 +239,7 @@ std::optional<Micros> VirtualPrinter::Impl::NextDue() const {
     if (mLine.IsCut()) return due;
     sooner(mBootEnd);
     if (mConsole->Waiting() < BytesPerSlice) sooner(mLine.ToPrinter().NextDue());
-    if (CanWork() && mConsole->Busy()) sooner(mNow);
+    if (CanWork() && mConsole->Busy() && !WaitsForLine()) sooner(mNow);
     if (CanWork()) sooner(mConsole->NextDue());
     if (CanWork() && mConsole->AwaitsData()) sooner(mLastData + DataTimeout);
     if (const FileTransfer* transfer = mConsole->Transfer(); transfer != nullptr && CanWork()) {
@@ -260,7 +265,7 @@ void VirtualPrinter::HostClosed(Micros now) {
 
 void VirtualPrinter::SetHostFormat(const LineFormat& format, Micros now) {
     mImpl->Advance(now);
-    mImpl->Wire().SetHostFormat(format);
+    mImpl->Wire().SetHostFormat(format, now);
 }
 
 void VirtualPrinter::SetHostLines(bool /*dtr*/, bool rts, Micros now) {

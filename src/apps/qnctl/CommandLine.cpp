@@ -27,6 +27,10 @@ void DeclareGlobals(CLI::App& app, GlobalOptions& options) {
     app.add_flag("--quiet", options.quiet, "No progress messages");
     CLI::Option* yes = app.add_flag("--yes", options.yes, "Answer questions with yes");
     app.add_flag("--no", options.no, "Answer questions with no")->excludes(yes);
+    app.add_flag("--interrupt", options.interrupt,
+                 "End a running program first, by Ctrl-C or a break");
+    app.add_flag("!--no-listen", options.listen,
+                 "Search for the printer even where something talks by itself");
 }
 
 struct Group {

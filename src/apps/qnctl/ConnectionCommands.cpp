@@ -11,6 +11,7 @@
 #include <algorithm>
 #include <array>
 #include <cstdlib>
+#include <optional>
 
 namespace qnctl {
 namespace {
@@ -78,6 +79,7 @@ Outcome TryPort(Session& session) {
 
 Outcome SearchAllPorts(Session& session) {
     Outcome last = Refused(ExitStatus::Usage, "There is no serial port to search.");
+    std::optional<Outcome> talking; // the most that can be said where no printer answers
     for (const std::int16_t number : SearchablePorts(session)) {
         if (Outcome chosen = session.ChooseThePort(qncomm::NameOfPort(number)); !chosen.Ok())
             return chosen;
@@ -85,7 +87,9 @@ Outcome SearchAllPorts(Session& session) {
         last = TryPort(session);
         if (last.Ok() || last.status == ExitStatus::Cancelled) return last;
         session.Status().Show(last.message);
+        if (!last.line.state.empty() && !talking) talking = last;
     }
+    if (talking) return *talking;
     // Ports that could not be opened are no answer to where the printer is.
     if (last.status != ExitStatus::Usage)
         return Refused(ExitStatus::NoPrinter, "No printer answered on any port.");

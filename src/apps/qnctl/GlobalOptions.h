@@ -16,6 +16,8 @@ struct GlobalOptions {
     bool quiet = false;
     bool yes = false;
     bool no = false;
+    bool interrupt = false; ///< ends a running program before the printer is spoken to
+    bool listen = true;     ///< nothing is typed where something talks
 
     qncomm::GivenAnswer Answer() const {
         if (yes) return qncomm::GivenAnswer::Yes;

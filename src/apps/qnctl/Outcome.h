@@ -18,6 +18,12 @@ enum class ExitStatus : int {
     Cancelled = 130,     ///< Ctrl-C
 };
 
+/// What the line was found to say, where that is the reason.
+struct LineFinding {
+    std::string state;    ///< one word, such as "text"; empty where the line is not the reason
+    std::string settings; ///< at which it was heard, such as "9600,n,8,2"
+};
+
 /// How a command ended. Anything but Done is shown on the error stream; without a message the
 /// command itself has told.
 struct Outcome {
@@ -26,12 +32,13 @@ struct Outcome {
     std::string source;
     std::string message;
     std::string place = {}; ///< "FILE:LINE" of a batch; empty elsewhere
+    LineFinding line = {};
 
     bool Ok() const { return status == ExitStatus::Done; }
 };
 
 inline Outcome Refused(ExitStatus status, std::string message) {
-    return {status, 0, "qnctl", std::move(message), {}};
+    return {status, 0, "qnctl", std::move(message)};
 }
 
 /// An error of the system as the program reports it.

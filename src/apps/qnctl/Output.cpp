@@ -75,6 +75,8 @@ void Output::Failure(const Outcome& outcome) const {
         Json error{
             {"number", outcome.number}, {"source", outcome.source}, {"description", message}};
         if (!outcome.place.empty()) error["place"] = outcome.place;
+        if (!outcome.line.state.empty())
+            error.update({{"state", outcome.line.state}, {"settings", outcome.line.settings}});
         std::cerr << TextOf(Json{{"error", error}}) << std::endl;
         return;
     }

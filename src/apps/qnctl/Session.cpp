@@ -1,9 +1,11 @@
 #include "Session.h"
 
+#include "NoPrinter.h"
 #include "PortRefusal.h"
 
 #include "assembly/AllChannelKinds.h"
 #include "common/QNError.h"
+#include "common/modErrorHandling.h"
 #include "serial/PortAddress.h"
 
 #include <iostream>
@@ -94,9 +96,10 @@ void Session::Wire() {
     qncomm::ControlAssembly::Options options;
     if (!mPort.address.empty()) options.bindings = mBook.Bindings();
     options.trace = mTrace.get();
-    options.link = {.remembered = true, .spoil = true, .addressOf = [this](std::int16_t port) {
-                        return mBook.AddressOf(port);
-                    }};
+    options.link = {.remembered = true,
+                    .spoil = true,
+                    .listen = mOptions.listen,
+                    .addressOf = [this](std::int16_t port) { return mBook.AddressOf(port); }};
     mAssembly = std::make_unique<qncomm::ControlAssembly>(mLoop, mDesk.Services(), mDesk.View(),
                                                           std::move(options));
     mDesk.Host().Hold(&Control());
@@ -134,9 +137,23 @@ std::string Session::PortName() const {
 Outcome Session::Connect() {
     // Opened here first: a port that cannot be opened says why, and nothing is searched on it.
     Assembly().OpenPort();
-    mClaim.emplace(Link().AcquirePort());
+    if (mOptions.interrupt) EndProgram();
+    const bool claimed = Claim();
     Status().Clear();
-    return *mClaim ? Outcome{} : NotFound();
+    return claimed ? Outcome{} : NotFound();
+}
+
+bool Session::Claim() {
+    mClaim.emplace(Link().AcquirePort());
+    return static_cast<bool>(*mClaim);
+}
+
+void Session::EndProgram() {
+    try {
+        Link().StopProgram();
+    } catch (const qncomm::QNError& error) {
+        if (error.Number() != qncomm::ErrInputTimeout) throw; // the search says what is there
+    }
 }
 
 void Session::Disconnect() {
@@ -160,9 +177,9 @@ Outcome Session::Failed(const qncomm::QNError& error) const {
 Outcome Session::NotFound() {
     if (Interrupted()) return Cancelled();
     if (auto lost = PortFailure()) return *lost;
-    std::string message = "No printer answered on " + PortName() + ".";
-    if (!mNote.empty()) message += " " + mNote;
-    return Refused(ExitStatus::NoPrinter, message);
+    Outcome none = WhyNoPrinter(Link().LastSearch(), {PortName(), mPort.address});
+    if (!mNote.empty()) none.message += " " + mNote;
+    return none;
 }
 
 bool Session::Ask(const std::string& title, const std::string& question) {

@@ -105,6 +105,10 @@ class Session {
     Outcome MakeTheControl();
     Outcome PassLabelsOn();
     std::optional<Outcome> PortFailure() const;
+    /// Claims the port; False when there is no printer.
+    bool Claim();
+    /// Ends a program that runs at the link's settings; nothing happens where none answers to that.
+    void EndProgram();
     void Wire();
     void Unwire();
     void OnStatus(const std::string& message, std::int16_t progress, bool& cancel);

@@ -37,7 +37,7 @@ Error Interpreter::StoreLine(int number, std::string_view text) {
 
 void Interpreter::Run(int statements) {
     mSliceEnds = false;
-    while (mState == State::Running && !mSliceEnds && statements-- > 0) {
+    while (mState == State::Running && !mSliceEnds && mMachine.HasRoom() && statements-- > 0) {
         if (mAt >= mCode->size()) {
             Finish();
             return;

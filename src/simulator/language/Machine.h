@@ -66,6 +66,9 @@ class PowerSupply {
 struct Machine {
     explicit Machine(const Options& options);
 
+    /// Whether the line takes more of what a program says.
+    bool HasRoom() const { return out.size() < programRoom; }
+
     const Model& model;
     std::string version;
     int wiredUart;
@@ -77,6 +80,7 @@ struct Machine {
     PowerSupply power;
     Micros now = 0;           ///< the time that the caller gave last
     std::size_t lineRoom = 0; ///< bytes that the wired channel takes without letting them queue
+    std::size_t programRoom = 0; ///< bytes that a program may say before it waits
     bool immediate = true;
     bool setupChanged = false; ///< the line's settings take effect after the reply
     bool restartWanted = false;

@@ -120,7 +120,8 @@ TEST_P(DocumentWithLabel, ShowsTheLabelThatItsCommandsPrint) {
 INSTANTIATE_TEST_SUITE_P(Readme, DocumentWithLabel, testing::Values("README.md"));
 
 INSTANTIATE_TEST_SUITE_P(Documents, Document,
-                         testing::Values("README.md", "docs/qnctl.md", "docs/ports.md"),
+                         testing::Values("README.md", "docs/qnctl.md", "docs/ports.md",
+                                         "docs/line.md"),
                          [](const auto& document) {
                              std::string name = fs::path(document.param).stem().string();
                              return name;

@@ -29,7 +29,11 @@ TEST_F(Remembered, WithModelAndFirmwareWhichOneLineProves) {
     const Ended again = Run({"info", "--port", Printer(), "--trace", PathOf("trace")});
     EXPECT_EQ(again.out, first.out);
     const std::string trace = HostFile("trace");
-    EXPECT_EQ(trace.find(R"("tx")"), trace.rfind(R"("tx")")) << trace;
+    const std::size_t nonsense = trace.find(R"("tx","bytes":")(\r\n")");
+    EXPECT_NE(nonsense, std::string::npos) << "in case something stands in the input line\n"
+                                           << trace;
+    EXPECT_EQ(trace.find(R"("tx")"), nonsense);
+    EXPECT_EQ(trace.find(R"("tx")", nonsense + 1), trace.rfind(R"("tx")")) << trace;
 }
 
 TEST_F(Remembered, AndFoundAgainAtAnotherRateWhichIsSaid) {

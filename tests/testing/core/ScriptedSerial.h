@@ -43,6 +43,7 @@ class ScriptedSerial : public SerialControl, private ManualLoop::Source {
     bool mDsr = true;
     std::string mTarget;    ///< what the port stands for
     std::string mWhyClosed; ///< why it did not open or was lost
+    std::int32_t mLineErrors = 0;
     /// Bytes that leave the transmit queue per ms; nothing leaves at 0; all at once when not set.
     std::optional<double> mDrainPerMs;
     std::int32_t mLineTimeLeft = 0; ///< ms that the line still needs for what was written
@@ -112,6 +113,7 @@ class ScriptedSerial : public SerialControl, private ManualLoop::Source {
     std::int32_t ReceiveCount() const override;
     std::int32_t TransmitCount() const override;
     std::int32_t LineTimeLeft() const override { return mLineTimeLeft; }
+    std::int32_t LineErrorCount() const override { return mLineErrors; }
     void FlushReceive() override;
     void FlushTransmit() override;
     std::string Read() override;

@@ -65,10 +65,18 @@ void ManualReactor::Yield(std::int32_t lLimit) {
         ADD_FAILURE() << "a wait does not end";
         throw std::runtime_error("a wait does not end");
     }
-    if (DispatchDue() || lLimit <= 0) return;
+    if (DispatchDue()) return WorkTakesTime();
+    if (lLimit <= 0) return;
     const std::int64_t end = mNow + std::int64_t{lLimit} * 1000;
     mNow = mDue.empty() ? end : std::clamp(mDue.begin()->first, mNow, end);
     DispatchDue();
+}
+
+/// Somebody who always has something to do would stop the clock, and with it every wait's end.
+void ManualReactor::WorkTakesTime() {
+    constexpr int perMilli = 256;
+    if (std::exchange(mWorkedAt, mNow) != mNow) mWork = 0;
+    if (++mWork % perMilli == 0) mNow += 1000;
 }
 
 bool ManualReactor::DispatchDue() {

@@ -32,9 +32,12 @@ class ManualReactor final : public Reactor {
     class ManualAlarm;
 
     bool DispatchDue();
+    void WorkTakesTime();
 
     std::int64_t mNow = 1'000'000;
     std::int64_t mYields = 0;
+    std::int64_t mWorkedAt = 0; ///< when something was dispatched last, and how often then
+    int mWork = 0;
     std::multimap<std::int64_t, ManualAlarm*> mDue;
 };
 

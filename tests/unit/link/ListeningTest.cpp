@@ -57,6 +57,9 @@ const std::vector<HeardCase> HeardCases{
     {"ErrorsWithoutABytesAreNoise", {"", 3, 1000}, Garbage},
     {"BytesOfAnotherRate", {"\x00\xFE\xF8\x80\xC0\xE0"s, 6, 60}, Garbage},
     {"NoiseThatTheDeviceTakesForBytes", {"\xFE\xF8\x80\xC0\xE0\xFC", 0, 0}, Garbage},
+    {"SevenBitsOfAnotherRate", {"~@x||xx~|@x`|~~|`", 3, 60}, Garbage},
+    {"SevenBitsOfAnotherRateWithoutErrors", {"~@x||xx~|@\x7Fx`|~~|`", 0, 60}, Garbage},
+    {"SignsWithoutALineError", {"+----+\r\n", 0, 60}, Says(Text, "+----+")},
     {"OneByteOfNoise", {"\xFF", 0, 60}, Garbage},
     {"NulsOfABreak", {"\0\0"s, 0, 60}, Garbage},
     {"ALoopThatPrints", {"2\r\n42\r\n42\r\n4", 0, 0}, Says(Text, "42")},
@@ -136,8 +139,8 @@ TEST(ListeningTexts, NameEachKindAndQuoteWhatWasHeard) {
     EXPECT_EQ(NameOf(LineTalk::KermitReceiver), "kermit");
     EXPECT_EQ(SentenceFor(Classify({"42\r\n42\r\n", 0, 0})), "a program is running; it says: 42");
     EXPECT_EQ(SentenceFor(Classify({"Article? ", 0, 60})),
-              "a program is running; it asks and waits: Article? ");
-    EXPECT_EQ(SentenceFor({}), "the line is silent");
+              "a program is running; it asks and waits: Article?");
+    EXPECT_EQ(SentenceFor(LineVerdict{}), "the line is silent");
 }
 
 } // namespace

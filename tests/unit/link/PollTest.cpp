@@ -7,7 +7,7 @@
 namespace qncomm::testing {
 namespace {
 
-constexpr std::string_view Question = "PRINT 0\r\n";
+constexpr std::string_view AskedNow = "PRINT 0\r\n";
 constexpr std::int64_t HourMs = 3'600'000;
 
 /// A link that polls, with the terminal shown and a printer that answers from its prompt.
@@ -15,8 +15,8 @@ class Polls : public LinkFixture {
   protected:
     explicit Polls(LinkOptions options = {.polled = true}) : LinkFixture(std::move(options)) {
         mSerial.OnSend([this](std::string& sent) {
-            if (sent == Question && mAnswers) mSerial.Arrive("PRINT 0\r\n0\r\nOk\r\n", 30);
-            mAsked += sent == Question ? 1 : 0;
+            if (sent == AskedNow && mAnswers) mSerial.Arrive("PRINT 0\r\n0\r\nOk\r\n", 30);
+            mAsked += sent == AskedNow ? 1 : 0;
             sent.clear();
         });
         mLink.SetBaudrate("9600");
@@ -105,7 +105,7 @@ TEST_F(Polls, NeverDisturbAProgramThatRunsOrALineThatIsTyped) {
 
 TEST_F(Polls, ShowWhatWasTypedMeanwhile) {
     mSerial.OnSend([this](std::string& sent) {
-        if (sent == Question) mSerial.Arrive("PRINT 0\r\n0\r\nOk\r\nFI", 30);
+        if (sent == AskedNow) mSerial.Arrive("PRINT 0\r\n0\r\nOk\r\nFI", 30);
         sent.clear();
     });
     Pass(20'000);
@@ -127,7 +127,7 @@ TEST_F(Polls, GiveWayToAnOperationWhichReadsNothingOfThem) {
         EXPECT_THAT(lines, ElementsAre("FRE", "12", "Ok"));
         Pass(60'000);
         EXPECT_TRUE(mSerial.ScriptDone());
-        EXPECT_EQ(mSerial.mSent.find(Question), std::string::npos);
+        EXPECT_EQ(mSerial.mSent.find(AskedNow), std::string::npos);
     }
     EXPECT_EQ(Printer(), "at prompt");
 }

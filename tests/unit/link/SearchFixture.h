@@ -24,6 +24,9 @@ class SearchFixture : public LinkFixture {
                 channel + ",FLOWCONTROL,XON/XOFF,DATA TO HOST,DISABLE"};
     }
 
+    /// The printer's line has this rate: it answers at other formats, too, but not in text.
+    void AnswerWithNoiseAt(std::string rate) { mNoisyRate = std::move(rate); }
+
     std::string mSettingsThatWork = "57600,n,8,2";
     int mChannel = 1;
     Lines mSetup = SetupOf("UART1");
@@ -42,7 +45,11 @@ class SearchFixture : public LinkFixture {
         std::string bytes = std::exchange(sent, {});
         if (mTried.empty() || mTried.back() != mSerial.PortSettings())
             mTried.push_back(mSerial.PortSettings());
-        if (!EqualNoCase(mSerial.PortSettings(), mSettingsThatWork)) return;
+        if (!EqualNoCase(mSerial.PortSettings(), mSettingsThatWork)) {
+            if (!mNoisyRate.empty() && mSerial.PortSettings().starts_with(mNoisyRate))
+                mSerial.Arrive("\xFE\xF8\x80", 5);
+            return;
+        }
         TakeLoad(bytes);
         std::string line;
         for (const char c : bytes) {
@@ -92,6 +99,7 @@ class SearchFixture : public LinkFixture {
     }
 
     std::int64_t mFreeAt = 0;
+    std::string mNoisyRate;
 };
 
 } // namespace qncomm::testing

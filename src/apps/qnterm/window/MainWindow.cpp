@@ -108,9 +108,11 @@ void MainWindow::BuildCentre(qncomm::TraceSink* trace) {
     GiveLabels(port);
     qncomm::ControlAssembly::Options options;
     options.bindings = mBook.Bindings();
-    options.link = {.remembered = true, .spoil = true, .addressOf = [this](std::int16_t number) {
-                        return mBook.AddressOf(number);
-                    }};
+    options.link = {
+        .remembered = true,
+        .spoil = true,
+        .listen = true,
+        .addressOf = [this](std::int16_t number) { return mBook.AddressOf(number); }};
     mRecorder = std::make_shared<LineRecorder>(trace);
     options.trace = mRecorder.get();
     options.keep = mRecorder;

@@ -154,27 +154,43 @@ void PrinterActions::Enable() {
         action->setEnabled(mHasPort);
 }
 
+namespace {
+
+/// Why the last search has found no printer.
+QString WhyNobody(qncomm::QNComm& control) {
+    const std::string why = Explain(control.Link().LastSearch());
+    return why.empty() ? PrinterActions::tr("No printer answered on this port.")
+                       : qncomm::FromLine(why) + '.';
+}
+
+} // namespace
+
 void PrinterActions::Connect() {
     QString model;
     QString firmware;
+    QString why;
     const bool done = mOperations.Run(tr("Connect"), [&](qncomm::QNComm& control) {
         model = qncomm::FromLine(control.PrinterType());
         firmware = qncomm::FromLine(control.FirmwareVersion());
+        why = WhyNobody(control);
     });
     if (done && !model.isEmpty())
         emit Identified(model, firmware);
     else if (done)
-        emit Said(tr("No printer answered on this port."));
+        emit Said(why);
 }
 
 void PrinterActions::Find() {
     bool found = false;
-    const bool done = mOperations.Run(
-        tr("Find the printer"), [&](qncomm::QNComm& control) { found = control.DoAutoconnect(); });
+    QString why;
+    const bool done = mOperations.Run(tr("Find the printer"), [&](qncomm::QNComm& control) {
+        found = control.DoAutoconnect();
+        why = WhyNobody(control);
+    });
     if (done && found)
         Connect();
     else if (done)
-        emit Said(tr("No printer answered on this port."));
+        emit Said(why);
 }
 
 void PrinterActions::Identify() {

@@ -25,6 +25,10 @@ struct LinkOptions {
     /// program runs, an operation or a transfer is under way or a line is being typed. The terminal
     /// shows none of it.
     bool polled = false;
+    /// Listens before the search, for the 100 ms that it waits for silence in any case: where bytes
+    /// come by themselves nothing is sent, the search ends, and LastSearch tells what the line
+    /// says. A search that was answered by noise then also tries even, odd and space parity.
+    bool listen = false;
     /// What a port number stands for, such as "/dev/ttyUSB0": what is remembered belongs to that.
     /// Empty, or an empty answer: to the number.
     std::function<std::string(std::int16_t)> addressOf = {};

@@ -156,6 +156,11 @@ class SerialControl {
     /// they tell of. 0 once the bytes have had their time, and for a control without a line.
     virtual std::int32_t LineTimeLeft() const { return 0; }
 
+    /// How often the device has told of a damaged byte since the control was made: a frame or
+    /// parity error, or a byte that was lost. Grows by one or more for each event that tells of
+    /// such.
+    virtual std::int32_t LineErrorCount() const { return 0; }
+
     /// Throws away what was received and not read.
     virtual void FlushReceive() = 0;
     /// Throws away what was written and has not left, as far as it can be taken back.

@@ -10,6 +10,7 @@
 #include "link/LinkOptions.h"
 #include "link/LiveState.h"
 #include "link/PortClaim.h"
+#include "link/SearchReport.h"
 #include "link/SerialControl.h"
 
 #include <cstdint>
@@ -269,6 +270,9 @@ class clsDataLink {
     /// and saves them. True when found. Refused (False, no event) while another exclusive operation
     /// runs, unless bExclusive. Raises nothing.
     bool AutoConnect(std::int16_t iPort, bool bExclusive = false);
+
+    /// How the last search has ended, a claim's included, and why it has found no printer.
+    const SearchReport& LastSearch() const;
 
     /// The text that holds the model code, such as "R7G", asked of the printer when it is not
     /// known; empty when the port is refused. Raises 1000, source "Datalink:GetVersion", for a

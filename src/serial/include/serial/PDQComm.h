@@ -68,6 +68,7 @@ class PDQComm final : public SerialControl {
     std::int32_t ReceiveCount() const override;
     std::int32_t TransmitCount() const override;
     std::int32_t LineTimeLeft() const override;
+    std::int32_t LineErrorCount() const override { return mLineErrorCount; }
     void FlushReceive() override;
     void FlushTransmit() override;
     std::string Read() override;
@@ -215,7 +216,8 @@ class PDQComm final : public SerialControl {
     std::string mTransferName;
     std::string mTransferReason;
 
-    LineErrors mLineErrors;       ///< that are still to be reported
+    LineErrors mLineErrors; ///< that are still to be reported
+    std::int32_t mLineErrorCount = 0;
     std::int64_t mLineFreeUs = 0; ///< when the line can have carried all that the channel took
     bool mLossWaits = false;      ///< the loss of the port is still to be reported
     std::optional<PortFailure> mLastFailure;
