@@ -7,6 +7,7 @@
 #include <fcntl.h>
 #include <random>
 #include <sys/file.h>
+#include <utility>
 #include <vector>
 
 namespace qncomm::testing {
@@ -69,8 +70,9 @@ Device ZModemAsks() {
             .everyMs = 400};
 }
 
-const std::vector<Condition>& Conditions() {
-    static const std::vector<Condition> all{
+/// What a printer, or whoever is at the end of the line, may be doing.
+std::vector<Condition> PeerConditions() {
+    return {
         {"APrinterAtItsPrompt", "healthy", Anywhere, "R7G"},
         {"AnotherRateAndFormat", "healthy", Anywhere, "R7G?baud=57600&format=n,8,1"},
         {"SevenBits", "healthy", WithFormat, "R7G?baud=19200&format=n,7,2"},
@@ -94,6 +96,10 @@ const std::vector<Condition>& Conditions() {
         {"AZModemReceiver", "zmodem", Anywhere, "", "", "", ZModemAsks},
         {"AZModemReceiverOfThePrinter", "zmodem", Anywhere, "R7G", "TRANSFER Z \"R\"\r"},
         {"AKermitReceiverOfThePrinter", "kermit", Anywhere, "R7G", "TRANSFER K \"R\"\r"},
+        {"APrinterThatStarts", "healthy", Anywhere, "R7G?boot-ms=4000", "REBOOT\r"},
+        {"ALateRefusal", "healthy", Anywhere, "R7F?late-errors=300"},
+        {"AGreetingOfItsOwn", "healthy", Anywhere, "R7C?greeting=At your service."},
+        {"APacedLine", "healthy", Anywhere, "R7B?baud=9600&paced=on"},
         {"HalfALineOfAnEarlierHost", "healthy", Anywhere, "R7G", "PRINT \"half"},
         {"ALoadThatBrokeOff", "healthy", Anywhere, "R7G", "FILE& LOAD \"A\",100000\r"},
         {"AnImageThatBrokeOff", "healthy", Anywhere, "R7G", "IMAGE LOAD \"A.1\",90000,\"\"\r"},
@@ -106,13 +112,15 @@ const std::vector<Condition>& Conditions() {
         {"APrinterWithoutEcho", "half", Anywhere, "R7G?no-echo=on"},
         {"NothingThatAnswers", "silent", InProcess | Pty | Tcp, "", "", "", Deaf},
         {"NothingThatAnswersWithDsr", "silent", Remote, "", "", "", Deaf},
+    };
+}
+
+/// What may become of the line, and who else is on it.
+std::vector<Condition> LineConditions() {
+    return {
         {"SwitchedOff", "switched-off", WithFormat, "", "", "", SwitchedOff},
         {"CutBehindTheFirstAnswer", "lost", Pty | Sockets, "R7G?cut=150"},
         {"CutAtOnce", "lost", Pty | Sockets, "R7G?cut=1"},
-        {"APrinterThatStarts", "healthy", Anywhere, "R7G?boot-ms=4000", "REBOOT\r"},
-        {"ALateRefusal", "healthy", Anywhere, "R7F?late-errors=300"},
-        {"AGreetingOfItsOwn", "healthy", Anywhere, "R7C?greeting=At your service."},
-        {"APacedLine", "healthy", Anywhere, "R7B?baud=9600&paced=on"},
         {"AnotherProgramHasTheLock", "busy", Pty, "", "", "", Deaf, "", 0,
          [](int fd) { return ::flock(fd, LOCK_EX | LOCK_NB) == 0; }},
         {"AnotherProgramReadsAlong", "shared", Pty, "", "", "", Deaf, "", 0,
@@ -128,6 +136,16 @@ const std::vector<Condition>& Conditions() {
         {"NoSuchHostThere", "no-host", Remote, "", "", "", nullptr,
          "rfc2217://no-such-host.invalid:4000"},
     };
+}
+
+const std::vector<Condition>& Conditions() {
+    static const std::vector<Condition> all = [] {
+        std::vector<Condition> both = PeerConditions();
+        std::vector<Condition> line = LineConditions();
+        for (Condition& condition : line)
+            both.push_back(std::move(condition));
+        return both;
+    }();
     return all;
 }
 
