@@ -367,11 +367,11 @@ Meeting LinkState::MeetRemembered() {
 
 bool LinkState::IsKnownToAsk() {
     if (live.Now().printer.value != PrinterAsking || !Serial().PortOpen()) return false;
-    const std::string& heard =
-        live.LastHeard().empty() ? lastSearch.heard.sample : live.LastHeard();
-    lastSearch = {SearchEnd::LineTalks,
-                  {LineTalk::Question, FormatFit::Fits, 0, heard},
-                  LowerCase(Serial().PortSettings())};
+    LineVerdict heard{.talk = LineTalk::Question, .fit = FormatFit::Fits};
+    heard.sample = live.LastHeard().empty() ? lastSearch.heard.sample : live.LastHeard();
+    lastSearch.end = SearchEnd::LineTalks;
+    lastSearch.heard = std::move(heard);
+    lastSearch.settings = LowerCase(Serial().PortSettings());
     ReportStatus(Explain(lastSearch), ProgressDone);
     return true;
 }

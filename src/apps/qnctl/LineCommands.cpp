@@ -6,7 +6,6 @@
 #include "common/QNError.h"
 #include "console/Charset.h"
 #include "console/ConsoleTerminal.h"
-#include "platform/SystemErrors.h"
 #include "platform/SystemFiles.h"
 
 #include <CLI/CLI.hpp>
@@ -89,8 +88,7 @@ Outcome RunTerminal(Session& session, const std::string& capture) {
     session.Disconnect(); // the terminal's own claim keeps the port open
     const bool done = terminal.Run();
     if (::isatty(STDIN_FILENO) == 1) std::cerr << std::endl; // the prompt gets a line of its own
-    if (const int error = terminal.OutputError(); error != 0)
-        return Refused(ExitStatus::Error, "Standard output: " + qncomm::SystemText(error) + ".");
+    if (const int error = terminal.OutputError(); error != 0) return OutputLost(error);
     if (done) return {};
     const auto& failure = serial.LastFailure();
     return {ExitStatus::PortUnavailable, failure ? failure->number : 0, "PDQComm",

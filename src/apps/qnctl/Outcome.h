@@ -1,7 +1,9 @@
 #pragma once
 
 #include "common/QNError.h"
+#include "platform/SystemErrors.h"
 
+#include <cerrno>
 #include <cstdint>
 #include <string>
 #include <utility>
@@ -56,6 +58,13 @@ inline Outcome Cancelled() {
 /// The same with what is to be known of it; may be empty.
 inline Outcome CancelledBut(const std::string& remark) {
     return Refused(ExitStatus::Cancelled, remark.empty() ? "Cancelled." : "Cancelled. " + remark);
+}
+
+/// The standard output took no more, for what the system said (errno). A reader that has left, as
+/// "head" does when it has enough, knows that and is told nothing.
+inline Outcome OutputLost(int error) {
+    return Refused(ExitStatus::Error,
+                   error == EPIPE ? "" : "Standard output: " + qncomm::SystemText(error) + ".");
 }
 
 } // namespace qnctl

@@ -1,7 +1,6 @@
 #include "Output.h"
 
 #include "console/Charset.h"
-#include "platform/SystemErrors.h"
 
 #include <algorithm>
 #include <cerrno>
@@ -46,10 +45,10 @@ void Output::Look() const {
     if (!std::cout && mError == 0) mError = errno != 0 ? errno : EIO;
 }
 
-std::string Output::Lost() const {
+int Output::Error() const {
     std::cout.flush();
     Look();
-    return mError == 0 ? "" : "Standard output: " + qncomm::SystemText(mError) + ".";
+    return mError;
 }
 
 void Output::Table(const std::vector<Align>& columns, const std::vector<Row>& rows) const {

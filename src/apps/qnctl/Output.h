@@ -30,9 +30,9 @@ class Output {
     /// Text of the printer's as it is, at once.
     void Text(std::string_view sText) const;
 
-    /// Why the standard output takes no more ("Standard output: no space left on device."), after
-    /// all that was shown has been handed to it; empty as long as it took everything.
-    std::string Lost() const;
+    /// What the system said when the standard output took no more (errno), after all that was shown
+    /// has been handed to it; 0 as long as it took everything.
+    int Error() const;
 
     /// Rows in columns as wide as their widest cell, two blanks apart.
     using Row = std::vector<std::string>;
@@ -43,7 +43,8 @@ class Output {
     void Failure(const Outcome& outcome) const;
 
   private:
-    /// Keeps what the system said of the first write that failed.
+    /// Keeps what the system said of the first write that failed; the stream tells no more than
+    /// that one did.
     void Look() const;
 
     bool mJson;

@@ -214,7 +214,7 @@ void Session::OnStatus(const std::string& message, std::int16_t progress, bool& 
         mTransfer->Show(message, progress);
     else
         Status().Show(message, progress);
-    if (mInterrupt.Raised() || !mOutput.Lost().empty()) cancel = true;
+    if (mInterrupt.Raised() || mOutput.Error() != 0) cancel = true;
 }
 
 Outcome Session::TraceOutcome() const {

@@ -125,8 +125,7 @@ class WatchedPort final : public qncomm::TraceSink {
         if (!mSerial.PortOpen()) return Lost();
         if (mSession.Interrupted()) return Cancelled();
         if (mAwaited.Seen()) return Outcome{};
-        if (const std::string lost = mSession.Out().Lost(); !lost.empty())
-            return Refused(ExitStatus::Error, lost);
+        if (const int error = mSession.Out().Error(); error != 0) return OutputLost(error);
         return std::nullopt;
     }
 

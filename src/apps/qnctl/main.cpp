@@ -54,8 +54,7 @@ ExitStatus RunProgram(int argc, char** argv) {
     const Output output(request.options.json);
     Outcome outcome = request.ended ? *request.ended : Run(request, output);
     // Also when something else went wrong: it was cancelled because nobody takes what it says.
-    if (const std::string lost = output.Lost(); !lost.empty())
-        outcome = Refused(ExitStatus::Error, lost);
+    if (const int error = output.Error(); error != 0) outcome = OutputLost(error);
     if (!outcome.Ok() && !outcome.message.empty()) output.Failure(outcome);
     return outcome.status;
 }

@@ -9,6 +9,7 @@ namespace {
 
 using ::testing::HasSubstr;
 using ::testing::IsEmpty;
+using ::testing::Not;
 
 /// A program whose output goes nowhere: a full disk, a reader that has left.
 class OutputEnds : public TransferFixture {
@@ -47,7 +48,7 @@ TEST_F(OutputEnds, WithTheirReaderCancelATransferAndLeaveNothing) {
     const Ended ended =
         RunInto("| true", {"kermit", "receive", "c:DATA.BIN", PathOf("in/data"), "--json"});
     EXPECT_EQ(ended.status, 1) << ended.err;
-    EXPECT_THAT(ended.err, HasSubstr("Standard output: broken pipe"));
+    EXPECT_THAT(ended.err, IsEmpty()) << "who left knows it";
     EXPECT_TRUE(FolderIsEmpty("in"));
     EXPECT_EQ(Carry({"send", "PRINT 7"}).out, "7\n") << "the printer is at its prompt";
 }
@@ -61,7 +62,7 @@ TEST_F(OutputEnds, WithTheirReaderEndATerminal) {
     for (int n = 0; n < 3; ++n)
         terminal->Type("PRINT 1\n");
     EXPECT_EQ(terminal->Wait(), 1);
-    EXPECT_THAT(terminal->Err(), HasSubstr("Standard output: broken pipe"));
+    EXPECT_THAT(terminal->Err(), Not(HasSubstr("qnctl:")));
 }
 
 TEST_F(OutputEnds, OfAFileThatMayNotGrowAreAWordAndNotASignal) {
