@@ -70,6 +70,14 @@ bool clsDataLink::AutoConnect(std::int16_t iPort, bool bExclusive) {
     return AutoConnectSearch(*mState, iPort).Run();
 }
 
+bool clsDataLink::Listens() const {
+    return mState->host.options.listen;
+}
+
+void clsDataLink::SetListens(bool bListens) {
+    mState->host.options.listen = bListens;
+}
+
 const SearchReport& clsDataLink::LastSearch() const {
     return mState->lastSearch;
 }

@@ -93,6 +93,9 @@ TEST(StartOptions, HelpAndVersionEndWellAndNonsenseDoesNot) {
                 HasSubstr("qnterm 0."));
     EXPECT_EQ(qnterm::ParseCommandLine({"qnterm", "--nonsense"}).ended, 2);
     EXPECT_EQ(qnterm::ParseCommandLine({"qnterm", "file.txt"}).ended, 2);
+    EXPECT_EQ(qnterm::ParseCommandLine({"qnterm", "--watch", "fast"}).ended, 2);
+    EXPECT_EQ(qnterm::ParseCommandLine({"qnterm", "--watch", "9600,n,8,2"}).options.watch,
+              "9600,n,8,2");
 }
 
 // -- Choosing a port

@@ -38,9 +38,10 @@ class WindowTest : public ::testing::Test {
         if (mWindow && mWindow->isVisible()) CloseWindow();
     }
 
-    void Open(const QString& port) {
+    void Open(const QString& port, const QString& watch = {}) {
         StartOptions options;
         options.port = port;
+        options.watch = watch;
         options.labels = QString::fromStdString(mFolder.File("labels"));
         mWindow = std::make_unique<MainWindow>(
             options, std::make_shared<qncomm::FileSettings>(mFolder.File("settings.ini")), &mTrace);

@@ -108,6 +108,57 @@ TEST_F(WindowWhyTest, AProgramThatRunsIsNamedAndGoesOnUndisturbed) {
     EXPECT_EQ(mTrace.mSent, sent);
 }
 
+TEST_F(WindowWhyTest, ASearchThatLeftARunningProgramAloneOffersWhatCanBeDone) {
+    Open("sim:R7G");
+    AwaitPrinter();
+    const auto run = [this] {
+        mTrace.mReceived.clear();
+        Type("10 PRINT \"still here\":GOTO 10\nRUN\n");
+        EXPECT_TRUE(
+            Eventually([&] { return mTrace.mReceived.find("still") != std::string::npos; }));
+    };
+    const auto offer = [this]() -> QMessageBox* {
+        const std::string sent = mTrace.mSent;
+        Trigger("Find Printer");
+        EXPECT_TRUE(Eventually([&] { return mWindow->findChild<QMessageBox*>() != nullptr; }));
+        EXPECT_EQ(mTrace.mSent, sent) << "the program was left alone";
+        return mWindow->findChild<QMessageBox*>();
+    };
+    run();
+    QMessageBox* box = offer();
+    ASSERT_NE(box, nullptr) << Status();
+    EXPECT_THAT(box->text().toStdString(), HasSubstr("still here"));
+    EXPECT_THAT(StopsOf(*box).nameless, IsEmpty());
+    SavePicture(*box, "qnterm-line-talks");
+    Press(*box, "Watch");
+    EXPECT_TRUE(Eventually([&] { return mWindow->findChild<QDockWidget*>("line")->isVisible(); }));
+    EXPECT_TRUE(Eventually([&] { return mWindow->findChild<QMessageBox*>() == nullptr; }));
+
+    box = offer();
+    ASSERT_NE(box, nullptr) << Status();
+    Press(*box, "Stop the Program");
+    EXPECT_TRUE(Eventually([&] { return !IsBusy() && !OffersWhy(); })) << Status();
+    AwaitPrinter();
+
+    run();
+    box = offer();
+    ASSERT_NE(box, nullptr) << Status();
+    const std::size_t before = mTrace.mSent.size();
+    Press(*box, "Search All the Same");
+    EXPECT_TRUE(Eventually([&] { return mTrace.mSent.size() > before && !IsBusy(); })) << Status();
+}
+
+TEST_F(WindowWhyTest, AWindowThatWatchesSendsNothing) {
+    Open("sim:R7G", "19200,n,8,1");
+    EXPECT_TRUE(Eventually([&] {
+        return Status().find("Listening at 19200") != std::string::npos;
+    })) << Status();
+    EXPECT_TRUE(Eventually([this] { return PortOpen(); })) << Status();
+    EXPECT_EQ(mTrace.mSent, "");
+    CloseWindow();
+    EXPECT_EQ(mTrace.mSent, "");
+}
+
 TEST_F(WindowWhyTest, IsOfferedWhereAnotherHasThePort) {
     const std::string path = mFolder.File("printer");
     QProcess printer;

@@ -54,6 +54,21 @@ void AskBefore(QWidget* parent, const QString& sText, const QString& sDetail,
     box->open();
 }
 
+void AskWhatNow(QWidget* parent, const QString& sTitle, const QString& sText,
+                const QList<Choice>& choices) {
+    auto* box =
+        new QMessageBox(QMessageBox::Information, sTitle, sText, QMessageBox::Close, parent);
+    box->setAttribute(Qt::WA_DeleteOnClose);
+    for (const Choice& choice : choices) {
+        const QPushButton* button = box->addButton(choice.button, QMessageBox::ActionRole);
+        QObject::connect(
+            button, &QPushButton::clicked, parent, [chosen = choice.chosen] { chosen(); },
+            Qt::QueuedConnection);
+    }
+    qncomm::GiveMnemonics(*box);
+    box->open();
+}
+
 void AskOpenFile(QWidget* parent, const QString& sTitle, const QString& sFilter,
                  const std::function<void(const QString&)>& chosen) {
     QFileDialog* dialog = NewFileDialog(parent, sTitle, sFilter, QFileDialog::ExistingFile);

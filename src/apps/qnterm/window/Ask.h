@@ -1,5 +1,6 @@
 #pragma once
 
+#include <QList>
 #include <QString>
 
 #include <functional>
@@ -18,6 +19,16 @@ void AskText(QWidget* parent, const QString& sTitle, const QString& sLabel, cons
 /// Asks before something that cannot be undone; sButton says what is done then.
 void AskBefore(QWidget* parent, const QString& sText, const QString& sDetail,
                const QString& sButton, const std::function<void()>& agreed);
+
+/// What a person may choose, and what is done then.
+struct Choice {
+    QString button;
+    std::function<void()> chosen;
+};
+
+/// Tells something and offers what can be done about it, or nothing.
+void AskWhatNow(QWidget* parent, const QString& sTitle, const QString& sText,
+                const QList<Choice>& choices);
 
 /// Asks for files to open, one or several.
 void AskOpenFile(QWidget* parent, const QString& sTitle, const QString& sFilter,

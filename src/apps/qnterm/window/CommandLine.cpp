@@ -2,6 +2,8 @@
 
 #include "Version.h"
 
+#include "serial/LineSettings.h"
+
 #include <QCommandLineOption>
 #include <QCommandLineParser>
 
@@ -24,6 +26,8 @@ constexpr ValueOption ValueOptions[] = {
     {"settings", "FILE", &StartOptions::settings, "the settings file, instead of your own"},
     {"labels", "FOLDER", &StartOptions::labels,
      "where the virtual printer puts pictures of its labels"},
+    {"watch", "SETTINGS", &StartOptions::watch,
+     "listen at these settings, such as 9600,n,8,2, and send nothing"},
     {"trace", "FILE", &StartOptions::trace, "write what travels on the line, as JSON Lines"},
 };
 
@@ -65,6 +69,11 @@ StartRequest ParseCommandLine(const QStringList& arguments) {
     StartRequest request;
     for (const ValueOption& option : ValueOptions)
         request.options.*option.place = parser.value(QString::fromLatin1(option.name));
+    const QString& watch = request.options.watch;
+    if (!watch.isEmpty() && !qncomm::ParseLineSettings(watch.toStdString()))
+        return Ended(
+            Usage,
+            QStringLiteral("qnterm: --watch %1: write settings such as 9600,n,8,2.\n").arg(watch));
     return request;
 }
 

@@ -12,6 +12,7 @@ struct StartOptions {
     QString port;     ///< an address or a port number; empty = the configured port
     QString settings; ///< the settings file; empty = the user's own
     QString labels;   ///< where the virtual printer puts its labels; empty = a scratch folder
+    QString watch;    ///< settings at which it only listens; empty = it looks for the printer
     QString trace;    ///< where to write what travels on the line; empty = nowhere
 };
 

@@ -108,11 +108,10 @@ void MainWindow::BuildCentre(qncomm::TraceSink* trace) {
     GiveLabels(port);
     qncomm::ControlAssembly::Options options;
     options.bindings = mBook.Bindings();
-    options.link = {
-        .remembered = true,
-        .spoil = true,
-        .listen = true,
-        .addressOf = [this](std::int16_t number) { return mBook.AddressOf(number); }};
+    options.link = {.remembered = true,
+                    .spoil = true,
+                    .listen = true,
+                    .addressOf = [this](std::int16_t number) { return mBook.AddressOf(number); }};
     mRecorder = std::make_shared<LineRecorder>(trace);
     options.trace = mRecorder.get();
     options.keep = mRecorder;
@@ -298,7 +297,10 @@ void MainWindow::EnterPort() {
     mActions->SetHasPort(true);
     ShowPortState();
     mControl->setTerminalFocus(); // first: while the printer is asked a user may go elsewhere
-    mActions->Connect();
+    if (const QString watched = std::exchange(mOptions.watch, {}); !watched.isEmpty())
+        mActions->WatchAt(watched); // the port that the program was started for, and no other
+    else
+        mActions->Connect();
 }
 
 void MainWindow::ShowPortState() {

@@ -5,6 +5,7 @@
 #include "Operations.h"
 
 #include "control/QNComm.h"
+#include "link/SearchReport.h"
 #include "link/clsDataLink.h"
 #include "qt/Charset.h"
 #include "serial/LineSettings.h"
@@ -156,41 +157,78 @@ void PrinterActions::Enable() {
 
 namespace {
 
-/// Why the last search has found no printer.
-QString WhyNobody(qncomm::QNComm& control) {
-    const std::string why = Explain(control.Link().LastSearch());
-    return why.empty() ? PrinterActions::tr("No printer answered on this port.")
-                       : qncomm::FromLine(why) + '.';
-}
+/// Searches and claims do not listen first while it lives.
+class Unheard {
+  public:
+    explicit Unheard(qncomm::clsDataLink& link) : mLink(link), mFormer(link.Listens()) {
+        mLink.SetListens(false);
+    }
+    ~Unheard() { mLink.SetListens(mFormer); }
+    Unheard(const Unheard&) = delete;
+    Unheard& operator=(const Unheard&) = delete;
+
+  private:
+    qncomm::clsDataLink& mLink;
+    bool mFormer;
+};
 
 } // namespace
 
 void PrinterActions::Connect() {
     QString model;
     QString firmware;
-    QString why;
+    qncomm::SearchReport search;
     const bool done = mOperations.Run(tr("Connect"), [&](qncomm::QNComm& control) {
         model = qncomm::FromLine(control.PrinterType());
         firmware = qncomm::FromLine(control.FirmwareVersion());
-        why = WhyNobody(control);
+        search = control.Link().LastSearch();
     });
     if (done && !model.isEmpty())
         emit Identified(model, firmware);
     else if (done)
-        emit Said(why);
+        TellOf(search);
 }
 
 void PrinterActions::Find() {
     bool found = false;
-    QString why;
+    qncomm::SearchReport search;
     const bool done = mOperations.Run(tr("Find the printer"), [&](qncomm::QNComm& control) {
         found = control.DoAutoconnect();
-        why = WhyNobody(control);
+        search = control.Link().LastSearch();
     });
     if (done && found)
         Connect();
     else if (done)
-        emit Said(why);
+        TellOf(search);
+}
+
+void PrinterActions::FindAllTheSame() {
+    bool found = false;
+    const bool done = mOperations.Run(tr("Find the printer"), [&](qncomm::QNComm& control) {
+        const Unheard unheard(control.Link());
+        found = control.DoAutoconnect();
+    });
+    if (done && found)
+        Connect();
+    else if (done)
+        emit Said(tr("No printer answered on this port."));
+}
+
+/// Why a search has found no printer; where something talks and was left alone, what can be done.
+void PrinterActions::TellOf(const qncomm::SearchReport& search) {
+    const std::string why = Explain(search);
+    const QString said = why.empty() ? tr("No printer answered on this port.")
+                                     : qncomm::FromLine(why) + QLatin1Char('.');
+    emit Said(said);
+    if (!IsKeptFrom(search)) return;
+    AskWhatNow(mWindow, tr("Find the printer"), said,
+               {{tr("&Watch"), [this] { emit Watching(); }},
+                {tr("&Stop the Program"),
+                 [this] {
+                     StopProgram();
+                     Connect();
+                 }},
+                {tr("Search &All the Same"), [this] { FindAllTheSame(); }}});
 }
 
 void PrinterActions::Identify() {
@@ -204,23 +242,25 @@ void PrinterActions::Watch() {
     });
     if (!idle) return;
     AskText(mWindow, tr("Watch the line"), tr("Rate, parity, data bits and stop bits:"), now,
-            [this](const QString& answer) {
-                const auto settings = qncomm::ParseLineSettings(answer.toStdString());
-                if (!settings) {
-                    emit Said(tr("%1: write settings such as 9600,n,8,2.").arg(answer));
-                    return;
-                }
-                const bool done = mOperations.Run({}, [&](qncomm::QNComm& control) {
-                    qncomm::clsDataLink& link = control.Link();
-                    link.SetBaudrate(std::to_string(settings->baud));
-                    link.SetParity(std::string(1, settings->parity));
-                    link.SetDatabits(std::to_string(settings->dataBits));
-                    link.SetStopbits(std::to_string(settings->stopBits));
-                });
-                if (!done) return;
-                emit Watching();
-                emit Said(tr("Listening at %1. Nothing is sent.").arg(answer));
-            });
+            [this](const QString& answer) { WatchAt(answer); });
+}
+
+void PrinterActions::WatchAt(const QString& sSettings) {
+    const auto settings = qncomm::ParseLineSettings(sSettings.toStdString());
+    if (!settings) {
+        emit Said(tr("%1: write settings such as 9600,n,8,2.").arg(sSettings));
+        return;
+    }
+    const bool done = mOperations.Run({}, [&](qncomm::QNComm& control) {
+        qncomm::clsDataLink& link = control.Link();
+        link.SetBaudrate(std::to_string(settings->baud));
+        link.SetParity(std::string(1, settings->parity));
+        link.SetDatabits(std::to_string(settings->dataBits));
+        link.SetStopbits(std::to_string(settings->stopBits));
+    });
+    if (!done) return;
+    emit Watching();
+    emit Said(tr("Listening at %1. Nothing is sent.").arg(sSettings));
 }
 
 void PrinterActions::FreeMemory() {

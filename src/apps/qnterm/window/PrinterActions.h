@@ -8,6 +8,10 @@ class QAction;
 class QMenuBar;
 class QWidget;
 
+namespace qncomm {
+struct SearchReport;
+} // namespace qncomm
+
 namespace qnterm {
 
 class Operations;
@@ -40,6 +44,8 @@ class PrinterActions final : public QObject {
     void Identify();
     /// Asks for settings of the line and listens at them; nothing is sent.
     void Watch();
+    /// Listens at these settings, such as "9600,n,8,2"; nothing is sent.
+    void WatchAt(const QString& sSettings);
     void FreeMemory();
     void Reboot();
     void Format();
@@ -70,6 +76,8 @@ class PrinterActions final : public QObject {
 
   private:
     QAction* AddEntry(const MenuEntry& entry);
+    void FindAllTheSame();
+    void TellOf(const qncomm::SearchReport& search);
     void Enable();
 
     Operations& mOperations;

@@ -274,6 +274,11 @@ class clsDataLink {
     /// How the last search has ended, a claim's included, and why it has found no printer.
     const SearchReport& LastSearch() const;
 
+    /// Whether searches listen first (LinkOptions::listen) from now on: a person who was told what
+    /// talks on the line may want it searched all the same.
+    bool Listens() const;
+    void SetListens(bool bListens);
+
     /// The text that holds the model code, such as "R7G", asked of the printer when it is not
     /// known; empty when the port is refused. Raises 1000, source "Datalink:GetVersion", for a
     /// reply of another form, with ImmediateMode set False, and what claim and exchange raise.
