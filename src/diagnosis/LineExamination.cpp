@@ -114,9 +114,13 @@ void LineExamination::AwaitEndOfLoad(LineFacts& facts) {
     facts.loadGivenUp = facts.heard.talk != LineTalk::Silence;
 }
 
-// What came up meanwhile has greeted a host at other settings, or has asked for its file.
+// What came up meanwhile has greeted a host at other settings, or has asked for its file; or it has
+// a parity that only a search which listens tries.
 void LineExamination::AskOnceMoreAfterNoise(LineFacts& facts) {
-    if (facts.answer == Answer::Noise && facts.loss.empty()) Ask(facts);
+    if (facts.answer != Answer::Noise || !facts.loss.empty()) return;
+    mLink.SetListens(true);
+    Ask(facts);
+    mLink.SetListens(false);
 }
 
 void LineExamination::ListenOnceMore(LineFacts& facts) {

@@ -77,7 +77,7 @@ TEST_F(Ports, APortNumberStandsForItsAddress) {
 }
 
 TEST_F(Ports, ADamagedSettingsFileIsKeptAsideAndSaid) {
-    WriteHostFile("own.ini", "this is no settings file\n");
+    WriteHostFile("own.ini", std::string("[Settings]\n\0\0\0", 14)); // as a power cut tears it
     const Ended ended = Run({"info", "--settings", PathOf("own.ini"), "--port", "sim:R7G"});
     EXPECT_EQ(ended.status, 0);
     EXPECT_THAT(ended.err, HasSubstr("own.ini.damaged-1"));

@@ -277,6 +277,7 @@ class clsDataLink {
     /// Whether searches listen first (LinkOptions::listen) from now on: a person who was told what
     /// talks on the line may want it searched all the same.
     bool Listens() const;
+    /// Sets what Listens tells.
     void SetListens(bool bListens);
 
     /// The text that holds the model code, such as "R7G", asked of the printer when it is not
