@@ -263,6 +263,14 @@ TEST_F(PtyRounds, SettingsThatAHostPutsBackAreNotTheNextOnes) {
     EXPECT_EQ(Hear(Pty()), (Heard{"next", 57600}));
 }
 
+TEST_F(PtyRounds, AHostThatOnlyListensIsSpokenToAtTheSettingsThatItHas) {
+    const qncomm::Fd host = Host(B38400);
+    EXPECT_EQ(Hear(Pty()), (Heard{"", 38400}));
+    SetRate(host.Get(), B9600);
+    Pty().Refresh();
+    EXPECT_EQ(Pty().HostFormat().baud, 9600) << "before the printer says a word";
+}
+
 TEST_F(PtyRounds, SettingsThatChangeUnderAnOpenDeviceCountForWhatComesNext) {
     const qncomm::Fd host = Host(B9600);
     EXPECT_EQ(Hear(Pty()), (Heard{"", 9600}));

@@ -138,7 +138,7 @@ void PtyEndpoint::FollowHosts() {
     if (came && mHost && mWrote) mLastWords += ReadAll();
     if (came && mLastWords.empty()) mFormat = mStanding;
     mHost = !HungUp(0);
-    if (mHost) return;
+    if (mHost) return LookAtSilentHost();
     const bool others = !mLastWords.empty();
     mLastWords += ReadAll();
     mWrote = false;
@@ -147,6 +147,16 @@ void PtyEndpoint::FollowHosts() {
     if (mCame) return; // the settings that were seen may be the next host's
     if (!others && seen != mStanding) mFormat = seen;
     mStanding = seen;
+}
+
+// Nothing wakes up when a host sets the line: one that only listens is looked at before anything is
+// said to it. Where no bytes wait after the look, none were sent with settings before these.
+void PtyEndpoint::LookAtSilentHost() {
+    const LineFormat seen = CurrentFormat();
+    const bool silent =
+        mLastWords.empty() && !qncomm::WaitForFd(mMaster.Get(), {.readable = true}, 0).readable;
+    // The standing settings may be what a host that leaves has just put back.
+    if (silent && seen != mStanding) mFormat = seen;
 }
 
 bool PtyEndpoint::Leaves() {

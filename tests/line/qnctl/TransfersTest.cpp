@@ -151,7 +151,7 @@ TEST_P(TransferOver, AFileThatIsThereIsReplacedAndAFolderIsNot) {
     EXPECT_TRUE(HostFile("back.bin") == mContent);
     const Ended fetched = Carry({"kermit", "receive", "c:DATA.BIN", PathOf("in")});
     EXPECT_EQ(fetched.status, 1);
-    EXPECT_THAT(fetched.err, HasSubstr("in: is a directory)"));
+    EXPECT_THAT(fetched.err, HasSubstr("in: this is a folder)"));
     EXPECT_TRUE(FolderIsEmpty("in"));
 }
 

@@ -43,6 +43,7 @@ class PtyEndpoint : public Endpoint {
     /// Takes in what the system tells of hosts that opened, wrote and closed.
     void HearOfHosts();
     void FollowHosts();
+    void LookAtSilentHost();
     /// Whether the host that put the device's settings back closes it now.
     bool Leaves();
     std::string ReadPiece(std::size_t max) const;
