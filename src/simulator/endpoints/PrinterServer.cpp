@@ -1,6 +1,7 @@
 #include "endpoints/PrinterServer.h"
 
 #include <algorithm>
+#include <utility>
 
 namespace qnsim {
 namespace {
@@ -12,7 +13,7 @@ constexpr std::size_t BacklogLimit = 64UL * 1024;
 
 bool PrinterServer::Run() {
     for (;;) {
-        mNow = mSleeper.Now();
+        mBefore = std::exchange(mNow, mSleeper.Now());
         FollowHost();
         Exchange();
         if (mPrinter.LineCut() && mOutput.empty()) return false;
@@ -33,7 +34,9 @@ void PrinterServer::FollowHost() {
         mOutput.clear();
     }
     mHostThere = there;
-    if (there) mPrinter.SetHostFormat(mEndpoint.HostFormat(), mNow);
+    // A host that sets its line and listens wakes nobody up: by now it has had these settings since
+    // then, and the printer has not said a word to others.
+    if (there) mPrinter.SetHostFormat(mEndpoint.HostFormat(), mBefore);
 }
 
 void PrinterServer::CarryOut(const HostAction& action) {

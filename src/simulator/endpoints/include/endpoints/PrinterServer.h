@@ -39,6 +39,7 @@ class PrinterServer {
     bool mHostThere = false;
     std::string mOutput; ///< taken from the printer, not yet written
     Micros mNow = 0;
+    Micros mBefore = 0; ///< of the round before
 };
 
 } // namespace qnsim
