@@ -78,8 +78,8 @@ struct Machine {
     Label label;
     std::optional<LabelFolder> labels; ///< where printed labels go as pictures
     PowerSupply power;
-    Micros now = 0;           ///< the time that the caller gave last
-    std::size_t lineRoom = 0; ///< bytes that the wired channel takes without letting them queue
+    Micros now = 0;              ///< the time that the caller gave last
+    std::size_t lineRoom = 0;    ///< bytes that the wired channel takes without letting them queue
     std::size_t programRoom = 0; ///< bytes that a program may say before it waits
     bool immediate = true;
     bool setupChanged = false; ///< the line's settings take effect after the reply

@@ -68,7 +68,8 @@ class Asking : public qncomm::testing::QnctlFixture {
         StartSimulator();
         const auto typing = Start({"terminal", "--port", Printer()});
         typing->Type("10 INPUT \"Article? \";A$\n20 N%=N%+1:GOTO 10\nRUN\n");
-        if (!typing->WaitForOut("RUN\r\nArticle? ")) throw std::runtime_error("qnctl: " + typing->Err());
+        if (!typing->WaitForOut("RUN\r\nArticle? "))
+            throw std::runtime_error("qnctl: " + typing->Err());
         typing->Signal(SIGKILL);
         typing->Wait();
     }
