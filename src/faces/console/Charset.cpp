@@ -28,6 +28,8 @@ bool IsControl(char32_t point) {
 
 /// The text with what escape makes of each control.
 std::string EscapeControls(std::string_view text, std::string (*escape)(char32_t point)) {
+    const auto mayBeControl = [](char byte) { return byte < ' ' || byte > '~'; };
+    if (std::ranges::none_of(text, mayBeControl)) return std::string(text); // ASCII
     std::string shown;
     while (!text.empty()) {
         const Utf8Character c = FirstOfUtf8(text);
@@ -56,8 +58,6 @@ std::string DisplayText(std::string_view sText) {
 }
 
 std::string WithoutControls(std::string_view sUtf8) {
-    const auto mayBeControl = [](char byte) { return byte < ' ' || byte > '~'; };
-    if (std::ranges::none_of(sUtf8, mayBeControl)) return std::string(sUtf8); // ASCII
     return EscapeControls(sUtf8, [](char32_t point) {
         return point < 0x100 ? "\\x" + HexOf(point, 2) : "\\u" + HexOf(point, 4);
     });

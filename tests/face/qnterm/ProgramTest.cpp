@@ -76,6 +76,21 @@ class ProgramTest : public ::testing::Test {
             [&] { return mFolder.Read("trace.jsonl").find(text) != std::string::npos; }, Patience);
     }
 
+    /// Starts it on the port "printer" and sends a file that takes a paced printer an hour.
+    void StartLongTransfer() {
+        std::string text;
+        for (int line = 0; line < 200'000; ++line)
+            text += "shelf label\r\n";
+        mFolder.Write("LONG.DAT", text);
+        Start({"--port", Path("printer")});
+        Enter("R7G, Quorin");
+        Act({"key", "ctrl+shift+d"});
+        PressUntil("Insert", "Send to c:");
+        Act({"type", "--delay", "5", Path("LONG.DAT")});
+        Act({"key", "Return"});
+        EXPECT_TRUE(EventuallyTraced("shelf label")) << "no transfer";
+    }
+
     /// The status with which the program ends by itself.
     int End() {
         EXPECT_TRUE(mProgram.waitForFinished(Patience));
@@ -143,18 +158,8 @@ class Printer {
 };
 
 TEST_F(ProgramTest, ClosingDuringATransferEndsTheProgramWellAndFreesThePort) {
-    const Printer printer(Path("printer"), {"--paced"}); // which takes an hour for this file
-    std::string text;
-    for (int line = 0; line < 200'000; ++line)
-        text += "shelf label\r\n";
-    mFolder.Write("LONG.DAT", text);
-    Start({"--port", Path("printer")});
-    Enter("R7G, Quorin");
-    Act({"key", "ctrl+shift+d"});
-    PressUntil("Insert", "Send to c:");
-    Act({"type", "--delay", "5", Path("LONG.DAT")});
-    Act({"key", "Return"});
-    EXPECT_TRUE(EventuallyTraced("shelf label")) << "no transfer";
+    const Printer printer(Path("printer"), {"--paced"});
+    StartLongTransfer();
     EXPECT_EQ(printer.State(), PortState::Busy);
     Enter("R7G, Quorin");
     Act({"key", "ctrl+shift+q"});
@@ -183,17 +188,7 @@ TEST_F(ProgramTest, ClosingDuringARestartEndsTheProgramWellAndFreesThePort) {
 
 TEST_F(ProgramTest, ASignalClosesTheWindowAndCancelsWhatRuns) {
     const Printer printer(Path("printer"), {"--paced"});
-    std::string text;
-    for (int line = 0; line < 200'000; ++line)
-        text += "shelf label\r\n";
-    mFolder.Write("LONG.DAT", text);
-    Start({"--port", Path("printer")});
-    Enter("R7G, Quorin");
-    Act({"key", "ctrl+shift+d"});
-    PressUntil("Insert", "Send to c:");
-    Act({"type", "--delay", "5", Path("LONG.DAT")});
-    Act({"key", "Return"});
-    EXPECT_TRUE(EventuallyTraced("shelf label")) << "no transfer";
+    StartLongTransfer();
     mProgram.terminate(); // SIGTERM
     EXPECT_EQ(End(), 0);
     EXPECT_EQ(printer.State(), PortState::Free);
