@@ -19,6 +19,8 @@ constexpr std::int32_t SettleMs = 100;
 /// A receiver that waits for a file asks for it again after eight seconds at the most, a printer
 /// that starts takes a few, and one that waits for the rest of a load gives it up after ten.
 constexpr std::int32_t ListenLongMs = 11'000;
+/// How long a line that was being said at the end of the listening may go on.
+constexpr std::int32_t LongestLineMs = 300;
 /// The program that examines goes on meanwhile: its loop has a turn at least this often.
 constexpr std::int32_t TurnMs = 20;
 constexpr std::int32_t BufferBytes = 65'536;
@@ -100,10 +102,9 @@ LineFacts LineExamination::Run() {
     if (facts.load > 0 && facts.heard.talk == LineTalk::Silence) AwaitEndOfLoad(facts);
     if (facts.loss.empty() && !IsTaken(facts.heard.talk)) Ask(facts);
     AskOnceMoreAfterNoise(facts);
-    if (facts.answer == Answer::Nothing && facts.loss.empty()) {
-        ListenOnceMore(facts);
-        AskOnceMoreAfterNoise(facts);
-    }
+    // What asks for a file now and then is noise to a search that passes by at another rate.
+    const bool unclear = facts.answer == Answer::Nothing || facts.answer == Answer::Noise;
+    if (unclear && facts.loss.empty()) ListenOnceMore(facts);
     return facts;
 }
 
@@ -131,7 +132,11 @@ void LineExamination::ListenOnceMore(LineFacts& facts) {
     // A printer that comes up greets a host at whatever settings: noise, but only once.
     if (later.heard.talk == LineTalk::Noise && !Listen(mPort.as, ListenMs, later)) return;
     facts = later;
-    if (!IsTaken(facts.heard.talk)) Ask(facts);
+    facts.answer = Answer::Nothing;
+    facts.answerText.clear();
+    if (IsTaken(facts.heard.talk)) return;
+    Ask(facts);
+    AskOnceMoreAfterNoise(facts);
 }
 
 bool LineExamination::Listen(const std::string& settings, std::int32_t ms, LineFacts& facts) {
@@ -156,13 +161,19 @@ bool LineExamination::Listen(const std::string& settings, std::int32_t ms, LineF
     };
     const auto hear = [&](std::int32_t left) {
         mSerial.WaitForReceive(left);
+        const std::int32_t quiet = silence.ElapsedMs(); // counted before the look: it may take long
         const std::string came = mSerial.Read();
         heard.bytes += came;
+        heard.silentMs = came.empty() ? quiet : 0;
         if (!came.empty()) silence.Restart();
         mPort.reactor.Yield(0);
     };
     Wait(mPort.reactor, {.wholeMs = ms - 1, .stepMs = TurnMs}).Until(enough, hear);
-    heard.silentMs = silence.ElapsedMs();
+    // A line that has just begun is no half line: what it is shows in the silence behind it.
+    const auto said = [&] {
+        return heard.bytes.empty() || heard.silentMs >= LineQuietMs || enough();
+    };
+    Wait(mPort.reactor, {.wholeMs = LongestLineMs, .stepMs = TurnMs}).Until(said, hear);
     heard.lineErrors = mRecord.Segments().back().damaged;
     if (!mSerial.PortOpen() && mSerial.LastLoss()) facts.loss = mSerial.LastLoss()->reason.text;
     mSerial.SetPortOpen(false);

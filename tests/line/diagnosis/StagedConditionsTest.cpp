@@ -64,6 +64,9 @@ Device NoisyAnswers() {
 Device KermitAsks() {
     return {.talk = "\x01#\x20N3\r", .everyMs = 400};
 }
+Device KermitAsksRarely() {
+    return {.answer = ToEachLine(RandomBytes(24)), .talk = "\x01#\x20N3\r", .everyMs = 8000};
+}
 Device ZModemAsks() {
     return {.talk = "**\x18"
                     "B0100000023be50\r\x8a\x11",
@@ -96,6 +99,7 @@ std::vector<Condition> PeerConditions() {
          "10 INPUT \"Article\",A$:GOTO 10\rRUN\r"},
         {"AProgramThatAsksAgain", "asking", Anywhere, "", "", "", AsksAgain},
         {"AKermitReceiver", "kermit", Anywhere, "", "", "", KermitAsks},
+        {"AKermitReceiverThatIsNoiseToASearch", "kermit", InProcess, "", "", "", KermitAsksRarely},
         {"AZModemReceiver", "zmodem", Anywhere, "", "", "", ZModemAsks},
         {"AZModemReceiverOfThePrinter", "zmodem", Anywhere, "R7G", "TRANSFER Z \"R\"\r"},
         {"AKermitReceiverOfThePrinter", "kermit", Anywhere, "R7G", "TRANSFER K \"R\"\r"},

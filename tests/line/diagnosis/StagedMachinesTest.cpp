@@ -86,6 +86,24 @@ TEST_P(StagedMachineConditions, AreNamedRight) {
     EXPECT_EQ(VerdictOf(examined).name, GetParam().verdict) << Told(examined);
 }
 
+TEST(LastMoments, ALineThatHasJustBegunIsHeardToItsEnd) {
+    ManualReactor reactor;
+    RecordingDesktop desktop;
+    PortBindings bindings;
+    ASSERT_EQ(bindings.Give(1, StagedMachine::Path), "");
+    LineExamination examination(
+        {.reactor = reactor,
+         .desktop = desktop,
+         .files = SystemFiles(),
+         .bindings = bindings,
+         .number = 1,
+         .settings = std::make_shared<MemorySettings>(),
+         .as = {},
+         .factory = ChannelsTo(Device{.talk = "\r\nArticle? ", .everyMs = 990})});
+    const Examined examined{.port = StagedMachine::Path, .machine = {}, .line = examination.Run()};
+    EXPECT_EQ(VerdictOf(examined).name, "asking") << Told(examined);
+}
+
 INSTANTIATE_TEST_SUITE_P(Machine, StagedMachineConditions, ::testing::ValuesIn(MachineConditions),
                          [](const auto& each) { return std::string(each.param.name); });
 
