@@ -1,8 +1,9 @@
 #include "EngineFuzz.h"
 
+#include "Choices.h"
+
 #include <algorithm>
 #include <chrono>
-#include <cstdlib>
 #include <string>
 
 namespace qncomm::fuzz {
@@ -16,55 +17,29 @@ using transfer::TransferEngine;
 
 namespace {
 
-void Promise(bool bKept) {
-    if (!bKept) std::abort();
-}
-
-// The fuzzer's bytes, taken one by one; zeros when they are used up.
-class Choices {
-  public:
-    Choices(const std::uint8_t* data, std::size_t size)
-        : mRest(reinterpret_cast<const char*>(data), size) {}
-    [[nodiscard]] bool IsOver() const { return mRest.empty(); }
-    std::uint8_t Next() {
-        if (mRest.empty()) return 0;
-        const auto byte = static_cast<std::uint8_t>(mRest.front());
-        mRest.remove_prefix(1);
-        return byte;
-    }
-    std::string_view Take(std::size_t count) {
-        const auto part = mRest.substr(0, count);
-        mRest.remove_prefix(part.size());
-        return part;
-    }
-
-  private:
-    std::string_view mRest;
-};
-
 // Files that fail and refuse as the fuzzer chooses, and watch what they are asked.
 class Files {
   public:
+    explicit Files(Choices& choices) : mMost(choices.Next() % 64) {}
+
     transfer::Answer Carry(const Request& request, std::uint8_t choice) {
         transfer::Answer answer;
         if (choice == 255) answer.kind = AnswerKind::Failed;
         switch (request.kind) {
         case RequestKind::NextFile:
-            if (mFiles++ >= 2) answer.kind = AnswerKind::Skip;
+            if (mFiles++ >= mMost) answer.kind = AnswerKind::Skip;
             answer.file.name = "name";
-            if (choice % 2 == 0) answer.file.size = mContent.size();
+            mSize = SizeOf(choice);
+            if (choice % 2 == 0) answer.file.size = mSize;
             answer.file.text = choice % 5 == 0;
             answer.file.resume = choice % 7 == 0;
             break;
         case RequestKind::Read:
-            if (request.offset < mContent.size()) {
-                answer.data = std::string_view(mContent).substr(
-                    static_cast<std::size_t>(request.offset), request.length);
-            }
+            answer.data = Content(request);
             break;
         case RequestKind::Offer:
             if (choice % 8 == 1) answer.kind = AnswerKind::Skip;
-            if (choice % 8 == 2) answer.offset = choice;
+            if (choice % 8 == 2) answer.offset = SizeOf(choice);
             mWritten = answer.offset;
             break;
         case RequestKind::Write:
@@ -78,9 +53,25 @@ class Files {
     }
 
   private:
-    std::string mContent = std::string(3000, '\x11') + std::string(3000, 'x');
+    /// A few bytes, or around 4 GiB and beyond: places need more than 32 bits there.
+    static std::uint64_t SizeOf(std::uint8_t choice) {
+        constexpr std::uint64_t large = (std::uint64_t{1} << 32U) - 3000;
+        return choice < 64 ? large * (1U + choice % 4U) : std::uint64_t{choice} * 32;
+    }
+
+    /// The bytes at that place: half of them such as must be hidden from the line.
+    std::string_view Content(const Request& request) const {
+        if (request.offset >= mSize) return {};
+        const auto most = std::min<std::uint64_t>(request.length, mSize - request.offset);
+        return std::string_view(mBytes).substr(request.offset % 3000,
+                                               static_cast<std::size_t>(most));
+    }
+
+    std::string mBytes = std::string(3000, '\x11') + std::string(70'000, 'x');
+    std::uint64_t mSize = 0;
     std::uint64_t mWritten = 0;
     int mFiles = 0;
+    int mMost;
 };
 
 void Serve(TransferEngine& engine, Files& files, Choices& choices, Time now) {
@@ -106,13 +97,13 @@ void Drain(TransferEngine& engine, Files& files, Choices& choices, Time now, std
 void DriveEngine(TransferEngine& engine, WellFormed wellFormed, const std::uint8_t* data,
                  std::size_t size) {
     Choices choices(data, size);
-    Files files;
+    Files files(choices);
     Time now = std::chrono::seconds(1000);
     engine.Start(now);
     Drain(engine, files, choices, now, 1U << 20U);
     while (!choices.IsOver()) {
         const std::uint8_t choice = choices.Next();
-        switch (choice % 4) {
+        switch (choice % 8) {
         case 0:
             engine.Receive(wellFormed(choices.Take(choice)), now);
             break;
@@ -121,6 +112,12 @@ void DriveEngine(TransferEngine& engine, WellFormed wellFormed, const std::uint8
             break;
         case 2:
             now += std::chrono::milliseconds(choice * 10);
+            break;
+        case 3:
+            engine.Receive(wellFormed(choices.Take(choices.NextWord())), now);
+            break;
+        case 4:
+            engine.Receive(std::string(choices.NextWord(), static_cast<char>(choices.Next())), now);
             break;
         default:
             if (choice == 255) engine.Cancel(now);

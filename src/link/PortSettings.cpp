@@ -35,10 +35,15 @@ constexpr std::array DefaultBaudrates = {"9600",  "19200", "57600", "115200",
 
 constexpr std::int16_t LastPort = 16;
 
-/// The decimal text of a text's number, sDefault for 0.
+/// The decimal text of a text's number, whenZero for 0; empty, which no setting accepts, for one
+/// that is too large for a number: a printer may answer so, too.
 std::string NumberText(std::string_view value, std::string_view whenZero) {
-    const std::string text = ToText(Val(value));
-    return text == "0" ? std::string(whenZero) : text;
+    try {
+        const std::string text = ToText(Val(value));
+        return text == "0" ? std::string(whenZero) : text;
+    } catch (const QNError&) {
+        return {};
+    }
 }
 
 template <std::size_t N>

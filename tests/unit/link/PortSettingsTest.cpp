@@ -68,6 +68,7 @@ TEST_F(PortSettings, LetsNormaliseTheirText) {
 TEST_F(PortSettings, LetsRefuseWhatThePortCannotTake) {
     EXPECT_RAISED_FROM(mLink.SetBaudrate("7200"), "1001 DataLink:Let Baudrate");
     EXPECT_RAISED_FROM(mLink.SetBaudrate("9600.5"), "1001 DataLink:Let Baudrate");
+    EXPECT_RAISED_FROM(mLink.SetBaudrate("9E999"), "1001 DataLink:Let Baudrate");
     EXPECT_RAISED_FROM(mLink.SetParity("x"), "1002 DataLink:Let Parity");
     EXPECT_RAISED_FROM(mLink.SetParity(" n"), "1002 DataLink:Let Parity");
     EXPECT_RAISED_FROM(mLink.SetDatabits("9"), "1003 DataLink:Let Databits");

@@ -175,7 +175,7 @@ INSTANTIATE_TEST_SUITE_P(Lines, BadSetup,
                          ::testing::Values("UART1,BAUDRATE,", "UART1,PARITY,", "UART1,CHAR LENGTH,",
                                            "UART1,STOPBITS,", "UART1,BAUDRATE,230400",
                                            "UART1,STOPBITS,3", "UART1,PARITY,X",
-                                           "+UART1,BAUDRATE,57600"));
+                                           "UART1,BAUDRATE,9E999", "+UART1,BAUDRATE,57600"));
 
 TEST_F(SearchFailure, AnotherChannelsItemsDoNotCount) {
     mSetup = SetupOf("UART2");
