@@ -3,6 +3,7 @@
 #include <csignal>
 
 #include <fcntl.h>
+#include <initializer_list>
 #include <unistd.h>
 
 namespace qncomm {

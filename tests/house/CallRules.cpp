@@ -27,7 +27,8 @@ constexpr std::array GuardedCalls{
     GuardedCall{"poll", R"(::p?poll\s*\()", "polls", "platform/PollCalls.h"},
     GuardedCall{"select sigwait sigtimedwait", R"(::(p?select|sigwait\w*|sigtimedwait)\s*\()",
                 "polls", ""},
-    GuardedCall{"epoll_", R"(::epoll_p?wait2?\s*\()", "polls", "faces/qt/services/QtReactor.cpp"},
+    GuardedCall{"epoll_", R"(::epoll_p?wait2?\s*\()", "polls",
+                "platform/HostedLoop.cpp faces/qt/services/QtReactor.cpp"},
     GuardedCall{"::wait", R"(::wait(pid|id|3|4)?\s*\()", "waits for a process",
                 "platform/ProcessLauncher.cpp"},
     GuardedCall{"getaddrinfo getnameinfo gethostby",
@@ -53,7 +54,7 @@ constexpr std::array GuardedCalls{
         "common/MessageLoop.h common/Wait.h control/OperationLoop.h control/OperationLoop.cpp "
         "link/LinkState.h link/clsDataLink.cpp link/CommandChannel.cpp platform/ "
         "faces/qt/include/qt/QtReactor.h faces/qt/services/QtReactor.cpp "
-        "simulator/endpoints/Sleeper.cpp"},
+        "simulator/endpoints/Sleeper.cpp bindings/c/Loop.cpp"},
     GuardedCall{"processEvents QEventLoop QThread",
                 R"(\b(processEvents|QEventLoop\s*\w*\s*[;({]|QThread::\w*sleep))",
                 "runs a toolkit's loop", "faces/qt/services/QtReactor.cpp"},

@@ -59,8 +59,9 @@ constexpr std::array Rules{
         "apps/qnterm", "qnterm", World::Toolkit,
         "qt diagnosis trace serial assembly automation terminal terminal/view control printer link "
         "dialogs common platform"},
-    Rule{"bindings", "bindings", World::System,
-         "assembly automation control printer link dialogs common platform"},
+    Rule{"bindings/c", "qncomm", World::System,
+         "console assembly automation control printer link dialogs common terminal serial trace "
+         "platform"},
 };
 
 /// Headers of the standard library that mean the world outside: files, streams, threads, signals.
