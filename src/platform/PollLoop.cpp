@@ -106,7 +106,7 @@ void PollLoop::CheckInterrupt(std::int64_t now) {
     }
     if (mCancelAt == Never) mCancelAt = now + mGraceUs;
     if (count - mSignalsThrown < 2 && now < mCancelAt) return;
-    mSignalsThrown = count;
+    ++mSignalsThrown; // a second one ends what the first lets unwind, after as much grace
     mCancelAt = Never;
     mUnwoundAt = now + mGraceUs;
     throw OperationCancelled();

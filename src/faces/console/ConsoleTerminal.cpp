@@ -3,9 +3,11 @@
 #include "common/Wait.h"
 #include "console/RawTerminal.h"
 #include "platform/Fd.h"
+#include "platform/Suspension.h"
 
 #include <array>
 #include <cerrno>
+#include <csignal>
 #include <utility>
 
 #include <unistd.h>
@@ -40,10 +42,15 @@ bool ConsoleTerminal::Run() {
 }
 
 bool ConsoleTerminal::RunKeys() {
-    const RawTerminal raw(mWiring.in);
+    RawTerminal raw(mWiring.in);
+    const auto begin = [this, &raw] {
+        if (raw.Enter() && mWiring.ready) mWiring.ready();
+    };
+    const Suspension suspension(
+        mReactor, [&raw] { raw.Leave(); }, begin);
     const auto watch =
         mReactor.Watch(mWiring.in, FdEvents{.readable = true}, [this](FdEvents) { OnKeys(); });
-    if (mWiring.ready) mWiring.ready();
+    begin();
     bool alive = true;
     Wait wait(mReactor, {.wholeMs = WaitBounds::Endless, .stepMs = LongWaitMs}); // a person's time
     wait.UntilIn(mReactor, [&] {
@@ -134,12 +141,15 @@ void ConsoleTerminal::OnCommand(char key) {
     case MenuKey:
         mToSend += MenuKey;
         break;
+    case 'z':
+        Suspension::Suspend();
+        break;
     case 'q':
     case EndKey:
         mEnded = true;
         break;
     default:
-        Tell("Ctrl-T and then: b break, c Ctrl-C, t Ctrl-T, q end");
+        Tell("Ctrl-T and then: b break, c Ctrl-C, t Ctrl-T, z stop for a while, q end");
     }
 }
 
@@ -152,6 +162,7 @@ void ConsoleTerminal::OnText() {
 }
 
 std::string ConsoleTerminal::ReadInput() {
+    if (StopInBackground(mWiring.in, SIGTTIN)) return {};
     std::array<char, 4096> part{};
     const ssize_t got = ::read(mWiring.in, part.data(), part.size());
     if (got > 0) return {part.data(), static_cast<std::size_t>(got)};

@@ -1,9 +1,11 @@
 #include "console/LineReader.h"
 
 #include "common/Wait.h"
+#include "platform/Suspension.h"
 
 #include <array>
 #include <cerrno>
+#include <csignal>
 #include <ostream>
 
 #include <unistd.h>
@@ -17,6 +19,7 @@ bool LineReader::IsTerminal() const {
 std::optional<std::string> LineReader::ReadLine() {
     bool ended = false;
     const auto watch = mReactor.Watch(mFd, FdEvents{.readable = true}, [&](FdEvents) {
+        if (StopInBackground(mFd, SIGTTIN)) return;
         std::array<char, 512> part{};
         const ssize_t got = ::read(mFd, part.data(), part.size());
         if (got > 0) mRest.append(part.data(), static_cast<std::size_t>(got));

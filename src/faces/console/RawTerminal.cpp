@@ -1,21 +1,25 @@
 #include "console/RawTerminal.h"
 
-#include <termios.h>
+#include "platform/Suspension.h"
+
+#include <csignal>
 
 namespace qncomm {
 
-RawTerminal::RawTerminal(int fd) : mFd(fd) {
+bool RawTerminal::Enter() {
+    if (StopInBackground(mFd, SIGTTOU)) return false;
     termios now{};
-    if (::tcgetattr(mFd, &now) != 0) return;
-    mFormer = std::make_unique<termios>(now);
+    if (::tcgetattr(mFd, &now) != 0) return true;
+    if (!mFormer) mFormer = std::make_unique<termios>(now);
     ::cfmakeraw(&now);
     now.c_cc[VMIN] = 1;
     now.c_cc[VTIME] = 0;
     ::tcsetattr(mFd, TCSADRAIN, &now);
+    return true;
 }
 
-RawTerminal::~RawTerminal() {
-    if (mFormer) ::tcsetattr(mFd, TCSADRAIN, mFormer.get());
+void RawTerminal::Leave() {
+    if (mFormer && !IsInBackground(mFd)) ::tcsetattr(mFd, TCSADRAIN, mFormer.get());
 }
 
 } // namespace qncomm

@@ -1,6 +1,8 @@
 #include "testing/programs/QnctlFixture.h"
 
 #include <csignal>
+#include <functional>
+#include <string>
 
 #include <termios.h>
 
@@ -60,6 +62,61 @@ TEST_F(Terminal, LeavesTheTerminalSaneWhenItIsEndedFromOutside) {
         EXPECT_EQ(program->Wait(), 130);
         EXPECT_NE(ModesOf(*program) & ECHO, 0U) << "after signal " << signal;
     }
+}
+
+/// A terminal in the hands of a shell with job control.
+class StoppedTerminal : public Terminal {
+  protected:
+    /// The script runs "$@" as a job of its own, which tells its process first.
+    std::unique_ptr<Program> StartInShell(const std::string& script) {
+        auto shell = Start(
+            {"terminal", "--port", Printer()}, Program::Stdio::Terminal,
+            {"bash", "-mc", script, "bash", "sh", "-c", "echo process $$ end; exec \"$@\"", "sh"});
+        EXPECT_TRUE(shell->WaitForOut(" end")) << shell->Out();
+        const std::size_t at = shell->Out().find("process ") + 8;
+        mProcess = std::stoi(shell->Out().substr(at));
+        return shell;
+    }
+
+    void StopsAndGoesOn(const std::function<void(Program&)>& stop) {
+        const auto shell = StartInShell("\"$@\"; echo stopped $?; read; fg; echo over $?");
+        ASSERT_TRUE(shell->WaitForOut("Ctrl-] ends.")) << shell->Out();
+        const tcflag_t raw = ModesOf(*shell);
+        stop(*shell);
+        ASSERT_TRUE(shell->WaitForOut("stopped 148")) << shell->Out();
+        EXPECT_EQ(raw, 0U);
+        EXPECT_NE(ModesOf(*shell) & ECHO, 0U);
+        shell->Type("\n");
+        ASSERT_TRUE(shell->WaitForOut("stopped 148", "Ctrl-] ends.")) << shell->Out();
+        EXPECT_EQ(ModesOf(*shell), 0U);
+        shell->Type("PRINT 6*7\r");
+        EXPECT_TRUE(shell->WaitForOut("42\r\n")) << shell->Out();
+        shell->Type("\x1D");
+        EXPECT_TRUE(shell->WaitForOut("over 0")) << shell->Out();
+        EXPECT_EQ(shell->Wait(), 0);
+    }
+
+    pid_t mProcess = 0;
+};
+
+TEST_F(StoppedTerminal, IsThatOfTheShellUntilTheProgramGoesOn) {
+    StopsAndGoesOn([this](Program&) { ::kill(mProcess, SIGTSTP); });
+}
+
+TEST_F(StoppedTerminal, AKeyStopsTheProgram) {
+    StopsAndGoesOn([](Program& shell) {
+        shell.Type("\x14"
+                   "z");
+    });
+}
+
+TEST_F(StoppedTerminal, InTheBackgroundItStopsAndCanBeEnded) {
+    const auto shell = StartInShell("\"$@\" & wait %1; echo stopped $?; kill %1; wait -f %1; "
+                                    "echo over $?");
+    EXPECT_TRUE(shell->WaitForOut("stopped 150")) << shell->Out(); // by SIGTTOU
+    EXPECT_TRUE(shell->WaitForOut("over 130")) << shell->Out();
+    EXPECT_EQ(shell->Wait(), 0);
+    EXPECT_NE(ModesOf(*shell) & ECHO, 0U);
 }
 
 TEST_F(Terminal, CtrlCGoesToThePrinter) {

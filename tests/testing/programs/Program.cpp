@@ -1,5 +1,8 @@
 #include "testing/programs/Program.h"
 
+#include "platform/FdWait.h"
+
+#include <algorithm>
 #include <array>
 #include <cerrno>
 #include <csignal>
@@ -54,7 +57,8 @@ Program::Program(std::vector<std::string> command, Stdio stdio,
         if (::openpty(&mine, &theirs, nullptr, nullptr, nullptr) != 0)
             throw std::runtime_error("no pseudo-terminal");
         const qncomm::Fd other(theirs);
-        ::fcntl(mine, F_SETFD, FD_CLOEXEC);
+        for (const int end : {mine, theirs})
+            ::fcntl(end, F_SETFD, FD_CLOEXEC);
         mInput = qncomm::Fd(mine);
         mOutEnd = qncomm::Fd(::fcntl(mine, F_DUPFD_CLOEXEC, 0));
         StartChild(command, variables, theirs, theirs, theirs, true);
@@ -111,12 +115,25 @@ void Program::Signal(int signal) const {
 
 bool Program::WaitFor(const std::string& stream, std::string_view text) {
     while (stream.find(text) == std::string::npos)
-        if (!ReadMore()) return false;
+        if (!ReadMore(HangMs)) return false;
     return true;
 }
 
-int Program::Wait() {
-    while (ReadMore()) {
+bool Program::WaitForOut(std::string_view before, std::string_view text) {
+    if (!WaitForOut(before)) return false;
+    const std::size_t behind = mOut.find(before) + before.size();
+    while (mOut.find(text, behind) == std::string::npos)
+        if (!ReadMore(HangMs)) return false;
+    return true;
+}
+
+int Program::Wait(int mostMs) {
+    const std::int64_t until = qncomm::MonotonicUs() / 1000 + mostMs;
+    const auto limit = [&] {
+        if (mostMs == AnyTime) return HangMs;
+        return static_cast<int>(std::max<std::int64_t>(until - qncomm::MonotonicUs() / 1000, 0));
+    };
+    while (ReadMore(limit())) {
     }
     int status = 0;
     rusage usage{};
@@ -127,11 +144,11 @@ int Program::Wait() {
     return WIFEXITED(status) ? WEXITSTATUS(status) : 1000 + WTERMSIG(status);
 }
 
-bool Program::ReadMore() {
+bool Program::ReadMore(int limitMs) {
     std::array<pollfd, 2> ends{
         {{mOutEnd.Get(), POLLIN, 0}, {mErrEnd.Get(), POLLIN, 0}}}; // -1 is left alone by poll
     if (!mOutEnd && !mErrEnd) return false;
-    const int ready = ::poll(ends.data(), ends.size(), HangMs);
+    const int ready = ::poll(ends.data(), ends.size(), limitMs);
     if (ready < 0 && errno == EINTR) return true;
     if (ready <= 0) {
         ::kill(mPid, SIGKILL);

@@ -107,7 +107,8 @@ TEST(RawTerminal, PutsTheTerminalBackAsItWas) {
     ASSERT_EQ(::tcgetattr(terminal.mProgram.Get(), &before), 0);
     termios during{};
     {
-        const qncomm::RawTerminal raw(terminal.mProgram.Get());
+        qncomm::RawTerminal raw(terminal.mProgram.Get());
+        EXPECT_TRUE(raw.Enter());
         ASSERT_EQ(::tcgetattr(terminal.mProgram.Get(), &during), 0);
     }
     termios after{};

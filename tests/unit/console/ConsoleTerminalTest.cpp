@@ -169,7 +169,8 @@ TEST_F(ConsoleKeys, ABreakIsSentOrToldWhyNot) {
 
 TEST_F(ConsoleKeys, AnyOtherCommandShowsThem) {
     EXPECT_TRUE(Type("\x14?\x1D"));
-    EXPECT_EQ(mOutput.Take(), "\r\n[Ctrl-T and then: b break, c Ctrl-C, t Ctrl-T, q end]\r\n");
+    EXPECT_EQ(mOutput.Take(),
+              "\r\n[Ctrl-T and then: b break, c Ctrl-C, t Ctrl-T, z stop for a while, q end]\r\n");
 }
 
 } // namespace

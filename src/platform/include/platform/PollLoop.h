@@ -21,8 +21,9 @@ class Interrupt;
 /// With an Interrupt (not owned, outlives the loop) Yield returns early when a signal comes, so
 /// that the running operation can see the flag and end by itself. It throws OperationCancelled when
 /// the flag is still up after the grace period, or at once for a second signal; then not again
-/// until a further signal, so that what unwinds can still yield. WaitFor, whose caller sees no
-/// flag, throws just so; what unwinds may wait there for as long as the grace period at most.
+/// but for a further signal, so that what unwinds can still yield: each signal ends one wait.
+/// WaitFor, whose caller sees no flag, throws just so; what unwinds may wait there for as long as
+/// the grace period at most.
 class PollLoop final : public SystemReactor {
   public:
     /// How long an operation that was interrupted may go on before Yield ends it, in ms.
@@ -57,7 +58,7 @@ class PollLoop final : public SystemReactor {
     std::int64_t mGraceUs;
     std::int64_t mCancelAt;          ///< when a raised interrupt ends the running operation
     std::int64_t mUnwoundAt;         ///< until when what unwinds may wait without dispatching
-    std::int32_t mSignalsThrown = 0; ///< how many signals had come when Yield threw last
+    std::int32_t mSignalsThrown = 0; ///< how many of the signals Yield has thrown for
 };
 
 } // namespace qncomm

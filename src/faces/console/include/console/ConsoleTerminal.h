@@ -12,9 +12,9 @@
 namespace qncomm {
 
 /// A printer's terminal at a console. With a terminal as input, keys go to the printer as they are
-/// typed until Ctrl-]; Ctrl-T makes the next key a command: b sends a break, c Ctrl-C, t Ctrl-T, q
-/// ends, any other key shows these. Any other input is sent line by line, each when the one before
-/// was answered. Replies go to the output as UTF-8.
+/// typed until Ctrl-]; Ctrl-T makes the next key a command: b sends a break, c Ctrl-C, t Ctrl-T, z
+/// stops the program until it is continued, q ends, any other key shows these. Any other input is
+/// sent line by line, each when the one before was answered. Replies go to the output as UTF-8.
 class ConsoleTerminal {
   public:
     static constexpr char EndKey = 0x1D;  ///< Ctrl-]
@@ -31,7 +31,8 @@ class ConsoleTerminal {
         std::function<std::size_t(std::string_view)> send;
         /// Called in each round of the loop; returns False when the line is gone, and may throw.
         std::function<bool()> alive;
-        /// Called when keys have begun to go to the printer; may be empty. The terminal is raw: a
+        /// Called when keys have begun to go to the printer, and again when they do so after the
+        /// program was stopped; may be empty. The terminal is raw: a
         /// line ends in CR LF.
         std::function<void()> ready = {};
         /// Sends a break and returns why it could not, as a text to show; empty when it was sent.
