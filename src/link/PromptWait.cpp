@@ -17,6 +17,9 @@ constexpr std::string_view Prompt = "Ok\r\n";
 constexpr std::int32_t PromptMs = 400;
 /// A line that still carries something is not waited for any longer.
 constexpr std::int32_t MostMs = 15'000;
+/// Who talks on for this long behind what was on its way, and behind what is said of that, has no
+/// prompt to give.
+constexpr std::int32_t TalkMs = 1000;
 /// No printer says more before its prompt, be it the echo of a load's rest.
 constexpr std::size_t MostBytes = std::size_t{256} * 1024;
 
@@ -101,7 +104,11 @@ bool clsDataLink::AwaitPrompt(bool bMoving) {
 }
 
 bool clsDataLink::AwaitPromptBehind(std::int32_t lOnTheWay) {
-    return mState->ReadToPrompt(lOnTheWay + PromptMs, MostMs).find(Prompt) != std::string::npos;
+    const std::int32_t most = std::min(2 * std::min(lOnTheWay, MostMs) + TalkMs, MostMs);
+    // A handler that cancels was the cause: whoever wants to wait no longer ends the loop's Yield.
+    mState->ReportStatus(
+        "Waiting for the printer's prompt, for up to " + ToText((most + 500) / 1000) + " s", -1);
+    return mState->ReadToPrompt(lOnTheWay + PromptMs, most).find(Prompt) != std::string::npos;
 }
 
 } // namespace qncomm

@@ -210,11 +210,15 @@ void Session::ShowEveryStatus() {
 }
 
 void Session::OnStatus(const std::string& message, std::int16_t progress, bool& cancel) {
+    const bool interrupted = mInterrupt.Raised();
+    // What has no percentage then waits for the printer, and need not.
+    const std::string shown =
+        interrupted && progress < 0 ? message + ". Ctrl-C again: no longer" : message;
     if (mTransfer)
-        mTransfer->Show(message, progress);
+        mTransfer->Show(shown, progress);
     else
-        Status().Show(message, progress);
-    if (mInterrupt.Raised() || mOutput.Error() != 0) cancel = true;
+        Status().Show(shown, progress);
+    if (interrupted || mOutput.Error() != 0) cancel = true;
 }
 
 Outcome Session::TraceOutcome() const {

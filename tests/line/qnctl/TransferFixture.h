@@ -20,6 +20,7 @@ class TransferFixture : public QnctlFixture {
     void PrinterInProcess() { mPort = "sim:R7G?state=" + PathOf("state"); }
     /// The address that Carry uses.
     void SetPort(const std::string& address) { mPort = address; }
+    const std::string& Address() const { return mPort; }
 
     /// The arguments with --port and --settings, as a program of its own each time.
     Arguments OnPort(Arguments arguments) const;

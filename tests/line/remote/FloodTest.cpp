@@ -2,19 +2,15 @@
 // it, and hears a cancel.
 #include "Rfc2217Channel.h"
 #include "common/QNError.h"
-#include "platform/Fd.h"
 #include "platform/Interrupt.h"
 #include "platform/PollLoop.h"
+#include "testing/line/FloodingServer.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include <arpa/inet.h>
 #include <csignal>
 #include <fstream>
-#include <netinet/in.h>
-#include <sys/socket.h>
-#include <thread>
 #include <unistd.h>
 
 namespace qncomm::testing {
@@ -23,49 +19,6 @@ namespace {
 using ::testing::HasSubstr;
 
 constexpr LineSettings AnySettings{57600, 'n', 8, 2, false, false};
-
-/// Says one thing over and over to whoever comes, as fast as it is read, and reads nothing.
-class FloodingServer {
-  public:
-    explicit FloodingServer(const std::string& says)
-        : mListener(::socket(AF_INET, SOCK_STREAM, 0)) {
-        sockaddr_in any{};
-        any.sin_family = AF_INET;
-        any.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
-        socklen_t length = sizeof any;
-        auto* const address = reinterpret_cast<sockaddr*>(&any);
-        EXPECT_EQ(::bind(mListener.Get(), address, length), 0);
-        EXPECT_EQ(::listen(mListener.Get(), 1), 0);
-        EXPECT_EQ(::getsockname(mListener.Get(), address, &length), 0);
-        mService = std::to_string(ntohs(any.sin_port));
-        for (int count = 0; count < 1000; ++count)
-            mText += says;
-        mThread = std::thread([this] { Talk(); });
-    }
-    ~FloodingServer() {
-        ::shutdown(mListener.Get(), SHUT_RDWR);
-        mThread.join();
-    }
-    FloodingServer(const FloodingServer&) = delete;
-    FloodingServer& operator=(const FloodingServer&) = delete;
-
-    const std::string& Service() const { return mService; }
-
-  private:
-    void Talk() {
-        for (;;) {
-            const Fd client(::accept(mListener.Get(), nullptr, nullptr));
-            if (!client) return;
-            while (::send(client.Get(), mText.data(), mText.size(), MSG_NOSIGNAL) > 0)
-                continue;
-        }
-    }
-
-    Fd mListener;
-    std::string mService;
-    std::string mText;
-    std::thread mThread;
-};
 
 /// The memory that this process has now, in KiB.
 long ResidentKb() {

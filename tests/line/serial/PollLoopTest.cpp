@@ -64,6 +64,17 @@ TEST(Signals, ASecondSignalEndsTheOperationAtOnce) {
     EXPECT_THROW(while (true) loop.Yield(LongMs), OperationCancelled);
 }
 
+TEST(Signals, OfTwoThatComeTogetherTheSecondEndsWhatTheFirstLetsUnwind) {
+    Interrupt interrupt;
+    PollLoop loop(&interrupt, 1);
+    ::raise(SIGINT);
+    ::raise(SIGTERM);
+    EXPECT_THROW(while (true) loop.Yield(LongMs), OperationCancelled);
+    EXPECT_THROW(while (true) loop.Yield(LongMs), OperationCancelled);
+    loop.Yield(2);
+    loop.Yield(0);
+}
+
 TEST(Signals, AWaitThatDispatchesNothingIsEndedAfterTheGracePeriodToo) {
     Interrupt interrupt;
     PollLoop loop(&interrupt, 20);

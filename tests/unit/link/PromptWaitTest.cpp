@@ -3,6 +3,8 @@
 namespace qncomm::testing {
 namespace {
 
+using ::testing::ElementsAre;
+
 /// The wait for the prompt on an open port after a cancelled transfer.
 class PromptWait : public LinkFixture {
   protected:
@@ -38,11 +40,30 @@ TEST_F(PromptWait, WhatIsOnItsWayIsWaitedForAsLongAsItTravels) {
     EXPECT_TRUE(mFound);
 }
 
-TEST_F(PromptWait, ALineThatNeverFallsSilentIsLeftAfterFifteenSeconds) {
+TEST_F(PromptWait, ALineThatNeverFallsSilentIsLeftBehindWhatTravelsAndItsEcho) {
+    mLink.SetBaudrate("9600");
     for (int ms = 0; ms < 20'000; ms += 200)
         mSerial.Arrive("x", ms);
-    EXPECT_NEAR(static_cast<double>(Wait(false)), 15'000, 1);
+    EXPECT_NEAR(static_cast<double>(Wait(true)), 2 * 2291 + 1000, 1);
     EXPECT_FALSE(mFound);
+}
+
+TEST_F(PromptWait, ALineThatTalksOnIsLeftSoonWhenNothingWasOnItsWay) {
+    for (int ms = 0; ms < 20'000; ms += 200)
+        mSerial.Arrive("x", ms);
+    EXPECT_NEAR(static_cast<double>(Wait(false)), 1000, 1);
+    EXPECT_FALSE(mFound);
+}
+
+TEST_F(PromptWait, StatusEventTellsForHowLong) {
+    std::vector<std::string> told;
+    const auto status = mLink.StatusEvent.Connect(
+        [&](const std::string& message, std::int16_t, bool&) { told.push_back(message); });
+    mLink.SetBaudrate("9600");
+    Wait(true);
+    Wait(false);
+    EXPECT_THAT(told, ElementsAre("Waiting for the printer's prompt, for up to 6 s",
+                                  "Waiting for the printer's prompt, for up to 1 s"));
 }
 
 TEST_F(PromptWait, ALineOfNoiseIsLeftWhenItHasSaidMoreThanAnyPrinter) {

@@ -350,8 +350,9 @@ class clsDataLink {
     /// Waits, after a transfer was cancelled, until the printer is back at its prompt, so that the
     /// next command finds it there; what arrives meanwhile is dropped. With bMoving bytes were on
     /// their way: what a pseudo-terminal, a socket or a device server has taken cannot be taken
-    /// back, and the printer gets it at the line's rate before the cancel. Returns whether the
-    /// prompt came: false when the line falls silent, never does for 15 s, or the port is closed.
+    /// back, and the printer gets it at the line's rate before the cancel. StatusEvent tells of it.
+    /// Returns whether the prompt came: false when the line falls silent, when it talks on for 1 s
+    /// longer than what was on its way and an echo of it travel, or the port is closed.
     bool AwaitPrompt(bool bMoving);
     /// The same when the line needs lOnTheWay ms for what is on its way, which the printer may take
     /// without a word.
