@@ -3,6 +3,7 @@
 #include "common/Text.h"
 #include "common/Windows1252.h"
 
+#include <algorithm>
 #include <array>
 
 namespace qncomm {
@@ -56,8 +57,13 @@ Utf8Character FirstOfUtf8(std::string_view sText) {
 std::string Utf8FromPrinter(std::string_view sBytes) {
     std::string text;
     text.reserve(sBytes.size());
-    for (const char c : sBytes)
-        AppendUtf8(text, CharacterOf(c));
+    const auto isAscii = [](char c) { return static_cast<unsigned char>(c) < 0x80; };
+    for (const char *at = sBytes.data(), *end = at + sBytes.size(); at != end;) {
+        const char* const run = std::find_if_not(at, end, isAscii);
+        text.append(at, run);
+        for (at = run; at != end && !isAscii(*at); ++at)
+            AppendUtf8(text, CharacterOf(*at));
+    }
     return text;
 }
 

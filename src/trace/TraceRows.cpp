@@ -80,11 +80,12 @@ std::string TraceRows::Text() const {
     if (mForm == Form::Hex) return HexRow(mRow.text);
     std::string text;
     text.reserve(mRow.text.size() + HexBytes); // the line's end has names
-    for (const char byte : mRow.text) {
-        if (byte >= ' ' && byte < '\x7F')
-            text += byte;
-        else
-            AppendNamed(text, byte);
+    const auto isPlain = [](char byte) { return byte >= ' ' && byte < '\x7F'; };
+    for (auto at = mRow.text.cbegin(); at != mRow.text.cend();) {
+        const auto run = std::find_if_not(at, mRow.text.cend(), isPlain);
+        text.append(at, run);
+        for (at = run; at != mRow.text.cend() && !isPlain(*at); ++at)
+            AppendNamed(text, *at);
     }
     return text;
 }

@@ -271,6 +271,20 @@ TEST_F(PtyRounds, AHostThatOnlyListensIsSpokenToAtTheSettingsThatItHas) {
     EXPECT_EQ(Pty().HostFormat().baud, 9600) << "before the printer says a word";
 }
 
+TEST_F(PtyRounds, LastBytesOfHostsThatThereWasNoRoomForCameWithTheSettingsOfEach) {
+    for (const auto& [speed, text] : {std::pair{B9600, "a"}, std::pair{B19200, "b"}}) {
+        {
+            const qncomm::Fd host = Host(speed);
+            Send(host, text);
+            Pty().Refresh();
+            SetRate(host.Get(), B38400);
+        }
+        Pty().Refresh();
+    }
+    EXPECT_EQ(Hear(Pty()), (Heard{"a", 9600}));
+    EXPECT_EQ(Hear(Pty()), (Heard{"b", 19200}));
+}
+
 TEST_F(PtyRounds, SettingsThatChangeUnderAnOpenDeviceCountForWhatComesNext) {
     const qncomm::Fd host = Host(B9600);
     EXPECT_EQ(Hear(Pty()), (Heard{"", 9600}));

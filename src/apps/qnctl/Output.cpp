@@ -32,7 +32,8 @@ void Output::Document(const Json& document) const {
 }
 
 void Output::Line(std::string_view sText) const {
-    std::cout << qncomm::WithoutControls(sText) << '\n';
+    const std::string line = qncomm::WithoutControls(sText) + '\n';
+    std::cout.write(line.data(), static_cast<std::streamsize>(line.size()));
     Look();
 }
 

@@ -1,5 +1,6 @@
 #include "Session.h"
 
+#include "GivenSettings.h"
 #include "NoPrinter.h"
 #include "PortRefusal.h"
 
@@ -138,7 +139,11 @@ Outcome Session::Connect() {
     // Opened here first: a port that cannot be opened says why, and nothing is searched on it.
     Assembly().OpenPort();
     if (mOptions.interrupt) EndProgram();
-    const bool claimed = Claim();
+    bool claimed = Claim();
+    if (!claimed && mOptions.interrupt && UseHeardSettings()) {
+        EndProgram();
+        claimed = Claim();
+    }
     Status().Clear();
     return claimed ? Outcome{} : NotFound();
 }
@@ -154,6 +159,12 @@ void Session::EndProgram() {
     } catch (const qncomm::QNError& error) {
         if (error.Number() != qncomm::ErrInputTimeout) throw; // the search says what is there
     }
+}
+
+bool Session::UseHeardSettings() {
+    const qncomm::SearchReport& report = Link().LastSearch();
+    return report.end == qncomm::SearchEnd::LineTalks
+           && UseGivenSettings(Link(), report.settings).Ok();
 }
 
 void Session::Disconnect() {

@@ -109,6 +109,8 @@ class Session {
     bool Claim();
     /// Ends a program that runs at the link's settings; nothing happens where none answers to that.
     void EndProgram();
+    /// Takes the settings at which the search heard something talk; False when it heard nothing.
+    bool UseHeardSettings();
     void Wire();
     void Unwire();
     void OnStatus(const std::string& message, std::int16_t progress, bool& cancel);

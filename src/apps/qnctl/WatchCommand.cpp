@@ -12,7 +12,6 @@
 
 #include <algorithm>
 #include <array>
-#include <cstdio>
 #include <memory>
 #include <optional>
 
@@ -54,14 +53,17 @@ class AwaitedText {
     bool mSeen = false;
 };
 
-/// "    1.204  <  " in front of what came at that time.
+/// "     1.204  <  " in front of what came at that time.
 std::string MarginOf(const qncomm::TraceRow& row) {
     static constexpr std::array marks{'>', '<', '*'};
-    std::array<char, 48> margin{};
-    const int size = std::snprintf(
-        margin.data(), margin.size(), "%6lld.%03d  %c  ", static_cast<long long>(row.ms / 1000),
-        static_cast<int>(row.ms % 1000), marks[static_cast<std::size_t>(row.kind)]);
-    return {margin.data(), static_cast<std::size_t>(size)};
+    constexpr std::size_t width = 6;
+    const std::string seconds = std::to_string(row.ms / 1000);
+    std::string margin(width - std::min(width, seconds.size()), ' ');
+    margin += seconds;
+    margin += '.';
+    margin += std::to_string(1000 + row.ms % 1000).substr(1); // three digits
+    margin += {' ', ' ', marks[static_cast<std::size_t>(row.kind)], ' ', ' '};
+    return margin;
 }
 
 /// The port of the session, opened to listen: a serial control of its own, to which nothing writes,
@@ -143,7 +145,9 @@ class WatchedPort final : public qncomm::TraceSink {
 
     void Show(const qncomm::TraceRow& row) {
         const bool event = row.kind == TraceKind::Event;
-        mSession.Out().Line(MarginOf(row) + (event ? row.text : qncomm::Utf8FromPrinter(row.text)));
+        std::string line = MarginOf(row);
+        line += event ? row.text : qncomm::Utf8FromPrinter(row.text);
+        mSession.Out().Line(line);
     }
 
     Session& mSession;

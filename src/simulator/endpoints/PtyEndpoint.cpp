@@ -124,6 +124,8 @@ void PtyEndpoint::HearOfHosts() {
 }
 
 void PtyEndpoint::Refresh() {
+    // Their settings are the host's until here.
+    if (!mLastWords.empty() && mLastWords.front().bytes.empty()) mLastWords.pop_front();
     HearOfHosts();
     do
         FollowHosts();
@@ -135,28 +137,35 @@ void PtyEndpoint::FollowHosts() {
     mLeft = false;
     // When one host has come in the place of another, the bytes at hand are the former one's last
     // words if the notices tell of a write before the close; otherwise they are the new one's.
-    if (came && mHost && mWrote) mLastWords += ReadAll();
-    if (came && mLastWords.empty()) mFormat = mStanding;
+    if (came && mHost && mWrote) KeepLastWords(ReadAll());
+    if (came) mFormat = mStanding;
     mHost = !HungUp(0);
-    if (mHost) return LookAtSilentHost();
-    const bool others = !mLastWords.empty();
-    mLastWords += ReadAll();
+    if (mHost) return LookAtHost();
+    std::string words = ReadAll();
     mWrote = false;
     const LineFormat seen = CurrentFormat();
     HearOfHosts();
-    if (mCame) return; // the settings that were seen may be the next host's
-    if (!others && seen != mStanding) mFormat = seen;
-    mStanding = seen;
+    // Otherwise the settings that were seen may be the next host's.
+    if (!mCame) {
+        if (seen != mStanding) mFormat = seen;
+        mStanding = seen;
+    }
+    KeepLastWords(std::move(words));
+}
+
+void PtyEndpoint::KeepLastWords(std::string words) {
+    if (!words.empty()) mLastWords.push_back({mFormat, std::move(words)});
 }
 
 // Nothing wakes up when a host sets the line: one that only listens is looked at before anything is
-// said to it. Where no bytes wait after the look, none were sent with settings before these.
-void PtyEndpoint::LookAtSilentHost() {
+// said to it, and one whose bytes there is no room for before it leaves. Where bytes wait, they may
+// have been sent with its settings before these.
+void PtyEndpoint::LookAtHost() {
     const LineFormat seen = CurrentFormat();
-    const bool silent =
-        mLastWords.empty() && !qncomm::WaitForFd(mMaster.Get(), {.readable = true}, 0).readable;
+    const bool silent = !qncomm::WaitForFd(mMaster.Get(), {.readable = true}, 0).readable;
+    HearOfHosts();
     // The standing settings may be what a host that leaves has just put back.
-    if (silent && seen != mStanding) mFormat = seen;
+    if (!mCame && seen != mStanding && (silent || mFormat == mStanding)) mFormat = seen;
 }
 
 bool PtyEndpoint::Leaves() {
@@ -195,8 +204,9 @@ std::string PtyEndpoint::ReadPiece(std::size_t max) const {
 
 std::vector<HostAction> PtyEndpoint::Receive(std::size_t max) {
     if (!mLastWords.empty()) {
-        std::string words = mLastWords.substr(0, max);
-        mLastWords.erase(0, max);
+        std::string& left = mLastWords.front().bytes;
+        std::string words = left.substr(0, max);
+        left.erase(0, max);
         return Sending(std::move(words));
     }
     std::string bytes = ReadPiece(max);

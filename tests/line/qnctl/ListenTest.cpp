@@ -54,6 +54,13 @@ TEST_F(AtWork, InterruptEndsTheProgramFirst) {
     EXPECT_EQ(Try({"send", "PRINT 6*7"}).out, "42\n") << "it is at its prompt from then on";
 }
 
+TEST_F(AtWork, InterruptEndsTheProgramAtARateThatNobodyKnew) {
+    const Ended ended =
+        Try({"send", "PRINT 6*7", "--interrupt", "--quiet", "--settings", PathOf("other.ini")});
+    EXPECT_EQ(ended.status, 0) << ended.err;
+    EXPECT_EQ(ended.out, "42\n");
+}
+
 TEST_F(AtWork, ASearchAllTheSameEndsAndSaysWhatItHasHeard) {
     const Ended ended = Try({"info", "--no-listen"});
     EXPECT_EQ(ended.status, 3);

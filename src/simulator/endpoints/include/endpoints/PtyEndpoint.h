@@ -5,6 +5,7 @@
 #include "endpoints/Endpoint.h"
 #include "platform/Fd.h"
 
+#include <deque>
 #include <memory>
 
 namespace qnsim {
@@ -29,7 +30,9 @@ class PtyEndpoint : public Endpoint {
     void Refresh() override;
     /// A host that left counts as there until its last bytes have been given out.
     bool Connected() const override { return mHost || !mLastWords.empty(); }
-    LineFormat HostFormat() const override { return mFormat; }
+    LineFormat HostFormat() const override {
+        return mLastWords.empty() ? mFormat : mLastWords.front().format;
+    }
     std::vector<HostAction> Receive(std::size_t max) override;
     std::size_t Write(std::string_view bytes) override;
 
@@ -37,13 +40,20 @@ class PtyEndpoint : public Endpoint {
     const std::string& Device() const { return mDevice; }
 
   private:
+    struct LastWords {
+        LineFormat format; ///< with which they were sent
+        std::string bytes;
+    };
+
     PtyEndpoint(qncomm::Reactor& loop, qncomm::Fd master, qncomm::Fd notices, std::string device);
     bool MakeLink(const std::string& link);
     LineFormat CurrentFormat() const;
     /// Takes in what the system tells of hosts that opened, wrote and closed.
     void HearOfHosts();
     void FollowHosts();
-    void LookAtSilentHost();
+    void LookAtHost();
+    /// Bytes of a host that left, sent with mFormat.
+    void KeepLastWords(std::string words);
     /// Whether the host that put the device's settings back closes it now.
     bool Leaves();
     std::string ReadPiece(std::size_t max) const;
@@ -59,8 +69,8 @@ class PtyEndpoint : public Endpoint {
     std::string mLink;
     LineFormat mStanding; ///< of the device when no host had it; a host that leaves may put it back
     LineFormat mFormat;   ///< of the host that is there, or was
-    std::string mLastWords; ///< of a host that left, sent with mFormat and not yet given out
-    bool mHost = false;     ///< one has the device open
+    std::deque<LastWords> mLastWords; ///< of hosts that left, not yet given out
+    bool mHost = false;               ///< one has the device open
     // Heard since the last Refresh, in this order:
     bool mWrote = false; ///< it wrote what may not have been read
     bool mLeft = false;  ///< then a host closed the device
