@@ -1,6 +1,7 @@
 #include "FarSide.h"
 
 #include "serial_testing/ScriptedChannel.h"
+#include "testing/core/OwnMachine.h"
 
 #include <stdexcept>
 #include <sys/eventfd.h>
@@ -62,6 +63,7 @@ ServedDevice::~ServedDevice() {
 }
 
 void ServedDevice::Serve() {
+    MakeMachineOfItsOwn();
     const auto stop =
         mLoop.Watch(mStop.Get(), {.readable = true}, [this](FdEvents) { mStopped = true; });
     std::string output;

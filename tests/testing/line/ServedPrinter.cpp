@@ -7,6 +7,7 @@
 #include "platform/Fd.h"
 #include "platform/PollLoop.h"
 #include "simulator/VirtualPrinter.h"
+#include "testing/core/OwnMachine.h"
 
 #include <functional>
 #include <stdexcept>
@@ -45,6 +46,7 @@ class OnEndpoint : public ServedPrinter {
         const std::string address = mEndpoint->Address();
         mAddress = address.find("://") == std::string::npos ? scheme + address : address;
         mThread = std::thread([this] {
+            MakeMachineOfItsOwn();
             qnsim::PrinterServer server(mPrinter, *mEndpoint, mLoop);
             const auto stop =
                 mLoop.Watch(mStop.Get(), {.readable = true}, [&](FdEvents) { server.Stop(); });

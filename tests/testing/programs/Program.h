@@ -43,6 +43,7 @@ class Program {
     /// that needs longer than mostMs hangs, whatever it shows meanwhile.
     int Wait(int mostMs = AnyTime);
 
+    pid_t Pid() const { return mPid; }
     const std::string& Out() const { return mOut; }
     const std::string& Err() const { return mErr; }
     /// The largest resident size, known after Wait.

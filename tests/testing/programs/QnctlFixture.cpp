@@ -1,5 +1,7 @@
 #include "testing/programs/QnctlFixture.h"
 
+#include "testing/core/OwnMachine.h"
+
 #include <csignal>
 #include <stdexcept>
 
@@ -56,6 +58,7 @@ void QnctlFixture::StartSimulator(const Arguments& options) {
     Arguments command{(Programs / "qnsim").string(), "--link", Printer()};
     command.insert(command.end(), options.begin(), options.end());
     mSimulator = std::make_unique<Program>(command);
+    MakeMachineOfItsOwn(mSimulator->Pid());
     if (!mSimulator->WaitForOut("\n")) throw std::runtime_error("qnsim: " + mSimulator->Err());
 }
 
