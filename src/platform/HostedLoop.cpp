@@ -9,7 +9,6 @@
 #include <fcntl.h>
 #include <stdexcept>
 #include <sys/epoll.h>
-#include <sys/eventfd.h>
 #include <sys/timerfd.h>
 #include <unistd.h>
 #include <utility>
@@ -17,7 +16,8 @@
 namespace qncomm {
 namespace {
 
-constexpr std::uint64_t OwnMark = 0; ///< no watch has this number
+constexpr std::uint64_t TimerMark = 0; ///< watches count from 2
+constexpr std::uint64_t WakeMark = 1;
 constexpr int MostReadyAtOnce = 32;
 
 std::uint32_t EpollBits(FdEvents events) {
@@ -85,10 +85,13 @@ HostedLoop::HostedLoop(Options options)
     : mOptions(std::move(options)),
       mEpoll(NeededFd(::epoll_create1(EPOLL_CLOEXEC))),
       mTimer(NeededFd(::timerfd_create(CLOCK_MONOTONIC, TFD_CLOEXEC | TFD_NONBLOCK))),
-      mWake(NeededFd(::eventfd(0, EFD_CLOEXEC | EFD_NONBLOCK))),
       mArmedUs(AlarmQueue::Never) {
-    Register(mEpoll.Get(), EPOLL_CTL_ADD, mTimer.Get(), OwnMark, EPOLLIN);
-    Register(mEpoll.Get(), EPOLL_CTL_ADD, mWake.Get(), OwnMark, EPOLLIN);
+    std::array<int, 2> ends{-1, -1};
+    NeededFd(::pipe2(ends.data(), O_CLOEXEC | O_NONBLOCK));
+    mWake.Reset(ends[0]);
+    mWakeEnd.Reset(ends[1]);
+    Register(mEpoll.Get(), EPOLL_CTL_ADD, mTimer.Get(), TimerMark, EPOLLIN);
+    Register(mEpoll.Get(), EPOLL_CTL_ADD, mWake.Get(), WakeMark, EPOLLIN);
 }
 
 HostedLoop::~HostedLoop() = default;
@@ -106,16 +109,27 @@ void HostedLoop::SetTimer(std::int64_t us) {
 
 void HostedLoop::Cancel() noexcept {
     mCancelled = true;
-    const std::uint64_t once = 1;
-    // A counter that is full wakes as well.
-    [[maybe_unused]] const auto written = ::write(mWake.Get(), &once, sizeof(once));
+    // A pipe that is full wakes as well.
+    [[maybe_unused]] const auto written = ::write(mWakeEnd.Get(), "c", 1);
 }
 
 void HostedLoop::ForgetCancel() {
     if (!mCancelled.exchange(false)) return;
     mThrown = false;
-    std::uint64_t count = 0;
-    [[maybe_unused]] const auto taken = ::read(mWake.Get(), &count, sizeof(count));
+    TakeWake();
+}
+
+/// Takes out what has woken the loop; returns whether there was anything.
+bool HostedLoop::TakeWake() {
+    std::array<char, 64> bytes{};
+    bool any = false;
+    while (::read(mWake.Get(), bytes.data(), bytes.size()) > 0)
+        any = true;
+    return any;
+}
+
+void HostedLoop::HearWake() {
+    if (TakeWake() && mOptions.signalled) mOptions.signalled();
 }
 
 bool HostedLoop::HearCancel() {
@@ -155,6 +169,7 @@ FdEvents HostedLoop::WaitFor(int fd, FdEvents events, std::int64_t lLimitUs) {
             Sleep(entries.data(), entries.size(), std::max<std::int64_t>(until - now, 0));
         if (ready < 0 && errno == EINTR && mOptions.signalled) mOptions.signalled();
         if (ready > 0 && entries[0].revents != 0) return EventsOf(entries[0].revents);
+        if (ready > 0 && !mCancelled) HearWake();
         now = NowUs();
     } while (now < until);
     return {};
@@ -166,6 +181,7 @@ void HostedLoop::RunWatches() {
     const std::uint64_t pass = ++mPass;
     for (int i = 0; i < count; ++i) {
         const epoll_event& event = ready.at(static_cast<std::size_t>(i));
+        if (event.data.u64 == WakeMark && !mCancelled) HearWake();
         const auto found = mHandlers.find(event.data.u64);
         if (found == mHandlers.end()) continue;  // one of the loop's own, or a watch that ended
         const FdHandler handler = found->second; // the handler may end its watch

@@ -45,6 +45,12 @@ int qn_quit(qn_control* control) {
     });
 }
 
+int qn_wake_fd(qn_control* control) {
+    int fd = -1;
+    Guarded(control, [&](qn_control& mine) { fd = mine.loop.WakeHandle(); });
+    return fd;
+}
+
 int qn_fd(qn_control* control) {
     int fd = -1;
     Guarded(control, [&](qn_control& mine) { fd = mine.loop.Handle(); });

@@ -54,9 +54,9 @@ static void what_a_member_makes_of_an_argument_comes_back(void) {
     CHECK(errors.type == QN_LIST && errors.as.list.count == 0);
     CHECK_TEXT(arguments[1].as.text.bytes, "tmp:LABEL.PRG");
 
-    const char *target = "OTHER.PRG";
+    const char* target = "OTHER.PRG";
     CHECK(qn_ModuleUpload(control, "", &target, NULL, NULL) == QN_FAILED);
-    const char *text = "10 END\r\n";
+    const char* text = "10 END\r\n";
     CHECK(qn_ModuleUpload(control, "", &target, &text, NULL) == QN_OK);
     CHECK_TEXT(target, "tmp:OTHER.PRG");
     qn_free(control);

@@ -72,6 +72,18 @@ TEST(HostedLoop, ACancelEndsAWaitThatDispatchesNothingOnceAndForAll) {
     EXPECT_FALSE(loop.WaitFor(-1, {}, 1000).Any()); // what unwinds may still wait
 }
 
+TEST(HostedLoop, AByteInItsPipeWakesASleepAndIsToldAsASignal) {
+    int told = 0;
+    HostedLoop loop({.signalled = [&] { ++told; }});
+    ASSERT_EQ(::write(loop.WakeHandle(), "x", 1), 1);
+    loop.Yield(AnHourMs);
+    EXPECT_EQ(told, 1);
+    ASSERT_EQ(::write(loop.WakeHandle(), "xx", 2), 2);
+    EXPECT_FALSE(loop.WaitFor(-1, {}, 1000).Any());
+    EXPECT_EQ(told, 2);
+    EXPECT_FALSE(Readable(loop));
+}
+
 TEST(HostedLoop, ASignalThatEndsASleepIsTold) {
     int told = 0;
     HostedLoop loop({.signalled = [&] { ++told; }});

@@ -18,7 +18,8 @@ class HostedLoop final : public SystemReactor {
     /// What a host adds. Either may be empty; both are called on the loop's thread, within its
     /// waits.
     struct Options {
-        std::function<void()> signalled = {}; ///< a signal of the process ended a sleep
+        /// A signal of the process ended a sleep, or WakeHandle was written to.
+        std::function<void()> signalled = {};
         std::function<void()> cancelled = {}; ///< Cancel was called; may throw out of the wait
     };
 
@@ -35,6 +36,9 @@ class HostedLoop final : public SystemReactor {
     /// other loop.
     void Arm();
 
+    /// A byte written there, such as by a signal handler, wakes the loop, which then calls
+    /// Options::signalled. It never waits; it stays the loop's.
+    int WakeHandle() const { return mWakeEnd.Get(); }
     /// From any thread and from a signal handler: wakes the loop, which calls Options::cancelled
     /// once from its next Yield. A WaitFor that sleeps ends with OperationCancelled at once.
     void Cancel() noexcept;
@@ -57,13 +61,16 @@ class HostedLoop final : public SystemReactor {
     void SleepUntil(std::int64_t us, std::int64_t now);
     void RunWatches();
     bool HearCancel();
+    void HearWake();
+    bool TakeWake();
 
     Options mOptions;
     Fd mEpoll;
     Fd mTimer;
-    Fd mWake;
+    Fd mWake;    ///< where bytes come out that wake
+    Fd mWakeEnd; ///< where they are written
     std::map<std::uint64_t, FdHandler> mHandlers;
-    std::uint64_t mLastWatch = 0; ///< the number of the newest watch
+    std::uint64_t mLastWatch = 1; ///< the number of the newest watch; it counts from 2
     std::uint64_t mPass = 0;      ///< a round of handlers ends when one of them ran another
     std::int64_t mArmedUs;        ///< when the timer wakes the other loop
     std::atomic<bool> mCancelled = false;

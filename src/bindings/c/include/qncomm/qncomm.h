@@ -273,12 +273,16 @@ int qn_on_trace(qn_control* control, qn_trace_handler handler, void* user);
 /// Nothing happens when nothing runs. The control must not be freed meanwhile.
 void qn_cancel(qn_control* control);
 
-/// Called when a signal of the process has ended a sleep of the control, so that a language can run
-/// its own signal handlers there. It may call qn_cancel.
+/// Called when a signal of the process has ended a sleep of the control, and when qn_wake_fd was
+/// written to, so that a language can run its own signal handlers there. It may call qn_cancel.
 typedef void (*qn_signal_handler)(void* user);
 
 /// Has the handler called so; NULL ends that.
 int qn_on_signal(qn_control* control, qn_signal_handler handler, void* user);
+
+/// A descriptor that a signal handler may write any byte to, and never waits: that wakes the
+/// control also when the signal came between two sleeps. The control's own; -1 when the call fails.
+int qn_wake_fd(qn_control* control);
 
 /// Does what is due in the control (bytes of the line, timers); when nothing is, sleeps until
 /// something is or ms milliseconds have passed. For a program whose loop is its own.
