@@ -40,6 +40,11 @@ qn_settings* qn_settings_host(const qn_store_functions* functions, void* user) {
     return Made([=] { return std::make_shared<bindings::HostSettings>(*functions, user); });
 }
 
+qn_settings* qn_settings_keep(const qn_settings* settings) {
+    if (settings == nullptr) return nullptr;
+    return Made([=] { return settings->store; });
+}
+
 void qn_settings_free(qn_settings* settings) {
     delete settings;
 }

@@ -58,9 +58,18 @@ static void a_control_takes_a_store_and_gives_it_back(void) {
     CHECK(qn_SetRegSettings(control, store) == QN_OK);
     qn_settings_free(store); /* the control keeps it */
     CHECK(qn_RegSettings(control, &same) == QN_OK && same.type == QN_SETTINGS);
+    qn_settings* kept_longer = qn_settings_keep(same.as.settings);
     CHECK(qn_RegSettings_ReadValue(control, same.as.settings, "Settings", "Commport", "", &value)
           == QN_OK);
     CHECK_TEXT(value, "3");
+    qn_free(control);
+
+    control = made_control();
+    CHECK(qn_RegSettings_ReadValue(control, kept_longer, "Settings", "Commport", "", &value)
+          == QN_OK);
+    CHECK_TEXT(value, "3");
+    CHECK(qn_settings_keep(NULL) == NULL);
+    qn_settings_free(kept_longer);
     qn_free(control);
 }
 

@@ -3,6 +3,7 @@
 //   write_members header SOURCES     qncomm/members.h; SOURCES is the folder of the project's
 //   sources write_members source SOURCES     what implements it
 
+#include "PythonMembers.h"
 #include "TypedFunctions.h"
 
 #include "platform/SystemFiles.h"
@@ -20,5 +21,6 @@ int main(int argc, char** argv) {
         return CommentsOf(header->Read(header->Length()));
     };
     if (argv[1] == std::string("header")) std::cout << MembersHeader(comments);
+    if (argv[1] == std::string("python")) std::cout << MembersModule(comments);
     if (argv[1] == std::string("source")) std::cout << MembersSource();
 }

@@ -386,6 +386,10 @@ typedef struct qn_store_functions {
 /// A store by functions of the host, which are copied; both are needed. NULL without them.
 qn_settings* qn_settings_host(const qn_store_functions* functions, void* user);
 
+/// The same store once more, for a host that wants to keep one that is a result; it is given back
+/// as one that the host has made. NULL for NULL and without memory.
+qn_settings* qn_settings_keep(const qn_settings* settings);
+
 /// Gives a store back: the host's use of it, not that of controls that were given it. NULL is fine.
 void qn_settings_free(qn_settings* settings);
 
