@@ -1,5 +1,6 @@
 #include "CommandLine.h"
 
+#include "Suggestion.h"
 #include "Version.h"
 
 #include <CLI/CLI.hpp>
@@ -77,13 +78,60 @@ const CLI::App* Named(const CLI::App& app) {
     return found;
 }
 
+/// The words that nobody took, options apart.
+std::vector<std::string> LeftWords(const CLI::App& app) {
+    std::vector<std::string> words = app.remaining(true);
+    std::erase_if(words, [](const std::string& word) { return word.starts_with('-'); });
+    return words;
+}
+
+/// The first left word stands where a command should.
+std::string NoSuchCommand(const CLI::App& at, const std::string& word) {
+    std::vector<std::string> names;
+    for (const CLI::App* known : at.get_subcommands([](const CLI::App*) { return true; }))
+        names.push_back(known->get_name());
+    const std::string group = at.get_parent() != nullptr ? at.get_name() + " " : "";
+    std::string text = "There is no command \"" + group + word + "\".";
+    if (const std::string meant = NearestName(word, names); !meant.empty())
+        text += " Did you mean \"" + group + meant + "\"?";
+    return text;
+}
+
+/// A command has got more words than it takes: a shell has cut a text at its blanks.
+std::string TooManyWords(const CLI::App& command, const std::vector<std::string>& left) {
+    std::string text;
+    for (const CLI::Option* option : command.get_options())
+        if (option->get_positional() && !option->results().empty()) text = option->results().back();
+    std::string extra;
+    for (const std::string& word : left)
+        extra += (extra.empty() ? "" : " ") + word;
+    std::string told = "\"" + command.get_name() + "\" takes no more words: " + extra + ".";
+    if (!text.empty()) told += " A text with blanks stands in quotes: '" + text + " " + extra + "'";
+    return told;
+}
+
+std::string WhatIsWrong(const CLI::App& app, const CLI::ParseError& error) {
+    const CLI::App& named = *Named(app);
+    const std::vector<std::string> left = LeftWords(app);
+    const std::vector<std::string> all = app.remaining(true);
+    if (left.size() < all.size()) {
+        const auto option = std::ranges::find_if(
+            all, [](const std::string& word) { return word.starts_with('-'); });
+        return "There is no option \"" + *option + "\" here.";
+    }
+    if (left.empty()) return error.what();
+    if (named.get_require_subcommand_min() > 0) return NoSuchCommand(named, left.front());
+    if (dynamic_cast<const CLI::ExtrasError*>(&error) != nullptr) return TooManyWords(named, left);
+    return error.what();
+}
+
 Outcome EndOf(const CLI::App& app, const CLI::ParseError& error) {
     if (error.get_exit_code() == 0) {
         app.exit(error); // prints the help or the version
         return {};
     }
     return Refused(ExitStatus::Usage,
-                   std::string(error.what()) + "\nRun with --help for more information.");
+                   WhatIsWrong(app, error) + "\nRun with --help for more information.");
 }
 
 } // namespace

@@ -54,6 +54,33 @@ TEST_F(ExitStatus, Is0WhenACommandIsDone) {
     EXPECT_THAT(ended.err, IsEmpty());
 }
 
+TEST_F(ExitStatus, Is2ForAMistypedCommandWithTheOneThatWasMeant) {
+    for (const auto& [typed, meant] :
+         {std::pair<qncomm::testing::Arguments, std::string>{{"conect"}, "connect"},
+          {{"--port", "sim:R7G", "filse"}, "files"},
+          {{"term"}, "terminal"},
+          {{"program", "strop", "--quiet"}, "program stop"}}) {
+        const Ended ended = Run(typed);
+        EXPECT_EQ(ended.status, 2);
+        EXPECT_THAT(ended.err, HasSubstr(" Did you mean \"" + meant + "\"?\n"));
+    }
+    EXPECT_THAT(Run({"xylophone"}).err,
+                StartsWith("qnctl: There is no command \"xylophone\".\nRun with --help"));
+}
+
+TEST_F(ExitStatus, Is2ForAnOptionThatThereIsNot) {
+    EXPECT_THAT(Run({"files", "--long"}).err,
+                StartsWith("qnctl: There is no option \"--long\" here.\n"));
+}
+
+TEST_F(ExitStatus, Is2ForATextThatTheShellHasCutAtItsBlanks) {
+    const Ended ended = Run({"send", "PRINT", "1+1", "--port", "sim:R7G"});
+    EXPECT_EQ(ended.status, 2);
+    EXPECT_THAT(ended.err,
+                StartsWith("qnctl: \"send\" takes no more words: 1+1. A text with blanks "
+                           "stands in quotes: 'PRINT 1+1'\n"));
+}
+
 TEST_F(ExitStatus, Is1ForARaisedErrorWithItsNumberDescriptionAndSource) {
     const Ended ended = Run({"files", "nada:", "--port", "sim:R7G"});
     EXPECT_EQ(ended.status, 1);
