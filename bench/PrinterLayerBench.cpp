@@ -3,75 +3,22 @@
 // complexity that the run finds is printed behind each. Between 10,000 and 100,000 entries the
 // records outgrow the processor's cache.
 
-#include "common/MemorySettings.h"
-#include "platform/SystemFiles.h"
-#include "printer/clsQuorin.h"
-#include "testing/printer/InstantPrinter.h"
+#include "LayerCore.h"
 
 #include <benchmark/benchmark.h>
 
-#include <stdexcept>
-
 namespace {
 
-using qncomm::clsDataLink;
-using qncomm::clsQuorin;
-using qncomm::Desktop;
-using qncomm::LinkDialogs;
-using qncomm::LinkHost;
-using qncomm::MemorySettings;
-using qncomm::MsgBox;
-using qncomm::MsgBoxResult;
-using qncomm::ShownWindow;
-
-class NoDesktop : public Desktop {
-  public:
-    MsgBoxResult ShowMsgBox(const MsgBox& box) override { throw std::runtime_error(box.text); }
-    void Log(std::string_view /*sLine*/) override {}
-};
-
-class NoDialogs : public LinkDialogs {
-  public:
-    std::int16_t ShowCommSettings(clsDataLink& /*link*/) override { return 2; }
-    std::unique_ptr<ShownWindow> ShowWaitForReboot() override { return nullptr; }
-};
-
-/// The core on a printer with lEntries files and fonts.
-class Core {
-  public:
-    explicit Core(std::int64_t lEntries) {
-        for (std::int64_t i = 0; i < lEntries; ++i) {
-            const std::string number = std::to_string(i);
-            mFiles += "FILE" + number + ".PRG      " + number + "\r\n";
-            mFonts += "FONT" + number + "\r\n";
-        }
-        mLink.SetSerialPort(&mPrinter);
-        mLink.SetRegSettings(std::make_shared<MemorySettings>());
-        mLink.SetImmediateMode(true);
+/// A printer with that many files and fonts.
+LayerReplies Entries(std::int64_t count) {
+    LayerReplies replies;
+    for (std::int64_t i = 0; i < count; ++i) {
+        const std::string number = std::to_string(i);
+        replies.files += "FILE" + number + ".PRG      " + number + "\r\n";
+        replies.fonts += "FONT" + number + "\r\n";
     }
-
-    clsQuorin& Quorin() { return mQuorin; }
-
-  private:
-    std::string AnswerTo(const std::string& line) {
-        const std::string counts = "100 BYTES FREE  20 BYTES USED\r\n";
-        std::string body;
-        if (line.starts_with("PRINT SYSVAR")) body = "-1\r\n2\r\n";
-        if (line.starts_with("PRINT VERSION")) body = "v8.10\r\nR7G\r\n";
-        if (line.starts_with("FILES")) body = "FILES ON C:\r\n" + mFiles + counts;
-        if (line == "FONTS") body = mFonts + counts;
-        if (line.find(" REM ") != std::string::npos) return {}; // typed lines have no answer
-        return line + "\r\n" + body + "Ok\r\n";
-    }
-
-    std::string mFiles;
-    std::string mFonts;
-    InstantPrinter mPrinter{[this](const std::string& line) { return AnswerTo(line); }};
-    NoDesktop mDesktop;
-    NoDialogs mDialogs;
-    clsDataLink mLink{LinkHost{mPrinter, mDesktop, mDialogs, qncomm::SystemFiles()}};
-    clsQuorin mQuorin{mLink, mDesktop, qncomm::SystemFiles()};
-};
+    return replies;
+}
 
 void CountPerEntry(benchmark::State& state, std::size_t seen, std::int64_t expected) {
     if (seen != static_cast<std::size_t>(expected)) state.SkipWithError("not all arrived");
@@ -80,7 +27,7 @@ void CountPerEntry(benchmark::State& state, std::size_t seen, std::int64_t expec
 }
 
 void ListFiles(benchmark::State& state) {
-    Core core(state.range(0));
+    LayerCore core(Entries(state.range(0)));
     std::string device = "c:";
     for ([[maybe_unused]] auto _ : state)
         core.Quorin().Files(device);
@@ -89,7 +36,7 @@ void ListFiles(benchmark::State& state) {
 }
 
 void ListFontsFiltered(benchmark::State& state) {
-    Core core(state.range(0));
+    LayerCore core(Entries(state.range(0)));
     for ([[maybe_unused]] auto _ : state)
         core.Quorin().Fonts(true);
     CountPerEntry(state, core.Quorin().PrinterDevices()->Item("fonts:")->Files->Count(),
@@ -97,7 +44,7 @@ void ListFontsFiltered(benchmark::State& state) {
 }
 
 void UploadModule(benchmark::State& state) {
-    Core core(0);
+    LayerCore core({});
     std::string text;
     for (std::int64_t i = 1; i <= state.range(0); ++i)
         text += std::to_string(i) + " REM a line of the usual length for a module\r\n";

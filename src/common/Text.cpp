@@ -19,6 +19,18 @@ std::string Mapped(std::string_view text, Convert convert) {
     return mapped;
 }
 
+/// Calls take for each piece between separators, empty ones included.
+template <class Take>
+void ForEachPiece(std::string_view text, std::string_view separator, Take take) {
+    std::size_t from = 0;
+    for (std::size_t at = text.find(separator); at != std::string_view::npos;
+         at = text.find(separator, from)) {
+        take(text.substr(from, at - from));
+        from = at + separator.size();
+    }
+    take(text.substr(from));
+}
+
 } // namespace
 
 std::string UpperCase(std::string_view sText) {
@@ -53,19 +65,15 @@ std::string ReplaceAll(std::string_view sText, std::string_view sWhat, std::stri
 std::vector<std::string> SplitKeepEmpty(std::string_view sText, std::string_view sSeparator) {
     std::vector<std::string> pieces;
     if (sText.empty()) return pieces;
-    std::size_t from = 0;
-    for (std::size_t at = sText.find(sSeparator); at != std::string_view::npos;
-         at = sText.find(sSeparator, from)) {
-        pieces.emplace_back(sText.substr(from, at - from));
-        from = at + sSeparator.size();
-    }
-    pieces.emplace_back(sText.substr(from));
+    ForEachPiece(sText, sSeparator, [&](std::string_view piece) { pieces.emplace_back(piece); });
     return pieces;
 }
 
 std::vector<std::string> SplitNonEmpty(std::string_view sText, std::string_view sSeparator) {
-    std::vector<std::string> pieces = SplitKeepEmpty(sText, sSeparator);
-    std::erase_if(pieces, [](const std::string& piece) { return piece.empty(); });
+    std::vector<std::string> pieces;
+    ForEachPiece(sText, sSeparator, [&](std::string_view piece) {
+        if (!piece.empty()) pieces.emplace_back(piece);
+    });
     return pieces;
 }
 

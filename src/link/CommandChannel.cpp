@@ -17,7 +17,7 @@ namespace {
 constexpr std::int32_t SendTimeout = 5000;
 constexpr std::int32_t DrainTimeout = 10000;
 constexpr std::int32_t EchoTimeout = 500;
-constexpr std::string_view EndOfReply = "Ok\r\n";
+constexpr std::string_view PromptText = "Ok";
 constexpr std::string_view OutputSource = "Datalink:OutputText";
 constexpr std::string_view InputSource = "Datalink:InputText";
 
@@ -41,10 +41,6 @@ class SentPrefix {
 std::int32_t Sum(std::int32_t one, std::int32_t other) {
     return static_cast<std::int32_t>(
         std::min<std::int64_t>(std::int64_t{one} + other, WaitBounds::Endless));
-}
-
-bool HoldsOk(std::string_view received) {
-    return received.find(EndOfReply) != std::string_view::npos;
 }
 
 } // namespace
@@ -136,7 +132,7 @@ std::int32_t LinkState::TakeReply(std::vector<std::string>& lines) {
 std::int32_t clsDataLink::InputTextUntilQuiet(std::vector<std::string>& sInputLines,
                                               std::int32_t lTimeout, std::int32_t lQuiet) {
     // Such commands may have turned the echo off.
-    mState->AwaitReply(lTimeout, {.unechoed = HoldsOk});
+    mState->AwaitReply(lTimeout, {.unechoed = [](const LinkState& of) { return of.okOfAnother; }});
     mState->AwaitQuiet(lQuiet, std::numeric_limits<std::int32_t>::max());
     return mState->TakeReceivedLines(sInputLines);
 }
@@ -148,7 +144,7 @@ void LinkState::AwaitReply(std::int32_t timeout, const ReplyRule& rule) {
     const auto limitFromHere = [&] { return Sum(timeout, Serial().LineTimeLeft()); };
     // Who needs longer than the line does for the longest reply does not reply.
     Wait wait(host.loop,
-              {.wholeMs = Sum(timeout, TravelMs(ReceiveLimit)), .silenceMs = limitFromHere()});
+              {.wholeMs = Sum(timeout, TravelMs(LongestReply)), .silenceMs = limitFromHere()});
     const WaitEnd end = Await(wait, [&] {
         if (HoldsReply(rule)) return true;
         RequireReadable();
@@ -157,7 +153,7 @@ void LinkState::AwaitReply(std::int32_t timeout, const ReplyRule& rule) {
     });
     if (end != WaitEnd::Met) {
         live.Printer(arrivals == before ? PrinterSilent : PrinterUnknown, LearntSilence);
-        const bool another = !BeginsWithEcho() && HoldsOk(received);
+        const bool another = !BeginsWithEcho() && okOfAnother;
         Fail(another ? ErrProtocol : ErrInputTimeout, InputSource);
     }
     live.Printer(PrinterAtPrompt, LearntReply);
@@ -167,7 +163,7 @@ void LinkState::AwaitReply(std::int32_t timeout, const ReplyRule& rule) {
 }
 
 bool LinkState::HoldsReply(const ReplyRule& rule) {
-    if (!BeginsWithEcho()) return rule.unechoed != nullptr && rule.unechoed(received);
+    if (!BeginsWithEcho()) return rule.unechoed != nullptr && rule.unechoed(*this);
     const std::size_t from = judged - std::min(judged, rule.end.size() - 1);
     judged = received.size();
     return received.find(rule.end, from) != std::string::npos;
@@ -176,10 +172,15 @@ bool LinkState::HoldsReply(const ReplyRule& rule) {
 bool LinkState::BeginsWithEcho() {
     if (echoFound || !echo.IsAwaited()) return true;
     for (;;) {
-        const std::size_t end = received.find(CrLf, judged);
-        if (end == std::string::npos) return false;
+        const std::size_t end = received.find(CrLf, std::max(judged, sought));
+        if (end == std::string::npos) {
+            sought = received.size(); // line ends come whole
+            return false;
+        }
         const std::size_t start = std::exchange(judged, end + CrLf.size());
-        const auto begin = echo.FindIn(std::string_view(received).substr(start, end - start));
+        const std::string_view line = std::string_view(received).substr(start, end - start);
+        okOfAnother = okOfAnother || line.ends_with(PromptText);
+        const auto begin = echo.FindIn(line);
         if (!begin) continue;
         received.erase(0, start + *begin);
         judged -= start + *begin;
@@ -200,6 +201,8 @@ void LinkState::RequireReadable() {
 }
 
 std::int32_t LinkState::TakeReceivedLines(std::vector<std::string>& lines) {
+    const auto ends = static_cast<std::size_t>(std::ranges::count(received, '\n'));
+    if (ends > MostReplyLines) Fail(ErrProtocol, InputSource);
     lines = SplitNonEmpty(received, CrLf);
     ClearReceived();
     return static_cast<std::int32_t>(lines.size());
@@ -228,7 +231,8 @@ void LinkState::ClearReceived() {
     received.clear();
     echo.Clear();
     echoFound = false;
-    judged = 0;
+    judged = sought = 0;
+    okOfAnother = false;
     receiveOverflow = false;
     endedInCr = false;
 }

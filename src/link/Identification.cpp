@@ -6,6 +6,7 @@
 #include "common/Text.h"
 #include "common/modErrorHandling.h"
 
+#include <algorithm>
 #include <utility>
 
 namespace qncomm {
@@ -27,10 +28,16 @@ bool IsWholeNumber(std::string_view text) {
 /// The handshake's reply without its echo, or with one that the line has damaged: the printer may
 /// have its echo off still, and no other command is answered so.
 bool EndsInTwoNumbers(std::string_view received) {
+    constexpr std::size_t longest = 256; // two numbers are shorter, empty lines between them or not
+    if (received.size() > longest) {
+        received.remove_prefix(received.size() - longest);
+        received.remove_prefix(std::min(received.find(CrLf), received.size()));
+    }
+    if (!received.ends_with(CrLf)) return false;
     const std::vector<std::string> lines = SplitNonEmpty(received, CrLf);
     const std::size_t count = lines.size();
-    return count >= 3 && received.ends_with(CrLf) && IsWholeNumber(lines[count - 3])
-           && IsWholeNumber(lines[count - 2]) && lines[count - 1] == "Ok";
+    return count >= 3 && IsWholeNumber(lines[count - 3]) && IsWholeNumber(lines[count - 2])
+           && lines[count - 1] == "Ok";
 }
 
 std::int16_t WholeNumberOrZero(std::string_view line) {
@@ -106,7 +113,8 @@ void LinkState::GetVersion() {
 void LinkState::Handshake() {
     SpoilInputLine();
     link.OutputText("PRINT SYSVAR(18):PRINT SYSVAR(19):SYSVAR(18)=-1:SYSVAR(19)=2\r\n");
-    AwaitReply(HandshakeTimeout, {.unechoed = EndsInTwoNumbers});
+    AwaitReply(HandshakeTimeout,
+               {.unechoed = [](const LinkState& of) { return EndsInTwoNumbers(of.received); }});
     if (outOfStep) AwaitQuiet(ResyncQuiet, ResyncLongest);
     outOfStep = false;
     std::vector<std::string> lines;

@@ -27,7 +27,9 @@ class QNError;
 /// part asks of the others. It lives and dies with its link.
 struct LinkState {
     /// The most bytes that a reply may have.
-    static constexpr std::size_t ReceiveLimit = std::size_t{16} * 1024 * 1024;
+    static constexpr std::size_t LongestReply = std::size_t{16} * 1024 * 1024;
+    /// The most lines that a reply may have, empty ones included: records take more than bytes do.
+    static constexpr std::size_t MostReplyLines = std::size_t{1024} * 1024;
 
     LinkState(clsDataLink& owner, const LinkHost& where)
         : link(owner),
@@ -138,8 +140,9 @@ struct LinkState {
     /// What makes up a reply beside the echo at its beginning.
     struct ReplyRule {
         std::string_view end = "Ok\r\n"; ///< what it ends in
-        /// Whether received text without the echo is a reply all the same; null for never.
-        bool (*unechoed)(std::string_view received) = nullptr;
+        /// Whether what was received is a reply all the same without the echo; null for never. It
+        /// is asked at each arrival, so it looks at the last lines alone.
+        bool (*unechoed)(const LinkState& of) = nullptr;
     };
     /// Waits for the reply to what was sent. What stands before the echo is dropped. Raises what
     /// InputText raises for none.
@@ -292,7 +295,9 @@ struct LinkState {
     std::uint64_t arrivals = 0; ///< how often something was received
     AwaitedEcho echo;           ///< of what was sent since the last reply
     std::size_t judged = 0;     ///< how much of received was looked at, for the echo or for the end
+    std::size_t sought = 0;     ///< how far received was searched for the end of the line at judged
     bool echoFound = false;     ///< received begins with the echo
+    bool okOfAnother = false;   ///< a line before the echo ends in "Ok"
     /// An exchange has failed: what it asked for may still be answered, so that the next claim
     /// waits for the line to fall silent.
     bool outOfStep = false;

@@ -99,6 +99,10 @@ void clsDataLink::Delay(std::int32_t lMilliseconds) {
     mState->Await({.wholeMs = lMilliseconds}, [] { return false; });
 }
 
+void clsDataLink::DispatchDue() {
+    mState->Yield(0);
+}
+
 bool LinkState::ReportStatus(std::string& message, std::int16_t progress) {
     const HostCall guard(link);
     bool cancel = false;

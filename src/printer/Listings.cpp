@@ -2,6 +2,7 @@
 
 #include "Exchange.h"
 #include "Models.h"
+#include "RowPace.h"
 #include "common/Numbers.h"
 #include "common/QNError.h"
 #include "common/Text.h"
@@ -66,19 +67,25 @@ bool clsQuorin::ModelLists() {
     return model != nullptr && model->lists;
 }
 
-/// Reads the rows from line first to the one before the byte counts.
-void clsQuorin::ParseRows(clsPrinterDevice& device, const Reply& reply, std::size_t first,
-                          const Listing& listing) {
+/// The files of the rows from line first to the one before the byte counts. A row that cannot be
+/// told apart is left out; all of them are told in one box.
+std::shared_ptr<PrinterFiles> clsQuorin::ParseRows(const std::string& device, const Reply& reply,
+                                                   std::size_t first, const Listing& listing) {
+    auto files = std::make_shared<PrinterFiles>();
+    std::size_t odd = 0;
+    RowPace pace(Link());
     for (std::size_t i = first; i + 3 <= reply.size(); ++i) {
-        auto files = listing.parseRow(reply[i]);
-        if (!files)
-            mDesktop.ShowMsgBox({.text = listing.complaint(device.Name),
-                                 .icon = MsgBoxIcon::Exclamation,
-                                 .title = {}});
-        else
-            for (clsPrinterFile& file : *files)
-                AddNew(*device.Files, std::move(file));
+        pace.Next();
+        auto row = listing.parseRow(reply[i]);
+        odd += row ? 0 : 1;
+        for (clsPrinterFile& file : row.value_or(std::vector<clsPrinterFile>()))
+            AddNew(*files, std::move(file));
     }
+    if (odd == 0) return files;
+    const std::string count = odd == 1 ? "" : "\r\n(" + std::to_string(odd) + " rows)";
+    mDesktop.ShowMsgBox(
+        {.text = listing.complaint(device) + count, .icon = MsgBoxIcon::Exclamation, .title = {}});
+    return files;
 }
 
 /// Reads the line before "Ok".
@@ -95,12 +102,13 @@ void clsQuorin::Files(std::string& sDev, bool /*brefresh*/, bool bListSystemFile
     const auto reply = Run({.line = "FILES" + Quoted(sDev), .systemLevel = bListSystemFiles});
     if (!reply || !ModelLists()) return;
     const auto device = Device(sDev);
-    device->Files = std::make_shared<PrinterFiles>();
     const std::string header = UpperCase(LineAt(*reply, 1));
+    auto files = std::make_shared<PrinterFiles>();
     if (header.starts_with(ListingHeader))
-        ParseRows(
-            *device, *reply, FirstRowBehindHeader,
+        files = ParseRows(
+            device->Name, *reply, FirstRowBehindHeader,
             {.command = {}, .device = {}, .parseRow = ParseFileRow, .complaint = FileRowComplaint});
+    device->Files = std::move(files);
     if (header.find(ListingHeader) != std::string::npos) ParseBytesLine(*device, *reply);
     device->Dirty = false;
 }
@@ -111,9 +119,11 @@ bool clsQuorin::ListInto(const Listing& listing) {
     const auto reply = Run({.line = std::string(listing.command)});
     if (!reply) return false;
     const auto device = Device(listing.device);
-    device->Files = std::make_shared<PrinterFiles>();
-    if (!ModelLists()) return false;
-    ParseRows(*device, *reply, FirstRow, listing);
+    if (!ModelLists()) {
+        device->Files = std::make_shared<PrinterFiles>();
+        return false;
+    }
+    device->Files = ParseRows(device->Name, *reply, FirstRow, listing);
     ParseBytesLine(*device, *reply);
     device->Dirty = false;
     return true;

@@ -1,6 +1,7 @@
 // Modules: typing one into the printer, and merging several into the working program.
 
 #include "Exchange.h"
+#include "RowPace.h"
 #include "common/Numbers.h"
 #include "common/QNError.h"
 #include "common/Text.h"
@@ -38,9 +39,10 @@ std::string ModuleText(HostFiles& files, const std::string& path) {
 /// The errors of a reply as records for the module's lines.
 std::shared_ptr<ModuleErrors> CollectErrors(const std::vector<std::string>& reply,
                                             const std::string& moduleName,
-                                            const std::vector<std::string>& lines) {
+                                            const std::vector<std::string>& lines, RowPace pace) {
     auto errors = std::make_shared<ModuleErrors>();
     for (const std::string& line : reply) {
+        pace.Next();
         auto found = ParseModuleError(line);
         if (!found) continue;
         found->QNModuleName = moduleName;
@@ -74,7 +76,7 @@ std::shared_ptr<ModuleErrors> clsQuorin::ModuleUpload(const std::string& sSource
     if (PortClaim claim = Claim()) {
         const Reply reply = TypeModule(lines, "Transfering Module " + sTargetPath);
         claim.Release();
-        errors = CollectErrors(reply, sSourcePath, lines);
+        errors = CollectErrors(reply, sSourcePath, lines, RowPace(Link()));
         if (errors->IsEmpty()) SaveProgram(sTargetPath);
     }
     ReportDone("Ready");

@@ -1,6 +1,7 @@
 // The printer's setup.
 
 #include "Exchange.h"
+#include "RowPace.h"
 #include "common/Numbers.h"
 #include "common/Text.h"
 #include "printer/SetupListing.h"
@@ -26,11 +27,13 @@ void clsQuorin::GetSetup() {
     const std::string port = "uart" + ToText(std::int32_t{Link().Stdio()}) + ":";
     const Reply reply = Ask("SETUP WRITE" + Quoted(port), 1000);
     claim.Release();
-    mPrinterSetupItems = std::make_shared<PrinterSetup>();
+    const auto items = mPrinterSetupItems = std::make_shared<PrinterSetup>();
+    RowPace pace(Link());
     for (std::size_t i = 1; i + 1 < reply.size(); ++i) {
+        pace.Next();
         auto item = std::make_shared<clsPrinterSetupItem>(ParseSetupLine(reply[i]));
         const std::string key = item->Key;
-        mPrinterSetupItems->Add(std::move(item), key);
+        items->Add(std::move(item), key);
     }
 }
 

@@ -9,20 +9,25 @@ namespace {
 
 using qncomm::QNComm;
 
+/// Each key comes once: looking for it among those before would take longer with each.
+Json DocumentOf(const qncomm::PrinterSetup& setup) {
+    Json::object_t items;
+    items.reserve(setup.Count());
+    for (const auto& item : setup)
+        items.push_back({qncomm::Utf8FromPrinter(item->Key), qncomm::Utf8FromPrinter(item->Value)});
+    return {{"setup", std::move(items)}};
+}
+
 Outcome ListSetup(Session& session) {
-    Json document = Json::object();
-    std::vector<Output::Row> rows;
     const auto setup = session.Control().Setup();
-    for (const auto& item : *setup) {
-        const std::string key = qncomm::Utf8FromPrinter(item->Key);
-        const std::string value = qncomm::Utf8FromPrinter(item->Value);
-        document[key] = value;
-        rows.push_back({key, value});
+    if (session.Out().IsJson()) {
+        session.Out().Document(DocumentOf(*setup));
+        return {};
     }
-    if (session.Out().IsJson())
-        session.Out().Document({{"setup", document}});
-    else
-        session.Out().Table({Output::Align::Left, Output::Align::Left}, rows);
+    std::vector<Output::Row> rows;
+    for (const auto& item : *setup)
+        rows.push_back({qncomm::Utf8FromPrinter(item->Key), qncomm::Utf8FromPrinter(item->Value)});
+    session.Out().Table({Output::Align::Left, Output::Align::Left}, rows);
     return {};
 }
 

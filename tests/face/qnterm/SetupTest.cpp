@@ -4,6 +4,8 @@
 
 #include "EmptyHint.h"
 #include "SetupBrowser.h"
+#include "SetupModel.h"
+#include "qt/Charset.h"
 
 #include <QLineEdit>
 #include <QTest>
@@ -54,6 +56,38 @@ TEST_F(SetupTest, SectionsHoldItemsAndOnlyValuesAreChanged) {
     EXPECT_TRUE(baud.flags() & Qt::ItemIsEditable);
     EXPECT_FALSE(baud.siblingAtColumn(0).flags() & Qt::ItemIsEditable);
     EXPECT_FALSE(Shown({"SER-COM"}).flags() & Qt::ItemIsEditable);
+}
+
+TEST(SetupModelTest, SectionsBeyondTheDeepestAreOneName) {
+    const auto shown = [](const std::string& key) {
+        PrinterSetup setup;
+        setup.Add(std::make_shared<clsPrinterSetupItem>(clsPrinterSetupItem{key, "1"}), key);
+        SetupModel model;
+        model.SetItems(setup);
+        QStringList names;
+        for (QModelIndex at = model.index(0, 0); at.isValid(); at = model.index(0, 0, at))
+            names.push_back(at.data().toString());
+        EXPECT_EQ(model.ValueIndex(qncomm::FromLine(key)).data().toString().toStdString(), "1");
+        return names;
+    };
+    const std::string deepest = "A,B,C,D,E,F,G,H,I,J,K,L,M,N,O,P";
+    EXPECT_EQ(shown(deepest).size(), SetupModel::DeepestSection);
+    const QStringList beyond = shown(deepest + ",Q" + std::string(1 << 20, ','));
+    ASSERT_EQ(beyond.size(), SetupModel::DeepestSection);
+    EXPECT_TRUE(beyond.back().startsWith("P,Q,"));
+}
+
+TEST(SetupModelTest, SectionsOfOneNameInDifferentPlacesAreDifferent) {
+    PrinterSetup setup;
+    for (const char* key : {"A,X,1", "B,X,1", "A,X,2", "A,1"})
+        setup.Add(std::make_shared<clsPrinterSetupItem>(clsPrinterSetupItem{key, key}), key);
+    SetupModel model;
+    model.SetItems(setup);
+    ASSERT_EQ(model.rowCount(), 2);
+    const QModelIndex a = model.index(0, 0);
+    EXPECT_EQ(model.rowCount(a), 2);
+    EXPECT_EQ(model.rowCount(model.index(0, 0, a)), 2);
+    EXPECT_EQ(model.ValueIndex("B,X,1").data().toString().toStdString(), "B,X,1");
 }
 
 TEST_F(SetupTest, ASearchLeavesWhatMatchesWithItsSections) {

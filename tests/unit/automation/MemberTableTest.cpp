@@ -41,6 +41,7 @@ struct Held {
 
 /// A host sets the port up in the dialog or the settings store, and claims it by PortOpen.
 const Strings OfTheLinkAlone{"SerialPort",
+                             "DispatchDue",
                              "Baudrate",
                              "Parity",
                              "Databits",

@@ -222,6 +222,32 @@ TEST_F(Exchange, AReplyBeyond16MiBIsAProtocolError) {
     EXPECT_THAT(ReadReply(), ElementsAre("Y", "Ok"));
 }
 
+TEST_F(Exchange, AReplyOf16MiBArrivesWhole) {
+    const std::string end = "\r\nOk\r\n";
+    for (int piece = 0; piece < 15; ++piece)
+        mSerial.Arrive(std::string(1 << 20, 'x'), 1);
+    mSerial.Arrive(std::string((1 << 20) - end.size(), 'x') + end, 1);
+    const Lines reply = ReadReply();
+    ASSERT_EQ(reply.size(), 2U);
+    EXPECT_EQ(reply[0].size() + end.size(), std::size_t{16} << 20U);
+}
+
+TEST_F(Exchange, AReplyOfMoreLinesThanAMillionAndSomeIsAProtocolError) {
+    const auto lines = [](int count) {
+        std::string text;
+        for (int i = 0; i < count; ++i)
+            text += "x\r\n";
+        return text;
+    };
+    mSerial.Arrive(lines((1 << 20) - 1) + "Ok\r\n");
+    EXPECT_EQ(ReadReply().size(), std::size_t{1} << 20U);
+    mSerial.Arrive(lines(1 << 20) + "Ok\r\n");
+    EXPECT_RAISED_FROM(ReadReply(), "1000 Datalink:InputText");
+    mSerial.SetPortOpen(true);
+    mSerial.Arrive("Y\r\nOk\r\n", 1);
+    EXPECT_THAT(ReadReply(), ElementsAre("Y", "Ok"));
+}
+
 TEST_F(Exchange, NoiseAndZerosAreDataUntilTheLimit) {
     mSerial.Arrive(std::string("\0\x1A\xFF\r\nOk\r\n", 9));
     EXPECT_THAT(ReadReply(), ElementsAre(std::string("\0\x1A\xFF", 3), "Ok"));

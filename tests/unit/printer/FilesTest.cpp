@@ -116,20 +116,36 @@ TEST_F(Files, ALineWithoutByteCountsLeavesTheCounts) {
     EXPECT_EQ(Device("ram:").BytesFree, 1000);
 }
 
-TEST_F(Files, ARowThatCannotBeToldApartShowsABoxAndTheOthersAreListed) {
+TEST_F(Files, RowsThatCannotBeToldApartShowOneBoxAndTheOthersAreListed) {
     Know("R7A");
     std::string device = "ram:";
     Script("FILES\"ram:\"",
            {"FILES ON RAM:", "A  B.PRG  10", "C.PRG  20", "LONE", "1 BYTES FREE  2 BYTES USED"});
     mQuorin.Files(device);
     EXPECT_THAT(Listed(*Device("ram:").Files), ElementsAre("C.PRG 20"));
-    ASSERT_EQ(mDesktop.mBoxes.size(), 2U);
+    ASSERT_EQ(mDesktop.mBoxes.size(), 1U);
     EXPECT_EQ(mDesktop.mBoxes[0].text, "Dubble white spaces are used as part \r\n"
                                        "of a filename on printer PrinterDevice 'ram:'.\r\n"
-                                       "Can\xC2\xB4t show all files!");
+                                       "Can\xC2\xB4t show all files!\r\n(2 rows)");
     EXPECT_EQ(mDesktop.mBoxes[0].icon, MsgBoxIcon::Exclamation);
     EXPECT_EQ(mDesktop.mBoxes[0].buttons, MsgBoxButtons::Ok);
     EXPECT_EQ(mDesktop.mBoxes[0].title, "");
+}
+
+TEST_F(Files, ACancelIsHeardInTheMiddleOfManyRowsAndTheListingStays) {
+    Know("R7A");
+    std::string device = "ram:";
+    Script("FILES\"ram:\"", SomeFiles);
+    mQuorin.Files(device);
+    const auto before = Device("ram:").Files;
+    Lines rows{"FILES ON RAM:"};
+    for (int row = 0; row < 10'000; ++row)
+        rows.push_back("F" + std::to_string(row) + "  1");
+    rows.emplace_back("1 BYTES FREE  2 BYTES USED");
+    Script("FILES\"ram:\"", rows);
+    const CancelOnceThePortIsGivenBack cancel(mLoop, mLink);
+    EXPECT_THROW(mQuorin.Files(device), OperationCancelled);
+    EXPECT_EQ(Device("ram:").Files, before);
 }
 
 TEST_F(Files, ANameListedTwiceIsKeptOnce) {

@@ -183,6 +183,18 @@ TEST_F(ModuleUpload, TwoErrorsInOneLineCollide) {
     EXPECT_EQ(mLink.UseCount(), 0);
 }
 
+TEST_F(ModuleUpload, OfManyErrorsIsCancelledInTheMiddle) {
+    KnowCleanDevices("R7A");
+    ScriptBegin("ram:M");
+    ScriptTyped({"10 PRIMT"});
+    std::string errors;
+    for (int line = 1; line <= 10'000; ++line)
+        errors += "Error 19 in line " + std::to_string(line) + ": a\r\n";
+    ScriptEnd(errors + "Ok\r\n");
+    const CancelOnceThePortIsGivenBack cancel(mLoop, mLink);
+    EXPECT_THROW(Upload("ram:M", "10 PRIMT"), OperationCancelled);
+}
+
 TEST_F(ModuleUpload, ErrorsBehindAnEarlyOkAreNotMissed) {
     KnowCleanDevices("R7A");
     Script("KILL \"ram:M\"");

@@ -2,6 +2,7 @@
 
 #include "common/MemorySettings.h"
 #include "common/Pointer.h"
+#include "common/QNError.h"
 #include "common/modErrorHandling.h"
 #include "platform/SystemFiles.h"
 #include "printer/clsQuorin.h"
@@ -29,6 +30,29 @@ class NoDialogs : public LinkDialogs {
     std::unique_ptr<ShownWindow> ShowWaitForReboot() override { return nullptr; }
 
     int mSettingsShown = 0;
+};
+
+/// What dispatches anything once the port was given back ends what dispatches: nothing is waited
+/// for any more, and only the work on what came can hear it.
+class CancelOnceThePortIsGivenBack : private ManualLoop::Source {
+  public:
+    CancelOnceThePortIsGivenBack(ManualLoop& loop, const clsDataLink& link)
+        : mLoop(loop), mLink(link) {
+        mLoop.AddSource(*this);
+    }
+    ~CancelOnceThePortIsGivenBack() override { mLoop.RemoveSource(*this); }
+    CancelOnceThePortIsGivenBack(const CancelOnceThePortIsGivenBack&) = delete;
+    CancelOnceThePortIsGivenBack& operator=(const CancelOnceThePortIsGivenBack&) = delete;
+
+  private:
+    std::optional<std::int64_t> NextDue() const override {
+        if (mLink.UseCount() > 0) return std::nullopt;
+        return mLoop.NowMs();
+    }
+    void Dispatch() override { throw OperationCancelled(); }
+
+    ManualLoop& mLoop;
+    const clsDataLink& mLink;
 };
 
 /// The command layer over a link on a scripted line and a driven clock. The printer is found; its

@@ -73,6 +73,16 @@ TEST_F(Setup, KeepsTheItemsBeforeAKeyThatComesTwice) {
     EXPECT_THAT(Items(), ElementsAre("A=1", "B=2"));
 }
 
+TEST_F(Setup, OfManyItemsIsCancelledInTheMiddle) {
+    Lines items;
+    for (int item = 0; item < 10'000; ++item)
+        items.push_back("A,ITEM" + std::to_string(item) + ",1");
+    Script("SETUP WRITE\"uart1:\"", items);
+    const CancelOnceThePortIsGivenBack cancel(mLoop, mLink);
+    EXPECT_THROW(mQuorin.GetSetup(), OperationCancelled);
+    EXPECT_LT(mQuorin.PrinterSetupItems()->Count(), 10'000U);
+}
+
 TEST_F(Setup, AnItemIsChangedUnderItsUpperCaseKeyWithItsValueAsItIs) {
     Script("SETUP WRITE\"uart1:\"", {"MEDIA,X,old"});
     mQuorin.GetSetup();

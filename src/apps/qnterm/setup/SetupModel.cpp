@@ -1,11 +1,13 @@
 #include "SetupModel.h"
 
-#include "common/Text.h"
 #include "qt/Charset.h"
 
 #include <QFont>
 
 #include <algorithm>
+#include <string>
+#include <unordered_map>
+#include <utility>
 
 namespace qnterm {
 
@@ -23,26 +25,39 @@ SetupModel::SetupModel(QObject* parent)
 
 SetupModel::~SetupModel() = default;
 
-/// The node that a key's path leads to; made where it is missing.
-SetupModel::Node& SetupModel::Place(const std::string& key) {
-    Node* node = mRoot.get();
-    for (const std::string& part : qncomm::SplitKeepEmpty(key, ",")) {
-        const QString name = qncomm::FromLine(part);
-        const auto known = std::ranges::find_if(
-            node->children, [&](const auto& child) { return child->name == name; });
-        if (known != node->children.end()) {
-            node = known->get();
-            continue;
+/// Makes the tree of paths; each section is known by its path, so that a path is found without
+/// looking at its neighbours.
+class SetupModel::Planter {
+  public:
+    explicit Planter(Node& root) : mRoot(root) {}
+
+    /// The node that a key's path leads to; made where it is missing.
+    Node& Place(const std::string& key) {
+        Node* node = &mRoot;
+        std::size_t from = 0;
+        for (int level = 1; from <= key.size(); ++level) {
+            const std::size_t comma = level < DeepestSection ? key.find(',', from) : key.npos;
+            const std::size_t end = std::min(comma, key.size());
+            Node*& known = mKnown[key.substr(0, end)];
+            if (known == nullptr) known = &Add(*node, key.substr(from, end - from));
+            node = known;
+            from = end + 1;
         }
-        auto child = std::make_unique<Node>();
-        child->name = name;
-        child->parent = node;
-        child->row = static_cast<int>(node->children.size());
-        node->children.push_back(std::move(child));
-        node = node->children.back().get();
+        return *node;
     }
-    return *node;
-}
+
+  private:
+    static Node& Add(Node& parent, const std::string& name) {
+        auto child = std::make_unique<Node>();
+        child->name = qncomm::FromLine(name);
+        child->parent = &parent;
+        child->row = static_cast<int>(parent.children.size());
+        return *parent.children.emplace_back(std::move(child));
+    }
+
+    Node& mRoot;
+    std::unordered_map<std::string, Node*> mKnown;
+};
 
 bool SetupModel::HasSameKeys(const qncomm::PrinterSetup& items) const {
     return items.Count() == mItems.size() && !mItems.empty()
@@ -72,8 +87,9 @@ void SetupModel::SetItems(const qncomm::PrinterSetup& items) {
     beginResetModel();
     mRoot = std::make_unique<Node>();
     mItems.clear();
+    Planter planter(*mRoot);
     for (const auto& item : items) {
-        Node& node = Place(item->Key);
+        Node& node = planter.Place(item->Key);
         node.key = qncomm::FromLine(item->Key);
         node.value = qncomm::FromLine(item->Value);
         mItems.push_back(&node);

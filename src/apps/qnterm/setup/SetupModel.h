@@ -21,6 +21,9 @@ class SetupModel final : public QAbstractItemModel {
     /// An item's whole key, such as "SER-COM,UART1,BAUDRATE"; empty for a section.
     static constexpr int KeyRole = Qt::UserRole;
 
+    /// The most sections within sections; the rest of a longer path is one name.
+    static constexpr int DeepestSection = 16;
+
     explicit SetupModel(QObject* parent = nullptr);
     ~SetupModel() override;
 
@@ -47,9 +50,9 @@ class SetupModel final : public QAbstractItemModel {
 
   private:
     struct Node;
+    class Planter;
 
     const Node& NodeOf(const QModelIndex& index) const;
-    Node& Place(const std::string& key);
     bool HasSameKeys(const qncomm::PrinterSetup& items) const;
     void TakeValues(const qncomm::PrinterSetup& items);
 

@@ -255,6 +255,10 @@ class clsDataLink {
     void PurgePort();
     /// Yields until lMilliseconds have passed.
     void Delay(std::int32_t lMilliseconds);
+    /// Dispatches what is due and returns at once, for long work on what a printer has sent: a
+    /// cancel is heard and a window stays alive. Claims from there are refused. Throws what a
+    /// handler throws and OperationCancelled; raises 91 when the link was torn down meanwhile.
+    void DispatchDue();
 
     /// True once the printer was found and switched to immediate mode. While it is False the next
     /// claim searches.

@@ -104,7 +104,7 @@ class clsQuorin {
 
     /// Lists device sDev (returned in lower case) into its record, with system files on the models
     /// that have them. brefresh has no effect: every call asks the printer. Rows that cannot be
-    /// told apart show a box each and are left out.
+    /// told apart are left out; one box says so, and how many they are if there are several.
     void Files(std::string& sDev, bool brefresh = false, bool bListSystemFiles = false);
 
     /// Whether the listing holds sFullName (device, colon, name, in any case); lists the device
@@ -262,8 +262,8 @@ class clsQuorin {
 
     /// Listings.cpp
     bool ModelLists();
-    void ParseRows(clsPrinterDevice& device, const Reply& reply, std::size_t first,
-                   const Listing& listing);
+    std::shared_ptr<PrinterFiles> ParseRows(const std::string& device, const Reply& reply,
+                                            std::size_t first, const Listing& listing);
     static void ParseBytesLine(clsPrinterDevice& device, const Reply& reply);
     bool ListInto(const Listing& listing);
     void FilterBitmapFonts(PrinterFiles& fonts);
