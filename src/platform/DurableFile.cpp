@@ -5,7 +5,9 @@
 #include "platform/SystemErrors.h"
 
 #include <algorithm>
+#include <array>
 #include <cerrno>
+#include <climits>
 #include <cstdio>
 #include <filesystem>
 #include <system_error>
@@ -76,6 +78,26 @@ class FreePlace {
     std::string mStem;
 };
 
+/// The file beside a target that bears its name with an ending. Of a name that is too long for both
+/// the end gives way to a sum of all of it, so that the same target has the same file again.
+std::string Beside(const std::string& target, const std::string& ending) {
+    constexpr std::size_t longest = NAME_MAX;
+    const std::string folder = FolderOf(target);
+    const std::size_t length = target.size() - folder.size();
+    if (length + ending.size() <= longest) return target + ending;
+    std::uint32_t sum = 2166136261U;
+    for (const char c : target.substr(folder.size()))
+        sum = (sum ^ static_cast<unsigned char>(c)) * 16777619U;
+    std::array<char, 10> text{};
+    std::snprintf(text.data(), text.size(), "~%08X", sum);
+    std::string name = target.substr(folder.size(), longest - text.size() + 1 - ending.size());
+    // No character is cut in two.
+    while (!name.empty()
+           && (static_cast<unsigned char>(target[folder.size() + name.size()]) & 0xC0U) == 0x80)
+        name.pop_back();
+    return folder + name + text.data() + ending;
+}
+
 /// Brings the folder's list of names to the disk. A folder that may be written but not read, and a
 /// file system that cannot do this for folders, are left as they are.
 bool SyncFolder(const std::string& folder) {
@@ -106,7 +128,7 @@ IoResult DurableFile::Open(const std::string& sTarget, const std::string& sEndin
     Discard();
     mTarget = sTarget;
     if (IoResult resolved = ResolveTarget(mTarget); !resolved.Ok()) return resolved;
-    mBeside = mTarget + sEnding;
+    mBeside = Beside(mTarget, sEnding);
     Fd file;
     IoResult opened =
         OpenToWrite(mBeside, FileStart::Kept, {.links = false, .own = true}, PrivateMode, file);

@@ -129,10 +129,15 @@ IoResult Rfc2217Channel::Connect() {
     if (IoResult result = mConnector.Connect(mSession->fd); !result.Ok()) return result;
     ComPortClient& protocol = mSession->protocol;
     protocol.Offer();
-    IoResult result =
-        Await([&protocol] { return protocol.Agreed() || !protocol.Refusal().Ok(); }, AnswerLimitUs);
+    IoResult result = Await([&protocol] { return protocol.Agreed() || !protocol.Refusal().Ok(); },
+                            LongestAnswerUs);
     if (result.status == IoStatus::TimedOut)
-        return NoAnswer("who listens there does not speak RFC 2217: no answer to its options");
+        return NoAnswer(mSession->heard
+                            ? "who listens there does not speak RFC 2217: no answer to its options"
+                            : "who listens there says nothing: it serves somebody else, or does "
+                              "not speak RFC 2217");
+    if (result.status == IoStatus::Lost)
+        result.text += " before it answered: somebody else may hold the port";
     return result.Ok() ? protocol.Refusal() : result;
 }
 
@@ -158,7 +163,7 @@ IoResult Rfc2217Channel::PutSettings(const LineSettings& settings) {
 IoResult Rfc2217Channel::Configure(const LineSettings& settings) {
     ComPortClient& protocol = mSession->protocol;
     protocol.Configure(settings);
-    IoResult result = Await([&protocol] { return protocol.Settled(); }, AnswerLimitUs);
+    IoResult result = Await([&protocol] { return protocol.Settled(); }, LongestAnswerUs);
     if (result.status == IoStatus::TimedOut)
         result =
             NoAnswer("the remote port does not answer to the setting of " + protocol.Unanswered());
@@ -200,6 +205,7 @@ IoResult Rfc2217Channel::Receive(std::size_t most) {
         ::recv(mSession->fd.Get(), piece.data(), std::min(most, piece.size()), MSG_DONTWAIT);
     if (count < 0 && (errno == EAGAIN || errno == EWOULDBLOCK || errno == EINTR)) return {};
     if (count <= 0) return LineFailure(count < 0 ? errno : 0, ClosedText);
+    mSession->heard = true;
     ComPortClient& protocol = mSession->protocol;
     if (protocol.Purging() && mReactor.NowUs() > mSession->purgeUntil) protocol.ForgetPurges(false);
     protocol.Receive({piece.data(), static_cast<std::size_t>(count)}, mSession->received);

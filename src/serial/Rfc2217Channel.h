@@ -26,7 +26,7 @@ namespace qncomm {
 /// that was agreed, as a raw socket's does.
 class Rfc2217Channel final : public ByteChannel {
   public:
-    static constexpr std::int64_t AnswerLimitUs = 3'000'000;
+    static constexpr std::int64_t LongestAnswerUs = 3'000'000;
     /// How long a server that has answered all else may take to tell its modem lines, and to say
     /// that it has dropped data.
     static constexpr std::int64_t ModemStateLimitUs = 200'000;
@@ -64,6 +64,7 @@ class Rfc2217Channel final : public ByteChannel {
         ComPortClient protocol;
         std::string received;        ///< bytes of the line that nobody has read yet
         std::int64_t purgeUntil = 0; ///< when to stop waiting for a purge's answer
+        bool heard = false;          ///< it has said anything at all
         bool toldModemLines = false; ///< the server had its time to tell them
     };
 

@@ -33,10 +33,10 @@ SocketConnector::SocketConnector(Reactor& reactor, std::string sHost, std::strin
     : mReactor(reactor), mHost(std::move(sHost)), mService(std::move(sService)) {}
 
 IoResult SocketConnector::Connect(Fd& fd) {
-    const std::int64_t until = mReactor.NowUs() + LimitUs;
+    const std::int64_t until = mReactor.NowUs() + LongestConnectUs;
     std::vector<SocketAddress> addresses = std::exchange(mAddresses, {});
     if (addresses.empty()) {
-        IoResult result = LookUpHost(mReactor, mHost, mService, LimitUs, addresses);
+        IoResult result = LookUpHost(mReactor, mHost, mService, LongestConnectUs, addresses);
         if (!result.Ok()) return result;
     }
     IoResult result{IoStatus::Missing, 0, "the host has no address"};

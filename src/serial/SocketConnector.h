@@ -15,7 +15,7 @@ namespace qncomm {
 class SocketConnector {
   public:
     /// How long looking up and connecting may take together, in microseconds.
-    static constexpr std::int64_t LimitUs = 3'000'000;
+    static constexpr std::int64_t LongestConnectUs = 3'000'000;
 
     SocketConnector(Reactor& reactor, std::string sHost, std::string sService);
 

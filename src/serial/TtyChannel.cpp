@@ -138,17 +138,19 @@ IoResult TtyChannel::SetBreak(bool bOn) {
 
 IoResult TtyChannel::Apply(int fd, const LineSettings& settings) const {
     const termios wanted = AttributesFor(settings);
-    // The C library answers EINVAL for a pseudo-terminal when only what such a device never takes
-    // would change; it then stands as it is wanted.
-    const bool failed = ::tcsetattr(fd, TCSANOW, &wanted) != 0;
-    if (failed && (mHasLines || errno != EINVAL)) return OpenFailure(errno);
+    // The C library answers EINVAL where the device has not taken some of it, also when that is
+    // what a pseudo-terminal never takes: it then stands as it is wanted.
+    const int error = ::tcsetattr(fd, TCSANOW, &wanted) != 0 ? errno : 0;
+    if (error != 0 && error != EINVAL) return OpenFailure(error);
     termios got{};
     if (::tcgetattr(fd, &got) != 0) return OpenFailure(errno);
+    if (!mHasLines) return {};
     // The call succeeds as soon as the device took any of it.
-    const std::string refused = mHasLines ? RefusedPart(wanted, got) : std::string();
-    if (refused.empty()) return {};
-    return {IoStatus::Unsupported, 0,
-            "the device does not take " + refused + " of " + TextOf(settings)};
+    const std::string refused = RefusedPart(wanted, got);
+    if (!refused.empty())
+        return {IoStatus::Unsupported, 0,
+                "the device does not take " + refused + " of " + TextOf(settings)};
+    return error == 0 ? IoResult{} : OpenFailure(error);
 }
 
 LineErrors TtyChannel::TakeLineErrors() {

@@ -126,8 +126,11 @@ Outcome PressKey(Session& session, const KeyArguments& arguments) {
     const ShownTerminal shown(session, [&](std::string_view text) { reply.Take(text); });
     session.Disconnect(); // the terminal's own claim keeps the port open
     session.Status().Clear();
+    const int told = session.Desk().Boxes().Told();
     try {
         session.Control().PressToolbarKey(key);
+        if (session.Desk().Boxes().Told() > told)
+            return Refused(ExitStatus::Error, "The key " + key + " has done nothing.");
         if (!silent) reply.Await();
     } catch (const qncomm::OperationCancelled&) {
         if (!silent) GiveUpTyping(session, reply);

@@ -32,6 +32,7 @@ MsgBoxResult ConsoleDesktop::ShowMsgBox(const MsgBox& box) {
     mErr << LinesOf(box);
     if (box.buttons == MsgBoxButtons::Ok) {
         mErr << std::endl;
+        ++mTold;
         return MsgBoxResult::Ok;
     }
     const bool yes = Agrees();

@@ -6,6 +6,7 @@ namespace {
 
 using qncomm::testing::Arguments;
 using qncomm::testing::Ended;
+using testing::EndsWith;
 using testing::HasSubstr;
 using testing::StartsWith;
 
@@ -71,7 +72,14 @@ TEST_F(FunctionKeys, AFileIsSentAndAProgramStarted) {
     Set("F1", "file", PathOf("lines.txt"));
     EXPECT_THAT(Press("F1").out, HasSubstr("25\r\n"));
     Set("F2", "run", "/no/such/program x");
-    EXPECT_THAT(Press("F2").err, HasSubstr("Can't start '/no/such/program'."));
+    const Ended missing = Press("F2");
+    EXPECT_THAT(missing.err, HasSubstr("Can't start '/no/such/program'."));
+    EXPECT_THAT(missing.err, EndsWith("qnctl: The key F2 has done nothing.\n"));
+    EXPECT_EQ(missing.status, 1);
+    Set("F2", "run", "/bin/true x");
+    EXPECT_EQ(Press("F2").status, 0);
+    Set("F2", "file", PathOf("missing.txt"));
+    EXPECT_EQ(Press("F2").status, 1);
 }
 
 TEST_F(FunctionKeys, ThatAskForAFileTakeTheGivenOne) {

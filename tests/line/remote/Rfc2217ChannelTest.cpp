@@ -245,12 +245,35 @@ TEST_F(RemoteChannel, MegabyteOfEveryByteArrivesWholeThoughTheServerPauses) {
 // -- Servers that keep silent: the waits for them are bounded, on a clock that does not wait
 
 TEST(SilentRemoteServer, ThatSpeaksNoTelnetIsNamedAsSuch) {
+    RemoteServer server([](const std::string&) { return "PRICES\r\n"; });
+    HastyReactor loop;
+    Rfc2217Channel channel(loop, "127.0.0.1", server.Service());
+    const IoResult result = channel.Open(Settings);
+    EXPECT_EQ(result.status, IoStatus::TimedOut);
+    EXPECT_THAT(result.text, HasSubstr("who listens there does not speak RFC 2217"));
+}
+
+TEST(SilentRemoteServer, ThatSaysNothingMayServeSomebodyElse) {
     RemoteServer server([](const std::string&) { return std::string(); });
     HastyReactor loop;
     Rfc2217Channel channel(loop, "127.0.0.1", server.Service());
     const IoResult result = channel.Open(Settings);
     EXPECT_EQ(result.status, IoStatus::TimedOut);
-    EXPECT_THAT(result.text, HasSubstr("does not speak RFC 2217"));
+    EXPECT_THAT(result.text, HasSubstr("says nothing: it serves somebody else"));
+}
+
+TEST(SilentRemoteServer, ThatHangsUpAtOnceMayServeSomebodyElse) {
+    RemoteServer* hangingUp = nullptr;
+    RemoteServer server([&](const std::string&) {
+        hangingUp->HangUp();
+        return std::string();
+    });
+    hangingUp = &server;
+    PollLoop loop;
+    Rfc2217Channel channel(loop, "127.0.0.1", server.Service());
+    const IoResult result = channel.Open(Settings);
+    EXPECT_EQ(result.status, IoStatus::Lost);
+    EXPECT_THAT(result.text, HasSubstr("before it answered: somebody else may hold the port"));
 }
 
 TEST(SilentRemoteServer, ThatDoesNotAnswerASettingIsNamedWithIt) {

@@ -140,6 +140,28 @@ TEST_F(DurableFiles, GoOnWithWhatWasKept) {
     EXPECT_FALSE(mFolder.Has("f.part"));
 }
 
+TEST_F(DurableFiles, OfNamesOfAnyLengthAreKeptAndGoneOnWith) {
+    std::vector<std::string> names;
+    for (std::size_t length = 249; length <= 255; ++length)
+        names.push_back(std::string(length - 1, 'n') + "0");
+    names.push_back(std::string(254, 'n') + "1"); // differs at its end alone
+    names.push_back(std::string(241, 'n') + "\u00E5\u00E5\u00E5\u00E5\u00E5\u00E5\u00E5");
+    for (const std::string& name : names) {
+        DurableFile begun;
+        ASSERT_TRUE(begun.Open(mFolder.File(name), ".part").Ok()) << name.size();
+        EXPECT_EQ(begun.Length(), 0U) << name.size();
+        ASSERT_TRUE(begun.Append(name).Ok());
+        begun.Keep();
+    }
+    for (const std::string& name : names) {
+        DurableFile file;
+        ASSERT_TRUE(file.Open(mFolder.File(name), ".part").Ok());
+        ASSERT_TRUE(file.Commit(FileMode::Replaced).Ok());
+        EXPECT_EQ(mFolder.Read(name), name);
+    }
+    EXPECT_TRUE(ReplaceFile(mFolder.File(names[6]), "x").Ok());
+}
+
 TEST_F(DurableFiles, CanBeginAgain) {
     DurableFile file;
     mFolder.Write("f.part", "of another file");

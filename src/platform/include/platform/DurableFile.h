@@ -38,7 +38,8 @@ class DurableFile {
     /// what it leads to is replaced. Refused are a folder (EISDIR), a pipe, a socket or a device
     /// (ENOTSUP) at sTarget, and another user's link there (EACCES).
     [[nodiscard]] IoResult Create(const std::string& sTarget);
-    /// The same under the target's name and sEnding. What stands there already is kept,
+    /// The same under the target's name and sEnding; of a name too long for both the end gives way
+    /// to a sum of it. What stands there already is kept,
     /// so that a transfer can go on with it, unless it is a link (ELOOP), another user's, a file
     /// with a second name, one that others may write (EPERM, EMLINK) or one that another program
     /// writes now (EBUSY).

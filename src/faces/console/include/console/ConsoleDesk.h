@@ -46,7 +46,7 @@ class ConsoleDesk {
     /// The progress line.
     StatusLine& Status() { return mStatus; }
     /// The message boxes, as text.
-    Desktop& Boxes() { return mDesktop; }
+    ConsoleDesktop& Boxes() { return mDesktop; }
     /// The forms, as text.
     ConsoleForms& Forms() { return mForms; }
     /// What the control sits on.

@@ -33,6 +33,10 @@ class ConsoleDesktop final : public Desktop {
     MsgBoxResult ShowMsgBox(const MsgBox& box) override;
     void Log(std::string_view sLine) override;
 
+    /// How many boxes have told something so far, and asked nothing: a program whose last word such
+    /// a box was has not done what it is for.
+    int Told() const { return mTold; }
+
   private:
     bool Agrees();
 
@@ -41,6 +45,7 @@ class ConsoleDesktop final : public Desktop {
     LineReader& mInput;
     GivenAnswer mAnswer;
     LogSink mLog;
+    int mTold = 0;
 };
 
 } // namespace qncomm
