@@ -21,10 +21,11 @@ constexpr std::int32_t ProbeDrain = 50;
 constexpr std::int32_t ProbeSilence = 50;
 constexpr std::int32_t SetupDrain = 100;
 constexpr std::int32_t SetupSilence = 200;
-constexpr std::int32_t LongestAnswer = 3000;   ///< a device that never stops talking is no printer
-constexpr std::int32_t LongestSetup = 600'000; ///< of a listing that goes on, however slow the line
-constexpr std::int32_t NoLonger = -1;          ///< a limit that is over
-constexpr std::size_t MostCollected = std::size_t{1024} * 1024; ///< no printer says more at once
+constexpr std::int32_t LongestAnswer = 3000; ///< a device that never stops talking is no printer
+constexpr std::int32_t LongestSetupMs =
+    600'000;                          ///< of a listing that goes on, however slow the line
+constexpr std::int32_t NoLonger = -1; ///< a limit that is over
+constexpr std::size_t MostSearchBytes = std::size_t{1024} * 1024; ///< no printer says more at once
 
 constexpr std::size_t SpoiledReply = 64; ///< bytes with which a printer refuses a spoiled line
 constexpr std::string_view EndOfAnswer = "Ok\r\n";
@@ -267,7 +268,7 @@ void AutoConnectSearch::MoveToFront(Collection<std::string>& collection, const s
 std::string AutoConnectSearch::Collect(std::int32_t silence, const Judge& limitOf) {
     std::string text;
     Wait wait(mState.host.loop,
-              {.wholeMs = WaitBounds::Endless, .silenceMs = silence, .bytes = MostCollected});
+              {.wholeMs = WaitBounds::Endless, .silenceMs = silence, .bytes = MostSearchBytes});
     mState.Await(wait, [&] {
         const std::string chunk = Serial().Read();
         mRaw += chunk;
@@ -324,7 +325,7 @@ std::string AutoConnectSearch::CollectSetup(const std::string& command) {
         case SetupProgress::NotBegun:
             return LongestAnswer;
         case SetupProgress::Listing:
-            return LongestSetup;
+            return LongestSetupMs;
         default:
             return NoLonger;
         }

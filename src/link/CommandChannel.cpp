@@ -144,7 +144,7 @@ void LinkState::AwaitReply(std::int32_t timeout, const ReplyRule& rule) {
     const auto limitFromHere = [&] { return Sum(timeout, Serial().LineTimeLeft()); };
     // Who needs longer than the line does for the longest reply does not reply.
     Wait wait(host.loop,
-              {.wholeMs = Sum(timeout, TravelMs(LongestReply)), .silenceMs = limitFromHere()});
+              {.wholeMs = Sum(timeout, TravelMs(MostReplyBytes)), .silenceMs = limitFromHere()});
     const WaitEnd end = Await(wait, [&] {
         if (HoldsReply(rule)) return true;
         RequireReadable();

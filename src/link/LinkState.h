@@ -27,7 +27,7 @@ class QNError;
 /// part asks of the others. It lives and dies with its link.
 struct LinkState {
     /// The most bytes that a reply may have.
-    static constexpr std::size_t LongestReply = std::size_t{16} * 1024 * 1024;
+    static constexpr std::size_t MostReplyBytes = std::size_t{16} * 1024 * 1024;
     /// The most lines that a reply may have, empty ones included: records take more than bytes do.
     static constexpr std::size_t MostReplyLines = std::size_t{1024} * 1024;
 

@@ -16,12 +16,12 @@ constexpr std::string_view Prompt = "Ok\r\n";
 /// What a printer that takes its bytes at once needs to come to its prompt.
 constexpr std::int32_t PromptMs = 400;
 /// A line that still carries something is not waited for any longer.
-constexpr std::int32_t MostMs = 15'000;
+constexpr std::int32_t LongestPromptMs = 15'000;
 /// Who talks on for this long behind what was on its way, and behind what is said of that, has no
 /// prompt to give.
-constexpr std::int32_t TalkMs = 1000;
+constexpr std::int32_t LongestTalkMs = 1000;
 /// No printer says more before its prompt, be it the echo of a load's rest.
-constexpr std::size_t MostBytes = std::size_t{256} * 1024;
+constexpr std::size_t MostTalkBytes = std::size_t{256} * 1024;
 
 /// Looks for the prompt in what comes in pieces.
 class PromptFinder {
@@ -71,7 +71,7 @@ std::string LinkState::ReadToPrompt(std::int32_t silence, std::int32_t longest, 
                                     std::string_view behind) {
     const DetachedSink detached(*this); // what comes is read here
     PromptFinder prompt(std::move(text), behind);
-    Wait wait(host.loop, {.wholeMs = longest, .silenceMs = silence, .bytes = MostBytes});
+    Wait wait(host.loop, {.wholeMs = longest, .silenceMs = silence, .bytes = MostTalkBytes});
     Await(wait, [&] {
         const std::string more = Serial().Read();
         wait.Came(more.size());
@@ -87,7 +87,8 @@ std::string LinkState::ReadToPrompt(std::int32_t silence, std::int32_t longest, 
 bool clsDataLink::WaitForOk(std::int32_t lTimeout) {
     PromptFinder prompt;
     SerialControl& serial = mState->Serial();
-    Wait wait(mState->host.loop, {.wholeMs = MostMs, .silenceMs = lTimeout, .bytes = MostBytes});
+    Wait wait(mState->host.loop,
+              {.wholeMs = LongestPromptMs, .silenceMs = lTimeout, .bytes = MostTalkBytes});
     wait.Until(
         [&] {
             const std::string more = serial.Read();
@@ -104,7 +105,7 @@ bool clsDataLink::AwaitPrompt(bool bMoving) {
 }
 
 bool clsDataLink::AwaitPromptBehind(std::int32_t lOnTheWay) {
-    const std::int32_t most = std::min(2 * std::min(lOnTheWay, MostMs) + TalkMs, MostMs);
+    const std::int32_t most = std::min(2 * std::min(lOnTheWay, LongestPromptMs) + LongestTalkMs, LongestPromptMs);
     // A handler that cancels was the cause: whoever wants to wait no longer ends the loop's Yield.
     mState->ReportStatus(
         "Waiting for the printer's prompt, for up to " + ToText((most + 500) / 1000) + " s", -1);

@@ -50,7 +50,7 @@ void LinkState::Deliver(const std::string& text) {
     if (toTerminal && TakeForPoll(text)) return;
     if (toTerminal) {
         Serial().WriteTerminal(text);
-    } else if (received.size() + text.size() > LongestReply) {
+    } else if (received.size() + text.size() > MostReplyBytes) {
         receiveOverflow = true;
     } else {
         received += text;

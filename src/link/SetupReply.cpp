@@ -39,8 +39,8 @@ bool Names(const std::string& line, const std::string& channel, std::string_view
     return line.find(channel + std::string(item)) != std::string::npos;
 }
 
-constexpr std::size_t LongestSetup = 32UL * 1024; ///< several times what any printer lists
-constexpr std::size_t MostStrangeLines = 10;      ///< a damaged line costs no printer
+constexpr std::size_t LongestSetupText = 32UL * 1024; ///< several times what any printer lists
+constexpr std::size_t MostStrangeLines = 10;          ///< a damaged line costs no printer
 
 std::string UartName(std::int16_t channel) {
     return "UART" + std::to_string(channel);
@@ -59,7 +59,7 @@ SetupProgress ProgressOfSetup(std::string_view text, std::string_view command,
     const auto strange = std::ranges::count_if(
         lines, [](const std::string& line) { return line.find(',') == std::string::npos; });
     const bool foreign =
-        listing.size() > LongestSetup || static_cast<std::size_t>(strange) > MostStrangeLines;
+        listing.size() > LongestSetupText || static_cast<std::size_t>(strange) > MostStrangeLines;
     return foreign ? SetupProgress::Foreign : SetupProgress::Listing;
 }
 

@@ -15,7 +15,7 @@ namespace {
 constexpr char PlainMark = 'f';
 constexpr char SystemMark = 's';
 /// Bytes; beyond the memory of any model.
-constexpr std::uint64_t LargestFile = 256U << 20U;
+constexpr std::uint64_t LargestStateFile = 256U << 20U;
 constexpr std::string_view SetupName = "setup.txt";
 
 bool IsPlain(char c) {
@@ -71,7 +71,8 @@ std::optional<PrinterName> ReadHostName(const std::string& hostName) {
 
 std::optional<std::string> ReadFile(const std::filesystem::path& path) {
     std::string content;
-    if (!qncomm::ReadWholeFile(path, {.limit = LargestFile}, content).Ok()) return std::nullopt;
+    if (!qncomm::ReadWholeFile(path, {.limit = LargestStateFile}, content).Ok())
+        return std::nullopt;
     return content;
 }
 

@@ -7,13 +7,14 @@
 namespace qncomm {
 namespace {
 
-/// Bytes that the records of one trace may stand for without holding them: a few characters of text
-/// each would otherwise become a memory full of dots.
-constexpr std::size_t MostRedactedOfAll = 64UL * 1024 * 1024;
+std::optional<TraceRecord> RecordOf(std::string_view line) {
+    if (line.size() > LongestTraceLine) return std::nullopt;
+    return ParseTraceLine(line);
+}
 
 } // namespace
 
-TraceReading ReadTrace(const std::string& sPath) {
+TraceReading ReadTrace(const std::string& sPath, std::size_t lMostRecords) {
     TraceReading reading;
     std::string text;
     reading.result = ReadWholeFile(sPath, {.limit = LargestTrace}, text);
@@ -26,14 +27,16 @@ TraceReading ReadTrace(const std::string& sPath) {
         const std::string_view line = left.substr(0, end);
         left.remove_prefix(cutShort ? left.size() : end + 1);
         if (line.empty()) continue;
-        std::optional<TraceRecord> record = ParseTraceLine(line);
+        std::optional<TraceRecord> record = RecordOf(line);
         if (!record && cutShort) break;
         if (record) redacted += record->redacted;
-        if (!record || redacted > MostRedactedOfAll) {
+        const char* wrong = nullptr;
+        if (!record) wrong = " is no record of a trace";
+        if (redacted > MostRedactedOfAll) wrong = " stands for more bytes than are replayed";
+        if (reading.records.size() == lMostRecords) wrong = " is one record more than are read";
+        if (wrong != nullptr) {
             reading.result = {IoStatus::Failed, 0,
-                              sPath + ": line " + std::to_string(number)
-                                  + (record ? " stands for more bytes than are replayed"
-                                            : " is no record of a trace")};
+                              sPath + ": line " + std::to_string(number) + wrong};
             return reading;
         }
         record->line = number;

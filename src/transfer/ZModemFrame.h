@@ -58,7 +58,7 @@ inline constexpr std::uint8_t ConvertText = 2;
 inline constexpr std::uint8_t ConvertResume = 3;
 
 /// How many positions of a file a header can name: it carries 32 bits.
-inline constexpr std::uint64_t Positions = 0x100000000U;
+inline constexpr std::uint64_t MostPositions = std::uint64_t{4} << 30U;
 
 /// What ends a session by force: enough CANs for any receiver, then backspaces that clean a command
 /// line.

@@ -112,7 +112,7 @@ void ZModemReceiver::OnOffered(const transfer::Answer& answer, Time now) {
         Arm(m->roundTrip.RetryAfter(), now);
         return;
     }
-    if (answer.offset >= zm::Positions) {
+    if (answer.offset >= zm::MostPositions) {
         Fail("the file is too long for ZModem");
         return;
     }
@@ -182,7 +182,7 @@ void ZModemReceiver::OnDataContent(Time now) {
         SubpacketTaken(now);
         return;
     }
-    if (end >= zm::Positions) {
+    if (end >= zm::MostPositions) {
         Fail("the file is too long for ZModem");
         return;
     }

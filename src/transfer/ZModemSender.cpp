@@ -91,7 +91,7 @@ void ZModemSender::OnOther(std::uint8_t type, Time now) {
     case zm::Crc:
         if (m->state == State::FileSent) {
             const std::uint64_t limit = m->reader.Header().Position();
-            m->checksumEnd = limit == 0 ? zm::Positions - 1 : limit;
+            m->checksumEnd = limit == 0 ? zm::MostPositions - 1 : limit;
             m->checksumAt = 0;
             m->checksum = Crc32Start;
             m->state = State::Checksum;

@@ -138,7 +138,7 @@ void ZModemSender::SendPiece(Time now) {
     while (length > 1 && m->flow.MayAnswerFormer(m->position + length)) {
         --length;
     }
-    if (m->position + length >= zm::Positions) {
+    if (m->position + length >= zm::MostPositions) {
         Fail("the file is too long for ZModem");
         return;
     }

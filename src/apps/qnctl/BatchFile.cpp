@@ -4,6 +4,8 @@ namespace qnctl {
 namespace {
 
 constexpr std::string_view Blanks = " \t\r";
+/// A batch is read whole before its first call: a stream without an end would never get there.
+constexpr int MostBatchLines = 100'000;
 
 /// One word at the start of a text, which it is cut off from; nothing for a quote that does not
 /// end.
@@ -66,8 +68,17 @@ std::vector<BatchLine> ReadBatch(const std::string& name, qncomm::LineReader& in
                                  Outcome& outcome) {
     std::vector<BatchLine> lines;
     int number = 1;
-    for (auto text = input.ReadLine(); text; text = input.ReadLine(), ++number)
-        if (!AddLine(lines, *text, name + ":" + std::to_string(number), outcome)) break;
+    for (auto text = input.ReadLine(); text; text = input.ReadLine(), ++number) {
+        const std::string place = name + ":" + std::to_string(number);
+        if (number > MostBatchLines) {
+            outcome =
+                At(Refused(ExitStatus::Usage,
+                           "a batch has at most " + std::to_string(MostBatchLines) + " lines."),
+                   place);
+            break;
+        }
+        if (!AddLine(lines, *text, place, outcome)) break;
+    }
     return lines;
 }
 

@@ -1,8 +1,11 @@
 #include "console/LineReader.h"
 
+#include "common/QNError.h"
+#include "common/RuntimeErrors.h"
 #include "common/Wait.h"
 #include "platform/Suspension.h"
 
+#include <algorithm>
 #include <array>
 #include <cerrno>
 #include <csignal>
@@ -11,6 +14,15 @@
 #include <unistd.h>
 
 namespace qncomm {
+namespace {
+
+[[noreturn]] void RaiseTooLong() {
+    throw QNError(RtInvalidCall, "LineReader",
+                  "A line of the input has more than "
+                      + std::to_string(LineReader::LongestInputLine) + " bytes.");
+}
+
+} // namespace
 
 bool LineReader::IsTerminal() const {
     return ::isatty(mFd) == 1;
@@ -25,9 +37,15 @@ std::optional<std::string> LineReader::ReadLine() {
         if (got > 0) mRest.append(part.data(), static_cast<std::size_t>(got));
         ended = got == 0 || (got < 0 && errno != EINTR && errno != EAGAIN);
     });
-    std::size_t end = 0;
+    std::size_t end = std::string::npos;
     Wait wait(mReactor, {.wholeMs = WaitBounds::Endless}); // a person's time, or the input's
-    wait.UntilIn(mReactor, [&] { return (end = mRest.find('\n')) != std::string::npos || ended; });
+    wait.UntilIn(mReactor, [&] {
+        end = mRest.find('\n', mSought);
+        mSought = mRest.size();
+        if (std::min(end, mRest.size()) > LongestInputLine) RaiseTooLong();
+        return end != std::string::npos || ended;
+    });
+    mSought = 0;
     if (end == std::string::npos && mRest.empty()) return std::nullopt;
     std::string line = mRest.substr(0, end);
     mRest.erase(0, end == std::string::npos ? end : end + 1);

@@ -7,7 +7,7 @@ namespace qnsim {
 namespace {
 
 constexpr std::size_t HeaderSize = 128;
-constexpr int LargestSide = 8192;
+constexpr int LargestImageSide = 8192;
 
 int Byte(std::string_view file, std::size_t at) {
     return static_cast<unsigned char>(file[at]);
@@ -44,8 +44,8 @@ std::optional<Header> ReadHeader(std::string_view file) {
     header.rowBytes = Word(file, 66);
     header.packed = Byte(file, 2) == 1;
     header.oneIsBlack = version == 5 && SecondColourIsDarker(file);
-    const bool fits = header.width >= 1 && header.width <= LargestSide && header.height >= 1
-                      && header.height <= LargestSide && header.rowBytes * 8 >= header.width;
+    const bool fits = header.width >= 1 && header.width <= LargestImageSide && header.height >= 1
+                      && header.height <= LargestImageSide && header.rowBytes * 8 >= header.width;
     return fits ? std::optional(header) : std::nullopt;
 }
 

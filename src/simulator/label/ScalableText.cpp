@@ -18,7 +18,7 @@ constexpr double Degrees = 57.295779513;
 constexpr int WidestText = 32'000; // dots; a longer text is cut there
 /// How many times its size a font's line or character may be high or wide. A font file says of
 /// itself how large it is; what says more than this is not drawn.
-constexpr int MostEms = 4;
+constexpr int MostGlyphSizes = 4;
 
 /// The characters 0x80 to 0x9F of Windows-1252; 0 = none.
 constexpr std::array<char32_t, 32> WindowsExtras{
@@ -77,7 +77,7 @@ void Draw(const FT_GlyphSlotRec& glyph, int x, int baseLine, Bitmap& line) {
 
 /// Dots that a line of this font, or a character of it, may be high.
 int MostDots(const FontChoice& font, FT_UInt dotsPerInch) {
-    return MostEms * (font.points * static_cast<int>(dotsPerInch) / PointsPerInch + 1);
+    return MostGlyphSizes * (font.points * static_cast<int>(dotsPerInch) / PointsPerInch + 1);
 }
 
 bool LoadCharacter(FT_Face face, char c, int most) {

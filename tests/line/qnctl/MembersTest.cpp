@@ -86,6 +86,22 @@ TEST_F(Calls, WhatTheControlAnswersAloneNeedsNoPort) {
     EXPECT_EQ(Run({"call", "BackColor", "--port", "sim:R9"}).status, 2) << "a port was named";
 }
 
+TEST_F(Calls, OfABatchAreOneHundredThousandLinesAndNoneLongerThanAMebibyte) {
+    const std::string comments = [] {
+        std::string lines;
+        for (int line = 0; line < 100'000; ++line)
+            lines += "#\n";
+        return lines;
+    }();
+    EXPECT_EQ(Run({"batch", "-"}, comments).status, 0);
+    const Ended more = Run({"batch", "-"}, comments + "#\n");
+    EXPECT_EQ(more.status, 2);
+    EXPECT_EQ(more.err, "qnctl: -:100001: a batch has at most 100000 lines.\n");
+    const Ended longer = Run({"batch", "-"}, "#" + std::string(1 << 20, 'x') + "\n");
+    EXPECT_EQ(longer.status, 1);
+    EXPECT_THAT(longer.err, testing::HasSubstr("more than 1048576 bytes"));
+}
+
 TEST_F(Calls, WhatAMemberRaisesIsTold) {
     const Ended raised = OnPrinter({"call", "Version", "7"});
     EXPECT_EQ(raised.status, 1);

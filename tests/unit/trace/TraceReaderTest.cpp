@@ -74,6 +74,34 @@ TEST_F(TraceFile, StandsForNoMoreBytesThanAMemoryBears) {
               mPath + ": line 5 stands for more bytes than are replayed");
 }
 
+TEST_F(TraceFile, HasNoMoreRecordsThanAMemoryBears) {
+    const std::string record = R"({"ms":0,"kind":"rx","bytes":"a"})"
+                               "\n";
+    Write(record + record);
+    EXPECT_TRUE(ReadTrace(mPath, 2).result.Ok());
+    Write(record + record + record);
+    EXPECT_EQ(ReadTrace(mPath, 2).result.text, mPath + ": line 3 is one record more than are read");
+}
+
+TEST_F(TraceFile, HasNoLineThatIsLongerThanARecord) {
+    const std::string begin = R"({"ms":0,"kind":"rx","bytes":")";
+    const std::string end = R"("})";
+    const std::string most(LongestTraceLine - begin.size() - end.size(), 'a');
+    Write(begin + most + end + "\n");
+    const TraceReading reading = ReadTrace(mPath);
+    ASSERT_EQ(reading.records.size(), 1U);
+    EXPECT_EQ(reading.records[0].bytes.size(), most.size());
+    Write(begin + most + "a" + end + "\n");
+    EXPECT_THAT(ReadTrace(mPath).result.text, HasSubstr("line 1 is no record"));
+}
+
+TEST_F(TraceFile, NestsAsDeepAsItLikesAndIsNoRecord) {
+    Write(std::string(1 << 20, '[') + "\n");
+    EXPECT_THAT(ReadTrace(mPath).result.text, HasSubstr("line 1 is no record"));
+    Write(std::string(1 << 20, '[') + std::string(1 << 20, ']') + "\n");
+    EXPECT_THAT(ReadTrace(mPath).result.text, HasSubstr("line 1 is no record"));
+}
+
 TEST_F(TraceFile, FileThatIsNotThereIsAResult) {
     EXPECT_EQ(ReadTrace(mPath + "/none").result.status, IoStatus::Missing);
 }

@@ -6,7 +6,7 @@ namespace qnterm {
 namespace {
 
 constexpr qsizetype HeaderSize = 128;
-constexpr int LargestSide = 8192; // dots; beyond any label
+constexpr int LargestShownSide = 8192; // dots; beyond any label
 constexpr unsigned RunMark = 0xC0;
 constexpr unsigned RunLength = 0x3F;
 
@@ -69,7 +69,7 @@ QImage DecodePcx(const QByteArray& bytes) {
     const int width = header.Width();
     const int height = header.Height();
     const int lineBytes = header.BytesPerLine();
-    if (width < 1 || height < 1 || width > LargestSide || height > LargestSide
+    if (width < 1 || height < 1 || width > LargestShownSide || height > LargestShownSide
         || lineBytes * 8 < width)
         return {};
     QImage image(width, height, QImage::Format_Mono);

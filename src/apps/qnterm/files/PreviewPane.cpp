@@ -22,14 +22,14 @@ namespace qnterm {
 namespace {
 
 constexpr int PictureHeight = 120;
-constexpr std::uint64_t LargestFile = 16U << 20U;
+constexpr std::uint64_t LargestPreview = 16U << 20U;
 constexpr int Margin = 6;
 constexpr qreal SampleSize = 26;
 
 /// The file's bytes; none when it cannot be shown.
 QByteArray BytesOf(const QString& path) {
     std::string bytes;
-    static_cast<void>(qncomm::ReadWholeFile(path.toStdString(), {.limit = LargestFile}, bytes));
+    static_cast<void>(qncomm::ReadWholeFile(path.toStdString(), {.limit = LargestPreview}, bytes));
     return QByteArray::fromStdString(bytes);
 }
 

@@ -29,6 +29,9 @@
 namespace qnterm {
 namespace {
 
+/// Bytes; beyond any printer's memory.
+constexpr std::uint64_t LargestModule = 4U << 20U;
+
 QTableView* NewErrorView(ModuleErrorTable& errors) {
     auto* view = new QTableView;
     view->setModel(&errors);
@@ -115,10 +118,9 @@ void ModuleBrowser::ChooseFile() {
 }
 
 void ModuleBrowser::OpenFile(const QString& sPath) {
-    constexpr std::uint64_t largest = 4U << 20U; // beyond any printer's memory
     std::string text;
     const qncomm::IoResult read =
-        qncomm::ReadWholeFile(sPath.toStdString(), {.limit = largest}, text);
+        qncomm::ReadWholeFile(sPath.toStdString(), {.limit = LargestModule}, text);
     if (!read.Ok()) {
         Say(read.systemNumber == EFBIG
                 ? tr("%1 is too large for a module.").arg(QFileInfo(sPath).fileName())

@@ -37,9 +37,17 @@ struct TraceReading {
 /// Bytes of a trace that is read: some days of a line at 115,200 baud.
 inline constexpr std::uint64_t LargestTrace = std::uint64_t{1} << 30U;
 
-/// Reads a whole trace, which must be a regular file of at most LargestTrace bytes, with times of 0
-/// to 10^12 ms, and at most 64 MiB that were taken out. A last line
-/// that was cut short, as a killed program leaves it, is left out.
-TraceReading ReadTrace(const std::string& sPath);
+/// Bytes of one of its lines: a record is what one read or write of a port has moved.
+inline constexpr std::size_t LongestTraceLine = std::size_t{8} * 1024 * 1024;
+/// Its records; each takes some times more memory than the shortest line has bytes.
+inline constexpr std::size_t MostTraceRecords = std::size_t{8} * 1024 * 1024;
+/// Bytes that its records may stand for without holding them: a few characters of text each would
+/// otherwise become a memory full of dots.
+inline constexpr std::size_t MostRedactedOfAll = std::size_t{64} * 1024 * 1024;
+
+/// Reads a whole trace, which must be a regular file, within the limits above and with times of 0
+/// to 10^12 ms. A last line that was cut short, as a killed program leaves it, is left out. A
+/// caller may bear fewer records.
+TraceReading ReadTrace(const std::string& sPath, std::size_t lMostRecords = MostTraceRecords);
 
 } // namespace qncomm

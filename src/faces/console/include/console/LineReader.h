@@ -2,6 +2,7 @@
 
 #include "platform/Reactor.h"
 
+#include <cstddef>
 #include <iosfwd>
 #include <optional>
 #include <string>
@@ -18,13 +19,18 @@ class LineReader {
     /// Whether the descriptor is a terminal, so that a user can answer.
     bool IsTerminal() const;
 
-    /// The next line without its end; nothing at the end of the input. Throws what Yield throws.
+    /// Bytes of a line: a longer one is no line of a person's or a batch's.
+    static constexpr std::size_t LongestInputLine = std::size_t{1024} * 1024;
+
+    /// The next line without its end; nothing at the end of the input. Throws what Yield throws,
+    /// and raises 5, source "LineReader", for a line of more than LongestInputLine bytes.
     std::optional<std::string> ReadLine();
 
   private:
     Reactor& mReactor;
     int mFd;
     std::string mRest;
+    std::size_t mSought = 0; ///< how much of mRest was searched for the line's end
 };
 
 /// Reads the answer to a question that stands on err. When none comes, because the input ends or
