@@ -3,6 +3,7 @@
 #include "common/Pointer.h"
 #include "qt/BusyCursor.h"
 #include "qt/QtServices.h"
+#include "qt/ShownText.h"
 #include "testing/face/Accessible.h"
 #include "testing/face/Pictures.h"
 #include "testing/face/Windows.h"
@@ -17,6 +18,7 @@
 #include <QLoggingCategory>
 #include <QMessageBox>
 #include <QTest>
+#include <QTextDocument>
 
 #include <memory>
 
@@ -193,6 +195,32 @@ TEST_F(BusyPointers, LetABoxHaveItsOwnCursorAndStayBusy) {
     });
     mServices.desktop.ShowMsgBox({.text = "No printer.", .title = {}});
     EXPECT_TRUE(ShowsBusy());
+}
+
+// -- Texts of others
+
+TEST(ShownTexts, ShowControlsAndMarksThatTurnATextAround) {
+    EXPECT_EQ(ShownText(u"a\u202Egnp.\u2066\x1B[2J\x7F\u009B\nb"_qs).toStdString(),
+              "a\\u202Egnp.\\u2066\\x1B[2J\\x7F\\x9B\nb");
+    EXPECT_EQ(ShownText(u"\u00E4 <b>"_qs), u"\u00E4 <b>"_qs);
+}
+
+TEST(ShownTexts, AreNoMarkupInATip) {
+    EXPECT_EQ(TextOfATip(u"LABEL,WIDTH"_qs), u"LABEL,WIDTH"_qs);
+    EXPECT_EQ(TextOfATip(u"a < b"_qs), u"a < b"_qs);
+    const QString tip = TextOfATip(u"<img src='file:///etc/passwd'><b>x\u202E</b>"_qs);
+    EXPECT_TRUE(Qt::mightBeRichText(tip));
+    QTextDocument shown;
+    shown.setHtml(tip);
+    EXPECT_EQ(shown.toPlainText().toStdString(), "<img src='file:///etc/passwd'><b>x\\u202E</b>");
+}
+
+TEST(ShownTexts, AreNoMarkupInABoxEither) {
+    const std::unique_ptr<QMessageBox> box(
+        NewBox(QMessageBox::Warning, u"t\u202E"_qs, u"<b>x</b>\x1B"_qs, QMessageBox::Ok, nullptr));
+    EXPECT_EQ(box->textFormat(), Qt::PlainText);
+    EXPECT_EQ(box->text().toStdString(), "<b>x</b>\\x1B");
+    EXPECT_EQ(box->windowTitle().toStdString(), "t\\u202E");
 }
 
 TEST_F(BusyPointers, OfTwoControlsAreOne) {

@@ -71,6 +71,29 @@ constexpr std::array GuardedCalls{
     GuardedCall{"QFile QSaveFile QTemporaryFile QSettings",
                 R"(\bQ(File|SaveFile|TemporaryFile|Settings)\b\s*[\w(])", "opens",
                 "apps/qnterm/window/Icons.cpp faces/qt/frame/Icons.cpp"},
+    // Texts of others: each place where they are shown has one function, and one file that goes
+    // there.
+    GuardedCall{"cout", R"(\bstd::cout\b)", "shows a text as it is",
+                "apps/qnctl/Output.cpp apps/qnsim/main.cpp apps/qnterm/main.cpp"},
+    GuardedCall{"cerr clog", R"(\bstd::(cerr|clog)\s*<<)", "shows a text as it is",
+                "apps/qnctl/Output.cpp apps/qnsim/main.cpp apps/qnterm/main.cpp"},
+    GuardedCall{"printf puts putchar stdout stderr",
+                R"(\b(v?f?printf|f?puts|f?putc|putchar)\s*\(|\b(stdout|stderr)\b)",
+                "shows a text as it is", ""},
+    GuardedCall{"QMessageBox QErrorMessage",
+                R"(\bnew\s+QMessageBox\b|\bQMessageBox\s+\w+\s*[({;]|\bQErrorMessage\b|)"
+                R"(\bQMessageBox::(about|critical|information|question|warning)\b)",
+                "shows a box that guesses", "faces/qt/services/ShownText.cpp"},
+    GuardedCall{"setInformativeText setToolTip showText",
+                R"(\b(setInformativeText|setToolTip|QToolTip::showText)\s*\((?!\s*(tr|TextOfATip|)"
+                R"(qncomm::TextOfATip|AsMarkup)\s*\())",
+                "shows a tip that guesses",
+                "faces/qt/dialogs/ElidedLabel.cpp faces/qt/terminal/SearchBar.cpp "
+                "apps/qnterm/window/CommandBar.cpp"},
+    GuardedCall{"ToolTipRole", R"(ToolTipRole\b(?!\s*(&&[^;]*)?\)\s*return qncomm::TextOfATip\())",
+                "shows a tip that guesses", ""},
+    GuardedCall{"RichText setHtml insertHtml", R"(\b(Qt::RichText|setHtml|insertHtml)\b)",
+                "shows markup", "apps/qnterm/window/StatusView.cpp"},
     GuardedCall{"WaitForReceive", R"(\bwhile\s*\([^;{]*\bWaitForReceive\s*\()", "loops on a line",
                 ""},
 };

@@ -1,4 +1,5 @@
-// One kind of wait: nothing else in the product sleeps, polls, blocks or loops on a clock.
+// One kind of wait, one way to open files, one way to each place where texts of others are shown:
+// nothing else in the product sleeps, polls, blocks, loops on a clock, opens, or shows them.
 
 #include "CallRules.h"
 
@@ -41,6 +42,24 @@ TEST(CallRules, RefuseFilesThatAreOpenedWithoutALook) {
     EXPECT_THAT(StrayCalls("platform/FileOpening.cpp", "::open(path, flags)"), IsEmpty());
 }
 
+TEST(CallRules, RefuseWaysAroundTheFunctionsForTextsOfOthers) {
+    for (const char* shown :
+         {"std::cout << name;", "std::cerr << \"x\" << name;", "std::printf(format, name);",
+          "std::fprintf(file, format);", "new QMessageBox(icon, title, text);",
+          "QMessageBox box(this);", "QMessageBox::warning(this, title, text);",
+          "item->setToolTip(path);", "box->setInformativeText(sDetail);",
+          "if (role == Qt::ToolTipRole) return node.key;", "label->setTextFormat(Qt::RichText);"})
+        EXPECT_THAT(StrayCalls("apps/qnterm/X.cpp", shown), ElementsAre(HasSubstr("shows")))
+            << shown;
+    for (const char* shown :
+         {"out.Note(name);", "action->setToolTip(tr(\"Close\"));",
+          "item->setToolTip(qncomm::TextOfATip(path));",
+          "if (role == Qt::ToolTipRole && row > 1) return qncomm::TextOfATip(key);",
+          "QMessageBox* box = qncomm::NewBox(QMessageBox::Warning, title, text);",
+          "std::snprintf(text.data(), text.size(), format, value);"})
+        EXPECT_THAT(StrayCalls("apps/qnterm/X.cpp", shown), IsEmpty()) << shown;
+}
+
 TEST(CallRules, LetTheirPlacesSleep) {
     EXPECT_THAT(StrayCalls("platform/PollCalls.h", "::ppoll(entries, count, limit, nullptr);"),
                 IsEmpty());
@@ -61,7 +80,7 @@ TEST(CallRules, ReadCodeAlone) {
                 ElementsAre(HasSubstr("link/X.cpp:4 sleeps")));
 }
 
-TEST(TheHouse, WaitsAndOpensFilesInOneWay) {
+TEST(TheHouse, WaitsOpensFilesAndShowsTextsOfOthersInOneWay) {
     std::vector<std::string> stray;
     int files = 0;
     for (const auto& entry : fs::recursive_directory_iterator(Sources)) {

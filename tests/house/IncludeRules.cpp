@@ -54,7 +54,7 @@ constexpr std::array Rules{
     Rule{"apps/qnctl", "qnctl", World::System,
          "console diagnosis trace serial assembly automation control printer link dialogs common "
          "platform"},
-    Rule{"apps/qnsim", "qnsim", World::System, "endpoints simulator trace platform"},
+    Rule{"apps/qnsim", "qnsim", World::System, "endpoints simulator trace platform common"},
     Rule{
         "apps/qnterm", "qnterm", World::Toolkit,
         "qt diagnosis trace serial assembly automation terminal terminal/view control printer link "

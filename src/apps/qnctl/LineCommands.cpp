@@ -11,7 +11,6 @@
 #include <CLI/CLI.hpp>
 
 #include <cstdlib>
-#include <iostream>
 
 #include <unistd.h>
 
@@ -48,9 +47,9 @@ Outcome Send(Session& session, const SendArguments& arguments) {
 
 void Greet(Session& session) {
     if (!session.Options().quiet)
-        std::cerr << "Connected to " << session.PortName()
-                  << ". Ctrl-] ends. Ctrl-T ? shows more keys.\r\n"
-                  << std::flush;
+        session.Out().Aside("Connected to " + session.PortName()
+                                + ". Ctrl-] ends. Ctrl-T ? shows more keys.",
+                            "\r\n");
 }
 
 /// Why there was no break; empty when there was one.
@@ -87,7 +86,7 @@ Outcome RunTerminal(Session& session, const std::string& capture) {
     const ShownTerminal shown(session, [&](std::string_view text) { terminal.Show(text); });
     session.Disconnect(); // the terminal's own claim keeps the port open
     const bool done = terminal.Run();
-    if (::isatty(STDIN_FILENO) == 1) std::cerr << std::endl; // the prompt gets a line of its own
+    if (::isatty(STDIN_FILENO) == 1) session.Out().Aside({}); // the prompt gets a line of its own
     if (const int error = terminal.OutputError(); error != 0) return OutputLost(error);
     if (done) return {};
     const auto& failure = serial.LastFailure();

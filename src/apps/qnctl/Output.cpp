@@ -37,6 +37,14 @@ void Output::Line(std::string_view sText) const {
     Look();
 }
 
+void Output::Note(std::string_view sLine) const {
+    Aside("qnctl: " + qncomm::DisplayText(sLine));
+}
+
+void Output::Aside(std::string_view sLine, std::string_view sEnd) const {
+    std::cerr << qncomm::WithoutControls(qncomm::DisplayText(sLine)) << sEnd << std::flush;
+}
+
 void Output::Text(std::string_view sText) const {
     std::cout << sText << std::flush;
     Look();
@@ -80,17 +88,16 @@ void Output::Failure(const Outcome& outcome) const {
         std::cerr << TextOf(Json{{"error", error}}) << std::endl;
         return;
     }
-    std::cerr << "qnctl: " << (outcome.place.empty() ? "" : outcome.place + ": ");
+    const std::string place = outcome.place.empty() ? "" : outcome.place + ": ";
     if (outcome.status == ExitStatus::Error && outcome.number != 0) {
-        std::cerr << "error " << outcome.number << ": " << qncomm::WithoutControls(message) << " ["
-                  << outcome.source << "]" << std::endl;
-    } else {
-        // Made here, and may have several lines; what they name may come from elsewhere.
-        std::istringstream lines(message);
-        for (std::string line; std::getline(lines, line);)
-            std::cerr << qncomm::WithoutControls(line) << '\n';
-        std::cerr << std::flush;
+        Note(place + "error " + std::to_string(outcome.number) + ": " + message + " ["
+             + outcome.source + "]");
+        return;
     }
+    // Made here, and may have several lines; what they name may come from elsewhere.
+    std::istringstream lines("qnctl: " + place + message);
+    for (std::string line; std::getline(lines, line);)
+        Aside(line);
 }
 
 } // namespace qnctl

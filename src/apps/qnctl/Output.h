@@ -27,6 +27,13 @@ class Output {
     /// A line of text (UTF-8) without its end; control characters are shown, not sent.
     void Line(std::string_view sText) const;
 
+    /// A line for the error stream, behind the program's name; control characters are shown.
+    void Note(std::string_view sLine) const;
+
+    /// The same without the program's name. A terminal that is typed at raw wants "\r\n" for an
+    /// end.
+    void Aside(std::string_view sLine, std::string_view sEnd = "\n") const;
+
     /// Text of the printer's as it is, at once.
     void Text(std::string_view sText) const;
 

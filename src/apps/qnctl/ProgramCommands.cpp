@@ -11,7 +11,6 @@
 
 #include <CLI/CLI.hpp>
 
-#include <iostream>
 #include <memory>
 
 namespace qnctl {
@@ -48,12 +47,10 @@ Outcome ShowFreeMemory(Session& session) {
 }
 
 /// One line that editors can jump to, and the program line under it.
-void ShowModuleError(const qncomm::clsQNModuleError& error) {
-    const auto shown = [](const std::string& bytes) {
-        return qncomm::WithoutControls(qncomm::Utf8FromPrinter(bytes));
-    };
-    std::cerr << error.QNModuleName << ':' << error.QNErrInLine << ": error " << error.QNErrCode
-              << ": " << shown(error.QNErrDesc) << "\n    " << shown(error.QNText) << std::endl;
+void ShowModuleError(const Output& out, const qncomm::clsQNModuleError& error) {
+    out.Aside(error.QNModuleName + ":" + std::to_string(error.QNErrInLine) + ": error "
+              + std::to_string(error.QNErrCode) + ": " + qncomm::Utf8FromPrinter(error.QNErrDesc));
+    out.Aside("    " + qncomm::Utf8FromPrinter(error.QNText));
 }
 
 Json DocumentOf(const qncomm::clsQNModuleError& error) {
@@ -92,7 +89,7 @@ Outcome UploadModule(Session& session, const UploadArguments& arguments) {
         if (json)
             list.push_back(DocumentOf(*error));
         else
-            ShowModuleError(*error);
+            ShowModuleError(session.Out(), *error);
     }
     const std::string savedAs = qncomm::Utf8FromPrinter(module.sTargetPath);
     if (json) session.Out().Document({{"target", savedAs}, {"errors", list}});

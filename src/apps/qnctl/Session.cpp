@@ -31,11 +31,11 @@ std::int32_t TerminalWidth() {
     return ::ioctl(STDERR_FILENO, TIOCGWINSZ, &size) == 0 && size.ws_col > 0 ? size.ws_col : usual;
 }
 
-std::shared_ptr<qncomm::FileSettings> StoreFor(const GlobalOptions& options,
+std::shared_ptr<qncomm::FileSettings> StoreFor(const GlobalOptions& options, const Output& output,
                                                const qncomm::Interrupt& interrupt) {
     return std::make_shared<qncomm::FileSettings>(
         options.settings.empty() ? qncomm::FileSettings::DefaultPath() : options.settings,
-        [](std::string_view line) { std::cerr << "qnctl: " << line << std::endl; }, &interrupt);
+        [&output](std::string_view line) { output.Note(line); }, &interrupt);
 }
 
 } // namespace
@@ -49,10 +49,10 @@ Session::Session(const GlobalOptions& options, const Output& output)
              .style = StyleFor(options),
              .width = TerminalWidth(),
              .log = [this](std::string_view line) { Note(line); }}),
-      mStore(StoreFor(options, mInterrupt)),
+      mStore(StoreFor(options, output, mInterrupt)),
       mBook(mStore, qncomm::AllChannelKinds()) {
     for (const std::string& line : mBook.Warnings())
-        std::cerr << "qnctl: " << line << std::endl;
+        mOutput.Note(line);
 }
 
 Session::~Session() {

@@ -8,7 +8,6 @@
 
 #include "platform/StandardStreams.h"
 
-#include <cstdio>
 #include <exception>
 #include <utility>
 
@@ -67,7 +66,7 @@ int main(int argc, char** argv) {
     try {
         return static_cast<int>(qnctl::RunProgram(argc, argv));
     } catch (const std::exception& error) { // such as memory that ran out
-        static_cast<void>(std::fprintf(stderr, "qnctl: %s\n", error.what()));
+        qnctl::Output(false).Note(error.what());
         return static_cast<int>(qnctl::ExitStatus::Error);
     }
 }

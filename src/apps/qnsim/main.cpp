@@ -1,4 +1,5 @@
 // qnsim: a virtual label printer on a pseudo-terminal, a socket or a remote serial port.
+#include "common/SafeText.h"
 #include "endpoints/PrinterServer.h"
 #include "endpoints/PtyEndpoint.h"
 #include "endpoints/ReplayServer.h"
@@ -23,6 +24,11 @@ namespace {
 constexpr int ExitOtherwise = 1; // a replayed session went otherwise than recorded
 constexpr int ExitUsage = 2;
 constexpr int ExitNoEndpoint = 4;
+
+/// A line on the error stream, whatever a file or a path in it holds.
+void Complain(const std::string& what) {
+    std::cerr << "qnsim: " << qncomm::WithoutControls(what) << std::endl;
+}
 
 struct Arguments {
     std::vector<std::pair<std::string, std::string>> options; // name and value, as in an address
@@ -126,14 +132,14 @@ std::unique_ptr<qncomm::FdWatch> StopOn(qncomm::Interrupt& interrupt, qncomm::Re
 int Replay(const Arguments& arguments) {
     qncomm::TraceReading reading = qncomm::ReadTrace(arguments.replay);
     if (!reading.result.Ok()) {
-        std::cerr << "qnsim: " << reading.result.text << '\n';
+        Complain(reading.result.text);
         return ExitUsage;
     }
     qncomm::Interrupt interrupt;
     qncomm::PollLoop loop;
     const OpenedEndpoint opened = OpenEndpoint(loop, arguments);
     if (!opened.endpoint) {
-        std::cerr << "qnsim: " << opened.error << '\n';
+        Complain(opened.error);
         return ExitNoEndpoint;
     }
     std::cout << opened.endpoint->Address() << std::endl;
@@ -142,7 +148,7 @@ int Replay(const Arguments& arguments) {
     const auto stop = StopOn(interrupt, loop, server);
     const std::string ended = server.Run();
     if (ended.empty()) return 0;
-    std::cerr << "qnsim: " << arguments.replay << ": " << ended << '\n';
+    Complain(arguments.replay + ": " + ended);
     return ExitOtherwise;
 }
 
@@ -151,20 +157,20 @@ int Serve(const Options& options, const Arguments& arguments) {
     qncomm::PollLoop loop;
     const OpenedEndpoint opened = OpenEndpoint(loop, arguments);
     if (!opened.endpoint) {
-        std::cerr << "qnsim: " << opened.error << '\n';
+        Complain(opened.error);
         return ExitNoEndpoint;
     }
     VirtualPrinter printer(options);
     if (!printer.Problem().empty()) {
-        std::cerr << "qnsim: " << printer.Problem() << '\n';
+        Complain(printer.Problem());
         return ExitNoEndpoint;
     }
     std::cout << opened.endpoint->Address() << std::endl;
     PrinterServer server(printer, *opened.endpoint, loop);
     const auto stop = StopOn(interrupt, loop, server);
     const bool stopped = server.Run();
-    if (!stopped) std::cerr << "qnsim: the line was cut\n";
-    if (!printer.Problem().empty()) std::cerr << "qnsim: " << printer.Problem() << '\n';
+    if (!stopped) Complain("the line was cut");
+    if (!printer.Problem().empty()) Complain(printer.Problem());
     return printer.Problem().empty() ? 0 : ExitOtherwise;
 }
 
@@ -182,7 +188,7 @@ int Run(int argc, char** argv) {
     if (!arguments.replay.empty()) return Replay(arguments);
     const ParseResult parsed = ReadOptions(arguments);
     if (parsed.options) return Serve(*parsed.options, arguments);
-    std::cerr << "qnsim: " << parsed.error << '\n';
+    Complain(parsed.error);
     return ExitUsage;
 }
 
@@ -194,7 +200,7 @@ int main(int argc, char** argv) {
     try {
         return qnsim::Run(argc, argv);
     } catch (const std::exception& error) {
-        std::cerr << "qnsim: " << error.what() << '\n';
+        qnsim::Complain(error.what());
         return 1;
     }
 }

@@ -1,6 +1,7 @@
 #include "CommandLine.h"
 #include "MainWindow.h"
 
+#include "common/SafeText.h"
 #include "platform/Interrupt.h"
 #include "platform/StandardStreams.h"
 #include "trace/JsonLinesTrace.h"
@@ -16,6 +17,11 @@ namespace {
 
 constexpr int UsageStatus = 2;
 
+/// A line on the error stream, whatever a file or a path in it holds.
+void Complain(std::string_view what) {
+    std::cerr << "qnterm: " << qncomm::WithoutControls(what) << std::endl;
+}
+
 QStringList ArgumentsOf(int argc, char** argv) {
     QStringList arguments;
     for (int i = 0; i < argc; ++i)
@@ -24,10 +30,10 @@ QStringList ArgumentsOf(int argc, char** argv) {
 }
 
 std::shared_ptr<qncomm::FileSettings> StoreFor(const qnterm::StartOptions& options) {
-    return std::make_shared<qncomm::FileSettings>(
-        options.settings.isEmpty() ? qncomm::FileSettings::DefaultPath()
-                                   : options.settings.toStdString(),
-        [](std::string_view line) { std::cerr << "qnterm: " << line << std::endl; });
+    return std::make_shared<qncomm::FileSettings>(options.settings.isEmpty()
+                                                      ? qncomm::FileSettings::DefaultPath()
+                                                      : options.settings.toStdString(),
+                                                  [](std::string_view line) { Complain(line); });
 }
 
 /// What travels on the line is written there; outlives the application, as the control may say
@@ -36,7 +42,7 @@ std::shared_ptr<qncomm::FileSettings> StoreFor(const qnterm::StartOptions& optio
 std::unique_ptr<qncomm::JsonLinesTrace> TraceTo(const std::string& path) {
     auto trace = std::make_unique<qncomm::JsonLinesTrace>(path);
     if (trace->Result().Ok()) return trace;
-    std::cerr << "qnterm: --trace " << trace->Result().text << "\n";
+    Complain("--trace " + trace->Result().text);
     return nullptr;
 }
 

@@ -37,7 +37,7 @@ StatusLine::~StatusLine() {
 
 void StatusLine::Show(std::string_view sMessage, std::int32_t lPercent, std::string_view sDetail) {
     const std::string message = WithoutControls(DisplayText(sMessage));
-    const std::string detail = sDetail.empty() ? "" : "  " + std::string(sDetail);
+    const std::string detail = sDetail.empty() ? "" : "  " + WithoutControls(DisplayText(sDetail));
     switch (mStyle) {
     case Style::Off:
         return;

@@ -77,6 +77,15 @@ TEST(SetupModelTest, SectionsBeyondTheDeepestAreOneName) {
     EXPECT_TRUE(beyond.back().startsWith("P,Q,"));
 }
 
+TEST(SetupModelTest, AKeyIsNoMarkupInItsTip) {
+    PrinterSetup setup;
+    setup.Add(std::make_shared<clsPrinterSetupItem>(clsPrinterSetupItem{"<img src=x>", "1"}), "k");
+    SetupModel model;
+    model.SetItems(setup);
+    EXPECT_THAT(model.index(0, 0).data(Qt::ToolTipRole).toString().toStdString(),
+                HasSubstr("&lt;img src=x&gt;"));
+}
+
 TEST(SetupModelTest, SectionsOfOneNameInDifferentPlacesAreDifferent) {
     PrinterSetup setup;
     for (const char* key : {"A,X,1", "B,X,1", "A,X,2", "A,1"})

@@ -1,5 +1,7 @@
 #include "LabelView.h"
 
+#include "qt/ShownText.h"
+
 #include <QDir>
 #include <QFileSystemWatcher>
 #include <QLabel>
@@ -93,7 +95,7 @@ void LabelView::AddThumbnail(const QString& path) {
                                          Qt::SmoothTransformation);
     auto* item = new QListWidgetItem(QIcon(small), QString::number(mNames.size() + 1), mHistory);
     item->setData(Qt::UserRole, path);
-    item->setToolTip(path);
+    item->setToolTip(qncomm::TextOfATip(path));
 }
 
 void LabelView::ShowRow(int row) {

@@ -1,8 +1,25 @@
 #include "ModuleErrorTable.h"
 
 #include "qt/Charset.h"
+#include "qt/ShownText.h"
 
 namespace qnterm {
+namespace {
+
+QVariant TextOf(const qncomm::clsQNModuleError& error, int column) {
+    switch (column) {
+    case ModuleErrorTable::LineColumn:
+        return error.QNErrInLine;
+    case ModuleErrorTable::ErrorColumn:
+        return QStringLiteral("%1 (%2)")
+            .arg(qncomm::FromLine(error.QNErrDesc))
+            .arg(error.QNErrCode);
+    default:
+        return qncomm::FromLine(error.QNText);
+    }
+}
+
+} // namespace
 
 void ModuleErrorTable::SetErrors(const std::shared_ptr<qncomm::ModuleErrors>& errors) {
     beginResetModel();
@@ -28,17 +45,10 @@ QVariant ModuleErrorTable::data(const QModelIndex& index, int role) const {
     const qncomm::clsQNModuleError& error = *mErrors.at(static_cast<std::size_t>(index.row()));
     if (role == Qt::TextAlignmentRole && index.column() == LineColumn)
         return static_cast<int>(Qt::AlignRight | Qt::AlignVCenter);
-    if (role != Qt::DisplayRole && role != Qt::ToolTipRole) return {};
-    switch (index.column()) {
-    case LineColumn:
-        return error.QNErrInLine;
-    case ErrorColumn:
-        return QStringLiteral("%1 (%2)")
-            .arg(qncomm::FromLine(error.QNErrDesc))
-            .arg(error.QNErrCode);
-    default:
-        return qncomm::FromLine(error.QNText);
-    }
+    if (role == Qt::DisplayRole) return TextOf(error, index.column());
+    if (role == Qt::ToolTipRole)
+        return qncomm::TextOfATip(TextOf(error, index.column()).toString());
+    return {};
 }
 
 QVariant ModuleErrorTable::headerData(int section, Qt::Orientation orientation, int role) const {

@@ -1,6 +1,7 @@
 #include "SetupModel.h"
 
 #include "qt/Charset.h"
+#include "qt/ShownText.h"
 
 #include <QFont>
 
@@ -138,7 +139,7 @@ QVariant SetupModel::data(const QModelIndex& index, int role) const {
     if (role == KeyRole) return node.key;
     if (role == Qt::DisplayRole || role == Qt::EditRole)
         return index.column() == NameColumn ? node.name : node.value;
-    if (role == Qt::ToolTipRole && !node.key.isEmpty()) return node.key;
+    if (role == Qt::ToolTipRole && !node.key.isEmpty()) return qncomm::TextOfATip(node.key);
     return {};
 }
 

@@ -3,6 +3,7 @@
 #include "diagnosis/Diagnosis.h"
 #include "qt/Charset.h"
 #include "qt/Mnemonics.h"
+#include "qt/ShownText.h"
 
 #include <QApplication>
 #include <QClipboard>
@@ -26,7 +27,7 @@ constexpr QSize UsualSize{760, 520};
 WhyDialog::WhyDialog(const qncomm::Examined& examined, QWidget* parent) : QDialog(parent) {
     const qncomm::Verdict verdict = qncomm::VerdictOf(examined);
     setWindowTitle(tr("Why does no printer answer?"));
-    auto* text = new QLabel(qncomm::FromEither(verdict.text));
+    auto* text = new QLabel(qncomm::ShownText(qncomm::FromEither(verdict.text)));
     QFont large = text->font();
     large.setBold(true);
     text->setFont(large);
@@ -94,13 +95,13 @@ QTableWidget* WhyDialog::Findings(const qncomm::Examined& examined) {
         const qncomm::Check& check = checks[static_cast<std::size_t>(row)];
         const QString texts[] = {QString::fromStdString(check.name),
                                  QString::fromLatin1(qncomm::NameOf(check.result)),
-                                 qncomm::FromEither(check.text)};
+                                 qncomm::ShownText(qncomm::FromEither(check.text))};
         QFont font = table->font();
         font.setBold(check.result == qncomm::CheckResult::Fail);
         for (int column = 0; column < table->columnCount(); ++column) {
             auto* item = new QTableWidgetItem(texts[column]);
             item->setFont(font);
-            item->setToolTip(texts[column]);
+            item->setToolTip(qncomm::TextOfATip(texts[column]));
             table->setItem(row, column, item);
         }
     }

@@ -1,6 +1,7 @@
 #include "Ask.h"
 
 #include "qt/Mnemonics.h"
+#include "qt/ShownText.h"
 
 #include <QFileDialog>
 #include <QInputDialog>
@@ -42,10 +43,10 @@ void AskText(QWidget* parent, const QString& sTitle, const QString& sLabel, cons
 
 void AskBefore(QWidget* parent, const QString& sText, const QString& sDetail,
                const QString& sButton, const std::function<void()>& agreed) {
-    auto* box = new QMessageBox(QMessageBox::Warning, {}, sText, QMessageBox::Cancel, parent);
+    QMessageBox* box = qncomm::NewBox(QMessageBox::Warning, {}, sText, QMessageBox::Cancel, parent);
     box->setAttribute(Qt::WA_DeleteOnClose);
     box->setWindowTitle(QString(sButton).remove(QLatin1Char('&')));
-    box->setInformativeText(sDetail);
+    box->setInformativeText(qncomm::TextOfATip(sDetail));
     const QPushButton* button = box->addButton(sButton, QMessageBox::AcceptRole);
     box->setDefaultButton(QMessageBox::Cancel);
     qncomm::GiveMnemonics(*box);
@@ -56,8 +57,8 @@ void AskBefore(QWidget* parent, const QString& sText, const QString& sDetail,
 
 void AskWhatNow(QWidget* parent, const QString& sTitle, const QString& sText,
                 const QList<Choice>& choices) {
-    auto* box =
-        new QMessageBox(QMessageBox::Information, sTitle, sText, QMessageBox::Close, parent);
+    QMessageBox* box =
+        qncomm::NewBox(QMessageBox::Information, sTitle, sText, QMessageBox::Close, parent);
     box->setAttribute(Qt::WA_DeleteOnClose);
     for (const Choice& choice : choices) {
         const QPushButton* button = box->addButton(choice.button, QMessageBox::ActionRole);

@@ -25,6 +25,7 @@
 #include "qt/Charset.h"
 #include "qt/Icons.h"
 #include "qt/QNCommWidget.h"
+#include "qt/ShownText.h"
 #include "serial/PDQComm.h"
 #include "serial/PortListing.h"
 
@@ -355,8 +356,9 @@ void MainWindow::OnIdentified(const QString& model, const QString& firmware) {
 /// Tells the user why an operation failed, in a box that blocks nothing.
 void MainWindow::ShowFailure(const QString& title, const qncomm::QNError& error) {
     if (mClosing) return;
-    auto* box = new QMessageBox(QMessageBox::Warning, windowTitle(),
-                                qncomm::FromEither(error.Description()), QMessageBox::Ok, this);
+    QMessageBox* box =
+        qncomm::NewBox(QMessageBox::Warning, windowTitle(), qncomm::FromEither(error.Description()),
+                       QMessageBox::Ok, this);
     box->setAttribute(Qt::WA_DeleteOnClose);
     QString detail = title;
     if (error.Number() != 0)
@@ -364,7 +366,7 @@ void MainWindow::ShowFailure(const QString& title, const qncomm::QNError& error)
                      .arg(title.isEmpty() ? tr("QNComm") : title)
                      .arg(error.Number())
                      .arg(QString::fromStdString(error.Source()));
-    box->setInformativeText(detail);
+    box->setInformativeText(qncomm::TextOfATip(detail));
     if (mPort && !Answered())
         connect(box->addButton(tr("Wh&y?"), QMessageBox::ActionRole), &QPushButton::clicked, this,
                 &MainWindow::AskWhy, Qt::QueuedConnection);
@@ -372,9 +374,9 @@ void MainWindow::ShowFailure(const QString& title, const qncomm::QNError& error)
 }
 
 void MainWindow::ShowAbout() {
-    auto* box = new QMessageBox(QMessageBox::NoIcon, tr("About qnterm"),
-                                tr("<b>QNComm Terminal %1</b>").arg(QLatin1String(Version)),
-                                QMessageBox::Ok, this);
+    QMessageBox* box =
+        qncomm::NewBox(QMessageBox::NoIcon, tr("About qnterm"),
+                       tr("QNComm Terminal %1").arg(QLatin1String(Version)), QMessageBox::Ok, this);
     box->setIconPixmap(windowIcon().pixmap(64, 64));
     box->setInformativeText(tr("Korvane Quorin Communications Control: a terminal for label "
                                "printers that are programmed in Quorin, with their files, setup, "

@@ -3,6 +3,8 @@
 #include "Icons.h"
 #include "Operations.h"
 
+#include "qt/ShownText.h"
+
 #include <QLabel>
 #include <QProgressBar>
 #include <QStatusBar>
@@ -128,7 +130,7 @@ void StatusView::ShowPort(const PortFacts& facts) {
     ShowLamp(facts);
     mAnswered = facts.answered;
     mWhy->setVisible(!mOperations.Running() && !mAnswered);
-    mPort->setToolTip(facts.failure);
+    mPort->setToolTip(qncomm::TextOfATip(facts.failure));
     const QString failure = facts.open ? QString() : facts.failure;
     if (std::exchange(mFailure, failure) == failure) return;
     if (!failure.isEmpty())

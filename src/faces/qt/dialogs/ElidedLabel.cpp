@@ -1,5 +1,7 @@
 #include "ElidedLabel.h"
 
+#include "qt/ShownText.h"
+
 #include <QHelpEvent>
 #include <QPainter>
 #include <QStyle>
@@ -33,8 +35,8 @@ QSize ElidedLabel::sizeHint() const {
 bool ElidedLabel::event(QEvent* event) {
     if (event->type() != QEvent::ToolTip) return QLabel::event(event);
     const bool cut = fontMetrics().horizontalAdvance(text()) > contentsRect().width();
-    QToolTip::showText(static_cast<QHelpEvent*>(event)->globalPos(), cut ? text() : QString(),
-                       this);
+    QToolTip::showText(static_cast<QHelpEvent*>(event)->globalPos(),
+                       cut ? TextOfATip(text()) : QString(), this);
     return true;
 }
 

@@ -1,6 +1,7 @@
 #include "qt/ErrorBox.h"
 
 #include "common/QNError.h"
+#include "qt/ShownText.h"
 
 #include <QApplication>
 #include <QMessageBox>
@@ -25,10 +26,10 @@ void ShowError(QWidget* parent, const std::exception_ptr& error) {
         return;
     for (const QWidget* each : QApplication::topLevelWidgets()) {
         const auto* box = qobject_cast<const QMessageBox*>(each);
-        if (box != nullptr && box->isVisible() && box->text() == text) return;
+        if (box != nullptr && box->isVisible() && box->text() == ShownText(text)) return;
     }
-    auto* box = new QMessageBox(QMessageBox::Critical, QApplication::applicationDisplayName(), text,
-                                QMessageBox::Ok, parent);
+    QMessageBox* box = NewBox(QMessageBox::Critical, QApplication::applicationDisplayName(), text,
+                              QMessageBox::Ok, parent);
     box->setAttribute(Qt::WA_DeleteOnClose);
     box->open();
 }

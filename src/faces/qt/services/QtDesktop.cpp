@@ -3,6 +3,7 @@
 #include "common/Text.h"
 #include "qt/BusyCursor.h"
 #include "qt/Charset.h"
+#include "qt/ShownText.h"
 
 #include <QApplication>
 #include <QLoggingCategory>
@@ -70,9 +71,8 @@ MsgBoxResult QtDesktop::ShowMsgBox(const MsgBox& box) {
     const ButtonSet set = SetOf(box.buttons);
     const QString title = FromEither(box.title.empty() ? ProductName : box.title);
     // On the heap: the parent may be destroyed meanwhile, and the box with it.
-    const QPointer<QMessageBox> shown(new QMessageBox(IconOf(box.icon), title, BoxText(box.text),
-                                                      set.buttons, BoxParent(mParent)));
-    shown->setTextFormat(Qt::PlainText);
+    const QPointer<QMessageBox> shown(
+        NewBox(IconOf(box.icon), title, BoxText(box.text), set.buttons, BoxParent(mParent)));
     shown->setDefaultButton(set.enter);
     shown->setEscapeButton(set.escape);
     const int button = shown->exec();
