@@ -106,7 +106,7 @@ void ControlParser::TakeParameterByte(char byte) {
         mSequence.values[0] = 0;
     }
     if (byte == ';' || byte == ':') {
-        mValuesFull = mSequence.count == ControlSequence::MostValues;
+        mValuesFull = mSequence.count == ControlSequence::MostSequenceValues;
         if (mValuesFull) return;
         if (byte == ':') mSequence.joined |= 1U << mSequence.count;
         mSequence.values[mSequence.count++] = 0;

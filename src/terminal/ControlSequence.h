@@ -8,7 +8,7 @@ namespace qncomm::terminal {
 
 /// An escape or control sequence that has been read to its final byte.
 struct ControlSequence {
-    static constexpr std::size_t MostValues = 32;
+    static constexpr std::size_t MostSequenceValues = 32;
     static constexpr std::uint16_t LargestValue = 65535;
     /// Stands in `intermediate` for two or more of them.
     static constexpr char Several = '\x7F';
@@ -18,7 +18,7 @@ struct ControlSequence {
     char final = 0;
     std::uint8_t count = 0;   ///< values given
     std::uint32_t joined = 0; ///< a bit for each value that stood behind a colon
-    std::array<std::uint16_t, MostValues> values{};
+    std::array<std::uint16_t, MostSequenceValues> values{};
 
     /// Value i, 0 when it was left out.
     std::uint16_t Value(std::size_t i) const { return i < count ? values[i] : std::uint16_t{0}; }

@@ -74,9 +74,11 @@ constexpr std::array GuardedCalls{
     // Texts of others: each place where they are shown has one function, and one file that goes
     // there.
     GuardedCall{"cout", R"(\bstd::cout\b)", "shows a text as it is",
-                "apps/qnctl/Output.cpp apps/qnsim/main.cpp apps/qnterm/main.cpp"},
+                "apps/qnctl/Output.cpp apps/qnsim/main.cpp apps/qnterm/main.cpp "
+                "bindings/c/generator/"},
     GuardedCall{"cerr clog", R"(\bstd::(cerr|clog)\s*<<)", "shows a text as it is",
-                "apps/qnctl/Output.cpp apps/qnsim/main.cpp apps/qnterm/main.cpp"},
+                "apps/qnctl/Output.cpp apps/qnsim/main.cpp apps/qnterm/main.cpp "
+                "bindings/c/generator/"},
     GuardedCall{"printf puts putchar stdout stderr",
                 R"(\b(v?f?printf|f?puts|f?putc|putchar)\s*\(|\b(stdout|stderr)\b)",
                 "shows a text as it is", ""},
