@@ -19,7 +19,7 @@ constexpr std::int32_t PromptMs = 400;
 constexpr std::int32_t LongestPromptMs = 15'000;
 /// Who talks on for this long behind what was on its way, and behind what is said of that, has no
 /// prompt to give.
-constexpr std::int32_t LongestTalkMs = 1000;
+constexpr std::int32_t MostTalkMs = 1000;
 /// No printer says more before its prompt, be it the echo of a load's rest.
 constexpr std::size_t MostTalkBytes = std::size_t{256} * 1024;
 
@@ -105,7 +105,8 @@ bool clsDataLink::AwaitPrompt(bool bMoving) {
 }
 
 bool clsDataLink::AwaitPromptBehind(std::int32_t lOnTheWay) {
-    const std::int32_t most = std::min(2 * std::min(lOnTheWay, LongestPromptMs) + LongestTalkMs, LongestPromptMs);
+    const std::int32_t most =
+        std::min(2 * std::min(lOnTheWay, LongestPromptMs) + MostTalkMs, LongestPromptMs);
     // A handler that cancels was the cause: whoever wants to wait no longer ends the loop's Yield.
     mState->ReportStatus(
         "Waiting for the printer's prompt, for up to " + ToText((most + 500) / 1000) + " s", -1);
