@@ -88,6 +88,7 @@ EventHandler HandlerFor(qn_control& control, const SurfaceEvent& event, qn_event
         if (control.freed) return;
         Values shown(control.texts);
         std::vector<qn_value> values;
+        values.reserve(arguments.size());
         for (const Variant& argument : arguments)
             values.push_back(shown.Of(argument));
         const bool stops = handler(user, values.data(), values.size()) != 0;

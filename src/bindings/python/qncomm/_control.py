@@ -148,10 +148,10 @@ class Control(ControlMembers):
         values, keep = given(arguments, FIELDS) if arguments else (None, None)
         result = c.Value()
         if isinstance(name, int):
-            call = library.qn_call_id
+            call, member = library.qn_call_id, name  # type: Any, Any
         else:
-            call, name = library.qn_call, name.encode()
-        self._check(call(self._handle, name, values, len(arguments), ctypes.byref(result)))
+            call, member = library.qn_call, name.encode()
+        self._check(call(self._handle, member, values, len(arguments), ctypes.byref(result)))
         return result, values, keep
 
     def _call(self, member: int, arguments: Sequence[Any] = (), record: Any = None) -> Any:
@@ -221,7 +221,7 @@ class Control(ControlMembers):
                 self._raised = self._raised or error
                 return 1
 
-        function = c.EventHandler(hear) if handler is not None else c.EventHandler()
+        function = c.EventHandler(hear) if handler is not None else ctypes.cast(0, c.EventHandler)
         self._check(library.qn_on(self._handle, event.encode(), function, None))
         self._handlers[event.lower()] = function
 
@@ -237,7 +237,7 @@ class Control(ControlMembers):
                 self._raised = self._raised or error
                 return 0
 
-        function = c.BoxHandler(show) if handler is not None else c.BoxHandler()
+        function = c.BoxHandler(show) if handler is not None else ctypes.cast(0, c.BoxHandler)
         self._check(library.qn_on_box(self._handle, function, None))
         self._handlers["a box"] = function
 

@@ -15,6 +15,8 @@
 #ifndef QNCOMM_QNCOMM_H
 #define QNCOMM_QNCOMM_H
 
+// For compilers of C: NOLINTBEGIN(modernize-deprecated-headers, modernize-use-nullptr)
+
 #include <stddef.h>
 #include <stdint.h>
 #include <string.h>
@@ -396,5 +398,7 @@ void qn_settings_free(qn_settings* settings);
 #ifdef __cplusplus
 }
 #endif
+
+// NOLINTEND(modernize-deprecated-headers, modernize-use-nullptr)
 
 #endif
