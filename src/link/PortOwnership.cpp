@@ -160,6 +160,7 @@ void LinkState::OnPortLost() {
 
 void LinkState::ReopenForTerminal() {
     if (!portLost || innermost != nullptr || IsExclusive()) return;
+    if (!Serial().ReachPort()) return; // a far side that is silent does not hold the host up
     try {
         Serial().SetPortOpen(true);
     } catch (const QNError&) { // still away: the timer tries again

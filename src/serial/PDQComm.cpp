@@ -88,6 +88,11 @@ void PDQComm::KeepPort(bool bOn) {
         known.channel->Keep(bOn);
 }
 
+bool PDQComm::ReachPort() {
+    const PortBinding* const binding = mBindings.Find(mPortNumber);
+    return PortOpen() || binding == nullptr || ChannelFor(binding->address).channel->Reach();
+}
+
 bool PDQComm::ProbePort(std::int16_t iPort) {
     const PortBinding* const binding = mBindings.Find(iPort);
     if (binding == nullptr) return false;

@@ -42,6 +42,7 @@ class Rfc2217Channel final : public ByteChannel {
     void Close() override;
     /// Connects and agrees on the protocol; leaves the line's settings alone.
     IoResult Probe() override;
+    bool Reach() override { return mSession || mConnector.Reach(); }
     IoResult Configure(const LineSettings& settings) override;
     IoResult SetBreak(bool bOn) override;
     IoCount Read(std::span<char> buffer) override;

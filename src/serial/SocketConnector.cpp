@@ -27,12 +27,48 @@ constexpr std::array SocketOptions{
     SocketOption{IPPROTO_TCP, TCP_KEEPCNT, 3},
 };
 
+/// Begins a connection: 0 when it is there at once, EINPROGRESS while it is not yet.
+int Begin(const SocketAddress& address, Fd& fd) {
+    fd.Reset(::socket(address.bytes.ss_family, SOCK_STREAM | SOCK_NONBLOCK | SOCK_CLOEXEC, 0));
+    if (!fd) return errno;
+    for (const SocketOption& option : SocketOptions)
+        ::setsockopt(fd.Get(), option.level, option.name, &option.value, sizeof option.value);
+    const auto* const there = reinterpret_cast<const sockaddr*>(&address.bytes);
+    return ::connect(fd.Get(), there, address.length) == 0 ? 0 : errno;
+}
+
+/// How a connection that was in progress has ended.
+int ErrorOf(int fd) {
+    int error = 0;
+    socklen_t length = sizeof error;
+    return ::getsockopt(fd, SOL_SOCKET, SO_ERROR, &error, &length) == 0 ? error : errno;
+}
+
+/// The same for whoever asked for it; a failed one is closed.
+IoResult EndOf(int error, Fd& fd) {
+    if (error == 0) return {};
+    fd.Reset();
+    IoResult result = OpenFailure(error);
+    if (error == ECONNREFUSED) result.text = "nobody listens there (connection refused)";
+    if (error == ETIMEDOUT) result.text = "the host does not answer";
+    return result;
+}
+
 } // namespace
 
 SocketConnector::SocketConnector(Reactor& reactor, std::string sHost, std::string sService)
-    : mReactor(reactor), mHost(std::move(sHost)), mService(std::move(sService)) {}
+    : mReactor(reactor),
+      mHost(std::move(sHost)),
+      mService(std::move(sService)),
+      mReachDue(reactor.CreateAlarm([this] { OnReachDue(); })) {}
 
 IoResult SocketConnector::Connect(Fd& fd) {
+    mReachDue->Clear();
+    Fd reached = std::exchange(mReaching, Fd());
+    if (const auto result = std::exchange(mReached, std::nullopt)) {
+        fd = std::move(reached);
+        return *result;
+    }
     const std::int64_t until = mReactor.NowUs() + LongestConnectUs;
     std::vector<SocketAddress> addresses = std::exchange(mAddresses, {});
     if (addresses.empty()) {
@@ -43,6 +79,7 @@ IoResult SocketConnector::Connect(Fd& fd) {
     for (const SocketAddress& address : addresses) {
         result = ConnectTo(address, until, fd);
         if (!result.Ok()) continue;
+        mLast = address;
         mAddresses = std::move(addresses);
         break;
     }
@@ -51,28 +88,39 @@ IoResult SocketConnector::Connect(Fd& fd) {
 
 IoResult SocketConnector::ConnectTo(const SocketAddress& address, std::int64_t until,
                                     Fd& fd) const {
-    fd.Reset(::socket(address.bytes.ss_family, SOCK_STREAM | SOCK_NONBLOCK | SOCK_CLOEXEC, 0));
-    if (!fd) return OpenFailure(errno);
-    for (const SocketOption& option : SocketOptions)
-        ::setsockopt(fd.Get(), option.level, option.name, &option.value, sizeof option.value);
-    int error = 0;
-    if (::connect(fd.Get(), reinterpret_cast<const sockaddr*>(&address.bytes), address.length) != 0)
-        error = errno;
+    int error = Begin(address, fd);
     if (error == EINPROGRESS) {
         const FdEvents ready =
             mReactor.WaitFor(fd.Get(), {.writable = true}, until - mReactor.NowUs());
-        socklen_t length = sizeof error;
-        if (!ready.Any())
-            error = ETIMEDOUT;
-        else if (::getsockopt(fd.Get(), SOL_SOCKET, SO_ERROR, &error, &length) != 0)
-            error = errno;
+        error = ready.Any() ? ErrorOf(fd.Get()) : ETIMEDOUT;
     }
-    if (error == 0) return {};
-    fd.Reset();
-    IoResult result = OpenFailure(error);
-    if (error == ECONNREFUSED) result.text = "nobody listens there (connection refused)";
-    if (error == ETIMEDOUT) result.text = "the host does not answer";
-    return result;
+    return EndOf(error, fd);
+}
+
+bool SocketConnector::Reach() {
+    if (!mLast || mReached) return true;
+    if (!mReaching) {
+        mReachDue->SetDue(mReactor.NowUs() + LongestConnectUs);
+        const int error = Begin(*mLast, mReaching);
+        if (error != EINPROGRESS) Reached(error);
+    }
+    if (!mReached && mReactor.WaitFor(mReaching.Get(), {.writable = true}, 0).Any())
+        Reached(ErrorOf(mReaching.Get()));
+    return mReached.has_value();
+}
+
+void SocketConnector::Reached(int error) {
+    mReached = EndOf(error, mReaching);
+    mReachDue->SetDue(mReactor.NowUs() + TakeUs);
+}
+
+void SocketConnector::OnReachDue() {
+    if (!mReached) {
+        Reached(ETIMEDOUT);
+        return;
+    }
+    mReached.reset();
+    mReaching.Reset();
 }
 
 bool DrainSocket(int fd) {

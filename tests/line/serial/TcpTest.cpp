@@ -40,9 +40,28 @@ class Server {
         return Fd(::accept4(mListener.Get(), nullptr, nullptr, SOCK_NONBLOCK | SOCK_CLOEXEC));
     }
     void Stop() { mListener.Reset(); }
+    /// From now on it does not answer to who comes, as a host that was switched off.
+    void FallSilent() {
+        ASSERT_EQ(::listen(mListener.Get(), 0), 0);
+        sockaddr_in address{};
+        socklen_t length = sizeof address;
+        auto* const generic = reinterpret_cast<sockaddr*>(&address);
+        ASSERT_EQ(::getsockname(mListener.Get(), generic, &length), 0);
+        for (Fd& guest : mGuests) {
+            guest.Reset(::socket(AF_INET, SOCK_STREAM | SOCK_NONBLOCK | SOCK_CLOEXEC, 0));
+            static_cast<void>(::connect(guest.Get(), generic, length));
+        }
+    }
+    /// It takes who has come, and who comes.
+    void Wake() {
+        ASSERT_EQ(::listen(mListener.Get(), 8), 0);
+        while (Accept()) {
+        }
+    }
 
   private:
     Fd mListener;
+    std::array<Fd, 4> mGuests; ///< who fill its queue
     std::string mPort;
 };
 
@@ -119,6 +138,45 @@ TEST_F(TcpTest, AClosedPortLetsGoOfItsConnectionAfterAMoment) {
         ended = Look(peer) == 0;
     }
     EXPECT_TRUE(ended);
+}
+
+/// A port whose connection the far side has ended.
+class LostTcpTest : public TcpTest {
+  protected:
+    LostTcpTest() {
+        mPort.SetPortOpen(true);
+        mServer.Accept().Reset();
+        while (mPort.PortOpen())
+            mLoop.Yield(1000); // ends with the loss
+    }
+};
+
+TEST_F(LostTcpTest, ReachingAHostThatDoesNotAnswerWaitsForNothing) {
+    mServer.FallSilent();
+    const std::int64_t begun = mLoop.NowMs();
+    EXPECT_FALSE(mPort.ReachPort());
+    EXPECT_FALSE(mPort.ReachPort());
+    EXPECT_LT(mLoop.NowMs() - begun, 1000);
+    mServer.Wake();
+    while (!mPort.ReachPort())
+        mLoop.Yield(50); // until the system tries again
+    mPort.SetPortOpen(true);
+    EXPECT_TRUE(mPort.PortOpen());
+}
+
+TEST_F(LostTcpTest, ReachingFailsAsOpeningDoes) {
+    mServer.Stop();
+    EXPECT_TRUE(mPort.ReachPort());
+    EXPECT_THAT(OpenError().Description(), HasSubstr("nobody listens there"));
+}
+
+TEST_F(LostTcpTest, WhatIsReachedAndNotOpenedIsLetGoOf) {
+    ASSERT_TRUE(mPort.ReachPort());
+    const Fd peer = mServer.Accept();
+    ASSERT_TRUE(peer);
+    EXPECT_EQ(Look(peer), -1);
+    while (Look(peer) != 0)
+        mLoop.Yield(1000); // ends with the connector's own alarm
 }
 
 TEST_F(TcpTest, TheControlsEndIsTheConnectionsEnd) {

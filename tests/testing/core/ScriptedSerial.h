@@ -58,6 +58,8 @@ class ScriptedSerial : public SerialControl, private ManualLoop::Source {
     std::vector<std::int16_t> mProbed;
     /// The device goes away.
     void Vanish();
+    bool mReachable = true; ///< whether opening would not be kept waiting
+    bool ReachPort() override { return mReachable; }
 
     // -- Transfers
 

@@ -321,6 +321,22 @@ TEST_F(PortOwnership, ClosingALostPortReportsItOnce) {
     EXPECT_EQ(mPortStates, (std::vector{true, false}));
 }
 
+TEST_F(PortOwnership, TheTerminalIsNotHeldUpByAFarSideThatDoesNotAnswer) {
+    mLink.SetTerminalActive(true);
+    mSerial.Vanish();
+    mSerial.mReachable = false;
+    int opened = 0;
+    mSerial.mOnOpen = [&] { ++opened; };
+    for (int second = 0; second < 5; ++second)
+        mLoop.Yield(1100);
+    EXPECT_EQ(opened, 0);
+    mSerial.mReachable = true;
+    for (int second = 0; second < 2; ++second)
+        mLoop.Yield(1100);
+    EXPECT_EQ(opened, 1);
+    EXPECT_TRUE(mSerial.PortOpen());
+}
+
 TEST_F(PortOwnership, TheTerminalComesBackWithItsDevice) {
     mLink.SetTerminalActive(true);
     mSerial.Vanish();

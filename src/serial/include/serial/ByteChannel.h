@@ -24,9 +24,9 @@ struct IoCount {
 /// any number of times. Nothing here throws, dispatches events or blocks, Open, Configure, Probe
 /// and Wait within their limits excepted. Single-threaded, like its reactor.
 ///
-/// While the channel is closed only Open, Close, Probe, Keep and SetHandler may be called; anything
-/// else is undefined. After a result Lost the line is gone for good: the caller closes the channel
-/// and may open it again.
+/// While the channel is closed only Open, Close, Probe, Reach, Keep and SetHandler may be called;
+/// anything else is undefined. After a result Lost the line is gone for good: the caller closes the
+/// channel and may open it again.
 class ByteChannel {
   public:
     virtual ~ByteChannel() = default;
@@ -46,6 +46,11 @@ class ByteChannel {
     /// Whether Open could succeed now, with the reason if not. Leaves an open channel as it is and
     /// a closed one closed. Connects where only a connection tells.
     virtual IoResult Probe() = 0;
+
+    /// Begins to connect while the channel is closed, or looks how far that is, without waiting:
+    /// whether Open would not be kept waiting for it. Only of a line that was open before. What is
+    /// connected so and not opened within two seconds is let go of again.
+    virtual bool Reach() { return true; }
 
     /// While it is on, a device that is closed stays reserved for this channel, which opens it
     /// again: other programs of this system find it busy. For channels that others could take.

@@ -59,6 +59,7 @@ class PDQComm final : public SerialControl {
     bool PortOpen() const override { return mOpen != nullptr; }
     void SetPortOpen(bool bOpen) override;
     void KeepPort(bool bOn) override;
+    bool ReachPort() override;
     bool ProbePort(std::int16_t iPort) override;
     bool DSRState() const override;
     std::int16_t ReceiveThreshold() const override;
