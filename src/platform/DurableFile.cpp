@@ -7,9 +7,12 @@
 #include <algorithm>
 #include <array>
 #include <cerrno>
+#include <charconv>
 #include <climits>
 #include <cstdio>
 #include <filesystem>
+#include <string>
+#include <string_view>
 #include <system_error>
 #include <utility>
 
@@ -26,12 +29,28 @@ namespace fs = std::filesystem;
 constexpr mode_t PrivateMode = 0600;
 constexpr std::uint32_t PermissionBits = 0777;
 
-/// Read and write for everybody, as far as the process's umask leaves it. The only way to read the
-/// mask is to set it.
-mode_t UsualMode() {
-    const mode_t mask = ::umask(0);
+/// What the process's umask takes away. The call that tells it sets it, for a moment and for every
+/// thread of the host, so it is asked only where the kernel's list is not to be had.
+mode_t Umask() {
+    constexpr std::string_view key = "\nUmask:\t";
+    constexpr int octal = 8;
+    std::string status;
+    static_cast<void>(ReadWholeFile("/proc/self/status", {}, status));
+    const std::size_t at = status.find(key);
+    mode_t mask = 0;
+    if (at != std::string::npos) {
+        const char* const first = status.data() + at + key.size();
+        if (std::from_chars(first, status.data() + status.size(), mask, octal).ec == std::errc())
+            return mask;
+    }
+    mask = ::umask(0);
     ::umask(mask);
-    return 0666U & ~mask;
+    return mask;
+}
+
+/// Read and write for everybody, as far as the process's umask leaves it.
+mode_t UsualMode() {
+    return 0666U & ~Umask();
 }
 
 /// Where no file stands that is being written, in the folder of the target: the first of a row of
