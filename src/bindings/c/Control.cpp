@@ -56,7 +56,7 @@ std::shared_ptr<RegSettings> SettingsWithPort() {
 
 qn_control::qn_control(const qn_options& options)
     : owner(::gettid()),
-      texts(options.texts),
+      texts(options.texts == QN_8BIT ? QN_8BIT : QN_UTF8),
       loop({.signalled =
                 [this] {
                     if (signalled.handler != nullptr) signalled.handler(signalled.user);

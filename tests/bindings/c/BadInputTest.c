@@ -43,7 +43,7 @@ static void arguments_of_a_wrong_kind_are_errors(void) {
     CHECK_FAILS(control, qn_call(control, "KillQN", NULL, 0, NULL), 449);
     arguments[0] = qn_integer(70000);
     CHECK_FAILS(control, qn_call(control, "Version", arguments, 1, NULL), 6);
-    arguments[0].type = (qn_type)99;
+    arguments[0].type = 99;
     CHECK_FAILS(control, qn_call(control, "KillQN", arguments, 1, NULL), 5);
     qn_free(control);
 }

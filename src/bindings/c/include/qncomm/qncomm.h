@@ -79,7 +79,7 @@ typedef struct qn_record {
 /// One value. It owns nothing: what it points to is the host's in an argument, and the library's in
 /// a result, valid until the next call on the same control (in a callback: until it returns).
 typedef struct qn_value {
-    qn_type type; ///< which of the following it is
+    int type; ///< a qn_type: which of the following it is
     /// What it holds.
     union {
         int boolean;           ///< 0 or 1
@@ -170,7 +170,7 @@ typedef enum qn_texts {
 /// What a host may choose. Set all of it to 0 and then size.
 typedef struct qn_options {
     size_t size;         ///< sizeof(qn_options), so that a later library knows this one
-    qn_texts texts;      ///< how texts are written
+    int texts;           ///< a qn_texts: how texts are written
     int remembered;      ///< speaks at once to the printer that its store remembers
     int listen;          ///< listens before it searches, and sends nothing where bytes come
     int16_t rows;        ///< of the terminal, 1 to 1000; 0: 300
