@@ -1,6 +1,7 @@
 // How the time of work on what a printer sends grows with how much it sends: ten times as many rows
 // of a listing, items of a setup, errors of a module and keys of a collection, in one run, best of
-// some turns. Ten is linear; a little more is memory that outgrows the processor's cache.
+// some turns, in time of the processor. Ten is linear; a little more is memory that outgrows its
+// cache.
 //
 //   scripts/build bench growth_bench && build-bench/bin/growth_bench
 
@@ -10,12 +11,10 @@
 
 #include <algorithm>
 #include <array>
-#include <chrono>
 #include <cstdio>
+#include <ctime>
 
 namespace {
-
-using Clock = std::chrono::steady_clock;
 
 constexpr int Turns = 3;
 
@@ -32,14 +31,15 @@ std::string Rows(std::size_t count, RowOf rowOf) {
     return text;
 }
 
-double SecondsSince(Clock::time_point start) {
-    return std::chrono::duration<double>(Clock::now() - start).count();
+/// Of the processor: on a machine with other work, what takes longer waits more than in proportion.
+double SecondsSince(std::clock_t start) {
+    return static_cast<double>(std::clock() - start) / CLOCKS_PER_SEC;
 }
 
 double Files(std::size_t count) {
     LayerCore core({.files = Rows(count, [](const std::string& i) { return "F" + i + "  1"; })});
     std::string device = "c:";
-    const auto start = Clock::now();
+    const auto start = std::clock();
     core.Quorin().Files(device);
     const double seconds = SecondsSince(start);
     Require(core.Quorin().PrinterDevices()->Item(device)->Files->Count() == count);
@@ -48,7 +48,7 @@ double Files(std::size_t count) {
 
 double Fonts(std::size_t count) {
     LayerCore core({.fonts = Rows(count, [](const std::string& i) { return "F" + i; })});
-    const auto start = Clock::now();
+    const auto start = std::clock();
     core.Quorin().Fonts(true);
     const double seconds = SecondsSince(start);
     Require(core.Quorin().PrinterDevices()->Item("fonts:")->Files->Count() == count);
@@ -57,7 +57,7 @@ double Fonts(std::size_t count) {
 
 double Setup(std::size_t count) {
     LayerCore core({.setup = Rows(count, [](const std::string& i) { return "A," + i + ",1"; })});
-    const auto start = Clock::now();
+    const auto start = std::clock();
     core.Quorin().GetSetup();
     const double seconds = SecondsSince(start);
     Require(core.Quorin().PrinterSetupItems()->Count() == count);
@@ -69,7 +69,7 @@ double Errors(std::size_t count) {
         {.errors = Rows(count, [](const std::string& i) { return "Error 1 in line " + i + ":"; })});
     std::string target = "tmp:M.PRG";
     std::string text = "1 REM a module";
-    const auto start = Clock::now();
+    const auto start = std::clock();
     const auto errors = core.Quorin().ModuleUpload("", target, text);
     const double seconds = SecondsSince(start);
     Require(errors->Count() == count);
@@ -77,7 +77,7 @@ double Errors(std::size_t count) {
 }
 
 double Keys(std::size_t count) {
-    const auto start = Clock::now();
+    const auto start = std::clock();
     qncomm::Collection<std::size_t> collection;
     for (std::size_t i = 0; i < count; ++i)
         collection.Add(i, "KEY" + std::to_string(i));

@@ -147,8 +147,13 @@ void clsQuorin::Fonts(bool bFilterBitmaps) {
 
 void clsQuorin::FilterBitmapFonts(PrinterFiles& fonts) {
     if (mFontFilter.IsEmpty()) FillFontFilter();
-    for (const std::string& name : mFontFilter)
-        if (fonts.Contains(name)) fonts.Remove(name);
+    PrinterFiles left;
+    RowPace pace(Link());
+    for (const auto& font : fonts) {
+        pace.Next();
+        if (!mFontFilter.Contains(font->Name)) left.Add(font, font->Name);
+    }
+    fonts = std::move(left);
 }
 
 /// The names come from the settings. A default that is written goes under a key of two digits and

@@ -65,5 +65,27 @@ TEST_F(CollectionTest, RemovingAKeylessItemLeavesTheKeys) {
     EXPECT_EQ(mItems.Item("b"), "second");
 }
 
+TEST(KeyPlacesTest, FindsEachOfManyKeysWhateverWasTakenOut) {
+    KeyPlaces keys;
+    const auto nameOf = [](std::size_t number) { return "KEY" + std::to_string(number); };
+    for (std::size_t i = 0; i < 1000; ++i)
+        ASSERT_TRUE(keys.Insert(i, i % 10 == 0 ? "" : nameOf(i)));
+    EXPECT_FALSE(keys.Insert(1000, nameOf(999)));
+    EXPECT_TRUE(keys.Insert(5, "BETWEEN"));
+    EXPECT_EQ(keys.Find("BETWEEN"), 5U);
+    EXPECT_EQ(keys.Find(nameOf(4)), 4U);
+    EXPECT_EQ(keys.Find(nameOf(999)), 1000U);
+    keys.Erase(5);
+    keys.Erase(1);
+    for (std::size_t i = 2; i < 1000; ++i)
+        EXPECT_EQ(keys.Find(nameOf(i)),
+                  i % 10 == 0 ? std::nullopt : std::optional<std::size_t>(i - 1));
+    EXPECT_EQ(keys.Find(""), std::nullopt);
+    EXPECT_EQ(keys.Find(nameOf(1)), std::nullopt);
+    keys.Clear();
+    EXPECT_EQ(keys.Find(nameOf(2)), std::nullopt);
+    EXPECT_TRUE(keys.Insert(0, nameOf(2)));
+}
+
 } // namespace
 } // namespace qncomm

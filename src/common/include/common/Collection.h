@@ -1,13 +1,12 @@
 #pragma once
 
+#include "common/KeyPlaces.h"
 #include "common/RuntimeErrors.h"
 #include "common/Text.h"
 
 #include <cstddef>
 #include <iterator>
-#include <string>
 #include <string_view>
-#include <unordered_map>
 #include <utility>
 #include <vector>
 
@@ -21,7 +20,7 @@ template <class T>
 class Collection {
   public:
     /// Appends an item; an empty key means none. Raises 457.
-    void Add(T item, std::string_view sKey = {}) { Insert(mEntries.size(), std::move(item), sKey); }
+    void Add(T item, std::string_view sKey = {}) { Insert(mItems.size(), std::move(item), sKey); }
 
     /// Puts an item before the one at position lBefore, from 1. Raises 9 or 457.
     void AddBefore(std::size_t lBefore, T item, std::string_view sKey = {}) {
@@ -29,20 +28,20 @@ class Collection {
     }
 
     /// How many items there are.
-    std::size_t Count() const noexcept { return mEntries.size(); }
+    std::size_t Count() const noexcept { return mItems.size(); }
     /// Whether there are none.
-    bool IsEmpty() const noexcept { return mEntries.empty(); }
+    bool IsEmpty() const noexcept { return mItems.empty(); }
     /// Whether an item has this key.
-    bool Contains(std::string_view sKey) const { return mPlaces.contains(LowerCase(sKey)); }
+    bool Contains(std::string_view sKey) const { return mKeys.Find(LowerCase(sKey)).has_value(); }
 
     /// The item at position lIndex, from 1. Raises 9.
-    const T& Item(std::size_t lIndex) const { return mEntries[Place(lIndex)].item; }
+    const T& Item(std::size_t lIndex) const { return mItems[Place(lIndex)]; }
     /// The same, to be changed in place.
-    T& Item(std::size_t lIndex) { return mEntries[Place(lIndex)].item; }
+    T& Item(std::size_t lIndex) { return mItems[Place(lIndex)]; }
     /// The item with this key. Raises 5.
-    const T& Item(std::string_view sKey) const { return mEntries[Place(sKey)].item; }
+    const T& Item(std::string_view sKey) const { return mItems[Place(sKey)]; }
     /// The same, to be changed in place.
-    T& Item(std::string_view sKey) { return mEntries[Place(sKey)].item; }
+    T& Item(std::string_view sKey) { return mItems[Place(sKey)]; }
 
     /// Takes out the item at position lIndex, from 1. Raises 9.
     void Remove(std::size_t lIndex) { Erase(Place(lIndex)); }
@@ -51,8 +50,8 @@ class Collection {
 
     /// Takes out all items.
     void Clear() {
-        mEntries.clear();
-        mPlaces.clear();
+        mItems.clear();
+        mKeys.Clear();
     }
 
     /// Walks over the items in their order; ends with the collection's next change.
@@ -69,7 +68,7 @@ class Collection {
         /// Points to the item at position at, here from 0, of a collection that outlives it.
         ConstIterator(const Collection& of, std::size_t at) : mOf(&of), mAt(at) {}
         /// The item that it points to.
-        reference operator*() const { return mOf->mEntries[mAt].item; }
+        reference operator*() const { return mOf->mItems[mAt]; }
         /// A member of that item.
         pointer operator->() const { return &**this; }
         /// Goes to the next item.
@@ -94,46 +93,32 @@ class Collection {
     /// The first item, for a range loop.
     ConstIterator begin() const { return ConstIterator(*this, 0); }
     /// The place behind the last item.
-    ConstIterator end() const { return ConstIterator(*this, mEntries.size()); }
+    ConstIterator end() const { return ConstIterator(*this, mItems.size()); }
 
   private:
-    struct Entry {
-        T item;
-        std::string key; ///< lower case
-    };
-
     std::size_t Place(std::size_t lIndex) const {
-        if (lIndex < 1 || lIndex > mEntries.size()) RaiseRuntimeError(RtSubscript);
+        if (lIndex < 1 || lIndex > mItems.size()) RaiseRuntimeError(RtSubscript);
         return lIndex - 1;
     }
 
     std::size_t Place(std::string_view sKey) const {
-        const auto found = mPlaces.find(LowerCase(sKey));
-        if (found == mPlaces.end()) RaiseRuntimeError(RtInvalidCall);
-        return found->second;
+        const auto found = mKeys.Find(LowerCase(sKey));
+        if (!found) RaiseRuntimeError(RtInvalidCall);
+        return *found;
     }
 
     void Insert(std::size_t place, T item, std::string_view sKey) {
-        Entry entry{std::move(item), LowerCase(sKey)};
-        if (!entry.key.empty() && !mPlaces.emplace(entry.key, place).second)
-            RaiseRuntimeError(RtDuplicateKey);
-        mEntries.insert(mEntries.begin() + static_cast<std::ptrdiff_t>(place), std::move(entry));
-        NumberFrom(place + 1);
+        if (!mKeys.Insert(place, LowerCase(sKey))) RaiseRuntimeError(RtDuplicateKey);
+        mItems.insert(mItems.begin() + static_cast<std::ptrdiff_t>(place), std::move(item));
     }
 
     void Erase(std::size_t place) {
-        mPlaces.erase(mEntries[place].key);
-        mEntries.erase(mEntries.begin() + static_cast<std::ptrdiff_t>(place));
-        NumberFrom(place);
+        mKeys.Erase(place);
+        mItems.erase(mItems.begin() + static_cast<std::ptrdiff_t>(place));
     }
 
-    void NumberFrom(std::size_t place) {
-        for (; place < mEntries.size(); ++place)
-            if (!mEntries[place].key.empty()) mPlaces[mEntries[place].key] = place;
-    }
-
-    std::vector<Entry> mEntries;
-    std::unordered_map<std::string, std::size_t> mPlaces;
+    std::vector<T> mItems;
+    KeyPlaces mKeys; ///< lower case
 };
 
 } // namespace qncomm
