@@ -1,8 +1,8 @@
 #include "common/KeyPlaces.h"
 
 #include <algorithm>
-#include <bit>
 #include <cstring>
+#include <functional>
 #include <utility>
 
 namespace qncomm {
@@ -13,7 +13,7 @@ constexpr std::size_t FewestSlots = 8;
 /// Differs from process to process, so that nobody can choose keys that all go to one slot.
 std::uint64_t Seed() {
     static const char here = 0;
-    return std::bit_cast<std::uintptr_t>(&here);
+    return std::hash<const void*>{}(&here);
 }
 
 std::uint32_t HashOf(std::string_view key) {
