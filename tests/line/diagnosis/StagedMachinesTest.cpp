@@ -10,6 +10,7 @@
 
 #include <array>
 #include <sys/stat.h>
+#include <utility>
 
 namespace qncomm::testing {
 namespace {
@@ -62,45 +63,40 @@ const std::array MachineConditions{
                      [](StagedMachine& machine) { machine.Process(77, "ModemManager"); }},
 };
 
+/// What is found on the line behind the staged device, on a driven clock.
+LineFacts LineBehind(ChannelFactory factory) {
+    ManualReactor reactor;
+    RecordingDesktop desktop;
+    PortBindings bindings;
+    EXPECT_EQ(bindings.Give(1, StagedMachine::Path), "");
+    return LineExamination({.reactor = reactor,
+                            .desktop = desktop,
+                            .files = SystemFiles(),
+                            .bindings = bindings,
+                            .number = 1,
+                            .settings = std::make_shared<MemorySettings>(),
+                            .as = {},
+                            .factory = std::move(factory)})
+        .Run();
+}
+
 class StagedMachineConditions : public ::testing::TestWithParam<MachineCondition> {};
 
 TEST_P(StagedMachineConditions, AreNamedRight) {
     StagedMachine machine;
     GetParam().stage(machine);
-    ManualReactor reactor;
-    RecordingDesktop desktop;
     ScriptedLine line;
     line.openResult = {GetParam().opening, 0, "as the stage has it"};
-    PortBindings bindings;
-    ASSERT_EQ(bindings.Give(1, StagedMachine::Path), "");
-    LineExamination examination({.reactor = reactor,
-                                 .desktop = desktop,
-                                 .files = SystemFiles(),
-                                 .bindings = bindings,
-                                 .number = 1,
-                                 .settings = std::make_shared<MemorySettings>(),
-                                 .as = {},
-                                 .factory = ScriptedChannels(line)});
-    const Examined examined{
-        .port = StagedMachine::Path, .machine = machine.Look(), .line = examination.Run()};
+    const Examined examined{.port = StagedMachine::Path,
+                            .machine = machine.Look(),
+                            .line = LineBehind(ScriptedChannels(line))};
     EXPECT_EQ(VerdictOf(examined).name, GetParam().verdict) << Told(examined);
 }
 
 TEST(LastMoments, ALineThatHasJustBegunIsHeardToItsEnd) {
-    ManualReactor reactor;
-    RecordingDesktop desktop;
-    PortBindings bindings;
-    ASSERT_EQ(bindings.Give(1, StagedMachine::Path), "");
-    LineExamination examination(
-        {.reactor = reactor,
-         .desktop = desktop,
-         .files = SystemFiles(),
-         .bindings = bindings,
-         .number = 1,
-         .settings = std::make_shared<MemorySettings>(),
-         .as = {},
-         .factory = ChannelsTo(Device{.talk = "\r\nArticle? ", .everyMs = 990})});
-    const Examined examined{.port = StagedMachine::Path, .machine = {}, .line = examination.Run()};
+    const Device asks{.talk = "\r\nArticle? ", .everyMs = 990};
+    const Examined examined{
+        .port = StagedMachine::Path, .machine = {}, .line = LineBehind(ChannelsTo(asks))};
     EXPECT_EQ(VerdictOf(examined).name, "asking") << Told(examined);
 }
 
