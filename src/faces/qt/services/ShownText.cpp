@@ -15,7 +15,7 @@ QString ShownText(const QString& sText) {
 }
 
 QString TextOfATip(const QString& sText) {
-    const QString text = ShownText(sText);
+    QString text = ShownText(sText);
     if (!Qt::mightBeRichText(text)) return text;
     return QStringLiteral("<p style='white-space:pre-wrap'>%1</p>").arg(text.toHtmlEscaped());
 }
