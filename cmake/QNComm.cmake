@@ -52,7 +52,7 @@ function(qn_library name)
 endfunction()
 
 # qn_test(NAME SOURCES … LINKS … [LABELS …] [ALONE]): a GoogleTest program whose cases ctest runs one by one; ALONE keeps
-# others away meanwhile, for programs that must answer each other within the line's own short time limits.
+# others away meanwhile, for those that look at times.
 function(qn_test name)
   cmake_parse_arguments(ARG "ALONE" "" "SOURCES;LINKS;LABELS" ${ARGN})
   add_executable(${name} ${ARG_SOURCES})
