@@ -52,6 +52,18 @@ bool HasThen(const std::string& text, std::string_view first, std::string_view t
     return at != std::string::npos && text.find(then, at + first.size()) != std::string::npos;
 }
 
+/// How long a reply that has come so far may take in all.
+std::int32_t SetupLimit(SetupProgress progress) {
+    switch (progress) {
+    case SetupProgress::NotBegun:
+        return LongestAnswer;
+    case SetupProgress::Listing:
+        return LongestSetupMs;
+    default:
+        return NoLonger;
+    }
+}
+
 std::string ChannelLine(std::int16_t channel) {
     const std::string number = ToText(std::int32_t{channel});
     return "\rOPEN\"UART" + number + ":\" FOR OUTPUT AS #68:PRINT#68,CHR$(61)+\"" + number
@@ -319,16 +331,18 @@ std::string AutoConnectSearch::CollectOwed(std::size_t answers) {
     });
 }
 
+// All of it is judged anew where a line has ended or much has come: a slow line brings it byte by
+// byte.
 std::string AutoConnectSearch::CollectSetup(const std::string& command) {
+    constexpr std::size_t much = 64;
+    std::size_t judged = 0;
+    std::int32_t limit = LongestAnswer;
     return Collect(SetupSilence, [&](const std::string& text) {
-        switch (ProgressOfSetup(text, command, mState.link.Stdio())) {
-        case SetupProgress::NotBegun:
-            return LongestAnswer;
-        case SetupProgress::Listing:
-            return LongestSetupMs;
-        default:
-            return NoLonger;
-        }
+        const bool lineEnded = text.find('\n', judged) != std::string::npos;
+        if (!lineEnded && text.size() < judged + much) return limit;
+        judged = text.size();
+        limit = SetupLimit(ProgressOfSetup(text, command, mState.link.Stdio()));
+        return limit;
     });
 }
 

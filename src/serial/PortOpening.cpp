@@ -4,14 +4,19 @@
 #include "TransferInProgress.h"
 #include "TransmitQueue.h"
 #include "common/QNError.h"
+#include "common/Wait.h"
 #include "serial/PDQComm.h"
 
+#include <algorithm>
 #include <utility>
 
 namespace qncomm {
 namespace {
 
 constexpr const char* ErrorSource = "PDQComm";
+
+/// How long a broken transfer's last words may take to leave before the port closes.
+constexpr std::int32_t LastWordsMs = 150;
 
 std::int32_t NumberFor(IoStatus status) {
     switch (status) {
@@ -88,8 +93,10 @@ void PDQComm::TraceOpened(KnownChannel& known) const {
 }
 
 void PDQComm::Close() {
-    if (mTransfer && !mTransfer->IsOver())
+    if (mTransfer && !mTransfer->IsOver()) {
         SetTransferState(TransferAborting); // the other side is not left waiting
+        LetLastWordsLeave();
+    }
     if (mOpen == nullptr) return;
     std::exchange(mOpen, nullptr)->Close();
     if (mTransfer) {
@@ -102,6 +109,16 @@ void PDQComm::Close() {
     mFire->Clear();
     mDrain->Clear();
     Trace(TraceKind::Event, "close");
+}
+
+// A channel that closes discards what has not left yet.
+void PDQComm::LetLastWordsLeave() {
+    Wait wait(mReactor, {.wholeMs = LastWordsMs});
+    wait.Until([this] { return mOpen == nullptr || mOpen->OutputPending() == 0; },
+               [this](std::int32_t ms) {
+                   const std::int64_t left = LineTimeUs(mOpen->OutputPending());
+                   mReactor.WaitFor(-1, {}, std::clamp<std::int64_t>(left, 500, ms * 1000LL));
+               });
 }
 
 void PDQComm::Apply(const LineSettings& settings) {

@@ -38,6 +38,8 @@ class Console {
 
     /// A load waits for bytes.
     bool AwaitsData() const { return mInterpreter.Current() == Interpreter::State::NeedsData; }
+    /// How many bytes it waits for; 0 when there is none.
+    std::size_t Missing() const { return mInterpreter.Missing(); }
     void DataTimedOut();
 
     /// The file transfer that has the channel, or null.

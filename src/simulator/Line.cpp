@@ -71,10 +71,15 @@ std::size_t Wire::OnTheWay(Micros now) const {
     return mSize - passed;
 }
 
-std::optional<Micros> Wire::NextDue() const {
-    if (mChunks.empty()) return std::nullopt;
-    const Chunk& chunk = mChunks.front();
-    return (chunk.DueNs(chunk.taken) + NsPerMicro - 1) / NsPerMicro;
+std::optional<Micros> Wire::DueOf(std::size_t bytes) const {
+    std::optional<Micros> due;
+    for (const Chunk& chunk : mChunks) {
+        const std::size_t count = std::min(bytes, chunk.bytes.size() - chunk.taken);
+        due = (chunk.DueNs(chunk.taken + count - 1) + NsPerMicro - 1) / NsPerMicro;
+        bytes -= count;
+        if (bytes == 0) break;
+    }
+    return due;
 }
 
 void Wire::HoldUntil(Micros time) {

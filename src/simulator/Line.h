@@ -29,8 +29,11 @@ class Wire {
     std::size_t OnTheWay(Micros now) const;
     /// Bytes in it, passed or not.
     std::size_t Size() const { return mSize; }
+    /// When that many of its bytes, or all where there are fewer, will have passed; absent while it
+    /// is empty.
+    std::optional<Micros> DueOf(std::size_t bytes) const;
     /// When the next byte will have passed.
-    std::optional<Micros> NextDue() const;
+    std::optional<Micros> NextDue() const { return DueOf(1); }
     /// Nothing passes before that time.
     void HoldUntil(Micros time);
     void Clear();

@@ -24,6 +24,9 @@ constexpr std::size_t PacedLineTakes = 512;
 constexpr std::size_t LineTakes = 16UL * 1024;
 // What a host can hand over before the line has carried it.
 constexpr std::size_t PacedWireTakes = 128;
+// A port asks for more, and a load looks at what came, when this much has passed: waking somebody
+// up for each byte costs more than carrying it.
+constexpr std::size_t WireStep = PacedWireTakes / 4;
 constexpr char Xon = '\x11';
 constexpr char Xoff = '\x13';
 
@@ -48,6 +51,7 @@ class VirtualPrinter::Impl {
     bool Cts() const { return Dsr() && !(mLine.CurrentUart().rtsCts && mHostStopped); }
     std::size_t Backlog() const { return mLine.ToPrinter().Size() + mConsole->Waiting(); }
     std::size_t Room(Micros now) const;
+    std::optional<Micros> RoomDue() const;
     const std::string& Problem() const { return mProblem; }
     Line& Wire() { return mLine; }
     const Line& Wire() const { return mLine; }
@@ -64,6 +68,8 @@ class VirtualPrinter::Impl {
     std::string Greeting() const;
     bool OutputBlocked() const;
     std::size_t LineRoom() const;
+    /// When the printer looks at what has arrived.
+    std::optional<Micros> InputDue() const;
     std::size_t ProgramRoom() const { return mLine.IsPaced() ? LineRoom() : OutputLimit; }
     /// What runs goes on when the line has carried some of what was said.
     bool WaitsForLine() const { return mConsole->Runs() && ProgramRoom() == 0; }
@@ -125,7 +131,19 @@ bool VirtualPrinter::Impl::OutputBlocked() const {
 
 std::size_t VirtualPrinter::Impl::Room(Micros now) const {
     if (!mLine.IsPaced()) return std::string::npos;
-    return PacedWireTakes - std::min(PacedWireTakes, mLine.ToPrinter().OnTheWay(now));
+    const std::size_t onTheWay = mLine.ToPrinter().OnTheWay(now);
+    return onTheWay + WireStep > PacedWireTakes ? 0 : PacedWireTakes - onTheWay;
+}
+
+std::optional<Micros> VirtualPrinter::Impl::RoomDue() const {
+    if (!mLine.IsPaced()) return std::nullopt;
+    const auto& wire = mLine.ToPrinter();
+    const std::size_t stays = PacedWireTakes - WireStep;
+    return wire.DueOf(wire.Size() > stays ? wire.Size() - stays : 1);
+}
+
+std::optional<Micros> VirtualPrinter::Impl::InputDue() const {
+    return mLine.ToPrinter().DueOf(std::clamp<std::size_t>(mConsole->Missing(), 1, WireStep));
 }
 
 std::size_t VirtualPrinter::Impl::LineRoom() const {
@@ -238,7 +256,7 @@ std::optional<Micros> VirtualPrinter::Impl::NextDue() const {
     };
     if (mLine.IsCut()) return due;
     sooner(mBootEnd);
-    if (mConsole->Waiting() < BytesPerSlice) sooner(mLine.ToPrinter().NextDue());
+    if (mConsole->Waiting() < BytesPerSlice) sooner(InputDue());
     if (CanWork() && mConsole->Busy() && !WaitsForLine()) sooner(mNow);
     if (CanWork()) sooner(mConsole->NextDue());
     if (CanWork() && mConsole->AwaitsData()) sooner(mLastData + DataTimeout);
@@ -307,8 +325,7 @@ std::size_t VirtualPrinter::Room(Micros now) const {
 }
 
 std::optional<Micros> VirtualPrinter::RoomDue() const {
-    const auto& wire = mImpl->Wire().ToPrinter();
-    return Paced() ? wire.NextDue() : std::nullopt;
+    return mImpl->RoomDue();
 }
 
 void VirtualPrinter::DiscardFromHost(Micros /*now*/) {

@@ -51,6 +51,8 @@ class Interpreter {
     /// What NeedsLine and NeedsData wait for. TakeData returns how many bytes it took.
     void GiveLine(const std::string& line);
     std::size_t TakeData(std::string_view bytes);
+    /// How many bytes NeedsData waits for; 0 in every other state.
+    std::size_t Missing() const { return mState == State::NeedsData ? mData.missing : 0; }
     /// The awaited bytes do not come: the load fails.
     void DataTimedOut();
 

@@ -20,10 +20,12 @@ class Programs : public AssembledFixture {
     /// On a printer that leaves its labels in a folder.
     Programs() { Assemble("sim:R7G?labels=" + mFolder.File("labels")); }
 
-    /// Starts the program, which nobody waits for, and gives it its time.
+    /// Starts the program, which nobody waits for, and gives it its time: the printer in this
+    /// program lives through it when the port is opened again.
     void Run() {
         Control().RunProgram();
         mReactor.Pass(1000);
+        Control().Fre();
     }
     bool Printed() const { return mFolder.Has("labels/label-0001.png"); }
 };

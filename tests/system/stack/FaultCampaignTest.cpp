@@ -8,8 +8,6 @@
 
 #include <gtest/gtest.h>
 
-#include <set>
-
 namespace qncomm::testing {
 namespace {
 
@@ -20,28 +18,32 @@ struct Fault {
 
 class StackFaults : public ::testing::TestWithParam<Fault> {};
 
-/// One session on a damaged line. Returns the error it ended with, 0 for none.
-int RunSession(ManualReactor& reactor, Stack& stack) {
+struct Session {
+    bool found = false; ///< the printer was
+    int raised = 0;     ///< the error it ended with, 0 for none
+};
+
+/// One session on a damaged line.
+Session RunSession(Stack& stack) {
+    Session session;
     try {
-        if (!stack.mLink.AutoConnect(1)) return 0;
-        for (int i = 0; i < 20; ++i)
+        session.found = stack.mLink.AutoConnect(1);
+        for (int i = 0; session.found && i < 20; ++i)
             stack.Ask("PRINT \"" + std::string(60, 'y') + "\"");
     } catch (const QNError& error) {
-        return error.Number();
+        session.raised = error.Number();
     }
-    (void)reactor;
-    return 0;
+    return session;
 }
 
 TEST_P(StackFaults, EndWithAnErrorThatIsNamedAndNothingClaimed) {
-    std::set<int> seen;
     int clean = 0;
     for (int seed = 1; seed <= 40; ++seed) {
         ManualReactor reactor;
         Stack stack(reactor, "sim:R7G?boot-ms=0&" + std::string(GetParam().option)
                                  + ",seed=" + std::to_string(seed));
         const std::int64_t start = reactor.NowMs();
-        const int number = RunSession(reactor, stack);
+        const auto [found, number] = RunSession(stack);
         EXPECT_LE(reactor.NowMs() - start, 100'000) << "seed " << seed;
         EXPECT_EQ(stack.mLink.UseCount(), 0) << "seed " << seed;
         EXPECT_FALSE(stack.mSerial.PortOpen()) << "seed " << seed;
@@ -49,8 +51,7 @@ TEST_P(StackFaults, EndWithAnErrorThatIsNamedAndNothingClaimed) {
         EXPECT_TRUE(number == 0 || number == 1000 || number == 1007 || number == 1008
                     || number > 60000)
             << number << " with seed " << seed;
-        clean += number == 0 ? 1 : 0;
-        seen.insert(number);
+        clean += found && number == 0 ? 1 : 0;
     }
     EXPECT_LT(clean, 40) << "the fault did nothing";
 }

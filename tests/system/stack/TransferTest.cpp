@@ -162,6 +162,30 @@ TEST(StackTransferFailure, ACancelWhileTheFirstPacketIsHeldBackReachesThePrinter
     EXPECT_EQ(stack.Ask("PRINT 1").at(1), "1");
 }
 
+TEST(StackTransferFailure, APortThatClosesOnASlowLineHasToldThePrinterFirst) {
+    for (const char* const transfer : {"TRANSFER Z \"R\"", "TRANSFER K \"R\""}) {
+        ManualReactor reactor;
+        Stack stack(reactor, "sim:R7G?baud=9600&paced=on");
+        const ScratchFolder folder;
+        stack.Ask("PRINT 1");                           // finds the printer's settings
+        stack.mSerial.SetEventSink([](SerialEvent) {}); // the link is not the one who sends
+        stack.mSerial.SetPortOpen(true);
+        stack.mSerial.Write(std::string(transfer) + "\r");
+        reactor.Pass(200);
+        stack.mSerial.SetBinaryProtocol(transfer[9] == 'Z' ? BinaryZModem : BinaryKermit);
+        stack.mSerial.SetTransferKind(TransferBinary);
+        stack.mSerial.SendFile(folder.Write("cut.bin", AllBytes(5000)));
+        reactor.Pass(500);
+        ASSERT_EQ(stack.mSerial.TransferState(), TransferMoving) << stack.mSerial.TransferReason();
+        const std::int64_t begun = reactor.NowMs();
+        stack.mSerial.SetPortOpen(false);
+        EXPECT_LE(reactor.NowMs() - begun, 200) << transfer;
+        reactor.Pass(2000);
+        stack.mLink.SetImmediateMode(false);
+        EXPECT_TRUE(stack.mLink.AutoConnect(1)) << transfer;
+    }
+}
+
 /// The states that the serial control reports of a transfer that nobody else follows.
 std::vector<std::int16_t> StatesOf(Stack& stack, ManualReactor& reactor,
                                    const std::function<void(PDQComm&)>& start) {

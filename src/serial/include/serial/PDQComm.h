@@ -177,6 +177,8 @@ class PDQComm final : public SerialControl {
     /// Whether what the line took has left it, as far as it tells, or has had its time.
     bool LastBytesGone();
     void EndTransfer();
+    /// Waits a moment, dispatching nothing, until what the line took has left it.
+    void LetLastWordsLeave();
     void OnTransferState(std::int16_t state);
     void Trace(TraceKind kind, std::string_view bytes) const;
 

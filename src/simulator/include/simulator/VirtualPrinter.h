@@ -69,7 +69,7 @@ class VirtualPrinter {
     std::size_t Backlog() const;
 
     /// How many bytes FromHost should be given now: as many as a real port holds before a paced
-    /// line has carried them, any number on another line.
+    /// line has carried them, and none before a quarter of it is free; any number on another line.
     std::size_t Room(Micros now) const;
 
     /// When a line that carries bytes has room for the next one; absent when it carries none.
