@@ -8,8 +8,9 @@ CommandTable AllCommands() {
     CommandTable all;
     for (CommandTable family :
          {PortCommands(), ConnectionCommands(), DoctorCommands(), LineCommands(), WatchCommands(),
-          FileCommands(), ProgramCommands(), SetupCommands(), FontCommands(), ImageCommands(),
-          TransferCommands(), KeyCommands(), MacroCommands(), CallCommands(), TraceCommands()})
+          VerbCommands(), TravelCommands(), SyncCommands(), FileCommands(), ProgramCommands(),
+          SetupCommands(), FontCommands(), ImageCommands(), TransferCommands(), KeyCommands(),
+          MacroCommands(), CallCommands(), TraceCommands()})
         all.insert(all.end(), std::make_move_iterator(family.begin()),
                    std::make_move_iterator(family.end()));
     return all;

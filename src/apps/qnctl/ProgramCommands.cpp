@@ -1,5 +1,6 @@
 #include "Command.h"
 #include "GivenSettings.h"
+#include "ModuleUpload.h"
 #include "PlainCommand.h"
 #include "Session.h"
 
@@ -44,59 +45,6 @@ Outcome ShowFreeMemory(Session& session) {
     else
         session.Out().Line(std::to_string(bytes));
     return {};
-}
-
-/// One line that editors can jump to, and the program line under it.
-void ShowModuleError(const Output& out, const qncomm::clsQNModuleError& error) {
-    out.Aside(error.QNModuleName + ":" + std::to_string(error.QNErrInLine) + ": error "
-              + std::to_string(error.QNErrCode) + ": " + qncomm::Utf8FromPrinter(error.QNErrDesc));
-    out.Aside("    " + qncomm::Utf8FromPrinter(error.QNText));
-}
-
-Json DocumentOf(const qncomm::clsQNModuleError& error) {
-    return {{"file", error.QNModuleName},
-            {"line", error.QNErrInLine},
-            {"number", error.QNErrCode},
-            {"description", qncomm::Utf8FromPrinter(error.QNErrDesc)},
-            {"text", qncomm::Utf8FromPrinter(error.QNText)}};
-}
-
-std::string ReadHostFile(const std::string& path) {
-    if (path.empty()) return {};
-    if (!qncomm::SystemFiles().Exists(path))
-        qncomm::RaiseRuntimeError(qncomm::RtFileNotFound, "qnctl");
-    const auto file = qncomm::SystemFiles().Open(path);
-    return file->Read(static_cast<std::size_t>(file->Length()));
-}
-
-/// The module's text with the printer's line ends, which the files of this machine mostly lack.
-/// Empty for a file that is missing or empty: the printer layer then tells so.
-std::string ModuleText(const std::string& path) {
-    std::string text = qncomm::SystemFiles().Exists(path) ? ReadHostFile(path) : std::string();
-    if (text.find(qncomm::CrLf) != std::string::npos) return text;
-    return qncomm::ReplaceAll(text, "\n", qncomm::CrLf);
-}
-
-Outcome UploadModule(Session& session, const UploadArguments& arguments) {
-    Outcome outcome;
-    const auto target = ForPrinter(arguments.target, outcome);
-    if (!target) return outcome;
-    qncomm::ModuleUploadArgs module{arguments.file, *target, ModuleText(arguments.file)};
-    const auto errors = session.Control().ModuleUpload(module);
-    Json list = Json::array();
-    const bool json = session.Out().IsJson();
-    for (const auto& error : *errors) {
-        if (json)
-            list.push_back(DocumentOf(*error));
-        else
-            ShowModuleError(session.Out(), *error);
-    }
-    const std::string savedAs = qncomm::Utf8FromPrinter(module.sTargetPath);
-    if (json) session.Out().Document({{"target", savedAs}, {"errors", list}});
-    if (errors->IsEmpty()) return {};
-    const std::size_t count = errors->Count();
-    return Refused(ExitStatus::Error, std::to_string(count) + (count == 1 ? " error" : " errors")
-                                          + "; " + savedAs + " was not saved.");
 }
 
 Outcome LinkProgram(Session& session, const LinkArguments& arguments) {
@@ -165,7 +113,9 @@ Command UploadCommand() {
                 app.add_option("--target", arguments->target, "Its name on the printer")
                     ->type_name("NAME");
             },
-            [arguments](Session& session) { return UploadModule(session, *arguments); }};
+            [arguments](Session& session) {
+                return UploadModule(session, arguments->file, arguments->target);
+            }};
 }
 
 Command LinkCommand() {
