@@ -5,6 +5,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <limits>
 #include <poll.h>
 
 namespace qncomm {
@@ -19,8 +20,15 @@ inline FdEvents EventsOf(short bits) {
 }
 
 /// Sleeps in the kernel until an entry is ready or the time has passed (AlarmQueue::Never: for
-/// ever). A signal that interrupts the sleep counts as nothing ready.
+/// ever), a long time up to a ms longer. A signal that interrupts the sleep counts as nothing
+/// ready.
 inline int Sleep(pollfd* entries, std::size_t count, std::int64_t us) {
+    // A process that is stopped and goes on: poll still ends when it was to end, ppoll then begins
+    // anew with what was left. But poll counts in ms, which is too coarse for a short sleep.
+    constexpr std::int64_t longUs = 100'000;
+    constexpr std::int64_t mostUs = std::int64_t{std::numeric_limits<int>::max()} * 1000;
+    if (us >= longUs && us <= mostUs)
+        return ::poll(entries, count, static_cast<int>((us + 999) / 1000));
     const bool forEver = us == AlarmQueue::Never;
     timespec limit{};
     if (!forEver) {

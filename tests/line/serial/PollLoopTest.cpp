@@ -8,6 +8,8 @@
 #include <gtest/gtest.h>
 
 #include <csignal>
+#include <sys/wait.h>
+#include <unistd.h>
 
 namespace qncomm::testing {
 namespace {
@@ -15,6 +17,22 @@ namespace {
 constexpr std::int32_t LongMs = AnHourMs;
 
 INSTANTIATE_TYPED_TEST_SUITE_P(PollLoop, ReactorContract, PollLoop);
+
+TEST(StoppedProcess, SleepsNoLongerThanItWasTo) {
+    const pid_t sleeper = ::fork();
+    if (sleeper == 0) {
+        PollLoop().Yield(1500);
+        ::_exit(0);
+    }
+    PollLoop loop;
+    loop.WaitFor(-1, {}, 300'000); // it sleeps by now
+    ::kill(sleeper, SIGSTOP);
+    loop.WaitFor(-1, {}, 1'400'000);
+    ::kill(sleeper, SIGCONT);
+    const std::int64_t goesOn = loop.NowUs();
+    EXPECT_EQ(::waitpid(sleeper, nullptr, 0), sleeper);
+    EXPECT_LT(loop.NowUs() - goesOn, 600'000) << "it had 1200 ms left when it was stopped";
+}
 
 // -- Signals
 
