@@ -33,21 +33,11 @@ Outcome At(Outcome outcome, const std::string& place) {
     return outcome;
 }
 
-bool AddLine(std::vector<BatchLine>& lines, const std::string& text, const std::string& place,
-             Outcome& outcome) {
-    auto words = WordsOf(text);
-    if (!words) {
-        outcome = At(Refused(ExitStatus::Usage, "a quote does not end."), place);
-        return false;
-    }
-    if (words->empty()) return true;
-    const std::string member = words->front();
-    words->erase(words->begin());
-    Outcome wrong;
-    const auto call = UnderstandCall(member, *words, wrong);
-    if (call) lines.push_back({place, *call});
-    if (!call) outcome = At(wrong, place);
-    return call.has_value();
+/// The call that a line's words make.
+std::optional<MemberCall> CallOf(std::vector<std::string> words, Outcome& outcome) {
+    const std::string member = words.front();
+    words.erase(words.begin());
+    return UnderstandCall(member, words, outcome);
 }
 
 } // namespace
@@ -64,20 +54,31 @@ std::optional<std::vector<std::string>> WordsOf(std::string_view line) {
     }
 }
 
-std::vector<BatchLine> ReadBatch(const std::string& name, qncomm::LineReader& input,
-                                 Outcome& outcome) {
+std::optional<BatchLine> BatchReader::Next(Outcome& outcome) {
+    while (const auto text = mInput.ReadLine()) {
+        ++mNumber;
+        const auto words = WordsOf(*text);
+        if (words && words->empty()) continue;
+        Outcome wrong = Refused(ExitStatus::Usage, "a quote does not end.");
+        if (words)
+            if (const auto call = CallOf(*words, wrong)) return BatchLine{Place(), *call};
+        outcome = At(wrong, Place());
+        return std::nullopt;
+    }
+    return std::nullopt;
+}
+
+std::vector<BatchLine> ReadBatch(BatchReader& reader, Outcome& outcome) {
     std::vector<BatchLine> lines;
-    int number = 1;
-    for (auto text = input.ReadLine(); text; text = input.ReadLine(), ++number) {
-        const std::string place = name + ":" + std::to_string(number);
-        if (number > MostBatchLines) {
+    while (const auto line = reader.Next(outcome)) {
+        if (reader.Number() > MostBatchLines) {
             outcome =
                 At(Refused(ExitStatus::Usage,
                            "a batch has at most " + std::to_string(MostBatchLines) + " lines."),
-                   place);
+                   reader.Place());
             break;
         }
-        if (!AddLine(lines, *text, place, outcome)) break;
+        lines.push_back(*line);
     }
     return lines;
 }

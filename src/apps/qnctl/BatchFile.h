@@ -8,6 +8,7 @@
 #include <optional>
 #include <string>
 #include <string_view>
+#include <utility>
 #include <vector>
 
 namespace qnctl {
@@ -23,10 +24,30 @@ struct BatchLine {
 /// quote that does not end.
 std::optional<std::vector<std::string>> WordsOf(std::string_view line);
 
+/// The lines of a batch as they come.
+class BatchReader {
+  public:
+    /// sName stands for the batch in outcomes; input must outlive the object.
+    BatchReader(std::string sName, qncomm::LineReader& input)
+        : mName(std::move(sName)), mInput(input) {}
+
+    /// The next line that is a call. Nothing at the end, and, with the outcome set, for a line that
+    /// cannot be understood; the one behind it can be read all the same. Throws what the input's
+    /// loop throws.
+    std::optional<BatchLine> Next(Outcome& outcome);
+    /// The number of the last line that was read, from 1 on.
+    int Number() const { return mNumber; }
+    /// Where it stands, for outcomes.
+    std::string Place() const { return mName + ":" + std::to_string(mNumber); }
+
+  private:
+    std::string mName;
+    qncomm::LineReader& mInput;
+    int mNumber = 0;
+};
+
 /// Reads a batch to its end and understands all of it, so that a mistake is found before the first
-/// call. The outcome is set when it could not; name stands for the batch in it. Throws what the
-/// input's loop throws.
-std::vector<BatchLine> ReadBatch(const std::string& name, qncomm::LineReader& input,
-                                 Outcome& outcome);
+/// call. The outcome is set when it could not. Throws what the input's loop throws.
+std::vector<BatchLine> ReadBatch(BatchReader& reader, Outcome& outcome);
 
 } // namespace qnctl

@@ -98,12 +98,66 @@ Outcome RunLine(Session& session, const BatchLine& line, bool showArguments) {
     if (!outcome.Ok()) return outcome;
     if (!session.Out().IsJson()) {
         ShowResult(session.Out(), result, showArguments);
+        session.Out().Text({}); // all of it, at once
         return outcome;
     }
     Json document{{"place", line.place}, {"member", line.call.member->name}};
     document.update(ResultDocument(result, showArguments));
     session.Out().Document(document);
     return outcome;
+}
+
+/// Calls that failed and were gone on behind.
+class Failures {
+  public:
+    Failures(Session& session, bool keepGoing) : mSession(session), mKeepGoing(keepGoing) {}
+
+    /// Whether the next call is made; what has failed is told. Without a printer or a port there is
+    /// nothing to talk to.
+    bool GoOnBehind(const Outcome& outcome) {
+        ++mCalls;
+        if (outcome.Ok()) return true;
+        if (!mKeepGoing
+            || (outcome.status != ExitStatus::Error && outcome.status != ExitStatus::Usage))
+            return false;
+        mSession.Out().Failure(outcome);
+        ++mFailed;
+        return true;
+    }
+
+    Outcome All() const {
+        if (mFailed == 0) return {};
+        return Refused(ExitStatus::Error, std::to_string(mFailed) + " of " + std::to_string(mCalls)
+                                              + " calls failed.");
+    }
+
+  private:
+    Session& mSession;
+    bool mKeepGoing;
+    std::size_t mCalls = 0;
+    std::size_t mFailed = 0;
+};
+
+/// Carries each line out when it has come, so that whoever writes the next one has the answer to
+/// the one before.
+Outcome Converse(Session& session, BatchReader& reader, const BatchArguments& arguments) {
+    Failures failures(session, arguments.keepGoing);
+    bool made = false;
+    bool hasPort = false;
+    for (;;) {
+        Outcome outcome;
+        const auto line = reader.Next(outcome);
+        if (!line && outcome.Ok()) return failures.All();
+        if (line) {
+            if (!made || (!hasPort && NeedsPort(line->call))) {
+                hasPort = NeedsPort(line->call) || !session.Options().port.empty();
+                if (Outcome chosen = ChooseThePort(session, hasPort); !chosen.Ok()) return chosen;
+                made = true;
+            }
+            outcome = RunLine(session, *line, arguments.showArguments);
+        }
+        if (!failures.GoOnBehind(outcome)) return outcome;
+    }
 }
 
 Outcome Batch(Session& session, const BatchArguments& arguments) {
@@ -115,23 +169,19 @@ Outcome Batch(Session& session, const BatchArguments& arguments) {
         if (!opened.Ok()) return Refused(ExitStatus::Usage, opened.text + ".");
     }
     qncomm::LineReader input(session.Loop(), file ? file.Get() : STDIN_FILENO);
-    const auto lines = ReadBatch(arguments.file, input, outcome);
+    BatchReader reader(arguments.file, input);
+    if (!file) return Converse(session, reader, arguments);
+    const auto lines = ReadBatch(reader, outcome);
     if (!outcome.Ok()) return outcome;
     const bool needsPort =
         std::ranges::any_of(lines, [](const BatchLine& line) { return NeedsPort(line.call); });
     if (outcome = ChooseThePort(session, needsPort); !outcome.Ok()) return outcome;
-    std::size_t failures = 0;
-    for (const BatchLine& line : lines) {
-        outcome = RunLine(session, line, arguments.showArguments);
-        if (outcome.Ok()) continue;
-        // Without a printer the lines that follow have nothing to talk to.
-        if (!arguments.keepGoing || outcome.status != ExitStatus::Error) return outcome;
-        session.Out().Failure(outcome);
-        ++failures;
-    }
-    if (failures == 0) return {};
-    return Refused(ExitStatus::Error, std::to_string(failures) + " of "
-                                          + std::to_string(lines.size()) + " calls failed.");
+    Failures failures(session, arguments.keepGoing);
+    for (const BatchLine& line : lines)
+        if (outcome = RunLine(session, line, arguments.showArguments);
+            !failures.GoOnBehind(outcome))
+            return outcome;
+    return failures.All();
 }
 
 Command CallCommand() {
@@ -152,7 +202,9 @@ Command BatchCommand() {
     const auto arguments = std::make_shared<BatchArguments>();
     return {"batch", "Call members from a file, one call a line, in one session", Needs::Nothing,
             [arguments](CLI::App& app) {
-                app.add_option("FILE", arguments->file, "The calls; - for the standard input")
+                app.add_option(
+                       "FILE", arguments->file,
+                       "The calls; - for the standard input, each line answered as it comes")
                     ->required();
                 app.add_flag("--keep-going", arguments->keepGoing,
                              "Go on after a call that raised an error");

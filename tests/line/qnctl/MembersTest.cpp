@@ -201,9 +201,27 @@ TEST_F(Batches, OfAnInputThatDoesNotEndAreCancelled) {
     const auto program = Start({"batch", "-", "--settings", PathOf("settings")});
     program->Type("BackColor\n");
     ASSERT_TRUE(program->WaitForErr("COM3 in the settings")) << program->Err();
+    ASSERT_TRUE(program->WaitForOut("15\n")) << program->Err();
     program->Signal(SIGINT);
     EXPECT_EQ(program->Wait(), 130);
-    EXPECT_EQ(program->Out(), "");
+}
+
+TEST_F(Batches, OfTheInputAnswerEachLineBeforeTheNextOneIsWritten) {
+    const auto program =
+        Start({"batch", "-", "--keep-going", "--json", "--quiet", "--port", "sim:R7G"});
+    program->Type("BackColor\n");
+    ASSERT_TRUE(program->WaitForOut("\"result\":15}\n")) << program->Err();
+    program->Type("PrinterType\n");
+    ASSERT_TRUE(
+        program->WaitForOut("\"place\":\"-:2\",\"member\":\"PrinterType\",\"result\":\"R7G\"}\n"))
+        << program->Err();
+    program->Type("Nada\n");
+    ASSERT_TRUE(program->WaitForErr("\"-:3\"")) << program->Err();
+    program->Type("FirmwareVersion\n");
+    ASSERT_TRUE(program->WaitForOut("\"place\":\"-:4\"")) << program->Err();
+    program->CloseInput();
+    EXPECT_EQ(program->Wait(), 1);
+    EXPECT_THAT(program->Err(), HasSubstr("1 of 4 calls failed."));
 }
 
 TEST_F(Batches, OfAClosedInputAreEmptyAndAClosedOutputIsNotThePort) {
