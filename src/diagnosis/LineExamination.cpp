@@ -16,6 +16,8 @@ constexpr std::int32_t ListenMs = 1000;
 constexpr std::int32_t ListenShortlyMs = 300;
 /// Bytes that were on their way while the settings changed are over by then.
 constexpr std::int32_t SettleMs = 100;
+constexpr std::int32_t LongestReachMs = 15'000; ///< a far side has limits of its own below this
+constexpr std::int32_t AskMs = 100;             ///< between two questions whether to go on
 /// A receiver that waits for a file asks for it again after eight seconds at the most, a printer
 /// that starts takes a few, and one that waits for the rest of a load gives it up after ten.
 constexpr std::int32_t ListenLongMs = 11'000;
@@ -139,13 +141,25 @@ void LineExamination::ListenOnceMore(LineFacts& facts) {
     AskOnceMoreAfterNoise(facts);
 }
 
+bool LineExamination::Open() {
+    bool cancelled = false;
+    if (!mSerial.ReachPort())
+        Wait(mPort.reactor, {.wholeMs = LongestReachMs, .stepMs = AskMs})
+            .UntilIn(mPort.reactor, [&] {
+                cancelled = Tell({});
+                return cancelled || mSerial.ReachPort();
+            });
+    if (!cancelled) mSerial.SetPortOpen(true);
+    return !cancelled;
+}
+
 bool LineExamination::Listen(const std::string& settings, std::int32_t ms, LineFacts& facts) {
     try {
         mSerial.SetPortNumber(mPort.number);
         mSerial.SetPortSettings(settings);
         mSerial.SetHandshaking(0); // a full buffer would otherwise send an Xoff
         mSerial.SetBufferSizes(BufferBytes, 1);
-        mSerial.SetPortOpen(true);
+        if (!Open()) return false;
     } catch (const QNError& error) {
         const auto& failure = mSerial.LastFailure();
         facts.opening =
@@ -242,7 +256,7 @@ std::string LineExamination::Fix(const LineFacts& facts) {
     try {
         UseSettings(mLink, facts.heardAt.empty() ? mPort.as : facts.heardAt);
         if (const std::string_view cancel = CancelOf(facts.heard.talk); !cancel.empty()) {
-            mSerial.SetPortOpen(true);
+            if (!Open()) return "The port was not opened: cancelled.";
             mSerial.Write(cancel);
             mLink.Delay(ListenShortlyMs);
             mSerial.SetPortOpen(false);

@@ -119,7 +119,8 @@ bool AutoConnectSearch::Run() {
     bool found = false;
     try {
         found = Search();
-    } catch (const QNError&) { // the outcome is the result; what failed shows in the status
+        if (found) mState.AwaitPort(); // what follows finds it open
+    } catch (const QNError&) {         // the outcome is the result; what failed shows in the status
         Quietly([this] { GiveUp(); });
     } catch (...) {
         Quietly([this] { PutBackSettings(); });
@@ -358,8 +359,10 @@ void AutoConnectSearch::Flush() {
 bool AutoConnectSearch::TryOpen(const std::string& settings) {
     try {
         if (!settings.empty()) Serial().SetPortSettings(settings);
+        mState.AwaitPort();
         Serial().SetPortOpen(true);
     } catch (const QNError& error) {
+        if (mState.serial == nullptr) throw; // torn down
         if (mPort != mLoggedPort) mState.host.desktop.Log(error.Description());
         mLoggedPort = mPort;
         return false;
@@ -387,7 +390,7 @@ void AutoConnectSearch::End() {
     Serial().SetReceiveMode(mFormerMode);
     mState.ClearReceived();
     Quietly([this] {
-        if (mWasOpen || mState.useCount > 0) Serial().SetPortOpen(true);
+        if (mWasOpen || mState.useCount > 0) mState.OpenSoon();
         mState.NoteLine();
         mState.NoteTalk();
     });

@@ -105,7 +105,16 @@ struct LinkState {
     /// Finds the printer unless it is known and puts it into the modes that the exchange relies
     /// on; False when there is none.
     bool PreparePrinter(bool exclusive);
+    /// Waits on the host's loop, as long as there is a far side to wait for, until opening the port
+    /// does not wait any more.
+    void AwaitPort();
     void OpenPort();
+    /// Opens the port now or, where that would wait, as soon as it does not.
+    void OpenForTerminal();
+    /// Opens the port again in the same way, as part of an operation that had closed it.
+    void OpenSoon();
+    void OpenWhenReached();
+    bool TerminalMayOpen() const;
     void ClosePort();
     void RaisePortState(bool open);
     void OnPortLost();
@@ -281,11 +290,13 @@ struct LinkState {
     bool dsrDetectActive = false;
     bool terminalActive = false; ///< what the host asked for
     bool terminalHeld = false;   ///< whether one of the counted uses is the terminal's
-    bool portLost = false; ///< the device went away under a claim; the next claim opens it again
+    /// The device went away under a claim, or its far side has not been reached yet; the next claim
+    /// opens it.
+    bool portLost = false;
     PortClaim* innermost = nullptr;
     int hostCalls = 0;                         ///< how deep the link is in code of the host
     std::int32_t owedReleases = 0;             ///< releases that came while another held the mark
-    std::unique_ptr<RunningTimer> reopenTimer; ///< runs while the terminal's device is away
+    std::unique_ptr<RunningTimer> reopenTimer; ///< runs while the terminal waits for its device
     std::unique_ptr<RunningTimer> pollTimer;
     std::int32_t pollEveryMs = 0;
     std::unique_ptr<RunningTimer> pollLimit; ///< runs while a poll's answer is awaited

@@ -13,6 +13,9 @@ namespace qncomm {
 namespace {
 
 constexpr std::int32_t ReopenInterval = 1000;
+constexpr std::int32_t ReachInterval = 20;
+/// A name, a connection and a remote port's answers have limits of their own below this.
+constexpr std::int32_t LongestReachMs = 15'000;
 
 } // namespace
 
@@ -102,7 +105,7 @@ void LinkState::Settle() {
         ReleaseTerminal();
     } else {
         ++useCount;
-        if (useCount == 1 || portLost) OpenPort();
+        if (useCount == 1 || portLost) OpenForTerminal();
         if (useCount == 1) Serial().SetReceiveMode(ReceiveToTerminal);
         SchedulePolls();
     }
@@ -120,7 +123,14 @@ void LinkState::EndExclusive(std::string_view formerTag) {
     Settle();
 }
 
+void LinkState::AwaitPort() {
+    if (Serial().ReachPort()) return;
+    Await({.wholeMs = LongestReachMs}, [this] { return Serial().ReachPort(); });
+}
+
 void LinkState::OpenPort() {
+    portLost = true; // until it is open: who gives it up meanwhile has no closing to tell
+    AwaitPort();
     portLost = false;
     reopenTimer.reset();
     try {
@@ -158,9 +168,38 @@ void LinkState::OnPortLost() {
     RaisePortState(false);
 }
 
+void LinkState::OpenForTerminal() {
+    if (Serial().ReachPort())
+        OpenPort();
+    else
+        OpenWhenReached();
+}
+
+void LinkState::OpenSoon() {
+    if (Serial().ReachPort())
+        Serial().SetPortOpen(true);
+    else if (useCount > 0)
+        OpenWhenReached();
+}
+
+/// To whoever claims the line meanwhile it is a lost one.
+void LinkState::OpenWhenReached() {
+    portLost = true;
+    if (!terminalHeld) return;
+    reopenTimer = host.loop.StartTimer(ReachInterval, [this] {
+        if (!TerminalMayOpen()) return;
+        Serial().SetReceiveMode(ReceiveToTerminal);
+        OpenPort();
+    });
+}
+
+/// A far side that is silent does not hold the host up.
+bool LinkState::TerminalMayOpen() const {
+    return portLost && innermost == nullptr && !IsExclusive() && Serial().ReachPort();
+}
+
 void LinkState::ReopenForTerminal() {
-    if (!portLost || innermost != nullptr || IsExclusive()) return;
-    if (!Serial().ReachPort()) return; // a far side that is silent does not hold the host up
+    if (!TerminalMayOpen()) return;
     try {
         Serial().SetPortOpen(true);
     } catch (const QNError&) { // still away: the timer tries again

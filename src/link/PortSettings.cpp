@@ -194,8 +194,9 @@ void clsDataLink::ApplyCommSettings() {
     };
     const Step close = [this] { mState->Serial().SetPortOpen(false); };
     const Step open = [this] {
-        if (!mState->Serial().PortOpen())
-            mState->Serial().SetPortOpen(true); // an accepted dialog may have opened it
+        if (mState->Serial().PortOpen()) return; // an accepted dialog may have opened it
+        if (mState->innermost != nullptr) mState->AwaitPort();
+        mState->OpenSoon();
     };
     const bool wasOpen = mState->serial != nullptr && mState->serial->PortOpen();
     const std::vector<Step> steps =

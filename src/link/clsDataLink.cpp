@@ -69,6 +69,7 @@ void clsDataLink::TearDown() {
         if (serial.PortOpen()) serial.SetPortOpen(false);
         serial.KeepPort(false);
     }
+    mState->reopenTimer.reset();
     mState->live.Line(LineClosed);
     mState->useCount = 0;
     mState->terminalActive = mState->terminalHeld = false;

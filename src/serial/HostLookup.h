@@ -1,9 +1,8 @@
 #pragma once
 
 #include "platform/IoResult.h"
-#include "platform/Reactor.h"
 
-#include <cstdint>
+#include <memory>
 #include <string>
 #include <sys/socket.h>
 #include <vector>
@@ -15,10 +14,26 @@ struct SocketAddress {
     socklen_t length = 0;
 };
 
-/// Finds the addresses of a host, in the order in which to try them. Takes at most lLimitUs
-/// microseconds: the system's own look-up knows no limit, so it runs beside and is left behind when
-/// it is late.
-IoResult LookUpHost(Reactor& reactor, const std::string& sHost, const std::string& sService,
-                    std::int64_t lLimitUs, std::vector<SocketAddress>& addresses);
+/// Asks for the addresses of a host, in the order in which to try them. A number is answered at
+/// once; the system's own look-up knows no limit, so it runs beside, and who ends this object
+/// leaves it behind.
+class HostLookup {
+  public:
+    HostLookup(const std::string& sHost, const std::string& sService);
+
+    /// Whether the answer is there, without waiting.
+    bool IsDone();
+    /// Readable once it is.
+    int Handle() const;
+    /// The answer; to be called when it is there, and once.
+    IoResult Take(std::vector<SocketAddress>& addresses);
+
+  private:
+    struct Pending;
+
+    std::shared_ptr<Pending> mPending;
+    bool mDone = false;
+    IoResult mFailure; ///< why nobody was asked
+};
 
 } // namespace qncomm

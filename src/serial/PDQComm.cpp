@@ -90,7 +90,8 @@ void PDQComm::KeepPort(bool bOn) {
 
 bool PDQComm::ReachPort() {
     const PortBinding* const binding = mBindings.Find(mPortNumber);
-    return PortOpen() || binding == nullptr || ChannelFor(binding->address).channel->Reach();
+    return PortOpen() || binding == nullptr
+           || ChannelFor(binding->address).channel->Reach(mSettings);
 }
 
 bool PDQComm::ProbePort(std::int16_t iPort) {

@@ -2,24 +2,14 @@
 
 #include "SocketPlace.h"
 #include "common/Wait.h"
-#include "platform/SystemErrors.h"
 
 #include <algorithm>
-#include <array>
-#include <cerrno>
-#include <sys/socket.h>
 #include <utility>
 
 namespace qncomm {
 namespace {
 
-constexpr std::size_t PieceSize = 4096;
 constexpr std::size_t LongestWrite = 16UL * 1024;
-constexpr const char* ClosedText = "the other side closed the connection";
-
-IoResult NoAnswer(const std::string& what) {
-    return {IoStatus::TimedOut, ETIMEDOUT, what};
-}
 
 constexpr std::string_view Rfc2217Scheme = "rfc2217://";
 
@@ -48,7 +38,7 @@ Rfc2217Channel::Rfc2217Channel(Reactor& reactor, std::string sHost, std::string 
       mWake(reactor.CreateAlarm([this] {
           if (mWanted.readable && mHandler) mHandler({.readable = true});
       })),
-      mParkEnd(reactor.CreateAlarm([this] { mSession.reset(); })) {}
+      mDue(reactor.CreateAlarm([this] { OnDue(); })) {}
 
 Rfc2217Channel::~Rfc2217Channel() {
     Close();
@@ -75,16 +65,11 @@ class Rfc2217Channel::WholeTalk {
 };
 
 IoResult Rfc2217Channel::Open(const LineSettings& settings) {
-    mParkEnd->Clear();
     WholeTalk talk(*this);
-    IoResult result;
-    if (mSession) result = PutSettings(settings);
-    if (result.status == IoStatus::Lost) Drop(); // it ended while it was parked
-    if (!mSession) {
-        result = Connect();
-        if (result.Ok()) result = PutSettings(settings);
-    }
-    if (!result.Ok()) return result;
+    SleepUntil([&] { return Reach(settings); });
+    mDue->Clear();
+    EndTalk();
+    if (mFailure) return *std::exchange(mFailure, std::nullopt);
     talk.Keep();
     mSession->received.clear();
     mSession->protocol.TakeLineErrors();
@@ -99,139 +84,144 @@ void Rfc2217Channel::Close() {
     mWatch.reset();
     mWake->Clear();
     mSession->received.clear();
-    if (!Flush().Ok() || !mSession->protocol.Output().empty() || HasUnsent(mSession->fd.Get())) {
+    if (!mSession->Flush().Ok() || !mSession->protocol.Output().empty()
+        || HasUnsent(mSession->fd.Get())) {
         Drop();
         return;
     }
-    mParkEnd->SetDue(mReactor.NowUs() + ParkUs);
+    mDue->SetDue(mReactor.NowUs() + ParkUs);
 }
 
 IoResult Rfc2217Channel::Probe() {
     if (mWatch) return {};
-    mParkEnd->Clear();
     WholeTalk talk(*this);
-    if (mSession && !Receive(PieceSize).Ok()) Drop();
-    IoResult result = mSession ? IoResult{} : Connect();
+    if (mTalk || (mSession && !mSession->Receive(Rfc2217Session::PieceSize, mReactor.NowUs()).Ok()))
+        Drop();
+    IoResult result = mFailure.value_or(IoResult{});
+    mFailure.reset();
+    if (!mSession && result.Ok()) {
+        SleepUntil([this] { return Connect(); });
+        if (!mFailure) result = Converse(Rfc2217Talk::Agreement, {});
+        if (mFailure) result = *std::exchange(mFailure, std::nullopt);
+    }
+    mDue->Clear();
     if (!result.Ok()) return result;
-    mParkEnd->SetDue(mReactor.NowUs() + ParkUs);
+    mDue->SetDue(mReactor.NowUs() + ParkUs);
     talk.Keep();
     return result;
 }
 
 void Rfc2217Channel::Drop() {
+    EndTalk();
     mWatch.reset();
     if (mSession) CloseHard(mSession->fd.Get());
     mSession.reset();
 }
 
-IoResult Rfc2217Channel::Connect() {
-    mSession = std::make_unique<Session>();
-    if (IoResult result = mConnector.Connect(mSession->fd); !result.Ok()) return result;
-    ComPortClient& protocol = mSession->protocol;
-    protocol.Offer();
-    IoResult result = Await([&protocol] { return protocol.Agreed() || !protocol.Refusal().Ok(); },
-                            LongestAnswerUs);
-    if (result.status == IoStatus::TimedOut)
-        return NoAnswer(mSession->heard
-                            ? "who listens there does not speak RFC 2217: no answer to its options"
-                            : "who listens there says nothing: it serves somebody else, or does "
-                              "not speak RFC 2217");
-    if (result.status == IoStatus::Lost)
-        result.text += " before it answered: somebody else may hold the port";
-    return result.Ok() ? protocol.Refusal() : result;
+bool Rfc2217Channel::Reach(const LineSettings& settings) {
+    if (mWatch || mFailure) return true;
+    if (!mSession) {
+        if (!Connect()) return false;
+        if (mFailure) return true;
+        StartTalk(Rfc2217Talk::Opening, settings);
+    } else if (!mTalk || (mTalk->GoOn() && !(mTalk->Settings() == settings))) {
+        StartTalk(Rfc2217Talk::OpeningAgain, settings);
+    }
+    return GoOn() || (!mSession && Reach(settings));
 }
 
-IoResult Rfc2217Channel::PutSettings(const LineSettings& settings) {
-    ComPortClient& protocol = mSession->protocol;
-    const bool first = !std::exchange(mSession->toldModemLines, true);
-    // What a former opening left there goes now. Closing was too early for that: the last bytes of
-    // a transfer may just have been on their way.
-    protocol.PurgeUnsent();
-    DiscardInput(); // goes first: when the others are answered and it is not, it never is
-    if (first) protocol.AskForStates();
-    protocol.HoldLines(true, true);
-    if (IoResult result = Configure(settings); !result.Ok()) return result;
-    if (protocol.Purging()) protocol.ForgetPurges(true);
-    if (first && !protocol.Dsr()) {
-        IoResult told =
-            Await([&protocol] { return protocol.Dsr().has_value(); }, ModemStateLimitUs);
-        if (told.status != IoStatus::TimedOut) return told;
+/// Without waiting: whether there is a connection, or a failure.
+bool Rfc2217Channel::Connect() {
+    if (!mConnector.Reach()) return false;
+    mSession = std::make_unique<Rfc2217Session>();
+    const IoResult result = mConnector.Connect(mSession->fd);
+    if (!result.Ok()) Fail(result);
+    return true;
+}
+
+void Rfc2217Channel::StartTalk(Rfc2217Talk::Questions questions, const LineSettings& settings) {
+    EndTalk();
+    mTalk.emplace(mReactor, *mSession, questions, settings);
+    mTalkWatch = mReactor.Watch(mSession->fd.Get(), {}, [this](FdEvents) { GoOn(); });
+}
+
+void Rfc2217Channel::EndTalk() {
+    mTalkWatch.reset();
+    mTalk.reset();
+}
+
+/// Whether there is nothing left to wait for.
+bool Rfc2217Channel::GoOn() {
+    const bool ended = mTalk->GoOn();
+    const IoResult result = mTalk->Result();
+    mDue->SetDue(ended ? mReactor.NowUs() + SocketConnector::TakeUs : mTalk->DueUs());
+    mTalkWatch->Want(ended ? FdEvents{} : mTalk->Awaited());
+    if (result.Ok()) return ended;
+    const bool again = result.status == IoStatus::Lost && mTalk->IsOnKnownConnection();
+    Drop();
+    if (!again) Fail(result); // else it has ended while it was parked, and another one is made
+    return !again;
+}
+
+void Rfc2217Channel::Fail(const IoResult& result) {
+    Drop();
+    mFailure = result;
+    mDue->SetDue(mReactor.NowUs() + SocketConnector::TakeUs);
+}
+
+/// An answer is late, or nobody has taken what was reached or parked.
+void Rfc2217Channel::OnDue() {
+    if (mTalk && !mTalk->HasEnded()) {
+        GoOn();
+        return;
     }
-    return {};
+    mFailure.reset();
+    EndTalk();
+    mSession.reset();
 }
 
 IoResult Rfc2217Channel::Configure(const LineSettings& settings) {
-    ComPortClient& protocol = mSession->protocol;
-    protocol.Configure(settings);
-    IoResult result = Await([&protocol] { return protocol.Settled(); }, LongestAnswerUs);
-    if (result.status == IoStatus::TimedOut)
-        result =
-            NoAnswer("the remote port does not answer to the setting of " + protocol.Unanswered());
+    const IoResult result = Converse(Rfc2217Talk::Change, settings);
     if (mWatch) Want(mWanted);
-    return result.Ok() ? protocol.Refusal() : result;
+    return result;
+}
+
+IoResult Rfc2217Channel::Converse(Rfc2217Talk::Questions questions, const LineSettings& settings) {
+    Rfc2217Talk talk(mReactor, *mSession, questions, settings);
+    SleepUntil([&talk] { return talk.GoOn(); }, &talk);
+    return talk.Result();
 }
 
 IoResult Rfc2217Channel::SetBreak(bool bOn) {
     mSession->protocol.SetBreak(bOn);
-    IoResult result = Flush();
+    IoResult result = mSession->Flush();
     Rewatch();
     return result;
 }
 
-template <typename Condition>
-IoResult Rfc2217Channel::Await(Condition isMet, std::int64_t lLimitUs) {
-    IoResult failure;
-    const auto done = [&] {
-        if (failure.Ok()) failure = Flush();
-        return !failure.Ok() || isMet();
-    };
+/// The connector's look-ups and the talk's questions end each in its own time.
+template <class Done>
+void Rfc2217Channel::SleepUntil(Done done, const Rfc2217Talk* talk) {
     const auto sleep = [&](std::int32_t ms) {
-        const bool unsent = !mSession->protocol.Output().empty();
-        const FdEvents ready = mReactor.WaitFor(
-            mSession->fd.Get(), {.readable = true, .writable = unsent}, std::int64_t{ms} * 1000);
-        if (ready.readable || ready.hungUp) failure = Receive(PieceSize);
+        const Rfc2217Talk* const now = talk == nullptr && mTalk ? &*mTalk : talk;
+        const std::int64_t us = std::int64_t{ms} * 1000;
+        if (now == nullptr)
+            mConnector.Sleep(us);
+        else
+            mReactor.WaitFor(mSession->fd.Get(), now->Awaited(),
+                             std::min(us, now->DueUs() - mReactor.NowUs()));
     };
-    qncomm::Wait wait(mReactor, {.wholeMs = static_cast<std::int32_t>(lLimitUs / 1000)});
-    const WaitEnd end = wait.Until(done, sleep);
-    if (!failure.Ok() || end == WaitEnd::Met) return failure;
-    return {IoStatus::TimedOut, ETIMEDOUT, {}};
+    qncomm::Wait(mReactor, {.wholeMs = WaitBounds::Endless}).Until(done, sleep);
 }
 
 // -- The socket
-
-IoResult Rfc2217Channel::Receive(std::size_t most) {
-    std::array<char, PieceSize> piece{};
-    const ssize_t count =
-        ::recv(mSession->fd.Get(), piece.data(), std::min(most, piece.size()), MSG_DONTWAIT);
-    if (count < 0 && (errno == EAGAIN || errno == EWOULDBLOCK || errno == EINTR)) return {};
-    if (count <= 0) return LineFailure(count < 0 ? errno : 0, ClosedText);
-    mSession->heard = true;
-    ComPortClient& protocol = mSession->protocol;
-    if (protocol.Purging() && mReactor.NowUs() > mSession->purgeUntil) protocol.ForgetPurges(false);
-    protocol.Receive({piece.data(), static_cast<std::size_t>(count)}, mSession->received);
-    return {};
-}
-
-IoResult Rfc2217Channel::Flush() {
-    ComPortClient& protocol = mSession->protocol;
-    while (!protocol.Output().empty()) {
-        const std::string_view output = protocol.Output();
-        const ssize_t count =
-            ::send(mSession->fd.Get(), output.data(), output.size(), MSG_NOSIGNAL | MSG_DONTWAIT);
-        if (count < 0 && errno == EINTR) continue;
-        if (count < 0 && (errno == EAGAIN || errno == EWOULDBLOCK)) break;
-        if (count < 0) return LineFailure(errno, ClosedText);
-        protocol.Sent(static_cast<std::size_t>(count));
-    }
-    return {};
-}
 
 IoCount Rfc2217Channel::Read(std::span<char> buffer) {
     std::string& received = mSession->received;
     IoResult result;
     if (received.empty()) {
-        result = Receive(buffer.size());
-        if (result.Ok()) result = Flush(); // what is to be answered
+        result = mSession->Receive(buffer.size(), mReactor.NowUs());
+        if (result.Ok()) result = mSession->Flush(); // what is to be answered
     }
     const std::size_t count = received.copy(buffer.data(), buffer.size());
     received.erase(0, count);
@@ -246,7 +236,7 @@ IoCount Rfc2217Channel::Write(std::string_view bytes) {
     }
     const std::string_view piece = bytes.substr(0, LongestWrite);
     mSession->protocol.Send(piece);
-    IoResult result = Flush();
+    IoResult result = mSession->Flush();
     Rewatch();
     return {piece.size(), std::move(result)};
 }
@@ -264,16 +254,13 @@ std::size_t Rfc2217Channel::OutputPending() {
 }
 
 void Rfc2217Channel::DiscardInput() {
-    mSession->received.clear();
-    mSession->protocol.PurgeReceived();
-    mSession->purgeUntil = mReactor.NowUs() + PurgeLimitUs;
-    static_cast<void>(Flush()); // a loss shows on the next read
+    mSession->DiscardInput(mReactor.NowUs());
     Rewatch();
 }
 
 void Rfc2217Channel::DiscardOutput() {
     mSession->protocol.PurgeUnsent();
-    static_cast<void>(Flush());
+    static_cast<void>(mSession->Flush());
     Rewatch();
 }
 
@@ -301,7 +288,7 @@ void Rfc2217Channel::Rewatch() {
 }
 
 void Rfc2217Channel::OnWatch(FdEvents events) {
-    if (events.writable) static_cast<void>(Flush());
+    if (events.writable) static_cast<void>(mSession->Flush());
     const FdEvents report{.readable = events.readable && mWanted.readable,
                           .writable = events.writable && mWanted.writable && MayWrite(),
                           .hungUp = events.hungUp};
@@ -317,7 +304,7 @@ FdEvents Rfc2217Channel::Wait(FdEvents events, std::int64_t lLimitUs) {
                          .writable =
                              unsent || (events.writable && !mSession->protocol.Suspended())};
     FdEvents ready = mReactor.WaitFor(mSession->fd.Get(), asked, lLimitUs);
-    if (ready.writable && unsent) static_cast<void>(Flush());
+    if (ready.writable && unsent) static_cast<void>(mSession->Flush());
     ready.writable = ready.writable && events.writable && MayWrite();
     return ready;
 }

@@ -1,8 +1,8 @@
 #pragma once
 
-#include "ComPortClient.h"
+#include "Rfc2217Session.h"
+#include "Rfc2217Talk.h"
 #include "SocketConnector.h"
-#include "platform/Fd.h"
 #include "serial/ByteChannel.h"
 #include "serial/ChannelKind.h"
 
@@ -17,20 +17,16 @@ namespace qncomm {
 /// A serial port of another machine, with its settings, modem lines and break (RFC 2217).
 ///
 /// Connecting, agreeing on the protocol and putting the settings on the remote line are part of
-/// Open, each bounded in time and ended by the answer that was awaited; the line is ready when Open
-/// returns. Configure too returns with the answers. A setting that the server does not take makes
-/// them fail with what it said instead. What a server says meanwhile makes no wait longer, and is
-/// kept only within ComPortClient's bounds; a cancel ends the connection.
+/// Open, or of Reach before it, each bounded in time and ended by the answer that was awaited; the
+/// line is ready when Open returns. Configure too returns with the answers. A setting that the
+/// server does not take makes them fail with what it said instead. What a server says meanwhile
+/// makes no wait longer, and is kept only within ComPortClient's bounds; a cancel ends the
+/// connection.
 ///
 /// A connection that is closed stays up for a moment and the next Open takes it up again with all
 /// that was agreed, as a raw socket's does.
 class Rfc2217Channel final : public ByteChannel {
   public:
-    static constexpr std::int64_t LongestAnswerUs = 3'000'000;
-    /// How long a server that has answered all else may take to tell its modem lines, and to say
-    /// that it has dropped data.
-    static constexpr std::int64_t ModemStateLimitUs = 200'000;
-    static constexpr std::int64_t PurgeLimitUs = 1'000'000;
     static constexpr std::int64_t ParkUs = 1'000'000;
 
     Rfc2217Channel(Reactor& reactor, std::string sHost, std::string sService);
@@ -42,7 +38,7 @@ class Rfc2217Channel final : public ByteChannel {
     void Close() override;
     /// Connects and agrees on the protocol; leaves the line's settings alone.
     IoResult Probe() override;
-    bool Reach() override { return mSession || mConnector.Reach(); }
+    bool Reach(const LineSettings& settings) override;
     IoResult Configure(const LineSettings& settings) override;
     IoResult SetBreak(bool bOn) override;
     IoCount Read(std::span<char> buffer) override;
@@ -59,22 +55,15 @@ class Rfc2217Channel final : public ByteChannel {
   private:
     class WholeTalk;
 
-    /// A connection and what was said on it.
-    struct Session {
-        Fd fd;
-        ComPortClient protocol;
-        std::string received;        ///< bytes of the line that nobody has read yet
-        std::int64_t purgeUntil = 0; ///< when to stop waiting for a purge's answer
-        bool heard = false;          ///< it has said anything at all
-        bool toldModemLines = false; ///< the server had its time to tell them
-    };
-
-    IoResult Connect();
-    IoResult PutSettings(const LineSettings& settings);
-    template <typename Condition>
-    IoResult Await(Condition isMet, std::int64_t lLimitUs);
-    IoResult Receive(std::size_t most);
-    IoResult Flush();
+    bool Connect();
+    void StartTalk(Rfc2217Talk::Questions questions, const LineSettings& settings);
+    void EndTalk();
+    bool GoOn();
+    void Fail(const IoResult& result);
+    void OnDue();
+    IoResult Converse(Rfc2217Talk::Questions questions, const LineSettings& settings);
+    template <class Done>
+    void SleepUntil(Done done, const Rfc2217Talk* talk = nullptr);
     /// Ends the connection at once.
     void Drop();
     void OnWatch(FdEvents events);
@@ -83,10 +72,14 @@ class Rfc2217Channel final : public ByteChannel {
 
     Reactor& mReactor;
     SocketConnector mConnector;
-    std::unique_ptr<Session> mSession; ///< of the open port, or of the parked connection
-    std::unique_ptr<FdWatch> mWatch;   ///< while the port is open
-    std::unique_ptr<Alarm> mWake;      ///< received bytes wait for the handler
-    std::unique_ptr<Alarm> mParkEnd;
+    /// Of the open port, of the parked connection, or of one that is being reached.
+    std::unique_ptr<Rfc2217Session> mSession;
+    std::optional<Rfc2217Talk> mTalk;    ///< that leads to the opening; ended ones until then
+    std::unique_ptr<FdWatch> mTalkWatch; ///< goes on with it
+    std::optional<IoResult> mFailure;    ///< how a Reach has ended
+    std::unique_ptr<FdWatch> mWatch;     ///< while the port is open
+    std::unique_ptr<Alarm> mWake;        ///< received bytes wait for the handler
+    std::unique_ptr<Alarm> mDue; ///< ends the waiting for an answer, and what is reached or parked
     Handler mHandler;
     FdEvents mWanted;
 };

@@ -1,7 +1,9 @@
 #include "SocketConnector.h"
 
+#include "common/Wait.h"
 #include "platform/SystemErrors.h"
 
+#include <algorithm>
 #include <array>
 #include <cerrno>
 #include <linux/sockios.h>
@@ -28,7 +30,7 @@ constexpr std::array SocketOptions{
 };
 
 /// Begins a connection: 0 when it is there at once, EINPROGRESS while it is not yet.
-int Begin(const SocketAddress& address, Fd& fd) {
+int BeginTo(const SocketAddress& address, Fd& fd) {
     fd.Reset(::socket(address.bytes.ss_family, SOCK_STREAM | SOCK_NONBLOCK | SOCK_CLOEXEC, 0));
     if (!fd) return errno;
     for (const SocketOption& option : SocketOptions)
@@ -44,10 +46,9 @@ int ErrorOf(int fd) {
     return ::getsockopt(fd, SOL_SOCKET, SO_ERROR, &error, &length) == 0 ? error : errno;
 }
 
-/// The same for whoever asked for it; a failed one is closed.
-IoResult EndOf(int error, Fd& fd) {
+/// The same for whoever asked for it.
+IoResult ResultOf(int error) {
     if (error == 0) return {};
-    fd.Reset();
     IoResult result = OpenFailure(error);
     if (error == ECONNREFUSED) result.text = "nobody listens there (connection refused)";
     if (error == ETIMEDOUT) result.text = "the host does not answer";
@@ -60,67 +61,112 @@ SocketConnector::SocketConnector(Reactor& reactor, std::string sHost, std::strin
     : mReactor(reactor),
       mHost(std::move(sHost)),
       mService(std::move(sService)),
-      mReachDue(reactor.CreateAlarm([this] { OnReachDue(); })) {}
+      mDue(reactor.CreateAlarm([this] { OnDue(); })) {}
 
 IoResult SocketConnector::Connect(Fd& fd) {
-    mReachDue->Clear();
-    Fd reached = std::exchange(mReaching, Fd());
-    if (const auto result = std::exchange(mReached, std::nullopt)) {
-        fd = std::move(reached);
-        return *result;
-    }
-    const std::int64_t until = mReactor.NowUs() + LongestConnectUs;
-    std::vector<SocketAddress> addresses = std::exchange(mAddresses, {});
-    if (addresses.empty()) {
-        IoResult result = LookUpHost(mReactor, mHost, mService, LongestConnectUs, addresses);
-        if (!result.Ok()) return result;
-    }
-    IoResult result{IoStatus::Missing, 0, "the host has no address"};
-    for (const SocketAddress& address : addresses) {
-        result = ConnectTo(address, until, fd);
-        if (!result.Ok()) continue;
-        mLast = address;
-        mAddresses = std::move(addresses);
-        break;
-    }
-    return result;
-}
-
-IoResult SocketConnector::ConnectTo(const SocketAddress& address, std::int64_t until,
-                                    Fd& fd) const {
-    int error = Begin(address, fd);
-    if (error == EINPROGRESS) {
-        const FdEvents ready =
-            mReactor.WaitFor(fd.Get(), {.writable = true}, until - mReactor.NowUs());
-        error = ready.Any() ? ErrorOf(fd.Get()) : ETIMEDOUT;
-    }
-    return EndOf(error, fd);
+    Wait(mReactor, {.wholeMs = WaitBounds::Endless}) // it has a limit of its own
+        .Until([this] { return Reach(); },
+               [this](std::int32_t ms) { Sleep(std::int64_t{ms} * 1000); });
+    mDue->Clear();
+    mUnderWay = false;
+    fd = std::exchange(mReaching, Fd());
+    return std::exchange(mReached, std::nullopt).value_or(IoResult{});
 }
 
 bool SocketConnector::Reach() {
-    if (!mLast || mReached) return true;
-    if (!mReaching) {
-        mReachDue->SetDue(mReactor.NowUs() + LongestConnectUs);
-        const int error = Begin(*mLast, mReaching);
-        if (error != EINPROGRESS) Reached(error);
-    }
-    if (!mReached && mReactor.WaitFor(mReaching.Get(), {.writable = true}, 0).Any())
-        Reached(ErrorOf(mReaching.Get()));
+    if (!mUnderWay) Begin();
+    GoOn();
     return mReached.has_value();
 }
 
-void SocketConnector::Reached(int error) {
-    mReached = EndOf(error, mReaching);
-    mReachDue->SetDue(mReactor.NowUs() + TakeUs);
+void SocketConnector::Sleep(std::int64_t lLimitUs) {
+    mReactor.WaitFor(mAwaited, mAwaitedFor, std::min(lLimitUs, mUntilUs - mReactor.NowUs()));
 }
 
-void SocketConnector::OnReachDue() {
+void SocketConnector::Begin() {
+    mUnderWay = true;
+    mNext = 0;
+    mLast = {IoStatus::Missing, 0, "the host has no address"};
+    mUntilUs = mReactor.NowUs() + LongestConnectUs;
+    mDue->SetDue(mUntilUs);
+    if (!mAddresses.empty()) return;
+    if (mLookup && mLookup->IsDone()) mLookup.reset(); // of another time
+    if (!mLookup) mLookup.emplace(mHost, mService);
+}
+
+void SocketConnector::GoOn() {
+    while (!mReached && (mLookup ? TakeAddresses() : TryNext())) {
+    }
+    if (!mReached && mReactor.NowUs() >= mUntilUs) GiveUp();
+}
+
+void SocketConnector::GiveUp() {
+    mWatch.reset();
+    mReaching.Reset();
+    mAddresses.clear();
+    Reached(mLookup ? IoResult{IoStatus::TimedOut, ETIMEDOUT,
+                               "looking up the host's name took too long"}
+                    : ResultOf(ETIMEDOUT));
+}
+
+/// False while there is no answer.
+bool SocketConnector::TakeAddresses() {
+    if (!mLookup->IsDone()) {
+        Await(mLookup->Handle(), {.readable = true});
+        return false;
+    }
+    mWatch.reset();
+    IoResult result = mLookup->Take(mAddresses);
+    mLookup.reset();
+    if (!result.Ok()) Reached(std::move(result));
+    return true;
+}
+
+/// Goes on with the address that is tried, or with the next one. False while it does not answer.
+bool SocketConnector::TryNext() {
+    if (!mReaching && mNext >= mAddresses.size()) {
+        mAddresses.clear(); // the host may have moved
+        Reached(std::move(mLast));
+        return true;
+    }
+    int error = EINPROGRESS;
+    if (!mReaching) error = BeginTo(mAddresses[mNext++], mReaching);
+    if (error == EINPROGRESS) {
+        if (!mReactor.WaitFor(mReaching.Get(), {.writable = true}, 0).Any()) {
+            Await(mReaching.Get(), {.writable = true});
+            return false;
+        }
+        error = ErrorOf(mReaching.Get());
+    }
+    mWatch.reset();
+    mLast = ResultOf(error);
+    if (error == 0)
+        Reached({});
+    else
+        mReaching.Reset();
+    return true;
+}
+
+void SocketConnector::Await(int fd, FdEvents events) {
+    mAwaited = fd;
+    mAwaitedFor = events;
+    if (!mWatch) mWatch = mReactor.Watch(fd, events, [this](FdEvents) { GoOn(); });
+}
+
+void SocketConnector::Reached(IoResult result) {
+    mReached = std::move(result);
+    mDue->SetDue(mReactor.NowUs() + TakeUs);
+}
+
+/// It has taken too long, or nobody has taken what was reached.
+void SocketConnector::OnDue() {
     if (!mReached) {
-        Reached(ETIMEDOUT);
+        GiveUp();
         return;
     }
-    mReached.reset();
     mReaching.Reset();
+    mReached.reset();
+    mUnderWay = false;
 }
 
 bool DrainSocket(int fd) {

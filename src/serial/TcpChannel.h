@@ -31,7 +31,9 @@ class TcpChannel final : public FdChannel {
     IoResult Open(const LineSettings& settings) override;
     void Close() override;
     IoResult Probe() override;
-    bool Reach() override { return mParked || mConnector.Reach(); }
+    bool Reach(const LineSettings& /*settings*/) override {
+        return Handle() >= 0 || mParked || mConnector.Reach();
+    }
     IoResult Configure(const LineSettings& settings) override;
     std::size_t OutputPending() override { return 0; }
     void DiscardInput() override;

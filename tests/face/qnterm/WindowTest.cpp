@@ -12,9 +12,11 @@
 #include "control/QNComm.h"
 #include "link/clsDataLink.h"
 #include "testing/face/Pictures.h"
+#include "testing/line/FloodingServer.h"
 
 #include <gmock/gmock.h>
 
+#include <QElapsedTimer>
 #include <QInputDialog>
 #include <QLineEdit>
 #include <QPlainTextEdit>
@@ -304,6 +306,48 @@ TEST_F(WindowTest, ThePrintersImagesAreShownAsTheyWereSent) {
     Settle();
     EXPECT_EQ(Find<PreviewPane>().Picture().size(), QSize(64, 64));
     SavePicture(*mWindow, "qnterm-images-dark");
+}
+
+// -- A device server that says nothing
+
+/// The window on such a server: what it asks at its start waits for it.
+class WindowOnSilentServer : public WindowTest {
+  protected:
+    ~WindowOnSilentServer() override { mWindow.reset(); } // the server ends after its guest
+
+    /// Opens the window and acts as soon as it waits, from its own events: the opening returns when
+    /// the waiting has ended.
+    void OpenAndThen(const std::function<void()>& act) {
+        QTimer busy;
+        QObject::connect(&busy, &QTimer::timeout, &busy, [&] {
+            if (!mWindow || !IsBusy()) return;
+            busy.stop();
+            mSince.start();
+            act();
+        });
+        busy.start(100);
+        Open("rfc2217://127.0.0.1:" + QString::fromStdString(mServer.Service()));
+        EXPECT_TRUE(Eventually([&] { return mSince.isValid() && !IsBusy(); }));
+        EXPECT_LT(mSince.elapsed(), 2000) << "one look at the server takes 3 s";
+        EXPECT_FALSE(PortOpen());
+    }
+
+    const FloodingServer mServer{""};
+    QElapsedTimer mSince;
+};
+
+TEST_F(WindowOnSilentServer, ACancelIsObeyed) {
+    OpenAndThen([this] { Find<Operations>().Cancel(); });
+    EXPECT_THAT(Status(), HasSubstr("ancelled"));
+}
+
+TEST_F(WindowOnSilentServer, TheWindowCloses) {
+    bool closed = false;
+    OpenAndThen([&] {
+        QObject::connect(mWindow.get(), &MainWindow::Closed, mWindow.get(), [&] { closed = true; });
+        mWindow->close();
+    });
+    EXPECT_TRUE(Eventually([&] { return closed && !mWindow->isVisible(); }));
 }
 
 } // namespace

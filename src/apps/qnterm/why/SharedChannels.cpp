@@ -36,6 +36,9 @@ class LentChannel final : public ByteChannel {
     }
     void Close() override { Return(); }
     IoResult Probe() override { return mChannel.Probe(); }
+    bool Reach(const LineSettings& settings) override {
+        return mShared->open || mChannel.Reach(settings);
+    }
     void Keep(bool bOn) override { mChannel.Keep(bOn); }
     IoResult Configure(const LineSettings& settings) override {
         return mChannel.Configure(settings);

@@ -62,6 +62,8 @@ class LineExamination {
     /// Listens at these settings; false when the port does not open.
     bool Listen(const std::string& settings, std::int32_t ms, LineFacts& facts);
     void Settle();
+    /// False when that was to end meanwhile.
+    bool Open();
     void ListenAtOtherRates(LineFacts& facts);
     void AwaitEndOfLoad(LineFacts& facts);
     void ListenOnceMore(LineFacts& facts);

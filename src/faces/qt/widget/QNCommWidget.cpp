@@ -20,7 +20,7 @@
 namespace qncomm {
 namespace {
 
-constexpr std::int32_t CancelGraceMs = 2000;
+constexpr std::int32_t CancelGraceMs = 150; // in which an operation that hears of it ends by itself
 constexpr int CancelCheckMs = 100;
 constexpr int BorderWidth = 1;
 

@@ -47,10 +47,14 @@ class ByteChannel {
     /// a closed one closed. Connects where only a connection tells.
     virtual IoResult Probe() = 0;
 
-    /// Begins to connect while the channel is closed, or looks how far that is, without waiting:
-    /// whether Open would not be kept waiting for it. Only of a line that was open before. What is
-    /// connected so and not opened within two seconds is let go of again.
-    virtual bool Reach() { return true; }
+    /// Begins what Open would wait for (a name, a connection, a remote port's answers), or looks how
+    /// far that is, without waiting: whether Open with these settings would not wait. Yield goes on
+    /// with it. A failure counts as reached, and is what Open then returns. What is reached and not
+    /// opened within two seconds is let go of again.
+    virtual bool Reach(const LineSettings& settings) {
+        static_cast<void>(settings);
+        return true;
+    }
 
     /// While it is on, a device that is closed stays reserved for this channel, which opens it
     /// again: other programs of this system find it busy. For channels that others could take.

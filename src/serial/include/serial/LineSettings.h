@@ -16,6 +16,8 @@ struct LineSettings {
     bool xonXoff = false; ///< flow control by the bytes 0x11 and 0x13, both ways
     bool rtsCts = false;  ///< flow control by the lines RTS and CTS
 
+    bool operator==(const LineSettings&) const = default;
+
     /// Bits that one byte takes on the line, start and stop bits included.
     int BitsPerByte() const { return 1 + dataBits + (parity == 'n' ? 0 : 1) + stopBits; }
 };
