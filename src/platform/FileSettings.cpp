@@ -71,10 +71,13 @@ std::string HomeFolder() {
 
 FileSettings::FileSettings(std::string sPath, Warning warn, const Interrupt* interrupt)
     : mPath(std::move(sPath)), mWarn(std::move(warn)), mInterrupt(interrupt) {
-    // A link to the file stays a link: what it points at is replaced, not the link itself.
+    // A link to the file stays a link: what it points at is replaced, not the link itself. Another
+    // user's is left for the writer to refuse.
+    std::string target = mPath;
+    if (!ResolveTarget(target).Ok()) return;
     std::error_code ignored;
-    const auto target = std::filesystem::canonical(mPath, ignored);
-    if (!ignored) mPath = target.string();
+    const auto path = std::filesystem::canonical(target, ignored);
+    if (!ignored) mPath = path.string();
 }
 
 std::string FileSettings::DefaultPath() {

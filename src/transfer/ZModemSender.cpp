@@ -15,6 +15,9 @@ using Millis = std::chrono::milliseconds;
 constexpr Time HelloEvery = Millis(3000);
 constexpr Time FinishEvery = Millis(330); // three of these are the second that a farewell may take
 constexpr int FinishTries = 3;
+// A request of a few bytes has a whole file read; who compares a file asks once, and again when the
+// answer was lost.
+constexpr int MostSums = 16;
 
 } // namespace
 
@@ -90,6 +93,10 @@ void ZModemSender::OnOther(std::uint8_t type, Time now) {
         break;
     case zm::Crc:
         if (m->state == State::FileSent) {
+            if (++m->sums > MostSums) {
+                Fail("the receiver asks for one sum after the other");
+                break;
+            }
             const std::uint64_t limit = m->reader.Header().Position();
             m->checksumEnd = limit == 0 ? zm::MostPositions - 1 : limit;
             m->checksumAt = 0;
@@ -207,6 +214,7 @@ void ZModemSender::FileDone(bool bWhole) {
     Disarm();
     (bWhole ? mProgress.files : mProgress.skipped) += 1;
     m->state = State::NextFile;
+    m->sums = 0;
     m->askedAt = Time{0};
     AskClose(bWhole);
 }

@@ -64,6 +64,7 @@ struct ZModemSender::Machine {
     std::uint64_t checksumAt = 0;
     std::uint64_t checksumEnd = 0;
     std::uint32_t checksum = 0;
+    int sums = 0; ///< of this file that were asked for
 };
 
 } // namespace qncomm::transfer

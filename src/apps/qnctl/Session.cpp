@@ -232,9 +232,11 @@ void Session::OnStatus(const std::string& message, std::int16_t progress, bool& 
     if (interrupted || mOutput.Error() != 0) cancel = true;
 }
 
-Outcome Session::TraceOutcome() const {
-    if (!mTrace || mTrace->Result().Ok()) return {};
-    return Refused(ExitStatus::Error, "--trace " + mTrace->Result().text + ".");
+Outcome Session::RecordingOutcome() {
+    if (mTrace && !mTrace->Result().Ok())
+        return Refused(ExitStatus::Error, "--trace " + mTrace->Result().text + ".");
+    // It was told when it ended.
+    return mDesk.Host().CaptureLost() ? Refused(ExitStatus::Error, {}) : Outcome{};
 }
 
 bool Session::TakePortRefusal() {

@@ -85,8 +85,8 @@ class Session {
     /// Whether an operation was silently refused since the last call because it could not have the
     /// port.
     bool TakePortRefusal();
-    /// Refused when the trace that was asked for is not whole.
-    Outcome TraceOutcome() const;
+    /// Refused when the trace or the capture that was asked for is not whole.
+    Outcome RecordingOutcome();
 
     /// Whether Ctrl-C was pressed.
     bool Interrupted() { return mInterrupt.Raised(); }

@@ -37,7 +37,7 @@ Outcome Run(const Request& request, const Output& output) {
     try {
         Session session(request.options, output);
         Outcome outcome = Carry(request, session);
-        return outcome.Ok() ? session.TraceOutcome() : outcome;
+        return outcome.Ok() ? session.RecordingOutcome() : outcome;
     } catch (const qncomm::OperationCancelled&) {
         return Cancelled();
     } catch (const qncomm::QNError& error) {

@@ -13,6 +13,7 @@ void ConsoleHost::SetVisible(bool bVisible) {
 }
 
 void ConsoleHost::CaptureFailed(const std::string& sPath, const std::string& sReason) {
+    mCaptureLost = true;
     mAsker.Tell("The capture to " + sPath + " has ended: " + sReason + ".");
 }
 

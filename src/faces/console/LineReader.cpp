@@ -4,6 +4,7 @@
 #include "common/RuntimeErrors.h"
 #include "common/Wait.h"
 #include "platform/Suspension.h"
+#include "platform/SystemErrors.h"
 
 #include <algorithm>
 #include <array>
@@ -22,6 +23,10 @@ namespace {
                       + std::to_string(LineReader::LongestInputLine) + " bytes.");
 }
 
+[[noreturn]] void RaiseUnreadable(int error) {
+    throw QNError(RtDeviceIO, "LineReader", "The input cannot be read: " + SystemText(error) + ".");
+}
+
 } // namespace
 
 bool LineReader::IsTerminal() const {
@@ -30,12 +35,14 @@ bool LineReader::IsTerminal() const {
 
 std::optional<std::string> LineReader::ReadLine() {
     bool ended = false;
+    int failure = 0;
     const auto watch = mReactor.Watch(mFd, FdEvents{.readable = true}, [&](FdEvents) {
         if (StopInBackground(mFd, SIGTTIN)) return;
         std::array<char, 512> part{};
         const ssize_t got = ::read(mFd, part.data(), part.size());
         if (got > 0) mRest.append(part.data(), static_cast<std::size_t>(got));
-        ended = got == 0 || (got < 0 && errno != EINTR && errno != EAGAIN);
+        if (got < 0 && errno != EINTR && errno != EAGAIN) failure = errno;
+        ended = got == 0 || failure != 0;
     });
     std::size_t end = std::string::npos;
     Wait wait(mReactor, {.wholeMs = WaitBounds::Endless}); // a person's time, or the input's
@@ -46,6 +53,8 @@ std::optional<std::string> LineReader::ReadLine() {
         return end != std::string::npos || ended;
     });
     mSought = 0;
+    // A terminal that fails has hung up, which is its end.
+    if (failure != 0 && !IsTerminal()) RaiseUnreadable(failure);
     if (end == std::string::npos && mRest.empty()) return std::nullopt;
     std::string line = mRest.substr(0, end);
     mRest.erase(0, end == std::string::npos ? end : end + 1);

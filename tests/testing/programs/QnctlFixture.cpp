@@ -28,9 +28,9 @@ nlohmann::json Ended::Failure() const {
     return Parsed(err);
 }
 
-Ended EndedOf(Program& program) {
+Ended EndedOf(Program& program, int mostMs) {
     Ended ended;
-    ended.status = program.Wait();
+    ended.status = program.Wait(mostMs);
     ended.out = program.Out();
     ended.err = program.Err();
     ended.peakKb = program.PeakKb();

@@ -27,8 +27,8 @@ struct Ended {
     nlohmann::json Failure() const;
 };
 
-/// Waits for the program's end.
-Ended EndedOf(Program& program);
+/// Waits for the program's end; one that needs longer than mostMs hangs.
+Ended EndedOf(Program& program, int mostMs = Program::AnyTime);
 
 /// Runs the command line in a folder of its own, with settings of its own, and a virtual printer
 /// beside it when a test asks for one.

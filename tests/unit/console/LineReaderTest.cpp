@@ -44,5 +44,12 @@ TEST_F(LineReaderTest, ALineHasAMebibyteAtMost) {
     EXPECT_RAISED(Reading(longest + "x").ReadLine(), RtInvalidCall) << "its end may never come";
 }
 
+TEST_F(LineReaderTest, AnInputThatCannotBeReadIsNoEnd) {
+    PollLoop loop;
+    Fd unreadable;
+    ASSERT_TRUE(OpenToRead("/proc/self/mem", {}, unreadable).Ok());
+    EXPECT_RAISED(LineReader(loop, unreadable.Get()).ReadLine(), RtDeviceIO);
+}
+
 } // namespace
 } // namespace qncomm::testing

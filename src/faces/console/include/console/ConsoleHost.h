@@ -48,6 +48,8 @@ class ConsoleHost final : public ControlHost, public ControlWindow, public Termi
     void Move(const Rectangle& /*place*/) override {}
     void Changed() override {}
     void CaptureFailed(const std::string& sPath, const std::string& sReason) override;
+    /// Whether a capture has ended because its file took no more.
+    bool CaptureLost() const { return mCaptureLost; }
 
   private:
     static constexpr std::int32_t FormWidth = 80; ///< as a terminal counts
@@ -55,6 +57,7 @@ class ConsoleHost final : public ControlHost, public ControlWindow, public Termi
 
     ConsoleAsker& mAsker;
     QNComm* mControl = nullptr;
+    bool mCaptureLost = false;
 };
 
 } // namespace qncomm

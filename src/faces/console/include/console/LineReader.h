@@ -23,7 +23,8 @@ class LineReader {
     static constexpr std::size_t LongestInputLine = std::size_t{1024} * 1024;
 
     /// The next line without its end; nothing at the end of the input. Throws what Yield throws,
-    /// and raises 5, source "LineReader", for a line of more than LongestInputLine bytes.
+    /// and raises, source "LineReader", 5 for a line of more than LongestInputLine bytes and 57 for
+    /// an input that cannot be read.
     std::optional<std::string> ReadLine();
 
   private:
