@@ -56,4 +56,19 @@ std::string WithoutControlsInJson(std::string_view sJson) {
     return EscapeControls(sJson, [](char32_t point) { return "\\u" + HexOf(point, 4); });
 }
 
+std::string FileNameFromPrinter(std::string_view sBytes) {
+    std::string name =
+        EscapeControls(Utf8FromPrinter(sBytes), [](char32_t) { return std::string("_"); });
+    std::ranges::replace_if(
+        name, [](char c) { return c == '/' || c == '\\'; }, '_');
+    if (name.empty()) name = "_";
+    if (name.front() == '.' || name.front() == '-') name.front() = '_';
+    if (name.size() <= LongestHostName) return name;
+    std::size_t end = LongestHostName;
+    while ((static_cast<unsigned char>(name[end]) & 0xC0U) == 0x80)
+        --end; // no character is cut in two
+    name.resize(end);
+    return name;
+}
+
 } // namespace qncomm

@@ -96,6 +96,11 @@ constexpr std::array GuardedCalls{
                 "shows a tip that guesses", ""},
     GuardedCall{"RichText setHtml insertHtml", R"(\b(Qt::RichText|setHtml|insertHtml)\b)",
                 "shows markup", "apps/qnterm/window/StatusView.cpp"},
+    // A printer's name for a file: what is made of it on this machine is made in one function.
+    GuardedCall{"filePath PathIn",
+                R"(\.filePath\s*\((?!\s*(NameHere\s*\(|\)))|)"
+                R"(\bPathIn\s*\([^;]*\b(Utf8FromPrinter|FromLine)\s*\()",
+                "takes a name for a path", "apps/qnterm/labels/LabelView.cpp"},
     GuardedCall{"WaitForReceive", R"(\bwhile\s*\([^;{]*\bWaitForReceive\s*\()", "loops on a line",
                 ""},
 };

@@ -60,6 +60,17 @@ TEST(CallRules, RefuseWaysAroundTheFunctionsForTextsOfOthers) {
         EXPECT_THAT(StrayCalls("apps/qnterm/X.cpp", shown), IsEmpty()) << shown;
 }
 
+TEST(CallRules, RefusePathsThatAreMadeOfAPrintersName) {
+    for (const char* made : {"QDir(folder).filePath(qncomm::FromLine(name));",
+                             "qncomm::PathIn(folder, qncomm::Utf8FromPrinter(file.name));"})
+        EXPECT_THAT(StrayCalls("apps/qnterm/files/X.cpp", made),
+                    ElementsAre(HasSubstr("takes a name for a path")))
+            << made;
+    for (const char* made : {"QDir(folder).filePath(NameHere(name));",
+                             "qncomm::PathIn(folder, qncomm::FileNameFromPrinter(name));"})
+        EXPECT_THAT(StrayCalls("apps/qnterm/files/X.cpp", made), IsEmpty()) << made;
+}
+
 TEST(CallRules, LetTheirPlacesSleep) {
     EXPECT_THAT(StrayCalls("platform/PollCalls.h", "::ppoll(entries, count, limit, nullptr);"),
                 IsEmpty());

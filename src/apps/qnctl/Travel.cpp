@@ -109,10 +109,7 @@ Outcome Fetch(Session& session, const Journey& journey, const Travel& travel) {
 }
 
 std::string PathFor(const Place& file, const std::string& folder) {
-    std::string name = qncomm::WithoutControls(qncomm::Utf8FromPrinter(file.name));
-    name = qncomm::ReplaceAll(name, "/", "_");
-    if (name.starts_with('.')) name.front() = '_';
-    return qncomm::PathIn(folder, name);
+    return qncomm::PathIn(folder, qncomm::FileNameFromPrinter(file.name));
 }
 
 } // namespace qnctl

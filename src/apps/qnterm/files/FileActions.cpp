@@ -5,6 +5,7 @@
 
 #include "common/Collection.h"
 #include "common/QNError.h"
+#include "common/SafeText.h"
 #include "control/QNComm.h"
 #include "qt/Charset.h"
 
@@ -22,6 +23,11 @@ std::string PathOf(const DeviceListing& device, const std::string& name) {
 
 QString Shown(const DeviceListing& device, const std::string& name) {
     return qncomm::FromLine(device.kind == DeviceKind::Files ? PathOf(device, name) : name);
+}
+
+/// How a file of the printer is called on this machine.
+QString NameHere(const std::string& name) {
+    return QString::fromStdString(qncomm::FileNameFromPrinter(name));
 }
 
 /// "c:A.PRG", or "3 files".
@@ -134,17 +140,16 @@ void FileActions::Save(const DeviceListing& device, const std::vector<std::strin
     };
     if (names.size() == 1) {
         AskSaveFile(mWindow, tr("Save %1").arg(Shown(device, names.front())),
-                    qncomm::FromLine(names.front()), [fetch, names](const QString& path) {
+                    NameHere(names.front()), [fetch, names](const QString& path) {
                         fetch(names, [&](const std::string&) { return path; });
                     });
         return;
     }
-    AskFolder(mWindow, tr("Save %1 files in").arg(names.size()),
-              [fetch, names](const QString& folder) {
-                  fetch(names, [&](const std::string& name) {
-                      return QDir(folder).filePath(qncomm::FromLine(name));
-                  });
-              });
+    AskFolder(
+        mWindow, tr("Save %1 files in").arg(names.size()), [fetch, names](const QString& folder) {
+            fetch(names,
+                  [&](const std::string& name) { return QDir(folder).filePath(NameHere(name)); });
+        });
 }
 
 void FileActions::Send(const DeviceListing& device) {

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstddef>
 #include <string>
 #include <string_view>
 
@@ -17,5 +18,14 @@ std::string WithoutControls(std::string_view sUtf8);
 /// For JSON: a document in one line with the same characters as JSON's own escapes, so that it
 /// reads back to the same texts.
 std::string WithoutControlsInJson(std::string_view sJson);
+
+/// Bytes that FileNameFromPrinter returns at most: endings of a few bytes fit behind it.
+inline constexpr std::size_t LongestHostName = 240;
+
+/// For a folder of this machine: the name that a file of the printer gets there (UTF-8), from the
+/// bytes that the printer calls it. It is one name and no path, never empty, hidden or taken for an
+/// option: separators, controls, and a "." or "-" at its beginning become "_". Two names of a
+/// printer may become one.
+std::string FileNameFromPrinter(std::string_view sBytes);
 
 } // namespace qncomm
