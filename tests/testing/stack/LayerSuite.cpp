@@ -96,6 +96,13 @@ TEST_P(Layer, LinksModulesBehindAHeader) {
     EXPECT_FALSE(mQuorin.ProgramLink(modules));
 }
 
+TEST_P(Layer, AModuleThatIsMissingBehindAHeaderIsToldByTheFirstCallAndByTheNext) {
+    Collection<std::string> modules;
+    modules.Add("NONE.PRG");
+    EXPECT_FALSE(mQuorin.ProgramLink(modules, "5 REM head")) << "the model was not known yet";
+    EXPECT_FALSE(mQuorin.ProgramLink(modules, "5 REM head"));
+}
+
 TEST_P(Layer, ReadsChangesWritesAndLoadsTheSetup) {
     EXPECT_EQ(SetupValue("SER-COM,UART1,CHAR LENGTH"), "8");
     ASSERT_GT(mQuorin.PrinterSetupItems()->Count(), 4U);
