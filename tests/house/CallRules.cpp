@@ -44,10 +44,10 @@ constexpr std::array GuardedCalls{
                 "waits for a lock", ""},
     GuardedCall{"WaitForFd", R"(\bWaitForFd\s*\()", "waits for a descriptor",
                 "platform/ simulator/endpoints/PtyEndpoint.cpp"},
-    GuardedCall{
-        "WaitFor", R"((\.|->|::)WaitFor\s*\()", "waits for a descriptor",
-        "platform/ serial/FdChannel.cpp serial/Rfc2217Channel.cpp serial/SocketConnector.cpp "
-        "serial/testing/ assembly/virtual_printer/"},
+    GuardedCall{"WaitFor", R"((\.|->|::)WaitFor\s*\()", "waits for a descriptor",
+                "platform/ serial/FdChannel.cpp serial/PortOpening.cpp serial/Rfc2217Channel.cpp "
+                "serial/SocketConnector.cpp "
+                "serial/testing/ assembly/virtual_printer/"},
     // A yield of nothing dispatches and does not wait.
     GuardedCall{
         "Yield", R"(\bYield\s*\((?!\s*0\s*\)))", "yields",
