@@ -1,7 +1,8 @@
-# What `cmake --install` leaves behind, and how another project finds it again: find_package(qncomm [COMPONENTS Qt VirtualPrinter]), or
-# pkg-config for those who build without CMake.
+# What `cmake --install` leaves behind, and how another project finds it again: find_package(qncomm [COMPONENTS C Qt VirtualPrinter]),
+# or pkg-config for those who build without CMake.
 #
-# The components of the installation are programs, development (headers, archives, package files) and documents.
+# The components of the installation are what a distribution's packages are: programs, library (for C), development (headers,
+# archives, package files, examples), designer, python and documents.
 
 include(GNUInstallDirs)
 include(CMakePackageConfigHelpers)
@@ -10,6 +11,8 @@ include(CMakePackageConfigHelpers)
 set(QN_INSTALL_HEADERS ${CMAKE_INSTALL_INCLUDEDIR}/qncomm)
 set(QN_INSTALL_ARCHIVES ${CMAKE_INSTALL_LIBDIR}/qncomm)
 set(QN_INSTALL_PACKAGE ${CMAKE_INSTALL_LIBDIR}/cmake/qncomm)
+# Where the shell looks that was installed by whoever installs this.
+set(QN_ZSH_COMPLETIONS share/zsh/site-functions CACHE STRING "Where completions for zsh are installed")
 
 # qn_export(NAME PART): makes a library known as qncomm::NAME, without its "qn_", here and in the installed package; PART
 # is empty or the component that brings it.
@@ -51,8 +54,15 @@ function(qn_install_package)
   list(JOIN archives " " archives)
   file(RELATIVE_PATH root "/${CMAKE_INSTALL_LIBDIR}/pkgconfig" "/.")
   configure_file(cmake/qncomm.pc.in ${CMAKE_BINARY_DIR}/package/qncomm.pc @ONLY)
+  configure_file(cmake/libqncomm.pc.in ${CMAKE_BINARY_DIR}/package/libqncomm.pc @ONLY)
   install(FILES ${CMAKE_BINARY_DIR}/package/qncomm.pc
           DESTINATION ${CMAKE_INSTALL_LIBDIR}/pkgconfig COMPONENT development)
+  if(QN_SIMULATOR)
+    install(FILES ${CMAKE_BINARY_DIR}/package/libqncomm.pc
+            DESTINATION ${CMAKE_INSTALL_LIBDIR}/pkgconfig COMPONENT development)
+  endif()
+  install(DIRECTORY examples DESTINATION ${CMAKE_INSTALL_DOCDIR} COMPONENT development
+          PATTERN examples/CMakeLists.txt EXCLUDE)
   install(DIRECTORY docs DESTINATION ${CMAKE_INSTALL_DOCDIR} COMPONENT documents
           FILES_MATCHING PATTERN "*.md" PATTERN "*.png")
   install(FILES README.md CHANGELOG.md DESTINATION ${CMAKE_INSTALL_DOCDIR} COMPONENT documents)

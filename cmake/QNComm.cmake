@@ -6,6 +6,7 @@ option(QN_SIMULATOR "Build the virtual printer and what knows it: programs, desk
 include(CMakeDependentOption)
 cmake_dependent_option(QN_QT "Build the desktop face (needs Qt 6.4)" ON QN_SIMULATOR OFF)
 option(QN_FUZZ "Build the fuzz targets (needs clang)" OFF)
+option(QN_REFERENCES "Make the pages and the references of the interfaces as HTML (needs doxygen)" OFF)
 
 set(CMAKE_CXX_STANDARD 20)
 set(CMAKE_CXX_STANDARD_REQUIRED ON)
