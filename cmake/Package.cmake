@@ -29,9 +29,21 @@ function(qn_export name part)
   endif()
 endfunction()
 
-# qn_install_program(NAME)
+# qn_install_program(NAME): the program, its manual page, which it writes by itself, and what makes shells complete its words.
 function(qn_install_program name)
   install(TARGETS ${name} RUNTIME COMPONENT programs)
+  set(page ${CMAKE_BINARY_DIR}/man/${name}.1)
+  file(MAKE_DIRECTORY ${CMAKE_BINARY_DIR}/man)
+  add_custom_command(OUTPUT ${page} COMMAND ${name} --manual > ${page} DEPENDS ${name} VERBATIM)
+  add_custom_target(${name}_manual ALL DEPENDS ${page})
+  install(FILES ${page} DESTINATION ${CMAKE_INSTALL_MANDIR}/man1 COMPONENT programs)
+  foreach(shell IN ITEMS bash zsh fish)
+    configure_file(${PROJECT_SOURCE_DIR}/packaging/completion/qncomm.${shell} ${CMAKE_BINARY_DIR}/completion/${name}.${shell} @ONLY)
+  endforeach()
+  set(written ${CMAKE_BINARY_DIR}/completion/${name})
+  install(FILES ${written}.bash DESTINATION share/bash-completion/completions COMPONENT programs RENAME ${name})
+  install(FILES ${written}.zsh DESTINATION ${QN_ZSH_COMPLETIONS} COMPONENT programs RENAME _${name})
+  install(FILES ${written}.fish DESTINATION share/fish/vendor_completions.d COMPONENT programs)
 endfunction()
 
 # qn_install_package(): the package files of everything exported so far; called once, after the last folder.

@@ -155,6 +155,13 @@ std::optional<std::string> SettingsDocument::Value(std::string_view sSection,
     return Unescaped(ValueText(mParts[part].lines[line]));
 }
 
+std::vector<std::string> SettingsDocument::Sections() const {
+    std::vector<std::string> names;
+    for (std::size_t i = 1; i < mParts.size(); ++i)
+        if (mLast.at(LowerCase(mParts[i].name)) == i) names.push_back(mParts[i].name);
+    return names;
+}
+
 void SettingsDocument::SetValue(std::string_view sSection, std::string_view sKey,
                                 std::string_view sValue) {
     const auto found = mPlaces.find(FoundBy(sSection, sKey));

@@ -89,12 +89,20 @@ std::string FileSettings::DefaultPath() {
 
 std::string FileSettings::ReadValue(std::string_view sSection, std::string_view sKey,
                                     std::string_view sDefault) const {
+    return Document().Value(sSection, sKey).value_or(std::string(sDefault));
+}
+
+std::vector<std::string> FileSettings::Sections() const {
+    return Document().Sections();
+}
+
+const SettingsDocument& FileSettings::Document() const {
     Refresh();
     if (mDamaged) {
         MoveDamagedAside();
         Refresh();
     }
-    return mDocument.Value(sSection, sKey).value_or(std::string(sDefault));
+    return mDocument;
 }
 
 void FileSettings::WriteValue(std::string_view sSection, std::string_view sKey,

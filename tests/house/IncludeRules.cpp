@@ -48,17 +48,19 @@ constexpr std::array Rules{
     Rule{"assembly/virtual_printer", "assembly", World::System, "serial simulator platform common"},
     Rule{"faces/console", "console", World::System,
          "assembly automation control printer link dialogs common platform"},
+    Rule{"faces/usage", "usage", World::System, "common"},
     Rule{"faces/qt", "qt", World::Toolkit,
          "assembly automation terminal terminal/view control printer link dialogs common platform"},
     Rule{"faces/qt/designer", "designer", World::Toolkit, "qt"},
     Rule{"apps/qnctl", "qnctl", World::System,
-         "console diagnosis trace serial assembly automation control printer link dialogs common "
+         "console usage diagnosis trace serial assembly automation control printer link dialogs "
+         "common "
          "platform"},
-    Rule{"apps/qnsim", "qnsim", World::System, "endpoints simulator trace platform common"},
-    Rule{
-        "apps/qnterm", "qnterm", World::Toolkit,
-        "qt diagnosis trace serial assembly automation terminal terminal/view control printer link "
-        "dialogs common platform"},
+    Rule{"apps/qnsim", "qnsim", World::System, "usage endpoints simulator trace platform common"},
+    Rule{"apps/qnterm", "qnterm", World::Toolkit,
+         "qt usage diagnosis trace serial assembly automation terminal terminal/view control "
+         "printer link "
+         "dialogs common platform"},
     Rule{"bindings/c", "qncomm", World::System,
          "console assembly automation control printer link dialogs common terminal serial trace "
          "platform"},

@@ -3,6 +3,8 @@
 #include "Suggestion.h"
 #include "Version.h"
 
+#include "usage/UsageOf.h"
+
 #include <CLI/CLI.hpp>
 
 #include <algorithm>
@@ -134,16 +136,15 @@ Outcome EndOf(const CLI::App& app, const CLI::ParseError& error) {
                    WhatIsWrong(app, error) + "\nRun with --help for more information.");
 }
 
-} // namespace
+using Places = std::vector<std::pair<const CLI::App*, const Command*>>;
 
-Request ParseCommandLine(int argc, const char* const* argv, const CommandTable& table) {
-    Request request;
-    CLI::App app("Talks to label printers over a serial line.", "qnctl");
+/// Where the commands stand that are declared.
+Places Declare(CLI::App& app, GlobalOptions& options, const CommandTable& table) {
     app.set_version_flag("--version", std::string("qnctl ") + Version);
     app.require_subcommand(1);
-    DeclareGlobals(app, request.options);
+    DeclareGlobals(app, options);
     app.footer("The options of \"qnctl --help\", such as --port, can stand here, too.");
-    std::vector<std::pair<const CLI::App*, const Command*>> places;
+    Places places;
     for (const Command& command : table) {
         const std::string last = command.name.substr(command.name.find(' ') + 1);
         CLI::App* sub = Place(app, command.name)->add_subcommand(last, command.help);
@@ -155,6 +156,24 @@ Request ParseCommandLine(int argc, const char* const* argv, const CommandTable& 
                "done, 1 for "
                "an error,\n2 for wrong usage, 3 without a printer, 4 without the port, 130 when "
                "cancelled.");
+    return places;
+}
+
+constexpr const char* Purpose = "Talks to label printers over a serial line.";
+
+} // namespace
+
+qncomm::Usage UsageOf(const CommandTable& table) {
+    GlobalOptions options;
+    CLI::App app(Purpose, "qnctl");
+    Declare(app, options, table);
+    return qncomm::UsageOf(app);
+}
+
+Request ParseCommandLine(int argc, const char* const* argv, const CommandTable& table) {
+    Request request;
+    CLI::App app(Purpose, "qnctl");
+    const Places places = Declare(app, request.options, table);
     try {
         app.parse(argc, argv);
         const auto found = std::find_if(places.begin(), places.end(), [&](const auto& place) {

@@ -3,6 +3,8 @@
 #include "Command.h"
 #include "GlobalOptions.h"
 
+#include "usage/Usage.h"
+
 #include <optional>
 #include <string>
 
@@ -17,5 +19,8 @@ struct Request {
 
 /// Reads the program's arguments. A command's own arguments go where its row keeps them.
 Request ParseCommandLine(int argc, const char* const* argv, const CommandTable& table);
+
+/// What the help tells of the program and of all its commands.
+qncomm::Usage UsageOf(const CommandTable& table);
 
 } // namespace qnctl

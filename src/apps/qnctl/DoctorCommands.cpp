@@ -212,7 +212,7 @@ Command SupportCommand() {
     const auto arguments = std::make_shared<DoctorArguments>();
     return {"support", "Write what \"doctor\" finds to a file for who helps", Needs::Nothing,
             [arguments](CLI::App& app) {
-                app.add_option("FILE", arguments->file, "the file to write, JSON")->required();
+                app.add_option("FILE", arguments->file, "The file to write, JSON")->required();
                 DeclareGivenSettings(app, arguments->as);
             },
             [arguments](Session& session) { return Support(session, *arguments); }};

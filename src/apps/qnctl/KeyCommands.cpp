@@ -148,7 +148,7 @@ CommandTable KeyCommands() {
     return {{"key", "Press a key of the control's toolbar and show the printer's answer",
              Needs::Port,
              [arguments](CLI::App& app) {
-                 app.add_option("NAME", arguments->key, "One of" + KeyNames() + ", or its position")
+                 app.add_option("KEY", arguments->key, "One of" + KeyNames() + ", or its position")
                      ->required();
                  app.add_option("--answer", arguments->answers,
                                 "An answer to a macro's question; once for each")

@@ -29,8 +29,8 @@ CommandTable TraceCommands() {
     return {{"trace redact", "Copy a trace without the contents of files and programs",
              Needs::Nothing,
              [arguments](CLI::App& app) {
-                 app.add_option("IN", arguments->from, "the trace")->required();
-                 app.add_option("OUT", arguments->to, "the file to write")->required();
+                 app.add_option("IN", arguments->from, "The trace")->required();
+                 app.add_option("OUT", arguments->to, "The file to write")->required();
              },
              [arguments](Session& session) { return Redact(session, *arguments); }}};
 }

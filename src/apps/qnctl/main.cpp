@@ -1,15 +1,21 @@
 #include "Command.h"
 #include "CommandLine.h"
+#include "LiveNames.h"
 #include "LoadProgress.h"
 #include "Output.h"
 #include "Session.h"
+#include "Version.h"
 
 #include "common/QNError.h"
 
 #include "platform/StandardStreams.h"
+#include "usage/ShellAnswer.h"
 
 #include <exception>
+#include <optional>
+#include <string>
 #include <utility>
+#include <vector>
 
 namespace qnctl {
 namespace {
@@ -47,8 +53,20 @@ Outcome Run(const Request& request, const Output& output) {
     }
 }
 
+/// The manual page, or what can stand in the place of a word; nothing when neither is asked for.
+std::optional<ExitStatus> PrepareForUsers(int argc, char** argv, const CommandTable& table) {
+    const std::vector<std::string> words(argv + 1, argv + argc);
+    const auto answer = qncomm::AnswerShell(
+        words, [&table] { return UsageOf(table); }, Version,
+        [&words](const std::string& value) { return LiveNames(value, words); });
+    if (!answer) return std::nullopt;
+    Output(false).Text(answer->text);
+    return static_cast<ExitStatus>(answer->status);
+}
+
 ExitStatus RunProgram(int argc, char** argv) {
     const CommandTable table = AllCommands();
+    if (const auto ended = PrepareForUsers(argc, argv, table)) return *ended;
     const Request request = ParseCommandLine(argc, argv, table);
     const Output output(request.options.json);
     Outcome outcome = request.ended ? *request.ended : Run(request, output);

@@ -8,6 +8,8 @@
 #include "platform/Interrupt.h"
 #include "platform/PollLoop.h"
 #include "platform/StandardStreams.h"
+#include "usage/ShellAnswer.h"
+#include "usage/UsageOf.h"
 
 #include <CLI/CLI.hpp>
 
@@ -180,6 +182,12 @@ int Run(int argc, char** argv) {
                  "qnsim");
     Arguments arguments;
     Declare(app, arguments);
+    app.set_version_flag("--version", "qnsim " QN_VERSION);
+    if (const auto asked = qncomm::AnswerShell(
+            {argv + 1, argv + argc}, [&app] { return qncomm::UsageOf(app); }, QN_VERSION)) {
+        std::cout << asked->text << std::flush;
+        return asked->status;
+    }
     try {
         app.parse(argc, argv);
     } catch (const CLI::ParseError& error) {

@@ -1,10 +1,12 @@
 #include "CommandLine.h"
 #include "MainWindow.h"
+#include "Version.h"
 
 #include "common/SafeText.h"
 #include "platform/Interrupt.h"
 #include "platform/StandardStreams.h"
 #include "trace/JsonLinesTrace.h"
+#include "usage/ShellAnswer.h"
 
 #include <QApplication>
 #include <QSocketNotifier>
@@ -73,6 +75,11 @@ int Show(int argc, char** argv, const qnterm::StartOptions& options, qncomm::Tra
 
 int main(int argc, char** argv) {
     qncomm::PrepareStandardStreams();
+    if (const auto asked =
+            qncomm::AnswerShell({argv + 1, argv + argc}, qnterm::UsageOfProgram, qnterm::Version)) {
+        std::cout << asked->text << std::flush;
+        return asked->status;
+    }
     const qnterm::StartRequest request = qnterm::ParseCommandLine(ArgumentsOf(argc, argv));
     if (request.ended) {
         (*request.ended == 0 ? std::cout : std::cerr) << request.text.toStdString();

@@ -31,6 +31,12 @@ constexpr ValueOption ValueOptions[] = {
     {"trace", "FILE", &StartOptions::trace, "write what travels on the line, as JSON Lines"},
 };
 
+constexpr const char* Purpose =
+    "A terminal for label printers that are programmed in Quorin, with their files, setup, program "
+    "modules and labels beside it.";
+constexpr const char* HelpHelp = "show this text and end";
+constexpr const char* VersionHelp = "show the version and end";
+
 StartRequest Ended(int status, const QString& text) {
     StartRequest request;
     request.ended = status;
@@ -42,13 +48,11 @@ StartRequest Ended(int status, const QString& text) {
 
 StartRequest ParseCommandLine(const QStringList& arguments) {
     QCommandLineParser parser;
-    parser.setApplicationDescription(
-        QStringLiteral("A terminal for label printers that are programmed in Quorin, with their "
-                       "files, setup, program modules and labels beside it."));
+    parser.setApplicationDescription(QLatin1String(Purpose));
     const QCommandLineOption help({QStringLiteral("h"), QStringLiteral("help")},
-                                  QStringLiteral("show this text and end"));
+                                  QLatin1String(HelpHelp));
     const QCommandLineOption version({QStringLiteral("v"), QStringLiteral("version")},
-                                     QStringLiteral("show the version and end"));
+                                     QLatin1String(VersionHelp));
     for (const ValueOption& option : ValueOptions)
         parser.addOption(QCommandLineOption(QString::fromLatin1(option.name),
                                             QString::fromLatin1(option.help),
@@ -75,6 +79,16 @@ StartRequest ParseCommandLine(const QStringList& arguments) {
             Usage,
             QStringLiteral("qnterm: --watch %1: write settings such as 9600,n,8,2.\n").arg(watch));
     return request;
+}
+
+qncomm::Usage UsageOfProgram() {
+    qncomm::Usage usage{"qnterm", Purpose};
+    for (const ValueOption& option : ValueOptions)
+        usage.options.push_back(
+            {{std::string("--") + option.name}, {option.value, {}}, option.help});
+    usage.options.push_back({{"-v", "--version"}, {}, VersionHelp});
+    usage.options.push_back({{"-h", "--help"}, {}, HelpHelp});
+    return usage;
 }
 
 } // namespace qnterm

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "usage/Usage.h"
+
 #include <QString>
 #include <QStringList>
 
@@ -27,5 +29,8 @@ struct StartRequest {
 
 /// Reads the arguments, the program's name first. Needs no display.
 StartRequest ParseCommandLine(const QStringList& arguments);
+
+/// What the help tells of the program.
+qncomm::Usage UsageOfProgram();
 
 } // namespace qnterm

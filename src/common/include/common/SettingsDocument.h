@@ -41,6 +41,8 @@ class SettingsDocument {
     /// The value without its escapes; nothing when there is no such key.
     [[nodiscard]] std::optional<std::string> Value(std::string_view sSection,
                                                    std::string_view sKey) const;
+    /// The names of the sections, each once, in their order.
+    [[nodiscard]] std::vector<std::string> Sections() const;
     /// Sets any bytes as a key's value. A new key goes to the end of its section, a new section to
     /// the end of the text.
     void SetValue(std::string_view sSection, std::string_view sKey, std::string_view sValue);

@@ -43,6 +43,9 @@ class FileSettings : public RegSettings {
     std::string ReadValue(std::string_view sSection, std::string_view sKey,
                           std::string_view sDefault) const override;
 
+    /// The names of the sections that the file has, in their order; read as a value is.
+    std::vector<std::string> Sections() const;
+
     /// Raises 70 (no permission, or the lock is held for 5000 ms), 61 (disk full) or 75, source
     /// "FileSettings:WriteValue", with path and reason in the description. A value that is already
     /// there costs no write.
@@ -63,6 +66,7 @@ class FileSettings : public RegSettings {
 
     static Version VersionOf(const std::string& path);
     void Refresh() const;
+    const SettingsDocument& Document() const;
     void MoveDamagedAside() const;
     void Read() const;
     void Warn(const std::string& line) const;
