@@ -8,8 +8,8 @@ namespace qncomm {
 namespace {
 
 /// Values that are names of files.
-constexpr std::array<std::string_view, 7> FileValues{"FILE",   "HOSTFILE", "PATH", "DIR",
-                                                     "FOLDER", "IN",       "OUT"};
+constexpr std::array<std::string_view, 8> FileValues{"PLACE", "FILE",   "HOSTFILE", "PATH",
+                                                     "DIR",   "FOLDER", "IN",       "OUT"};
 
 /// How far a command line has come.
 struct Place {
