@@ -250,6 +250,7 @@ int main(int argc, char** argv) {
               .font = pango_font_description_from_string("Monospace 11")};
     if (!h.control) return 1;
     make_window(&h);
+    qn_SetBackColor(h.control, 0xFFFFFF);
     qn_on_screen(h.control, screen_changed, &h);
     qn_on(h.control, "StatusEvent", status_told, &h);
     const guint watch = g_unix_fd_add(qn_fd(h.control), G_IO_IN, dispatch, &h);
