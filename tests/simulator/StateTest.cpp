@@ -144,6 +144,17 @@ TEST_F(StateTest, DamagedFolderIsNamedAndThePrinterWorks) {
     EXPECT_NE(nowhere.Printer().Problem().find("/proc/none"), std::string::npos);
 }
 
+TEST_F(StateTest, FileThatIsLargerThanAnyPrintersMemoryIsDamage) {
+    { const PrinterRig rig(mAddress); }
+    constexpr std::uintmax_t largest = 256U << 20U;
+    std::ofstream(mFolder + "/c/f-BIG") << "10 PRINT 1\r\n";
+    EXPECT_EQ(PrinterRig(mAddress).Printer().Problem(), "");
+    std::filesystem::resize_file(mFolder + "/c/f-BIG", largest + 1); // a hole
+    PrinterRig again(mAddress);
+    EXPECT_NE(again.Printer().Problem().find(mFolder), std::string::npos);
+    EXPECT_EQ(again.Line("PRINT 1"), "1");
+}
+
 /// The folder's disk is full, as far as this process is concerned, while it lives.
 class NoRoomForFiles {
   public:

@@ -5,6 +5,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <filesystem>
 #include <fstream>
 
 namespace qncomm {
@@ -93,6 +94,12 @@ TEST_F(TraceFile, HasNoLineThatIsLongerThanARecord) {
     EXPECT_EQ(reading.records[0].bytes.size(), most.size());
     Write(begin + most + "a" + end + "\n");
     EXPECT_THAT(ReadTrace(mPath).result.text, HasSubstr("line 1 is no record"));
+}
+
+TEST_F(TraceFile, IsNotReadBeyondAGibibyte) {
+    Write("");
+    std::filesystem::resize_file(mPath, LargestTrace + 1); // a hole: the disk keeps none of it
+    EXPECT_THAT(ReadTrace(mPath).result.text, HasSubstr("file too large"));
 }
 
 TEST_F(TraceFile, NestsAsDeepAsItLikesAndIsNoRecord) {
