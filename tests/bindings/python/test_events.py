@@ -50,6 +50,32 @@ class Events(unittest.TestCase):
         with self.assertRaises(qncomm.QNError):
             self.printer.do_autoconnect()
 
+    def test_the_classes_behind_the_control_have_events_of_their_own(self):
+        told = []
+        self.printer.on("clsDataLink.StatusEvent", lambda event: told.append(event.progress_perc))
+        self.assertTrue(self.printer.do_autoconnect())
+        self.assertEqual(told[-1], 100)
+
+    def test_what_travels_on_the_line_is_traced(self):
+        heard = {"sent": b"", "received": b"", "event": b""}
+
+        def hear(kind, what):
+            heard[kind] += what
+
+        self.printer.on_trace(hear)
+        self.assertEqual(self.printer.printer_type, "R7G")
+        self.assertIn(b"SYSVAR", heard["sent"])
+        self.assertIn(b"Ok\r\n", heard["received"])
+        self.assertIn(b"open ", heard["event"])
+        self.printer.on_trace(None)
+
+        def fail(kind, what):
+            raise LookupError(kind)
+
+        self.printer.on_trace(fail)
+        with self.assertRaises(LookupError):
+            self.printer.do_autoconnect()
+
     def test_a_box_is_shown_by_the_host(self):
         shown = []
         self.printer.on_box(lambda text, title, buttons: shown.append((text, title, buttons)))

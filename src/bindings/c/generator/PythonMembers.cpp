@@ -264,21 +264,25 @@ std::string RecordTables() {
            + others;
 }
 
+std::string LowerCase(std::string text) {
+    std::ranges::transform(text, text.begin(), [](char c) {
+        return static_cast<char>(std::tolower(static_cast<unsigned char>(c)));
+    });
+    return text;
+}
+
 std::string EventTable() {
     std::string text = "\n# The names of the arguments of the events.\nEVENTS: dict[str, "
                        "Sequence[str]] = {\n";
-    for (const SurfaceEvent& event : ControlClass().events) {
-        std::string name(event.name);
-        std::ranges::transform(name, name.begin(), [](char c) {
-            return static_cast<char>(std::tolower(static_cast<unsigned char>(c)));
-        });
-        text += "    \"" + name + "\": "
-                + Tuple(event.parameters,
-                        [](const MemberParameter& parameter) {
-                            return '"' + ArgumentName(parameter.name) + '"';
-                        })
-                + ",\n";
-    }
+    for (const SurfaceClass* of : SurfaceClasses())
+        for (const SurfaceEvent& event : of->events)
+            text += "    \"" + LowerCase(std::string(of->name) + "." + std::string(event.name))
+                    + "\": "
+                    + Tuple(event.parameters,
+                            [](const MemberParameter& parameter) {
+                                return '"' + ArgumentName(parameter.name) + '"';
+                            })
+                    + ",\n";
     return text + "}\n";
 }
 

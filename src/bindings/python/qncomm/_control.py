@@ -28,6 +28,8 @@ class Event:
 
 Handler = Callable[[Event], Any]
 
+_TRACE_KINDS = ("sent", "received", "event")
+
 
 class _Interrupt:
     """Ctrl-C during a call: the control's loop wakes, and what runs is cancelled. In the main thread
@@ -205,7 +207,7 @@ class Control(ControlMembers):
         or one of "clsQuorin.…" and "clsDataLink.…"), in place of the one before; None hears no
         more. A result that is true stops a long operation; so does an error, which the call then
         raises."""
-        key = event.rpartition(".")[2].lower()
+        key = (event if "." in event else "QNComm." + event).lower()
         names = EVENTS.get(key, ())
 
         def hear(_user: Any, values: Any, count: int) -> int:
@@ -223,7 +225,7 @@ class Control(ControlMembers):
 
         function = c.EventHandler(hear) if handler is not None else ctypes.cast(0, c.EventHandler)
         self._check(library.qn_on(self._handle, event.encode(), function, None))
-        self._handlers[event.lower()] = function
+        self._handlers[key] = function
 
     def on_box(self, handler: Optional[Callable[[str, str, int], int]]) -> None:
         """Has message boxes shown by handler(text, title, buttons), which returns 1 for OK, 2 for
@@ -240,6 +242,22 @@ class Control(ControlMembers):
         function = c.BoxHandler(show) if handler is not None else ctypes.cast(0, c.BoxHandler)
         self._check(library.qn_on_box(self._handle, function, None))
         self._handlers["a box"] = function
+
+    def on_trace(self, handler: Optional[Callable[[str, bytes], Any]]) -> None:
+        """Has handler(kind, what) called for all that travels on the line: "sent" and "received"
+        with bytes, "event" with what happened to the port. It must not call the control; an error
+        that it raises leaves the call that runs."""
+
+        def hear(_user: Any, _ms: int, kind: int, what: c.Bytes) -> None:
+            try:
+                if handler is not None:
+                    handler(_TRACE_KINDS[kind], ctypes.string_at(what.bytes, what.length))
+            except BaseException as error:
+                self._raised = self._raised or error
+
+        function = c.TraceHandler(hear) if handler is not None else ctypes.cast(0, c.TraceHandler)
+        self._check(library.qn_on_trace(self._handle, function, None))
+        self._handlers["the trace"] = function
 
     def cancel(self) -> None:
         """From any thread: ends what runs, which then raises Cancelled."""
