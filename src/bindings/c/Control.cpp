@@ -1,6 +1,5 @@
 #include "Control.h"
 
-#include "assembly/AllChannelKinds.h"
 #include "common/MemorySettings.h"
 #include "common/QNError.h"
 #include "common/RuntimeErrors.h"
@@ -33,9 +32,13 @@ void Choose(Number& option, auto chosen) {
     if (chosen > 0) option = static_cast<Number>(chosen);
 }
 
-ControlAssembly::Options OptionsOf(const qn_options& options, TraceSink& trace) {
+ControlAssembly::Options OptionsOf(const qn_options& options, TraceSink& trace,
+                                   const HostLines& lines) {
     ControlAssembly::Options all;
-    all.bindings = PortBindings(AllChannelKinds());
+    all.bindings = PortBindings(KindsWithHostLines());
+    all.factory = [&lines](const PortAddress& address, Reactor& reactor) {
+        return lines.Make(address, reactor);
+    };
     all.trace = &trace;
     all.link.remembered = options.remembered != 0;
     all.link.listen = options.listen != 0;
@@ -72,7 +75,7 @@ qn_control::qn_control(const qn_options& options)
       returned(std::make_unique<Returned>(texts)),
       assembly(std::make_unique<ControlAssembly>(loop, ServicesOf(desk, boxes),
                                                  ControlView{desk.Host(), desk.Host(), screen},
-                                                 OptionsOf(options, trace))) {
+                                                 OptionsOf(options, trace, lines))) {
     QNComm& control = assembly->Control();
     desk.Host().Hold(&control);
     MemoryPropertyBag bag;

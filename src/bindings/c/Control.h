@@ -1,5 +1,6 @@
 #pragma once
 
+#include "HostLine.h"
 #include "HostServices.h"
 #include "Values.h"
 #include "assembly/ControlAssembly.h"
@@ -69,6 +70,7 @@ struct qn_control {
     qncomm::ConsoleDesk desk;
     qncomm::bindings::HostBoxes boxes;
     qncomm::bindings::HostTrace trace;
+    qncomm::bindings::HostLines lines;
     qncomm::bindings::HostScreen screen;
     qncomm::terminal::Damage damage; ///< told last
     qncomm::bindings::SignalCall signalled;

@@ -42,6 +42,7 @@ typedef struct test_case {
 extern const test_case call_cases[];
 extern const test_case bad_input_cases[];
 extern const test_case event_cases[];
+extern const test_case line_cases[];
 extern const test_case loop_cases[];
 extern const test_case settings_cases[];
 

@@ -27,6 +27,7 @@ int main(int argc, char** argv) {
     run_all(call_cases, wanted);
     run_all(bad_input_cases, wanted);
     run_all(event_cases, wanted);
+    run_all(line_cases, wanted);
     run_all(loop_cases, wanted);
     run_all(settings_cases, wanted);
     return failures == 0 ? 0 : 1;

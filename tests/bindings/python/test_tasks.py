@@ -16,10 +16,32 @@ class Tasks(unittest.IsolatedAsyncioTestCase):
             self.assertIsInstance(files, qncomm.Collection)
             await printer.set("back_color", 3)
             self.assertEqual(await printer.back_color(), 3)
+            await printer.set_back_color(4)
+            self.assertEqual(await printer.back_color(), 4)
+            outcome = await printer.module_upload(target_path="LABEL.PRG", module_text="10 END")
+            self.assertEqual(outcome.target_path, "tmp:LABEL.PRG")
             with self.assertRaises(AttributeError):
                 printer.no_member
             with self.assertRaises(qncomm.QNError):
                 await printer.files("nowhere:")
+
+    async def test_every_member_is_awaited_by_its_own_method(self):
+        for name in dir(qncomm.Control):
+            if name.startswith("_") or name != name.lower() or name in ("layer", "link", "step", "fileno"):
+                continue
+            self.assertTrue(callable(getattr(qncomm.AsyncControl, name)), name)
+
+    async def test_a_control_that_is_not_open_is_an_error(self):
+        with self.assertRaises(qncomm.QNError):
+            await qncomm.AsyncControl(PRINTER).printer_type()
+
+    async def test_another_task_cancels(self):
+        async with qncomm.AsyncControl(PRINTER) as printer:
+            await printer.on("StatusEvent", lambda event: printer.cancel())
+            try:
+                self.assertFalse(await printer.do_autoconnect())
+            except qncomm.Cancelled as error:
+                self.assertEqual(error.number, 18)
 
     async def test_many_printers_work_at_the_same_time(self):
         async def type_of():

@@ -22,5 +22,8 @@ async def types(addresses: list[str]) -> list[str]:
     found: list[str] = []
     for address in addresses:
         async with qncomm.AsyncControl(address) as printer:
-            found.append(await printer.printer_type())
+            name: str = await printer.printer_type()
+            await printer.set_back_color(0)
+            files: Optional[qncomm.Collection[qncomm.clsPrinterFile]] = await printer.files("c:")
+            found.append(f"{name} {len(files or ())}")
     return found

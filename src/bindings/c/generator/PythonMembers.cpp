@@ -100,6 +100,14 @@ class ClassWriter {
         return text;
     }
 
+    /// Each member to be awaited: a property by a method of its name, and set by "set_" and it.
+    std::string AwaitedMethods() const {
+        std::string text;
+        for (const SurfaceMember& member : mTable.members)
+            text += Awaited(member);
+        return text;
+    }
+
   private:
     static bool WritesBack(const SurfaceMember& member) {
         return std::ranges::any_of(member.parameters, &MemberParameter::writtenBack);
@@ -203,6 +211,24 @@ class ClassWriter {
                    + ") -> None:\n" + Body(member) + Alias(member);
         return "\n    def set_" + name + "(" + Parameters(member) + ") -> None:\n" + Body(member)
                + "\n    Set" + std::string(member.name) + " = set_" + name + "\n";
+    }
+
+    std::string Awaited(const SurfaceMember& member) const {
+        const bool sets = member.kind == MemberKind::Set;
+        const bool reads = member.kind == MemberKind::Get && member.parameters.empty();
+        const std::string name = SnakeName(member.name);
+        std::string arguments;
+        for (const MemberParameter& parameter : member.parameters)
+            arguments += ", " + ArgumentName(parameter.name);
+        std::string call = "self._member(\"" + name + "\"" + arguments + ")";
+        if (reads) call = "self._read(\"" + name + "\")";
+        if (sets)
+            call = IsRead(member) ? "self.set(\"" + name + "\"" + arguments + ")"
+                                  : "self._member(\"set_" + name + "\"" + arguments + ")";
+        const bool gives = member.result != MemberType::Nothing || WritesBack(member);
+        return "\n    async def " + (sets ? "set_" + name : name) + "(" + Parameters(member)
+               + ") -> " + ResultType(member) + ":\n" + DocString(Comment(member), 8) + "        "
+               + (gives ? "return " : "") + "await " + call + "\n";
     }
 
     const CallableClass& mOf;
@@ -310,6 +336,18 @@ constexpr std::string_view Calls = R"(
         raise NotImplementedError
 )";
 
+constexpr std::string_view AwaitedCalls = R"(
+    async def _read(self, name: str) -> Any:
+        raise NotImplementedError
+
+    async def _member(self, name: str, *arguments: Any) -> Any:
+        raise NotImplementedError
+
+    async def set(self, name: str, value: Any) -> None:
+        """Sets a property."""
+        raise NotImplementedError
+)";
+
 } // namespace
 
 std::string SnakeName(std::string_view name) {
@@ -336,6 +374,10 @@ std::string MembersModule(const CommentsOfClass& comments) {
         const ClassWriter writer(of, i == 0 ? "" : name, comments(of));
         text += writer.Outcomes() + "\n\nclass " + name + "Members:\n    \"\"\"The members of "
                 + std::string(of.name) + ".\"\"\"\n" + std::string(Calls) + writer.Methods();
+        if (i == 0)
+            text += "\n\nclass AwaitedMembers:\n    \"\"\"The members of " + std::string(of.name)
+                    + ", each awaited.\"\"\"\n" + std::string(AwaitedCalls)
+                    + writer.AwaitedMethods();
     }
     return text;
 }

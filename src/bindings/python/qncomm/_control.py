@@ -5,11 +5,11 @@ from __future__ import annotations
 import ctypes
 import signal
 import threading
-from typing import Any, Callable, Optional, Sequence, Union
+from typing import Any, Callable, Optional, Self, Sequence, Union
 
 from . import _library as c
 from ._library import library
-from ._members import EVENTS, FIELDS, ControlMembers, LayerMembers, LinkMembers
+from ._members import EVENTS, FIELDS, AwaitedMembers, ControlMembers, LayerMembers, LinkMembers
 from ._values import Cancelled, QNError, Settings, error_of, given, taken
 
 
@@ -121,7 +121,7 @@ class Control(ControlMembers):
             self._handle = handle
             raise error_of(handle)
 
-    def __enter__(self) -> Control:
+    def __enter__(self) -> Self:
         return self
 
     def __exit__(self, *_: Any) -> None:
@@ -296,11 +296,11 @@ class _Link(_Part, LinkMembers):
     pass
 
 
-class AsyncControl:
+class AsyncControl(AwaitedMembers):
     """A Control for asyncio, on a thread of its own: many printers work at the same time.
 
     Every member is awaited: `await printer.files("c:")`, `await printer.printer_type()`; a property
-    is set by `await printer.set("back_color", 0)`. A task that is cancelled cancels what runs.
+    is set by `await printer.set_back_color(0)`. A task that is cancelled cancels what runs.
     Handlers of events are called on the control's thread.
     """
 
@@ -318,12 +318,11 @@ class AsyncControl:
         try:
             return await asyncio.shield(done)
         except asyncio.CancelledError:
-            if self._control is not None:
-                self._control.cancel()
+            self.cancel()
             await asyncio.wait([done])  # its port is closed then
             raise
 
-    async def __aenter__(self) -> AsyncControl:
+    async def __aenter__(self) -> Self:
         self._control = await self._run(self._make)
         return self
 
@@ -337,17 +336,53 @@ class AsyncControl:
             await self._run(control.close)
         self._thread.shutdown(wait=False)
 
+    def _open(self) -> Control:
+        if self._control is None:
+            raise QNError(91, "QNComm", "The control is not open: use it in `async with`.")
+        return self._control
+
+    async def _read(self, name: str) -> Any:
+        control = self._open()
+        return await self._run(lambda: getattr(control, name))
+
+    async def _member(self, name: str, *arguments: Any) -> Any:
+        member = getattr(self._open(), name)
+        return await self._run(lambda: member(*arguments))
+
     async def set(self, name: str, value: Any) -> None:
         """Sets a property."""
-        await self._run(lambda: setattr(self._control, name, value))
+        control = self._open()
+        await self._run(lambda: setattr(control, name, value))
 
-    def __getattr__(self, name: str) -> Callable[..., Any]:
-        if name.startswith("_") or not hasattr(Control, name):
-            raise AttributeError(name)
+    async def call(self, name: str, *arguments: Any) -> Any:
+        """As Control.call."""
+        return await self._member("call", name, *arguments)
 
-        async def member(*arguments: Any, **named: Any) -> Any:
-            if isinstance(getattr(Control, name), property):
-                return await self._run(lambda: getattr(self._control, name))
-            return await self._run(lambda: getattr(self._control, name)(*arguments, **named))
+    async def bind(self, port: int, address: str) -> None:
+        """As Control.bind."""
+        await self._member("bind", port, address)
 
-        return member
+    async def show(self, shown: bool = True) -> None:
+        """As Control.show."""
+        await self._member("show", shown)
+
+    async def type(self, keys: bytes) -> int:
+        """As Control.type."""
+        return await self._member("type", keys)
+
+    async def on(self, event: str, handler: Optional[Handler]) -> None:
+        """As Control.on."""
+        await self._member("on", event, handler)
+
+    async def on_box(self, handler: Optional[Callable[[str, str, int], int]]) -> None:
+        """As Control.on_box."""
+        await self._member("on_box", handler)
+
+    async def on_trace(self, handler: Optional[Callable[[str, bytes], Any]]) -> None:
+        """As Control.on_trace."""
+        await self._member("on_trace", handler)
+
+    def cancel(self) -> None:
+        """From any thread: ends what runs, which then raises Cancelled."""
+        if self._control is not None:
+            self._control.cancel()

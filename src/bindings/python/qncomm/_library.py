@@ -96,8 +96,15 @@ _FUNCTIONS = {
 }
 
 
+def _path() -> str:
+    """The library that the environment names, the one that came with the module, or the system's."""
+    name = "libqncomm.so.0"
+    beside = os.path.join(os.path.dirname(__file__), name)
+    return os.environ.get("QNCOMM_LIBRARY") or (beside if os.path.exists(beside) else name)
+
+
 def _loaded() -> ctypes.CDLL:
-    library = ctypes.CDLL(os.environ.get("QNCOMM_LIBRARY", "libqncomm.so.0"))
+    library = ctypes.CDLL(_path())
     for name, (result, *arguments) in _FUNCTIONS.items():
         function = getattr(library, name)
         function.restype = result

@@ -205,6 +205,47 @@ const char* qn_error_description(const qn_control* control);
 /// 5 for what is no address.
 int qn_bind(qn_control* control, int port, const char* address);
 
+/// How a line is to be set.
+typedef struct qn_line_settings {
+    int baud;      ///< bits per second
+    char parity;   ///< n, e, o, m or s
+    int data_bits; ///< 7 or 8
+    int stop_bits; ///< 1 or 2
+    int xon_xoff;  ///< flow control by bytes
+    int rts_cts;   ///< flow control by the lines RTS and CTS
+} qn_line_settings;
+
+/// A line to a printer that the host serves: a driver of its own, a tunnel, a test. Called on the
+/// control's thread; must not call the control. Set all of it to 0 and then size; those that may be
+/// NULL say so.
+typedef struct qn_line_functions {
+    size_t size; ///< sizeof(qn_line_functions), so that a later library knows this one
+    /// Opens the line; a search opens and closes it often. Returns 0, or a number of errno.
+    int (*open)(void* user, const qn_line_settings* settings);
+    /// Closes the open line and forgets what has not left; never waits for the line.
+    void (*close)(void* user);
+    /// Sets the open line anew. Returns 0, or a number of errno. NULL: any settings will do.
+    int (*configure)(void* user, const qn_line_settings* settings);
+    /// A descriptor of the open line, which the control sleeps on and never reads: readable while
+    /// bytes wait, writable while there is room for some. The same until it is closed.
+    int (*handle)(void* user);
+    /// Takes up to size bytes that have come, and never waits. Returns how many, 0 for none now,
+    /// less for a line that is gone.
+    ptrdiff_t (*read)(void* user, char* bytes, size_t size);
+    /// Sends some of the bytes, from their start, and never waits. Returns how many, 0 when there
+    /// is no room, less for a line that is gone.
+    ptrdiff_t (*write)(void* user, const char* bytes, size_t size);
+    /// Begins a break (on other than 0) or ends it. Returns 0, or a number of errno. NULL: the line
+    /// has none.
+    int (*hold_break)(void* user, int on);
+    /// Whether the printer holds DSR. NULL: the line has no modem lines.
+    int (*dsr)(void* user);
+} qn_line_functions;
+
+/// Binds a port's number (0 to 16) to a line of the host. The functions are copied; user must live
+/// until the control is gone. Fails with 5 for functions that are missing.
+int qn_bind_line(qn_control* control, int port, const qn_line_functions* functions, void* user);
+
 /// Shows the control to itself, as a form would (shown other than 0), or hides it. Shown, it holds
 /// the port open and its terminal takes what the printer sends; members that need an open port then
 /// have one.
