@@ -113,11 +113,12 @@ void PDQComm::Close() {
 
 // A channel that closes discards what has not left yet.
 void PDQComm::LetLastWordsLeave() {
+    bool gone = false;
     Wait wait(mReactor, {.wholeMs = LastWordsMs});
-    wait.Until([this] { return mOpen == nullptr || mOpen->OutputPending() == 0; },
-               [this](std::int32_t ms) {
+    wait.Until([&] { return gone || mOpen == nullptr || mOpen->OutputPending() == 0; },
+               [&](std::int32_t ms) {
                    const std::int64_t left = LineTimeUs(mOpen->OutputPending());
-                   mReactor.WaitFor(-1, {}, std::clamp<std::int64_t>(left, 500, ms * 1000LL));
+                   gone = mOpen->Wait({}, std::clamp<std::int64_t>(left, 500, ms * 1000LL)).hungUp;
                });
 }
 
