@@ -153,7 +153,7 @@ bool IsWhole(const qn_line_functions& functions) {
 } // namespace
 
 std::string HostLines::Add(const qn_line_functions& functions, void* user) {
-    const std::string address = std::string(Scheme) + std::to_string(mLines.size() + 1);
+    std::string address = std::string(Scheme) + std::to_string(mLines.size() + 1);
     mLines.try_emplace(address, LineOfHost{functions, user});
     return address;
 }
