@@ -181,7 +181,7 @@ void Rfc2217Channel::OnDue() {
 }
 
 IoResult Rfc2217Channel::Configure(const LineSettings& settings) {
-    const IoResult result = Converse(Rfc2217Talk::Change, settings);
+    IoResult result = Converse(Rfc2217Talk::Change, settings);
     if (mWatch) Want(mWanted);
     return result;
 }
