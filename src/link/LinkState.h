@@ -109,7 +109,9 @@ struct LinkState {
     /// does not wait any more.
     void AwaitPort();
     void OpenPort();
-    /// Opens the port now or, where that would wait, as soon as it does not.
+    /// Whether the host is not kept waiting by an opening, or has not asked for that.
+    bool MayOpenNow() const;
+    /// Opens the port now or, where the host is not to wait for it, as soon as nothing waits.
     void OpenForTerminal();
     /// Opens the port again in the same way, as part of an operation that had closed it.
     void OpenSoon();

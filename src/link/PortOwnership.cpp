@@ -36,7 +36,11 @@ PortClaim LinkState::ClaimLine(bool exclusive) {
     if (exclusive) Serial().SetTag(ExclusiveMark);
     PortClaim claim(*this, ++useCount, exclusive);
     AbandonPoll();
-    if (useCount == 1 || portLost) OpenPort();
+    if (useCount == 1 || portLost) {
+        portLost = true; // until it is open: who gives it up meanwhile has no closing to tell
+        AwaitPort();
+        OpenPort();
+    }
     Serial().SetReceiveMode(ReceiveToLink);
     return claim;
 }
@@ -129,8 +133,6 @@ void LinkState::AwaitPort() {
 }
 
 void LinkState::OpenPort() {
-    portLost = true; // until it is open: who gives it up meanwhile has no closing to tell
-    AwaitPort();
     portLost = false;
     reopenTimer.reset();
     try {
@@ -168,15 +170,19 @@ void LinkState::OnPortLost() {
     RaisePortState(false);
 }
 
+bool LinkState::MayOpenNow() const {
+    return !host.options.opensBeside || Serial().ReachPort();
+}
+
 void LinkState::OpenForTerminal() {
-    if (Serial().ReachPort())
+    if (MayOpenNow())
         OpenPort();
     else
         OpenWhenReached();
 }
 
 void LinkState::OpenSoon() {
-    if (Serial().ReachPort())
+    if (MayOpenNow())
         Serial().SetPortOpen(true);
     else if (useCount > 0)
         OpenWhenReached();

@@ -87,6 +87,14 @@ TEST_F(Descriptors, OfARemotePortArePassedToNobody) {
     }
 }
 
+TEST_F(Descriptors, OfAVirtualPrinterThatKeepsItsStateArePassedToNobody) {
+    StartSimulator({"--state", PathOf("state"), "--labels", PathOf("labels")});
+    ASSERT_EQ(Run({"send", "PRINT 7", "--port", Printer()}).out, "7\n");
+    const auto open = OpenIn(Simulator().Process());
+    AreItsOwn(open);
+    EXPECT_THAT(open, Contains(Key(StartsWith("/dev/"))));
+}
+
 TEST_F(Descriptors, WhatAMacroStartsHasStandardStreamsAlone) {
     StartSimulator();
     WriteHostFile("look", "#!/bin/sh\nls -l /proc/$$/fd > " + PathOf("seen") + "\n");

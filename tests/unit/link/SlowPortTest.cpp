@@ -9,7 +9,7 @@ namespace {
 /// A port whose far side answers after half a second.
 class SlowPort : public LinkFixture {
   protected:
-    SlowPort() {
+    explicit SlowPort(bool bBeside = true) : LinkFixture({.opensBeside = bBeside}) {
         mSerial.mReachable = false;
         mSerial.mOnOpen = [this] { mOpenedAt = mLoop.NowMs() - mBegun; };
     }
@@ -145,6 +145,20 @@ TEST_F(SlowPort, KeepsNoChangeOfSettingsWaiting) {
     EXPECT_FALSE(mSerial.PortOpen());
     AnswerAfter(100);
     mLink.Delay(200);
+    EXPECT_TRUE(mSerial.PortOpen());
+}
+
+/// A host that has not asked for that.
+class AwaitedPort : public SlowPort {
+  protected:
+    AwaitedPort() : SlowPort(false) {}
+};
+
+TEST_F(AwaitedPort, IsOpenWhenTheTerminalIsShown) {
+    mLink.SetTerminalActive(true);
+    EXPECT_TRUE(mSerial.PortOpen()) << "opening it waits by itself";
+    EXPECT_EQ(mPortStates, std::vector{true});
+    mLink.SetBaudrate("19200");
     EXPECT_TRUE(mSerial.PortOpen());
 }
 

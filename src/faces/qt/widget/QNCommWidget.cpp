@@ -40,6 +40,7 @@ QNCommWidget::QNCommWidget(Mode mode, QWidget* parent, ControlAssembly::Options 
     QtServices& services = *p.services;
     QtReactor& reactor = QtReactor::OfApplication();
     if (options.bindings.List().empty()) options.bindings = PortBindings(AllChannelKinds());
+    options.link.opensBeside = true; // a window stands still for no device server
     options.keep = std::make_shared<std::pair<std::shared_ptr<void>, std::shared_ptr<void>>>(
         p.services, options.keep);
     p.assembly = std::make_unique<ControlAssembly>(

@@ -29,6 +29,10 @@ struct LinkOptions {
     /// come by themselves nothing is sent, the search ends, and LastSearch tells what the line
     /// says. A search that was answered by noise then also tries even, odd and space parity.
     bool listen = false;
+    /// The terminal opens a port whose far side is slow to answer beside the host's work, as soon
+    /// as that has answered: SetTerminalActive and a change of settings do not wait for it. Without
+    /// this they do, and return with the port open or refused.
+    bool opensBeside = false;
     /// What a port number stands for, such as "/dev/ttyUSB0": what is remembered belongs to that.
     /// Empty, or an empty answer: to the number.
     std::function<std::string(std::int16_t)> addressOf = {};
