@@ -65,6 +65,18 @@ constexpr std::array GuardedCalls{
                 "platform/FileOpening.cpp platform/DurableFile.cpp platform/ProcessLauncher.cpp "
                 "platform/StandardStreams.cpp serial/TtyProbe.cpp "
                 "simulator/endpoints/PtyEndpoint.cpp"},
+    // What is open is no business of a program that is started: a child gets what it is given.
+    GuardedCall{"::open", R"(::open(at|64)?\s*\((?![^;]*\b(O_CLOEXEC|AlwaysFlags)\b))",
+                "gives a child what is open", "platform/StandardStreams.cpp"},
+    GuardedCall{"::socket ::accept4", R"(::(socket(pair)?|accept4)\s*\((?![^;]*SOCK_CLOEXEC))",
+                "gives a child what is open", ""},
+    GuardedCall{"eventfd signalfd memfd_ timerfd_ create1 pipe2 dup3",
+                R"(::(eventfd|signalfd|memfd_create|timerfd_create|epoll_create1|pipe2|dup3))"
+                R"(\s*\((?![^;]*CLOEXEC))",
+                "gives a child what is open", ""},
+    GuardedCall{"::accept ::pipe ::dup epoll_create F_DUPFD",
+                R"(::(accept|pipe|dup2?|epoll_create)\s*\(|\bF_DUPFD\b)",
+                "gives a child what is open", "platform/ProcessLauncher.cpp"},
     GuardedCall{"fopen freopen creat mkstemp mkostemp tmpfile",
                 R"(\b(f(re)?open|creat|mko?stemps?|tmpfile)\s*\()", "opens", ""},
     GuardedCall{"fstream", R"(\bstd::[io]?fstream\b)", "opens", ""},

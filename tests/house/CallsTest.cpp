@@ -34,12 +34,30 @@ TEST(CallRules, RefuseASleepOfOnesOwnWhereverItStands) {
 
 TEST(CallRules, RefuseFilesThatAreOpenedWithoutALook) {
     for (const char* opening :
-         {"Fd fd(::open(path, O_RDONLY));", "std::ifstream in(path);",
+         {"Fd fd(::open(path, O_RDONLY | O_CLOEXEC));", "std::ifstream in(path);",
           "FILE* f = std::fopen(path, mode);", "QSaveFile file(path);", "QFile file(path);"})
         EXPECT_THAT(StrayCalls("trace/X.cpp", opening), ElementsAre(HasSubstr("opens"))) << opening;
     EXPECT_THAT(StrayCalls("trace/X.cpp", "OpenToRead(path, {}, fd); QFileInfo(path).fileName()"),
                 IsEmpty());
-    EXPECT_THAT(StrayCalls("platform/FileOpening.cpp", "::open(path, flags)"), IsEmpty());
+    EXPECT_THAT(StrayCalls("platform/FileOpening.cpp", "::open(path, flags | AlwaysFlags)"),
+                IsEmpty());
+}
+
+TEST(CallRules, RefuseWhatAChildWouldInherit) {
+    for (const char* inherited :
+         {"fd = ::open(name,\n             O_RDWR);", "::openat(folder, name, O_PATH);",
+          "::socket(AF_INET, SOCK_STREAM, 0);", "::accept(listener, nullptr, nullptr);",
+          "::accept4(listener, nullptr, nullptr, SOCK_NONBLOCK);", "::pipe(ends);", "::dup(fd);",
+          "::eventfd(0, EFD_NONBLOCK);", "::epoll_create1(0);", "::fcntl(fd, F_DUPFD, 3);",
+          "::signalfd(-1, &signals, SFD_NONBLOCK); Use(O_CLOEXEC);"})
+        EXPECT_THAT(StrayCalls("platform/FileOpening.cpp", inherited),
+                    ElementsAre(HasSubstr("gives a child what is open")))
+            << inherited;
+    for (const char* kept :
+         {"::open(name, O_RDWR | O_CLOEXEC);",
+          "::socket(AF_INET,\n SOCK_STREAM | SOCK_CLOEXEC, 0);", "::pipe2(ends, O_CLOEXEC);",
+          "::fcntl(fd, F_DUPFD_CLOEXEC, 3);", "::timerfd_create(CLOCK_MONOTONIC, TFD_CLOEXEC);"})
+        EXPECT_THAT(StrayCalls("platform/FileOpening.cpp", kept), IsEmpty()) << kept;
 }
 
 TEST(CallRules, RefuseWaysAroundTheFunctionsForTextsOfOthers) {
