@@ -69,8 +69,9 @@ void AutoConnectSearch::FindTalk() {
             const std::string settings = rate + "," + format;
             Serial().SetPortOpen(false);
             if (!TryOpen(settings)) continue;
-            ListenToLine(mState, SettleMs, SettleMs);
-            Flush(); // what came in the moment of the change was sent or read at other settings
+            // What comes now was sent or read at other settings; an adapter keeps a lot of it.
+            DropTalk(mState, SettleMs);
+            Flush();
             if (!IsReadable(Classify(ListenToLine(mState, TasteMs, LongestTasteMs)))) continue;
             mReport.heard = Classify(ListenToLine(mState, ListenMs, LongestTalkMs));
             mReport.settings = settings;

@@ -29,4 +29,12 @@ HeardLine ListenToLine(LinkState& state, std::int32_t quietMs, std::int32_t most
     return heard;
 }
 
+void DropTalk(LinkState& state, std::int32_t ms) {
+    Wait wait(state.host.loop, {.wholeMs = ms});
+    state.Await(wait, [&] {
+        state.Serial().Read();
+        return !state.Serial().PortOpen();
+    });
+}
+
 } // namespace qncomm

@@ -56,7 +56,13 @@ std::optional<std::vector<std::string>> WordsOf(std::string_view line) {
 
 std::optional<BatchLine> BatchReader::Next(Outcome& outcome) {
     while (const auto text = mInput.ReadLine()) {
-        ++mNumber;
+        if (++mNumber > MostBatchLines && mKept) {
+            outcome =
+                At(Refused(ExitStatus::Usage,
+                           "a batch has at most " + std::to_string(MostBatchLines) + " lines."),
+                   Place());
+            return std::nullopt;
+        }
         const auto words = WordsOf(*text);
         if (words && words->empty()) continue;
         Outcome wrong = Refused(ExitStatus::Usage, "a quote does not end.");
@@ -70,16 +76,8 @@ std::optional<BatchLine> BatchReader::Next(Outcome& outcome) {
 
 std::vector<BatchLine> ReadBatch(BatchReader& reader, Outcome& outcome) {
     std::vector<BatchLine> lines;
-    while (const auto line = reader.Next(outcome)) {
-        if (reader.Number() > MostBatchLines) {
-            outcome =
-                At(Refused(ExitStatus::Usage,
-                           "a batch has at most " + std::to_string(MostBatchLines) + " lines."),
-                   reader.Place());
-            break;
-        }
+    while (const auto line = reader.Next(outcome))
         lines.push_back(*line);
-    }
     return lines;
 }
 

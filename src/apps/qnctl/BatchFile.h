@@ -5,6 +5,7 @@
 
 #include "console/LineReader.h"
 
+#include <cstdint>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -27,23 +28,24 @@ std::optional<std::vector<std::string>> WordsOf(std::string_view line);
 /// The lines of a batch as they come.
 class BatchReader {
   public:
-    /// sName stands for the batch in outcomes; input must outlive the object.
-    BatchReader(std::string sName, qncomm::LineReader& input)
-        : mName(std::move(sName)), mInput(input) {}
+    /// sName stands for the batch in outcomes; input must outlive the object. bKept: the lines are
+    /// kept until the last one has come, so that there may be no end of them only where they are
+    /// not.
+    BatchReader(std::string sName, qncomm::LineReader& input, bool bKept)
+        : mName(std::move(sName)), mInput(input), mKept(bKept) {}
 
     /// The next line that is a call. Nothing at the end, and, with the outcome set, for a line that
     /// cannot be understood; the one behind it can be read all the same. Throws what the input's
     /// loop throws.
     std::optional<BatchLine> Next(Outcome& outcome);
-    /// The number of the last line that was read, from 1 on.
-    int Number() const { return mNumber; }
-    /// Where it stands, for outcomes.
-    std::string Place() const { return mName + ":" + std::to_string(mNumber); }
 
   private:
+    std::string Place() const { return mName + ":" + std::to_string(mNumber); }
+
     std::string mName;
     qncomm::LineReader& mInput;
-    int mNumber = 0;
+    bool mKept;
+    std::int64_t mNumber = 0; ///< of the last line that was read, from 1 on
 };
 
 /// Reads a batch to its end and understands all of it, so that a mistake is found before the first

@@ -169,7 +169,7 @@ Outcome Batch(Session& session, const BatchArguments& arguments) {
         if (!opened.Ok()) return Refused(ExitStatus::Usage, opened.text + ".");
     }
     qncomm::LineReader input(session.Loop(), file ? file.Get() : STDIN_FILENO);
-    BatchReader reader(arguments.file, input);
+    BatchReader reader(arguments.file, input, static_cast<bool>(file));
     if (!file) return Converse(session, reader, arguments);
     const auto lines = ReadBatch(reader, outcome);
     if (!outcome.Ok()) return outcome;

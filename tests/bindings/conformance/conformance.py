@@ -19,8 +19,15 @@ import threading
 from qnctl_door import RUN, Qnctl
 
 HERE = os.path.dirname(os.path.abspath(__file__))
-SLICES = 12  # of the members, at the same time: a door mostly waits for its printer
-TRIES = 4  # times that a difference must be seen: a busy machine changes what a line says in time
+SLICES = 4  # of the members, at the same time: a door mostly waits for its printer
+
+
+def machine_of_its_own():
+    """A printer is another machine: it goes before what keeps this one busy, as far as this user may arrange that."""
+    try:
+        os.setpriority(os.PRIO_PROCESS, 0, -15)
+    except OSError:
+        pass
 
 
 class Printer:
@@ -36,7 +43,7 @@ class Printer:
         line = ["--pty"] if kind == "pty" else ["--tcp", "0"]
         self._process = subprocess.Popen(
             [os.path.join(programs, "qnsim"), "--model", self.MODEL, "--boot-ms", "300", *line],
-            stdout=subprocess.PIPE, text=True,
+            stdout=subprocess.PIPE, text=True, preexec_fn=machine_of_its_own,
         )
         said = self._process.stdout.readline()
         self.address = re.search(r"(/dev/\S+|tcp://\S*\d)", said).group(1)
@@ -55,10 +62,17 @@ def without(address, documents):
     return json.loads(json.dumps(documents).replace(address, "ADDRESS"))
 
 
+def heard(document):
+    """What a line said in a document, without noise: what was on its way while a search changed the rate comes as bytes
+    of which none is text, and how many they are is a matter of the moment."""
+    return document | {"received": re.sub("[\0\x80-\xff]", "", document["received"])}
+
+
 class Suite:
     def __init__(self, programs, kind):
         self._programs = programs
         self._kind = kind
+        self.in_time = kind == "sim"
         samples = os.path.join(programs, "conformance_samples")
         events = subprocess.check_output([samples, "events"], text=True).split()
         lines = subprocess.check_output([samples, "calls"], text=True).splitlines()
@@ -99,7 +113,9 @@ class Suite:
             if door == "qnctl":
                 program = Qnctl(os.path.join(self._programs, "qnctl"), folder)
                 told = {job["at"]: program.run(job | {"address": printer.address}) for job in jobs}
-                return {at: (without(printer.address, documents), line) for at, (documents, line) in told.items()}
+                return {
+                    at: (without(printer.address, documents), line and heard(line)) for at, (documents, line) in told.items()
+                }
             said = [
                 json.dumps(job | {
                     "address": printer.address,
@@ -110,13 +126,15 @@ class Suite:
             done = subprocess.run(
                 self._commands[door], input="\n".join(said), text=True, cwd=folder, stdout=subprocess.PIPE, timeout=600
             )
-            documents = [without(printer.address, json.loads(line)) for line in done.stdout.splitlines()]
+            documents = [
+                [heard(each) for each in without(printer.address, json.loads(line))] for line in done.stdout.splitlines()
+            ]
             if done.returncode != 0 or len(documents) != len(jobs):
                 at = jobs[min(len(documents), len(jobs) - 1)]["member"]
                 raise SystemExit(f"{door} ended with {done.returncode} at {at['class']}.{at['name']}")
             return {job["at"]: (told, None) for job, told in zip(jobs, documents)}
 
-    def run_all(self, runs, slices):
+    def run_all(self, runs):
         """What each door brings back of its jobs; all of them run at the same time."""
         found = {door: {} for door in runs}
         failed = []
@@ -128,8 +146,8 @@ class Suite:
                 failed.append(error)
 
         threads = [
-            threading.Thread(target=work, args=(door, list(jobs)[first::slices]))
-            for door, jobs in runs.items() for first in range(min(slices, len(jobs)))
+            threading.Thread(target=work, args=(door, list(jobs)[first::SLICES]))
+            for door, jobs in runs.items() for first in range(min(SLICES, len(jobs)))
         ]
         for thread in threads:
             thread.start()
@@ -149,14 +167,21 @@ def leveled(value):
     return value
 
 
+def searched(document):
+    """Whether a printer was searched for in a call. How that goes depends on how quickly a printer of its own process
+    answers within the 50 ms of a probe; one in the door's own process (sim) always does, so there it is compared, too."""
+    begins = ("AutoConnect", "Searching", "Reading Printer Setup")
+    return any(name.endswith("StatusEvent") and told[0].startswith(begins) for name, told in document["events"])
+
+
 def parted(what, one, other):
     """Where two texts or lists part, in few words."""
     at = next((i for i, (a, b) in enumerate(zip(one, other)) if a != b), min(len(one), len(other)))
     return f"{what}: {json.dumps(one[at : at + 80])[:400]} became {json.dumps(other[at : at + 80])[:400]} at {at}"
 
 
-def difference(expected, told, call, by_command_line):
-    """What two documents of one call tell differently, if anything."""
+def difference(expected, told, call, by_command_line, in_time):
+    """What two documents of one call tell differently, if anything; in_time: searches go the same way, too."""
     if expected.get("error") or told.get("error"):
         one, other = expected.get("error") or {}, told.get("error") or {}
         if by_command_line and call and call["form"] not in RUN and one and other:
@@ -170,13 +195,15 @@ def difference(expected, told, call, by_command_line):
         for name, value in expected["back"].items():
             if value != told["back"].get(name, value) or (name not in told["back"] and call["form"] == "given"):
                 return f"{name} {value!r} came back as {told['back'].get(name)!r}"
-    for what in () if by_command_line else ("events", "sent", "received"):
+    if by_command_line or (not in_time and (searched(expected) or searched(told))):
+        return None
+    for what in ("events", "sent", "received"):
         if expected[what] != told[what]:
             return parted(what, expected[what], told[what])
     return None
 
 
-def compared(job, door, expected, told):
+def compared(job, door, expected, told, in_time):
     """How many calls were compared, and the first difference."""
     documents, line = told
     offset = 0 if door == "qnctl" else len(expected) - len(job["calls"])
@@ -187,11 +214,11 @@ def compared(job, door, expected, told):
         if other.get("unsaid"):
             continue
         call = job["calls"][at - offset] if at >= offset else None
-        wrong = difference(one, other, call, door == "qnctl")
+        wrong = difference(one, other, call, door == "qnctl", in_time)
         if wrong:
             return count, f"{json.dumps(call)}: {wrong}"
         count += call is not None
-    if line is not None:
+    if line is not None and (in_time or not any(map(searched, [*prepared, *expected]))):
         said = [one for one, other, call in zip(expected, documents, job["calls"])
                 if call["form"] in RUN and not other.get("unsaid")]
         for what in ("sent", "received"):
@@ -205,23 +232,15 @@ def judged(suite, jobs):
     """For each job and door how many calls were equal, and the difference if there is one."""
     results = {}
     wanted = {door: [job for job in jobs if suite.takes(door, job)] for door in suite.doors}
-    slices = SLICES
-    for _ in range(TRIES):
-        runs = dict(wanted)
-        for door, part in wanted.items():
-            reference = suite.reference(door)
-            runs[reference] = {job["at"]: job for job in [*runs.get(reference, ()), *part]}.values()
-        found = suite.run_all(runs, slices)
-        for door, part in wanted.items():
-            for job in part:
-                at = job["at"]
-                told = found[suite.reference(door)][at][0]
-                results[at, door] = compared(job, door, told, found[door][at])
-        wanted = {
-            door: [job for job in part if results[job["at"], door][1]] for door, part in wanted.items()
-        }
-        if not any(wanted.values()):
-            break
+    runs = dict(wanted)
+    for door, part in wanted.items():
+        reference = suite.reference(door)
+        runs[reference] = {job["at"]: job for job in [*runs.get(reference, ()), *part]}.values()
+    found = suite.run_all(runs)
+    for door, part in wanted.items():
+        for job in part:
+            at = job["at"]
+            results[at, door] = compared(job, door, found[suite.reference(door)][at][0], found[door][at], suite.in_time)
     return results
 
 

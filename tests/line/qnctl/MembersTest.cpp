@@ -93,10 +93,14 @@ TEST_F(Calls, OfABatchAreOneHundredThousandLinesAndNoneLongerThanAMebibyte) {
             lines += "#\n";
         return lines;
     }();
-    EXPECT_EQ(Run({"batch", "-"}, comments).status, 0);
-    const Ended more = Run({"batch", "-"}, comments + "#\n");
+    const std::string path = PathOf("batch");
+    WriteHostFile("batch", comments);
+    EXPECT_EQ(Run({"batch", path}).status, 0);
+    WriteHostFile("batch", comments + "#\n");
+    const Ended more = Run({"batch", path});
     EXPECT_EQ(more.status, 2);
-    EXPECT_EQ(more.err, "qnctl: -:100001: a batch has at most 100000 lines.\n");
+    EXPECT_EQ(more.err, "qnctl: " + path + ":100001: a batch has at most 100000 lines.\n");
+    EXPECT_EQ(Run({"batch", "-"}, comments + "#\n").status, 0) << "none of them is kept";
     const Ended longer = Run({"batch", "-"}, "#" + std::string(1 << 20, 'x') + "\n");
     EXPECT_EQ(longer.status, 1);
     EXPECT_THAT(longer.err, testing::HasSubstr("more than 1048576 bytes"));

@@ -86,6 +86,19 @@ TEST_F(ListenFirst, AProgramOfAnotherParityIsReadThere) {
     EXPECT_EQ(mLink.LastSearch().settings, "9600,e,7,2");
 }
 
+TEST_F(ListenFirst, WhatAnAdapterKeptFromOtherSettingsIsNoSignOfAnotherFormat) {
+    mTalker = mLoop.StartTimer(1, [this, at = std::string(), kept = 0]() mutable {
+        if (at != mSerial.PortSettings()) kept = 3;
+        at = mSerial.PortSettings();
+        const bool readable = EqualNoCase(at, "19200,n,8,2") && --kept < 0;
+        mSerial.Arrive(readable ? "42\r\n" : std::string(4096, '\xFE'));
+    });
+    EXPECT_FALSE(mLink.AutoConnect(1));
+    ExpectLeftAlone();
+    EXPECT_EQ(mLink.LastSearch().settings, "19200,n,8,2");
+    EXPECT_EQ(SentenceFor(mLink.LastSearch()), "a program is running; it says: 42");
+}
+
 TEST_F(ListenFirst, NoiseThatNothingReadsIsTold) {
     Talk("", "none", 10);
     const std::int64_t start = mLoop.NowMs();

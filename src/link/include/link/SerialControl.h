@@ -129,8 +129,8 @@ class SerialControl {
 
     /// Begins to connect to the chosen port with its settings, or looks how far that is, without
     /// waiting: whether SetPortOpen would not be kept waiting by a far side that does not answer.
-    /// Yield goes on with it. True as well once it has failed, which SetPortOpen then tells, and for
-    /// what need not be connected to.
+    /// Yield goes on with it. True as well once it has failed, which SetPortOpen then tells, and
+    /// for what need not be connected to.
     virtual bool ReachPort() { return true; }
 
     /// Whether port iPort could be opened now. Opens nothing that another holds and leaves nothing

@@ -47,10 +47,10 @@ class ByteChannel {
     /// a closed one closed. Connects where only a connection tells.
     virtual IoResult Probe() = 0;
 
-    /// Begins what Open would wait for (a name, a connection, a remote port's answers), or looks how
-    /// far that is, without waiting: whether Open with these settings would not wait. Yield goes on
-    /// with it. A failure counts as reached, and is what Open then returns. What is reached and not
-    /// opened within two seconds is let go of again.
+    /// Begins what Open would wait for (a name, a connection, a remote port's answers), or looks
+    /// how far that is, without waiting: whether Open with these settings would not wait. Yield
+    /// goes on with it. A failure counts as reached, and is what Open then returns. What is reached
+    /// and not opened within two seconds is let go of again.
     virtual bool Reach(const LineSettings& settings) {
         static_cast<void>(settings);
         return true;

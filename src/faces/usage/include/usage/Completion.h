@@ -16,8 +16,8 @@ struct Offer {
 
 /// What can stand in a word's place.
 struct Offers {
-    std::vector<Offer> words;
-    bool files = false; ///< names of files belong here, which a shell knows best
+    std::vector<Offer> words; ///< whole words that begin as the one that is typed
+    bool files = false;       ///< names of files belong here, which a shell knows best
 };
 
 /// The words that a value of that name, such as "ADDRESS", can be just now; empty when nobody

@@ -13,8 +13,8 @@ namespace qncomm {
 
 /// What a program prints, and the status that it ends with.
 struct ShellAnswer {
-    std::string text;
-    int status = 0;
+    std::string text; ///< UTF-8, with the end of its last line
+    int status = 0;   ///< 0, or Files
 
     /// The status of a completion where names of files belong.
     static constexpr int Files = 3;
