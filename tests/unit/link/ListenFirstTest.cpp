@@ -87,11 +87,14 @@ TEST_F(ListenFirst, AProgramOfAnotherParityIsReadThere) {
 }
 
 TEST_F(ListenFirst, WhatAnAdapterKeptFromOtherSettingsIsNoSignOfAnotherFormat) {
-    mTalker = mLoop.StartTimer(1, [this, at = std::string(), kept = 0]() mutable {
+    std::string noise;
+    while (noise.size() < 4096)
+        noise += "\xFE\xF8\x80\xC0";
+    mTalker = mLoop.StartTimer(1, [this, noise, at = std::string(), kept = 0]() mutable {
         if (at != mSerial.PortSettings()) kept = 3;
         at = mSerial.PortSettings();
         const bool readable = EqualNoCase(at, "19200,n,8,2") && --kept < 0;
-        mSerial.Arrive(readable ? "42\r\n" : std::string(4096, '\xFE'));
+        mSerial.Arrive(readable ? "42\r\n" : noise);
     });
     EXPECT_FALSE(mLink.AutoConnect(1));
     ExpectLeftAlone();
