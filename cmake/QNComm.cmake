@@ -53,7 +53,7 @@ function(qn_library name)
 endfunction()
 
 # qn_test(NAME SOURCES … LINKS … [LABELS …] [ALONE]): a GoogleTest program whose cases ctest runs one by one; ALONE keeps
-# others away meanwhile, for those that look at times.
+# others away meanwhile: a program may still hold the lock of a pseudo-terminal's name when its number is given out again.
 function(qn_test name)
   cmake_parse_arguments(ARG "ALONE" "" "SOURCES;LINKS;LABELS" ${ARGN})
   add_executable(${name} ${ARG_SOURCES})
